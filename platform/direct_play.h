@@ -1,0 +1,139 @@
+#pragma once
+
+// Sessions of two computers and the messages between them: connection methods, search, create, join, players, a queue
+// of messages for each player, guaranteed delivery.
+
+#include <cstdint>
+#include <memory>
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+/// A network operation that failed; says on what and why.
+class DirectPlayError : public std::runtime_error {
+public:
+  using std::runtime_error::runtime_error;
+};
+
+constexpr std::int32_t DPCONNECTION_DIRECTPLAY = 1;
+constexpr std::int32_t DPENUMSESSIONS_AVAILABLE = 1;
+constexpr std::int32_t DPOPEN_JOIN = 1;
+constexpr std::int32_t DPOPEN_CREATE = 2;
+constexpr std::int32_t DPSESSION_MIGRATEHOST = 4;
+constexpr std::int32_t DPRECEIVE_ALL = 1;
+constexpr std::int32_t DPSEND_GUARANTEED = 1;
+constexpr std::int32_t DPID_ALLPLAYERS = 0;
+
+/// A sequence of typed fields, read back in the order written.
+class DirectPlayMessage {
+public:
+  virtual ~DirectPlayMessage() = default;
+
+  virtual void WriteString(const std::string &value) = 0;
+  virtual void WriteLong(std::int32_t value) = 0;
+  virtual void WriteSingle(float value) = 0;
+
+  // Each read takes the next field. @throws DirectPlayError if there is none or it is of another type.
+  virtual std::string ReadString() = 0;
+  virtual std::int32_t ReadLong() = 0;
+  virtual float ReadSingle() = 0;
+
+  /// Whether every field has been read.
+  virtual bool AtEnd() const = 0;
+
+  /// News of the session layer itself, below all tags: a player came, the other player is lost for good.
+  enum class Kind { Game, PlayerJoined, ConnectionLost };
+  virtual Kind GetKind() const = 0;
+};
+
+/// A session's description: search template, row of a search, or the session to open.
+struct DirectPlaySessionData {
+  void SetGuidApplication(const std::string &guid) { guid_ = guid; }
+  void SetSessionName(const std::string &name) { name_ = name; }
+  void SetSessionPassword(const std::string &password) { password_ = password; }
+  void SetMaxPlayers(std::int32_t players) { maxPlayers_ = players; }
+  void SetFlags(std::int32_t flags) { flags_ = flags; }
+  /// Rounds of the match: the host's, carried to everybody who finds the session.
+  void SetRounds(std::int16_t rounds) { rounds_ = rounds; }
+  /// Filled by a search.
+  void SetCurrentPlayers(std::int32_t players) { currentPlayers_ = players; }
+  /// How to reach the session: for the layer that found it.
+  void SetAddress(const std::string &address) { address_ = address; }
+
+  const std::string &GetGuidApplication() const { return guid_; }
+  const std::string &GetSessionName() const { return name_; }
+  const std::string &GetSessionPassword() const { return password_; }
+  std::int32_t GetMaxPlayers() const { return maxPlayers_; }
+  std::int32_t GetCurrentPlayers() const { return currentPlayers_; }
+  std::int32_t GetFlags() const { return flags_; }
+  std::int16_t GetRounds() const { return rounds_; }
+  const std::string &GetAddress() const { return address_; }
+
+private:
+  std::string guid_;
+  std::string name_;
+  std::string password_;
+  std::string address_;
+  std::int32_t maxPlayers_ = 0;
+  std::int32_t currentPlayers_ = 0;
+  std::int32_t flags_ = 0;
+  std::int16_t rounds_ = 0;
+};
+
+/// The connection methods of this computer. Indices run from 1.
+class DirectPlayEnumConnections {
+public:
+  virtual ~DirectPlayEnumConnections() = default;
+  virtual std::int32_t GetCount() const = 0;
+  virtual std::string GetName(std::int32_t index) const = 0;
+  virtual std::string GetAddress(std::int32_t index) const = 0;
+};
+
+/// What a search found. Indices run from 1; another index is a failure.
+class DirectPlayEnumSessions {
+public:
+  virtual ~DirectPlayEnumSessions() = default;
+  virtual std::int32_t GetCount() const = 0;
+  virtual DirectPlaySessionData GetItem(std::int32_t index) const = 0;
+};
+
+/// The network. Every operation but the message queue's throws DirectPlayError on failure.
+class DirectPlay4 {
+public:
+  virtual ~DirectPlay4() = default;
+
+  virtual std::shared_ptr<DirectPlayEnumConnections> GetDPEnumConnections(const std::string &guid,
+                                                                          std::int32_t flags) = 0;
+
+  /// Binds a fresh object to a connection method. Called once.
+  virtual void InitializeConnection(const std::string &address) = 0;
+
+  virtual DirectPlaySessionData CreateSessionData() = 0;
+
+  /// Searches for sessions that can be joined and returns when the search is over, after about a second at the most. May
+  /// put up a dialog that asks where to search.
+  virtual std::shared_ptr<DirectPlayEnumSessions> GetDPEnumSessions(const DirectPlaySessionData &wanted,
+                                                                    std::int32_t timeout, std::int32_t flags) = 0;
+
+  /// Creates the session and becomes its host, or joins it.
+  virtual void Open(const DirectPlaySessionData &session, std::int32_t flags) = 0;
+
+  /// Makes the local player and returns its id. The other computer gets a system message.
+  virtual std::int32_t CreatePlayer(const std::string &friendly, const std::string &formal, std::int32_t event,
+                                    std::int32_t flags) = 0;
+
+  /// Messages that wait for a player, system messages included.
+  virtual std::int32_t GetMessageCount(std::int32_t player) = 0;
+
+  /// Takes the oldest message off the queue.
+  virtual std::shared_ptr<DirectPlayMessage> Receive(std::int32_t &from, std::int32_t &to, std::int32_t flags) = 0;
+
+  virtual std::shared_ptr<DirectPlayMessage> CreateMessage() = 0;
+
+  /// Sends to the other player without loss, without repeat and in order, across breaks of the line. Never blocks.
+  virtual void Send(std::int32_t from, std::int32_t to, std::int32_t flags, const DirectPlayMessage &message) = 0;
+
+  /// Leaves the session at once; nobody can join it any more. What was sent before still goes out, so far as it can
+  /// without waiting longer than a moment.
+  virtual void Close() = 0;
+};

@@ -1,0 +1,75 @@
+#include "platform/machine.h"
+
+#include <algorithm>
+
+void Machine::RunPolls() {
+  std::erase_if(polls_, [](const auto &poll) { return poll.expired(); });
+  // A poll may register another one, so the list can grow while it is walked.
+  for (std::size_t i = 0; i < polls_.size(); ++i) {
+    if (const auto poll = polls_[i].lock()) (*poll)();
+  }
+}
+
+std::shared_ptr<void> Machine::OnPump(std::function<void()> poll) {
+  auto handle = std::make_shared<std::function<void()>>(std::move(poll));
+  polls_.push_back(handle);
+  return handle;
+}
+
+void Machine::Pump() {
+  Collect();
+  RunPolls();
+  while (!events_.empty()) {
+    const Event event = std::move(events_.front());
+    events_.pop_front();
+    if (Receives(*event.window)) event.call();
+    if (events_.empty()) Collect();
+  }
+}
+
+void Machine::WaitUntil(std::int32_t deadline) {
+  if (!HasEvents() && !ClockReached(deadline)) Sleep(deadline);
+  Pump();
+}
+
+void Machine::Wait() {
+  if (!HasEvents()) Sleep(std::nullopt);
+  Pump();
+}
+
+void Machine::ShowModal(Window &window) {
+  struct Modal {
+    Machine &machine;
+    Window &window;
+    Modal(Machine &owner, Window &shown) : machine(owner), window(shown) {
+      machine.modal_.push_back(&window);
+      machine.Show(window);
+    }
+    ~Modal() {
+      std::erase(machine.modal_, &window);
+      machine.Hide(window);
+    }
+  };
+  const Modal modal(*this, window);
+  while (window.Visible) Wait();
+}
+
+void Machine::Post(Window &window, std::function<void()> call) { events_.push_back({&window, std::move(call)}); }
+
+void Machine::Forget(Window &window) {
+  std::erase_if(events_, [&](const Event &event) { return event.window == &window; });
+}
+
+float Machine::Rnd() {
+  // 24 random bits are as many as a 32-bit float below 1 can hold, so the quotient is exact.
+  constexpr float Range = 16777216.0f;
+  return static_cast<float>(generator_() >> 8) / Range;
+}
+
+void CloseByUser(Machine &machine, Window &window) {
+  if (window.QueryClose) {
+    window.QueryClose();
+  } else {
+    machine.Hide(window);
+  }
+}
