@@ -164,4 +164,5 @@ struct Window {
 
   std::function<void()> Click;      ///< a click where no control stands
   std::function<void()> QueryClose; ///< the close box; without a handler the window hides
+  std::function<void()> Deactivate; ///< the window has lost the keyboard to another window or a box
 };
