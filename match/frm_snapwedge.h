@@ -1,7 +1,7 @@
 #pragma once
 
-// The play window. A whole match is its fields and its procedures: the fields stand here, grouped by subject; each
-// procedure is defined in the folder and file named above its group.
+// The play window. A whole match is its fields and its procedures: the fields stand here, grouped by subject;
+// each procedure is defined in the folder and file named above its group.
 
 #include "match/program.h"
 #include "scene/graph/rm_canvas.h"
@@ -15,12 +15,13 @@ public:
   /// Lays the window out (scene/play_window.cpp). Nothing shows before `Load`.
   frmSnapwedge(Machine &onMachine, Program &ofProgram);
 
-  // ---- The match -----------------------------------------------------------------------------------------------
+  // ---- The match
+  // -----------------------------------------------------------------------------------------------
 
   // match/match_loop.cpp
 
-  /// Plays the whole match, from the set-up to the end card. Never returns: the end of the match is the end of the
-  /// program.
+  /// Plays the whole match, from the set-up to the end card. Never returns: the end of the match is the end
+  /// of the program.
   /// @throws ProgramEnd  at the end of the match, on Esc, and when the other computer has left
   [[noreturn]] void Load();
 
@@ -28,8 +29,8 @@ public:
   void PlayRounds();
   [[noreturn]] void EndMatch();
 
-  /// One idle frame of the turn loop with that letter: "A" side A at the mouse, "B" the computer, "C" the other
-  /// computer, "D" side B at the mouse.
+  /// One idle frame of the turn loop with that letter: "A" side A at the mouse, "B" the computer, "C" the
+  /// other computer, "D" side B at the mouse.
   void Frame(const std::string &WMOD);
 
   /// Every frame calls it first with the letter of its loop. It does nothing.
@@ -41,62 +42,67 @@ public:
   /// Pumps until the clock reaches `FrameEnd`; returns at once if it has, without a pump.
   void WaitForStepEnd();
 
-  void MyDelay();        ///< waits 3000 ms and pumps: a result card
-  void MyDelayNoCard();  ///< waits 1000 ms and pumps: a result without its card
-  void MyDelay2();       ///< waits 1000 ms, looks at the network and pumps: the waiting computer's pause
+  void MyDelay();       ///< waits 3000 ms and pumps: a result card
+  void MyDelayNoCard(); ///< waits 1000 ms and pumps: a result without its card
+  void MyDelay2();      ///< waits 1000 ms, looks at the network and pumps: the waiting computer's pause
 
   // match/reset.cpp
 
-  /// The turnover: gives the piece to the other side and puts everything back at the near end. The only writer of
-  /// `MyTurn` during a match.
+  /// The turnover: gives the piece to the other side and puts everything back at the near end. The only
+  /// writer of `MyTurn` during a match.
   void Reset();
 
   // match/judging.cpp
 
-  /// Looks straight down from the piece's centre. Returns "OK", or "Fall" when nothing lies there; `Fall` has run then.
+  /// Looks straight down from the piece's centre. Returns "OK", or "Fall" when nothing lies there; `Fall` has
+  /// run then.
   std::string CheckRay();
 
   /// The piece's drop off the table, its card and the turnover.
   void Fall();
 
-  /// The verdict when a flick has come to rest: looks straight down from the piece's three corners, adds points, shows
-  /// cards, and ends the possession where the rules end it.
+  /// The verdict when a flick has come to rest: looks straight down from the piece's three corners, adds
+  /// points, shows cards, and ends the possession where the rules end it.
   void CheckScore(std::int16_t &Side);
 
   // match/cards.cpp
 
-  /// Shows the result card `MES`, 1 to 7, for its three seconds, with its sounds. On the waiting computer of a network
-  /// game it only pauses.
+  /// Shows the result card `MES`, 1 to 7, for its three seconds, with its sounds. On the waiting computer of
+  /// a network game it only pauses.
   void ShowMessage(std::int16_t &MES);
   void ShowMessage(std::int16_t &&MES) { ShowMessage(MES); }
 
-  Flag AnyPictures();  ///< -1 if a result card is up
-  void PostScore();    ///< writes both score lines and the round line
+  Flag AnyPictures();                 ///< -1 if a result card is up
+  void PostScore();                   ///< writes both score lines and the round line
   PictureBox &Card(std::int16_t MES); ///< the card of that code, 1 to 7
 
   Program &program;
   Machine &machine;
 
-  std::int16_t Round = 0;       ///< running round, 1 to `Rounds`; 0 before the first
-  std::int16_t Player = 0;      ///< 1 while `MyTurn` is set, else 2; on the waiting computer as the sender says
-  std::int16_t Shots = 3;       ///< attempts left in this possession
-  std::int32_t HomeScore = 0;   ///< points of side A
-  std::int32_t AwayScore = 0;   ///< points of side B
-  std::int32_t FrameStart = 0;  ///< clock at the start of the present step, ms
-  std::int32_t FrameEnd = 0;    ///< clock at which the present step may end, ms
-  std::string PieceSurface;     ///< name found under the piece's centre by the last `CheckRay`; empty for nothing
-  std::string CornerSurface;    ///< name found under the corner that `CheckScore` tested last
+  std::int16_t Round = 0;     ///< running round, 1 to `Rounds`; 0 before the first
+  std::int16_t Player = 0;    ///< 1 while `MyTurn` is set, else 2; on the waiting computer as the sender says
+  std::int16_t Shots = 3;     ///< attempts left in this possession
+  std::int32_t HomeScore = 0; ///< points of side A
+  std::int32_t AwayScore = 0; ///< points of side B
+  std::int32_t FrameStart = 0; ///< clock at the start of the present step, ms
+  std::int32_t FrameEnd = 0;   ///< clock at which the present step may end, ms
+  std::string PieceSurface; ///< name found under the piece's centre by the last `CheckRay`; empty for nothing
+  std::string CornerSurface; ///< name found under the corner that `CheckScore` tested last
 
-  // ---- Phase: what the mouse may do ------------------------------------------------------------------------------
+  // ---- Phase: what the mouse may do
+  // ------------------------------------------------------------------------------
 
-  Flag Busy = False;          ///< a card or delay runs, or this computer waits for the other's possession
-  Flag NoShot = False;        ///< no shot may begin
-  Flag ShotPending = False;   ///< the left button went down and its shot isn't over; idle frames don't draw meanwhile
-  Flag KickMode = False;      ///< the point-after runs: the next shot is a kick
-  std::int16_t MouseMode = 0; ///< 0 aiming, 1 left button held (the meter charges), 2 right button held (orbit)
-  Flag ShiftDown = False;     ///< Shift is held: the mouse zooms
+  Flag Busy = False;   ///< a card or delay runs, or this computer waits for the other's possession
+  Flag NoShot = False; ///< no shot may begin
+  Flag ShotPending =
+      False; ///< the left button went down and its shot isn't over; idle frames don't draw meanwhile
+  Flag KickMode = False; ///< the point-after runs: the next shot is a kick
+  std::int16_t MouseMode =
+      0;                  ///< 0 aiming, 1 left button held (the meter charges), 2 right button held (orbit)
+  Flag ShiftDown = False; ///< Shift is held: the mouse zooms
 
-  // ---- The shot --------------------------------------------------------------------------------------------------
+  // ---- The shot
+  // --------------------------------------------------------------------------------------------------
 
   // shot/aim.cpp
 
@@ -118,11 +124,12 @@ public:
 
   // shot/flick.cpp
 
-  /// Flies one flick from start to verdict and returns when all that follows from it is over: the result card, after a
-  /// Touchdown the whole point-after sequence, and the turnover.
+  /// Flies one flick from start to verdict and returns when all that follows from it is over: the result
+  /// card, after a Touchdown the whole point-after sequence, and the turnover.
   ///
-  /// Motion is counted in steps, never in time: step k moves the piece Force / 50 scene units along the aim's -z and
-  /// spins it Force / 200 rad, then Force falls by `ForceDecay`. The same arguments give the same path to the bit.
+  /// Motion is counted in steps, never in time: step k moves the piece Force / 50 scene units along the aim's
+  /// -z and spins it Force / 200 rad, then Force falls by `ForceDecay`. The same arguments give the same path
+  /// to the bit.
   ///
   /// @param ShotX,ShotY,ShotZ  where `AimFrame` stands at the shot, scene units
   /// @param Power              speed, 0 to 120; counted down in place, 0 (or a fall) when it returns
@@ -130,24 +137,24 @@ public:
   /// @param UpX,UpY,UpZ        `AimFrame`'s up vector, unit length, in the scene
   /// @param Side               the side that shoots, 1 or 2
   /// @throws SceneError        if a frame operation fails; a ray that finds nothing is a fall, no error
-  void Flick(float &ShotX, float &ShotY, float &ShotZ, float &Power, float &DirX, float &DirY, float &DirZ, float &UpX,
-             float &UpY, float &UpZ, std::int16_t &Side);
+  void Flick(float &ShotX, float &ShotY, float &ShotZ, float &Power, float &DirX, float &DirY, float &DirZ,
+             float &UpX, float &UpY, float &UpZ, std::int16_t &Side);
   void PrematureFlick(); ///< the meter passed its limit: a flick of 120
 
   // shot/kick.cpp
 
-  /// Flies one kick at the posts, scores it and shows its card. Arguments as in `Flick`; `Power` is above 0 and holds
-  /// the forward step, a negative number, when it returns.
-  void KickFB(float &ShotX, float &ShotY, float &ShotZ, float &Power, float &DirX, float &DirY, float &DirZ, float &UpX,
-              float &UpY, float &UpZ);
+  /// Flies one kick at the posts, scores it and shows its card. Arguments as in `Flick`; `Power` is above 0
+  /// and holds the forward step, a negative number, when it returns.
+  void KickFB(float &ShotX, float &ShotY, float &ShotZ, float &Power, float &DirX, float &DirY, float &DirZ,
+              float &UpX, float &UpY, float &UpZ);
   void MoveGoal();      ///< one step of the posts
   void CheckFG();       ///< the verdict on a kick; the kicker's computer alone gives it
   void PrematureKick(); ///< the meter passed its limit: a kick of 30
 
   // shot/point_after.cpp
 
-  /// The point-after sequence between a Touchdown and the turnover: sets the piece up and runs frames with moving posts
-  /// until the kick is over.
+  /// The point-after sequence between a Touchdown and the turnover: sets the piece up and runs frames with
+  /// moving posts until the kick is over.
   void MPAT();
   void HumanKickFrame();
   void ComputerKickFrame();
@@ -160,61 +167,64 @@ public:
 
   std::int16_t MouseHomeX = 0; ///< the pointer's home, screen pixels
   std::int16_t MouseHomeY = 0;
-  std::int32_t CursorX = 0;    ///< the pointer's place as last read, screen pixels
+  std::int32_t CursorX = 0; ///< the pointer's place as last read, screen pixels
   std::int32_t CursorY = 0;
-  float Force = 0;             ///< power of the shot; the meter's value while it charges; a running flick's speed
-  float ForceDecay = 0;        ///< loss of `Force` in a step
-  float FrameX = 0, FrameY = 0, FrameZ = 0; ///< `AimFrame`'s place at the flick
-  float X1 = 0, Y1 = 0, Z1 = 0;             ///< its direction
-  float X2 = 0, Y2 = 0, Z2 = 0;             ///< its up vector
+  float Force = 0;      ///< power of the shot; the meter's value while it charges; a running flick's speed
+  float ForceDecay = 0; ///< loss of `Force` in a step
+  float FrameX = 0, FrameY = 0, FrameZ = 0;             ///< `AimFrame`'s place at the flick
+  float X1 = 0, Y1 = 0, Z1 = 0;                         ///< its direction
+  float X2 = 0, Y2 = 0, Z2 = 0;                         ///< its up vector
   float KickFrameX = 0, KickFrameY = 0, KickFrameZ = 0; ///< the same for a kick
   float KickX1 = 0, KickY1 = 0, KickZ1 = 0;
   float KickX2 = 0, KickY2 = 0, KickZ2 = 0;
-  float KickRise = 0;     ///< height that a kick gains in half a step
-  float KickDrop = 0;     ///< loss of `KickRise` in a step
-  Flag KickGood = False;  ///< the kick went between the posts
-  float GoalSpeed = 0;    ///< the posts' step in x
+  float KickRise = 0;    ///< height that a kick gains in half a step
+  float KickDrop = 0;    ///< loss of `KickRise` in a step
+  Flag KickGood = False; ///< the kick went between the posts
+  float GoalSpeed = 0;   ///< the posts' step in x
 
-  // ---- The scene -------------------------------------------------------------------------------------------------
+  // ---- The scene
+  // -------------------------------------------------------------------------------------------------
 
-  void LoadScene();     ///< builds the whole world (scene/load_scene.cpp)
-  void LookCam();       ///< turns the camera to the piece (scene/camera.cpp)
-  void WinCam();        ///< the view of a result, from above the far corner on the piece's side (scene/camera.cpp)
-  void CloseUp();       ///< the view of the piece from 20 above and 20 behind it, drawn at once (scene/camera.cpp)
-  void SideCam();       ///< puts the camera at the sideline, without turning it (scene/camera.cpp)
-  void Wind();          ///< moves the sky one step (scene/camera.cpp)
+  void LoadScene(); ///< builds the whole world (scene/load_scene.cpp)
+  void LookCam();   ///< turns the camera to the piece (scene/camera.cpp)
+  void WinCam();  ///< the view of a result, from above the far corner on the piece's side (scene/camera.cpp)
+  void CloseUp(); ///< the view of the piece from 20 above and 20 behind it, drawn at once (scene/camera.cpp)
+  void SideCam(); ///< puts the camera at the sideline, without turning it (scene/camera.cpp)
+  void Wind();    ///< moves the sky one step (scene/camera.cpp)
   void ToggleStadium(); ///< the S key: takes stadium, lines and sky away or back (scene/camera.cpp)
   void TurnColor();     ///< marks the side on turn and writes shots and round (scene/play_window.cpp)
 
   RMCanvas RMCanvas1;
   Ref<Direct3DRMFrame3> CameraFrame, PieceFrame, AimFrame, ArrowFrame, CornerA, CornerB, CornerC, TableFrame,
       GoalFrame, SkyFrame, StadiumFrame;
-  Ref<Direct3DRMMeshBuilder3> PieceMesh, TableMesh, SkyMesh, BonusMesh, ExtraMesh, ArrowMesh, GoalMesh, StadiumMesh,
-      LinesMesh;
+  Ref<Direct3DRMMeshBuilder3> PieceMesh, TableMesh, SkyMesh, BonusMesh, ExtraMesh, ArrowMesh, GoalMesh,
+      StadiumMesh, LinesMesh;
   Ref<Direct3DRMTexture> LooseTexture, GrassTexture, SkyTexture, StadiumTexture;
   Ref<Direct3DRMMaterial2> YellowMaterial, WhiteMaterial;
-  Ref<Direct3DRMWrap> Wrap; ///< the wrap made last
-  D3DRMRAY Ray;             ///< the one pick ray
+  Ref<Direct3DRMWrap> Wrap;                    ///< the wrap made last
+  D3DRMRAY Ray;                                ///< the one pick ray
   float CamX = 0, CamY = 0, CamZ = 0;          ///< camera in the scene, read once in a `CheckMouse`
   float CamOfsX = 0, CamOfsY = 0, CamOfsZ = 0; ///< camera relative to `AimFrame` at the start of a flick
   float SkyU = 0, SkyV = 0;                    ///< texture origin of the sky
 
-  // ---- The controls ----------------------------------------------------------------------------------------------
+  // ---- The controls
+  // ----------------------------------------------------------------------------------------------
 
-  Label lblPlayer1, lblPlayer2;  ///< score lines
-  Label Label3, Label4;          ///< turn arrows
-  Label Label1, Label2, Label5;  ///< round, shots, the other computer's version
-  TextBox Text1, Text2;          ///< chat: the other's last line, the line being typed
-  ProgressBar ProgressBar1;      ///< the power meter
+  Label lblPlayer1, lblPlayer2; ///< score lines
+  Label Label3, Label4;         ///< turn arrows
+  Label Label1, Label2, Label5; ///< round, shots, the other computer's version
+  TextBox Text1, Text2;         ///< chat: the other's last line, the line being typed
+  ProgressBar ProgressBar1;     ///< the power meter
   PictureBox Picture1, Picture2, Picture3, Picture4, Picture5, Picture6, Picture7; ///< the result cards
 
-  // ---- The other computer ------------------------------------------------------------------------------------------
+  // ---- The other computer
+  // ------------------------------------------------------------------------------------------
 
   // net/messages.cpp
   void SendVersion();
   void SyncScore(); ///< sends both scores and the round, then writes the score lines
-  void SendFlick(float &ShotX, float &ShotY, float &ShotZ, float &Power, float &DirX, float &DirY, float &DirZ,
-                 float &UpX, float &UpY, float &UpZ, std::int16_t &Side);
+  void SendFlick(float &ShotX, float &ShotY, float &ShotZ, float &Power, float &DirX, float &DirY,
+                 float &DirZ, float &UpX, float &UpY, float &UpZ, std::int16_t &Side);
   void SendFG(float &ShotX, float &ShotY, float &ShotZ, float &Power, float &DirX, float &DirY, float &DirZ,
               float &UpX, float &UpY, float &UpZ, std::int16_t &Side);
   void SendResult(std::int16_t MES);
@@ -224,8 +234,8 @@ public:
   void SendOver();
 
   // net/message_pump.cpp
-  void CheckMessages();  ///< takes one message off the queue, if there is one, and acts on it
-  void CanIContinue();   ///< waits for the other computer's "Continue"
+  void CheckMessages(); ///< takes one message off the queue, if there is one, and acts on it
+  void CanIContinue();  ///< waits for the other computer's "Continue"
   void Text2_KeyPress(std::int16_t KeyCode);
   [[noreturn]] void OtherSideLeft(); ///< tells that the other player has gone, and ends the program
 

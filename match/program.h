@@ -1,6 +1,7 @@
 #pragma once
 
-// The program-wide variables. One record is one running program: two of them in one process are two computers.
+// The program-wide variables. One record is one running program: two of them in one process are two
+// computers.
 
 #include "platform/machine.h"
 
@@ -8,7 +9,8 @@
 #include <memory>
 #include <string>
 
-/// A truth value as the game stores it: 0 is false, -1 is true, and any value but 0 tests as true. Toggled by `~`.
+/// A truth value as the game stores it: 0 is false, -1 is true, and any value but 0 tests as true. Toggled by
+/// `~`.
 using Flag = std::int16_t;
 constexpr Flag False = 0;
 constexpr Flag True = -1;
@@ -63,8 +65,8 @@ struct Program {
   std::int32_t MyPlayerId = 0;
   std::int32_t FromId = 0; ///< written by each receive, read by nobody
   std::int32_t ToId = 0;
-  std::int32_t MsgCount = 0;                ///< messages waiting, as last counted
-  std::shared_ptr<DirectPlayMessage> InMsg; ///< last received
+  std::int32_t MsgCount = 0;                 ///< messages waiting, as last counted
+  std::shared_ptr<DirectPlayMessage> InMsg;  ///< last received
   std::shared_ptr<DirectPlayMessage> OutMsg; ///< last built
 
   /// Plays a sound once if there is sound.

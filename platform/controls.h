@@ -1,8 +1,8 @@
 #pragma once
 
-// Controls as data. A control is a record of plain properties and handlers: the game writes a property and that is
-// all, and whatever stands behind the machine carries the change to the screen. What the user does comes back as a
-// call of the control's handler, made from inside a pump.
+// Controls as data. A control is a record of plain properties and handlers: the game writes a property and
+// that is all, and whatever stands behind the machine carries the change to the screen. What the user does
+// comes back as a call of the control's handler, made from inside a pump.
 
 #include <cstdint>
 #include <functional>
@@ -16,8 +16,8 @@ struct Color {
   bool operator==(const Color &) const = default;
 };
 
-/// Where a control stands in the client area of its window, in logical pixels. For a `Line`, Width and Height are the
-/// differences from its start point to its end point.
+/// Where a control stands in the client area of its window, in logical pixels. For a `Line`, Width and Height
+/// are the differences from its start point to its end point.
 struct Rectangle {
   int Left = 0;
   int Top = 0;
@@ -44,22 +44,23 @@ struct Typeface {
 
 enum class Align { Left, Center, Right };
 
-/// What every control has. A control is known by its address from the first showing of its window to the window's end,
-/// so it can't be copied or moved.
+/// What every control has. A control is known by its address from the first showing of its window to the
+/// window's end, so it can't be copied or moved.
 struct Control {
   Control() = default;
   Control(const Control &) = delete;
   Control &operator=(const Control &) = delete;
   virtual ~Control() = default;
 
-  std::string Name;            ///< as in the code, for scripts and tests
-  std::string AccessibleName;  ///< what a screen reader says where the control has no words of its own
+  std::string Name;           ///< as in the code, for scripts and tests
+  std::string AccessibleName; ///< what a screen reader says where the control has no words of its own
   Rectangle Place;
   bool Visible = true;
   bool Enabled = true;
   Typeface Font;
   Color ForeColor;
-  bool HasBackColor = false;  ///< false: the window's background shows through a label, the toolkit's own elsewhere
+  bool HasBackColor =
+      false; ///< false: the window's background shows through a label, the toolkit's own elsewhere
   Color BackColor;
 };
 
@@ -126,8 +127,8 @@ struct Line : Control {};
 /// An empty rectangle with a thin border.
 struct Shape : Control {};
 
-/// The rectangle in which a scene is drawn. Buttons: 1 left, 2 right. Key codes are those of `KeyCodes`. The place of
-/// the pointer is told in logical pixels from the control's corner.
+/// The rectangle in which a scene is drawn. Buttons: 1 left, 2 right. Key codes are those of `KeyCodes`. The
+/// place of the pointer is told in logical pixels from the control's corner.
 struct Canvas : Control {
   std::function<void(std::int16_t KeyCode, std::int16_t Shift)> KeyDown;
   std::function<void(std::int16_t KeyCode, std::int16_t Shift)> KeyUp;
@@ -144,7 +145,8 @@ constexpr std::int16_t S = 83;
 constexpr std::int16_t Tilde = 192; ///< the key left of "1", and any key that types "~" or "`"
 } // namespace KeyCodes
 
-/// A window of the desktop: title bar, fixed size, no minimise or maximise box, opened in the middle of the screen.
+/// A window of the desktop: title bar, fixed size, no minimise or maximise box, opened in the middle of the
+/// screen.
 struct Window {
   Window() = default;
   Window(const Window &) = delete;
@@ -153,14 +155,15 @@ struct Window {
 
   std::string Name;
   std::string Caption;
-  int Width = 0;  ///< client area, logical pixels
+  int Width = 0; ///< client area, logical pixels
   int Height = 0;
-  std::string Picture; ///< background: file in the game's "pictures" directory, without ".png"; empty for none
+  std::string
+      Picture; ///< background: file in the game's "pictures" directory, without ".png"; empty for none
   bool HasBackColor = false;
   Color BackColor;
   std::vector<Control *> Controls; ///< in the order of Tab; a later one lies over an earlier one
   bool Visible = false;            ///< written by the machine's `Show` and `Hide` and by nobody else
-  bool CapturesPointer = false;    ///< while it is the active window, the pointer is hidden and held at its home
+  bool CapturesPointer = false; ///< while it is the active window, the pointer is hidden and held at its home
 
   std::function<void()> Click;      ///< a click where no control stands
   std::function<void()> QueryClose; ///< the close box; without a handler the window hides

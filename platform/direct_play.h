@@ -1,7 +1,7 @@
 #pragma once
 
-// Sessions of two computers and the messages between them: connection methods, search, create, join, players, a queue
-// of messages for each player, guaranteed delivery.
+// Sessions of two computers and the messages between them: connection methods, search, create, join, players,
+// a queue of messages for each player, guaranteed delivery.
 
 #include <cstdint>
 #include <memory>
@@ -110,30 +110,33 @@ public:
 
   virtual DirectPlaySessionData CreateSessionData() = 0;
 
-  /// Searches for sessions that can be joined and returns when the search is over, after about a second at the most. May
-  /// put up a dialog that asks where to search.
-  virtual std::shared_ptr<DirectPlayEnumSessions> GetDPEnumSessions(const DirectPlaySessionData &wanted,
-                                                                    std::int32_t timeout, std::int32_t flags) = 0;
+  /// Searches for sessions that can be joined and returns when the search is over, after about a second at
+  /// the most. May put up a dialog that asks where to search.
+  virtual std::shared_ptr<DirectPlayEnumSessions>
+  GetDPEnumSessions(const DirectPlaySessionData &wanted, std::int32_t timeout, std::int32_t flags) = 0;
 
   /// Creates the session and becomes its host, or joins it.
   virtual void Open(const DirectPlaySessionData &session, std::int32_t flags) = 0;
 
   /// Makes the local player and returns its id. The other computer gets a system message.
-  virtual std::int32_t CreatePlayer(const std::string &friendly, const std::string &formal, std::int32_t event,
-                                    std::int32_t flags) = 0;
+  virtual std::int32_t CreatePlayer(const std::string &friendly, const std::string &formal,
+                                    std::int32_t event, std::int32_t flags) = 0;
 
   /// Messages that wait for a player, system messages included.
   virtual std::int32_t GetMessageCount(std::int32_t player) = 0;
 
   /// Takes the oldest message off the queue.
-  virtual std::shared_ptr<DirectPlayMessage> Receive(std::int32_t &from, std::int32_t &to, std::int32_t flags) = 0;
+  virtual std::shared_ptr<DirectPlayMessage> Receive(std::int32_t &from, std::int32_t &to,
+                                                     std::int32_t flags) = 0;
 
   virtual std::shared_ptr<DirectPlayMessage> CreateMessage() = 0;
 
-  /// Sends to the other player without loss, without repeat and in order, across breaks of the line. Never blocks.
-  virtual void Send(std::int32_t from, std::int32_t to, std::int32_t flags, const DirectPlayMessage &message) = 0;
+  /// Sends to the other player without loss, without repeat and in order, across breaks of the line. Never
+  /// blocks.
+  virtual void Send(std::int32_t from, std::int32_t to, std::int32_t flags,
+                    const DirectPlayMessage &message) = 0;
 
-  /// Leaves the session at once; nobody can join it any more. What was sent before still goes out, so far as it can
-  /// without waiting longer than a moment.
+  /// Leaves the session at once; nobody can join it any more. What was sent before still goes out, so far as
+  /// it can without waiting longer than a moment.
   virtual void Close() = 0;
 };

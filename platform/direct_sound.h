@@ -37,8 +37,8 @@ public:
   /// Plays from the present position, once or in a loop. On a buffer that plays already it changes nothing.
   virtual void Play(std::int32_t flags) = 0;
 
-  /// Stops and keeps the position: the next `Play` goes on from it. A buffer that has played to its end stands at its
-  /// start again.
+  /// Stops and keeps the position: the next `Play` goes on from it. A buffer that has played to its end
+  /// stands at its start again.
   virtual void Stop() = 0;
 };
 

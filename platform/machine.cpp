@@ -54,7 +54,9 @@ void Machine::ShowModal(Window &window) {
   while (window.Visible) Wait();
 }
 
-void Machine::Post(Window &window, std::function<void()> call) { events_.push_back({&window, std::move(call)}); }
+void Machine::Post(Window &window, std::function<void()> call) {
+  events_.push_back({&window, std::move(call)});
+}
 
 void Machine::Forget(Window &window) {
   std::erase_if(events_, [&](const Event &event) { return event.window == &window; });

@@ -1,7 +1,7 @@
 #pragma once
 
-// The machine: everything that the game asks of the computer that it runs on. Two kinds stand behind it, the desktop
-// and the headless one, and the game can't tell which. One thread calls all of it.
+// The machine: everything that the game asks of the computer that it runs on. Two kinds stand behind it, the
+// desktop and the headless one, and the game can't tell which. One thread calls all of it.
 
 #include "platform/controls.h"
 #include "platform/direct_x.h"
@@ -45,13 +45,13 @@ public:
 
   // The pump.
 
-  /// Delivers every window event that waits to its handler, and returns. Handlers run inside this call; they may pump
-  /// again and may throw.
+  /// Delivers every window event that waits to its handler, and returns. Handlers run inside this call; they
+  /// may pump again and may throw.
   void Pump();
 
-  /// Gives the processor up until an event comes, something arrives from the network or the clock reaches `deadline`,
-  /// then pumps. Returns at once, having pumped, if the deadline has passed. To be called in a loop that looks at what
-  /// it waits for.
+  /// Gives the processor up until an event comes, something arrives from the network or the clock reaches
+  /// `deadline`, then pumps. Returns at once, having pumped, if the deadline has passed. To be called in a
+  /// loop that looks at what it waits for.
   void WaitUntil(std::int32_t deadline);
 
   /// The same without a deadline.
@@ -82,8 +82,8 @@ public:
 
   // The pointer.
 
-  /// Puts the pointer at (dx, dy) of a grid of 0 to 65535 on each axis of the screen. The other arguments aren't looked
-  /// at. No button event comes of it.
+  /// Puts the pointer at (dx, dy) of a grid of 0 to 65535 on each axis of the screen. The other arguments
+  /// aren't looked at. No button event comes of it.
   virtual void mouse_event(std::int32_t flags, std::int32_t dx, std::int32_t dy, std::int32_t data,
                            std::int32_t extra) = 0;
 
@@ -112,23 +112,23 @@ public:
   /// The sockets library by which the computer's own address is found.
   virtual Sockets &WinSock() = 0;
 
-  /// Something that must run whenever the machine pumps, the network above all. Called before the events of a pump are
-  /// delivered; must not call the game. Runs until the returned handle is destroyed.
+  /// Something that must run whenever the machine pumps, the network above all. Called before the events of a
+  /// pump are delivered; must not call the game. Runs until the returned handle is destroyed.
   [[nodiscard]] std::shared_ptr<void> OnPump(std::function<void()> poll);
 
 protected:
   /// Lets the platform put what waits on the queue. Must not call handlers of the game.
   virtual void Collect() = 0;
 
-  /// Sleeps until there is something to collect or the clock reaches `deadline` (never, if there is none). Returning
-  /// early is allowed.
+  /// Sleeps until there is something to collect or the clock reaches `deadline` (never, if there is none).
+  /// Returning early is allowed.
   virtual void Sleep(std::optional<std::int32_t> deadline) = 0;
 
   /// A seed that differs from call to call.
   virtual std::uint32_t RandomSeed() = 0;
 
-  /// Puts a call of one of `window`'s handlers on the queue. It is dropped if the window has gone or a modal window lies
-  /// over it by the time of its delivery.
+  /// Puts a call of one of `window`'s handlers on the queue. It is dropped if the window has gone or a modal
+  /// window lies over it by the time of its delivery.
   void Post(Window &window, std::function<void()> call);
 
   /// Drops the events of a window that goes. Every `Hide` calls it.
