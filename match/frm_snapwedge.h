@@ -10,6 +10,8 @@
 #include <cstdint>
 #include <string>
 
+struct ReceivedShot;
+
 class frmSnapwedge : public Window {
 public:
   /// Lays the window out (scene/play_window.cpp). Nothing shows before `Load`.
@@ -64,6 +66,7 @@ public:
   /// The verdict when a flick has come to rest: looks straight down from the piece's three corners, adds
   /// points, shows cards, and ends the possession where the rules end it.
   void CheckScore(std::int16_t &Side);
+  void FallShort(); ///< all attempts are used up on the table: card 7 and the turnover
 
   // match/cards.cpp
 
@@ -106,12 +109,15 @@ public:
 
   // shot/aim.cpp
 
-  void InitMouse();  ///< measures the pointer's home
-  void SetMouse();   ///< pulls the pointer home
-  void CheckMouse(); ///< one frame of aim, meter and camera from the pointer's offset
-  void GetFmain();   ///< reads `AimFrame` into the kick fields
-  Flag MouseGate();  ///< -1 if a button may begin or end a shot now
-  void RestMeter();  ///< the window lost the keyboard: a charging meter goes back to rest without a shot
+  void InitMouse();     ///< measures the pointer's home
+  void SetMouse();      ///< pulls the pointer home
+  void CheckMouse();    ///< one frame of aim, meter and camera from the pointer's offset
+  void GetFmain();      ///< reads `AimFrame` into the kick fields
+  void ReadAim();       ///< reads `AimFrame`'s vectors into the shot's
+  void ReadShotPlace(); ///< reads `AimFrame`'s place into the flick's
+  Flag MouseGate();     ///< -1 if a button may begin or end a shot now
+  void RestMeter();     ///< puts the meter back to rest without a shot
+  void LetGo(); ///< the window lost the keyboard: every button and key counts as let go, without a shot
   void RMCanvas1_MouseDown(std::int16_t Button, std::int16_t Shift, float X, float Y);
   void RMCanvas1_MouseUp(std::int16_t Button, std::int16_t Shift, float X, float Y);
 

@@ -43,6 +43,12 @@ public:
   /// Whether the clock has reached `end`; holds across the wrap of the clock for spans below 24 days.
   bool ClockReached(std::int32_t end) { return Elapsed(end, timeGetTime()) >= 0; }
 
+  /// The clock's value in so many milliseconds, wrapped.
+  std::int32_t ClockIn(std::int32_t milliseconds) {
+    return static_cast<std::int32_t>(static_cast<std::uint32_t>(timeGetTime()) +
+                                     static_cast<std::uint32_t>(milliseconds));
+  }
+
   // The pump.
 
   /// Delivers every window event that waits to its handler, and returns. Handlers run inside this call; they

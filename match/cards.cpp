@@ -1,0 +1,82 @@
+// Result cards and score lines.
+
+#include "match/frm_snapwedge.h"
+
+#include <string>
+
+namespace {
+
+/// The crowd's answer to a result. It favours side A: its good results draw cheers, its misses boos, and the
+/// other side's the other way round.
+void PlayResult(const Program &program, std::int16_t result) {
+  const bool ours = program.MyTurn != False;
+  switch (result) {
+  case 1:
+    if (ours) program.PlayOnce(program.SndYeah);
+    break;
+  case 2:
+    program.PlayOnce(ours ? program.SndBoo : program.SndYeah2);
+    break;
+  case 3:
+    program.PlayOnce(ours ? program.SndYeah2 : program.SndBoo);
+    program.PlayOnce(program.SndWis2);
+    break;
+  case 4:
+  case 7:
+    if (!ours) program.PlayOnce(program.SndYeah2);
+    break;
+  case 5:
+    if (ours) program.PlayOnce(program.SndYeah);
+    break;
+  case 6:
+    if (!ours) program.PlayOnce(program.SndYeah);
+    program.PlayOnce(program.SndWis1);
+    break;
+  default:
+    break;
+  }
+}
+
+} // namespace
+
+PictureBox &frmSnapwedge::Card(std::int16_t MES) {
+  PictureBox *cards[] = {&Picture1, &Picture2, &Picture3, &Picture4, &Picture5, &Picture6, &Picture7};
+  return *cards[MES - 1];
+}
+
+void frmSnapwedge::ShowMessage(std::int16_t &MES) {
+  const bool network = program.GameMode == "INET";
+  TurnColor();
+  if (network && !program.MyTurn) {
+    MyDelay2();
+    return;
+  }
+  Busy = True;
+  PlayResult(program, MES);
+  if (!network && !program.MessagesOn) {
+    MyDelayNoCard();
+    return;
+  }
+  PictureBox &card = Card(MES);
+  card.Visible = true;
+  if (network) SendResult(MES);
+  machine.Repaint(*this);
+  MyDelay();
+  if (network) SendContinue();
+  card.Visible = false;
+  RMCanvas1.SetFocus();
+  Busy = False;
+}
+
+Flag frmSnapwedge::AnyPictures() {
+  for (std::int16_t result = 1; result <= 7; ++result) {
+    if (Card(result).Visible) return True;
+  }
+  return False;
+}
+
+void frmSnapwedge::PostScore() {
+  lblPlayer1.Caption = "Home Team Score: " + std::to_string(HomeScore);
+  lblPlayer2.Caption = "Away Team Score: " + std::to_string(AwayScore);
+  Label1.Caption = "Round: " + std::to_string(Round) + " of " + std::to_string(program.Rounds);
+}

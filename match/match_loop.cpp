@@ -1,0 +1,162 @@
+// The match: its set-up, its rounds with one possession for each side, its idle frames and waits, and its
+// end.
+
+#include "match/frm_snapwedge.h"
+
+#include <string>
+
+namespace {
+
+constexpr std::int16_t ShotStepMs = 20;
+constexpr std::int16_t IdleFrameMs = 25;
+constexpr float LossPerStep = 0.6f; ///< of `Force`
+constexpr float GoalStep = 1.0f;    ///< of the posts, scene units
+constexpr float FarPlane = 5000.0f; ///< scene units from the camera
+constexpr std::int32_t CardMs = 3000;
+constexpr std::int32_t WaiterPauseMs = 1000;
+constexpr std::int32_t NetworkLookMs =
+    5; ///< longest time between two looks at the network while waiting for it
+
+} // namespace
+
+void frmSnapwedge::Load() {
+  SetUp();
+  PlayRounds();
+  EndMatch();
+}
+
+void frmSnapwedge::SetUp() {
+  program.Stop(program.SndCrowd2);
+  program.Stop(program.SndCrowd);
+  program.Stop(program.SndYeah2);
+  program.Stop(program.SndTheme);
+  program.PlayOnce(program.SndWis2);
+  program.PlayOnce(program.SndGuit2);
+  Label1.Caption = "Round: 1 of " + std::to_string(program.Rounds);
+  GoalSpeed = GoalStep;
+  Shots = 3;
+  program.FlickMs = ShotStepMs;
+  program.FrameMs = IdleFrameMs;
+  ForceDecay = LossPerStep;
+  RMCanvas1.Start();
+  RMCanvas1.Viewport->SetBack(FarPlane);
+  LoadScene();
+  RMCanvas1.Update();
+  InitMouse();
+  Round = 0;
+  Reset();
+  if (program.GameMode == "INET") {
+    Text1.Enabled = true;
+    Text2.Enabled = true;
+  }
+  machine.ShowCursor(0);
+  program.PlayLoop(program.SndCrowd);
+  program.PlayLoop(program.SndCrowd2);
+  if (program.GameMode == "INET") SendVersion();
+}
+
+void frmSnapwedge::PlayRounds() {
+  const bool network = program.GameMode == "INET";
+  while (Round < program.Rounds) {
+    if (!network) Round = static_cast<std::int16_t>(Round + 1);
+    Label1.Caption = "Round: " + std::to_string(Round) + " of " + std::to_string(program.Rounds);
+    if (network) SyncScore();
+    if (program.IsHost) Round = static_cast<std::int16_t>(Round + 1);
+    PostScore();
+    while (program.MyTurn) Frame("A");
+    if (network) SyncScore();
+    if (program.GameMode == "Computer") {
+      while (Player == 2) Frame("B");
+    }
+    if (network) {
+      Busy = True;
+      if (!program.IsHost) Round = static_cast<std::int16_t>(Round + 1);
+      PostScore();
+      while (!program.MyTurn) Frame("C");
+    }
+    if (program.GameMode == "Human") {
+      while (Player == 2) Frame("D");
+    }
+  }
+  // The joiner counts a round when the host's possession begins, so its own last possession is still to be
+  // played.
+  if (network && !program.IsHost) {
+    while (program.MyTurn) Frame("A");
+    SendOver();
+  }
+}
+
+void frmSnapwedge::EndMatch() {
+  program.PlayOnce(program.SndWis3);
+  NoShot = True;
+  machine.ShowCursor(-1);
+  program.PlayOnce(program.SndGuit2);
+  program.PlayLoop(program.SndTheme);
+  if (HomeScore > AwayScore) {
+    program.PlayOnce(program.SndYeah2);
+    ShowHome();
+  } else if (AwayScore > HomeScore) {
+    program.PlayOnce(program.SndBoo);
+    ShowAway();
+  } else {
+    program.PlayOnce(program.SndYeah);
+    ShowTie();
+  }
+  throw ProgramEnd{};
+}
+
+void frmSnapwedge::Frame(const std::string &WMOD) {
+  WhatPlayer(WMOD);
+  if (WMOD == "A" && program.GameMode == "INET") CheckMessages();
+  BeginStep(program.FrameMs);
+  Wind();
+  if (WMOD == "A" || WMOD == "D") {
+    CheckMouse();
+    SetMouse();
+  } else if (WMOD == "B") {
+    CompShot1();
+  } else {
+    SideCam();
+    LookCam();
+    CheckMessages();
+  }
+  machine.Pump();
+  machine.Show(*this);
+  if (!ShotPending) RMCanvas1.Update();
+  WaitForStepEnd();
+}
+
+void frmSnapwedge::WhatPlayer(const std::string & /*WMOD*/) {}
+
+void frmSnapwedge::BeginStep(std::int32_t milliseconds) {
+  FrameStart = machine.timeGetTime();
+  FrameEnd = machine.ClockIn(milliseconds);
+}
+
+void frmSnapwedge::WaitForStepEnd() {
+  while (!machine.ClockReached(FrameEnd)) machine.WaitUntil(FrameEnd);
+}
+
+void frmSnapwedge::MyDelay() {
+  Busy = True;
+  BeginStep(CardMs);
+  WaitForStepEnd();
+  Busy = False;
+}
+
+void frmSnapwedge::MyDelayNoCard() {
+  Busy = True;
+  BeginStep(WaiterPauseMs);
+  WaitForStepEnd();
+  Busy = False;
+}
+
+void frmSnapwedge::MyDelay2() {
+  Busy = True;
+  BeginStep(WaiterPauseMs);
+  while (!machine.ClockReached(FrameEnd)) {
+    CheckMessages();
+    machine.WaitUntil(machine.ClockIn(NetworkLookMs));
+  }
+  Busy = False;
+}

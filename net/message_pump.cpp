@@ -1,0 +1,138 @@
+// What comes from the other computer in play. A shot is replayed here from its inputs; nothing hands over the
+// turn but the replay's own end. One message a look, and whoever looks may be nested in a replay already.
+
+#include "match/frm_snapwedge.h"
+#include "net/received.h"
+
+#include <string>
+
+namespace {
+
+constexpr std::int32_t NetworkLookMs = 5; ///< longest time between two looks while waiting for "Continue"
+
+/// Takes the oldest message and returns its tag; empty for one that begins with no text.
+std::string ReceiveTag(Program &program) {
+  program.InMsg = program.DP->Receive(program.FromId, program.ToId, DPRECEIVE_ALL);
+  program.MsgCount -= 1;
+  if (program.InMsg->GetKind() != DirectPlayMessage::Kind::Game) return {};
+  try {
+    return program.InMsg->ReadString();
+  } catch (const DirectPlayError &) {
+    return {};
+  }
+}
+
+/// The sound that comes before the card of the other side's result.
+void PlayBeforeCard(const Program &program, std::int16_t result) {
+  if (result == 3) program.PlayOnce(program.SndWis2);
+  if (result == 6) program.PlayOnce(program.SndWis1);
+}
+
+/// The sound that follows it: this side's crowd boos what went well over there, and cheers what went wrong.
+void PlayWithCard(const Program &program, std::int16_t result) {
+  switch (result) {
+  case 1:
+  case 3:
+  case 5:
+    program.PlayOnce(program.SndBoo);
+    break;
+  case 6:
+    program.PlayOnce(program.SndYeah);
+    break;
+  default:
+    program.PlayOnce(program.SndYeah2);
+    break;
+  }
+}
+
+} // namespace
+
+void frmSnapwedge::CheckMessages() {
+  program.MsgCount = program.DP->GetMessageCount(program.MyPlayerId);
+  if (program.MsgCount <= 0) return;
+  const std::string tag = ReceiveTag(program);
+  // A replay below receives messages of its own, so this one is held here.
+  const auto message = program.InMsg;
+  if (message->GetKind() == DirectPlayMessage::Kind::ConnectionLost) OtherSideLeft();
+
+  if (tag == "Flick") {
+    if (const auto shot = ReadShot(*message)) ReplayFlick(*shot);
+  } else if (tag == "Goal") {
+    if (const auto shot = ReadShot(*message)) ReplayKick(*shot);
+  } else if (tag == "MESSAGE") {
+    if (const auto line = ReadChat(*message)) {
+      program.PlayOnce(program.SndWis1);
+      Text1.Text = *line;
+    }
+  } else if (tag == "Version") {
+    if (const auto version = ReadVersion(*message)) {
+      Label5.Caption = "OV:" + version->Build + ":" + std::to_string(version->Number);
+    }
+  } else if (tag == "Score") {
+    if (const auto score = ReadScore(*message, program.Rounds)) {
+      // The other side's own points are this side's Away Team's. A score only ever rises.
+      if (score->Home > AwayScore) AwayScore = score->Home;
+      if (score->Away > HomeScore) HomeScore = score->Away;
+      PostScore();
+    }
+  } else if (tag == "RESULT") {
+    if (const auto result = ReadResult(*message)) ShowOtherResult(*result);
+  } else if (tag == "END") {
+    if (NothingFollows(*message)) OtherSideLeft();
+  }
+}
+
+void frmSnapwedge::ReplayFlick(const ReceivedShot &shot) {
+  ReceivedShot own = shot;
+  Force = shot.Force;
+  Player = shot.Player;
+  Flick(own.FrameX, own.FrameY, own.FrameZ, Force, own.X1, own.Y1, own.Z1, own.X2, own.Y2, own.Z2, Player);
+}
+
+void frmSnapwedge::ReplayKick(const ReceivedShot &shot) {
+  // Without a force the kick would never come down.
+  if (shot.Force <= 0.0f) return;
+  Force = shot.Force;
+  Player = shot.Player;
+  GetFmain();
+  KickFB(KickFrameX, KickFrameY, KickFrameZ, Force, KickX1, KickY1, KickZ1, KickX2, KickY2, KickZ2);
+}
+
+void frmSnapwedge::ShowOtherResult(std::int16_t MES) {
+  Busy = True;
+  PlayBeforeCard(program, MES);
+  PictureBox &card = Card(MES);
+  card.Visible = true;
+  machine.Repaint(*this);
+  PlayWithCard(program, MES);
+  CanIContinue();
+  card.Visible = false;
+  RMCanvas1.SetFocus();
+  Busy = False;
+}
+
+void frmSnapwedge::CanIContinue() {
+  for (;;) {
+    program.MsgCount = program.DP->GetMessageCount(program.MyPlayerId);
+    if (program.MsgCount > 0) {
+      const std::string tag = ReceiveTag(program);
+      if (tag == "Continue") return;
+      if (tag == "END" || program.InMsg->GetKind() == DirectPlayMessage::Kind::ConnectionLost)
+        OtherSideLeft();
+      machine.Pump();
+    } else {
+      machine.WaitUntil(machine.ClockIn(NetworkLookMs));
+    }
+  }
+}
+
+void frmSnapwedge::OtherSideLeft() {
+  program.PlayOnce(program.SndWis3);
+  machine.ShowCursor(-1);
+  machine.MsgBox({"Away Team Disconnected!", "Game Over:"});
+  throw ProgramEnd{};
+}
+
+void frmSnapwedge::Text2_KeyPress(std::int16_t KeyCode) {
+  if (KeyCode == KeyCodes::Enter) SendText();
+}

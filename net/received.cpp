@@ -1,0 +1,115 @@
+#include "net/received.h"
+
+#include <array>
+#include <cmath>
+
+namespace {
+
+constexpr float FarthestPlace = 300.0f; ///< scene units from the origin, in any axis
+constexpr float StrongestShot = 120.0f;
+constexpr double VectorTolerance = 0.001;  ///< of a length of 1 and of a right angle
+constexpr std::int32_t PointsInRound = 10; ///< the most that a side can score in one
+constexpr std::int32_t MostRounds = 99;
+constexpr std::size_t LongestBuildTag = 8; ///< bytes
+constexpr std::size_t LongestChat = 200;   ///< characters
+constexpr std::int32_t LastResult = 7;
+
+/// Runs a reader; a field that is missing or of another type makes it nothing.
+template <class Reader> auto Guarded(Reader &&reader) -> decltype(reader()) {
+  try {
+    return reader();
+  } catch (const DirectPlayError &) {
+    return std::nullopt;
+  }
+}
+
+double Dot(const float *a, const float *b) {
+  return static_cast<double>(a[0]) * b[0] + static_cast<double>(a[1]) * b[1] +
+         static_cast<double>(a[2]) * b[2];
+}
+
+bool IsUnit(const float *vector) { return std::abs(std::sqrt(Dot(vector, vector)) - 1.0) <= VectorTolerance; }
+
+/// Whether a byte of UTF-8 begins a character.
+bool BeginsCharacter(char byte) { return (static_cast<unsigned char>(byte) & 0xC0U) != 0x80U; }
+
+} // namespace
+
+std::optional<ReceivedShot> ReadShot(DirectPlayMessage &message) {
+  return Guarded([&]() -> std::optional<ReceivedShot> {
+    std::array<float, 10> value{};
+    for (float &each : value) {
+      each = message.ReadSingle();
+      if (!std::isfinite(each)) return std::nullopt;
+    }
+    const std::int32_t player = message.ReadLong();
+    if (!message.AtEnd() || (player != 1 && player != 2)) return std::nullopt;
+    for (std::size_t axis = 0; axis < 3; ++axis) {
+      if (std::abs(value[axis]) > FarthestPlace) return std::nullopt;
+    }
+    const float force = value[3];
+    const float *direction = &value[4];
+    const float *up = &value[7];
+    if (force < 0.0f || force > StrongestShot) return std::nullopt;
+    if (!IsUnit(direction) || !IsUnit(up) || std::abs(Dot(direction, up)) > VectorTolerance)
+      return std::nullopt;
+    return ReceivedShot{value[0],
+                        value[1],
+                        value[2],
+                        force,
+                        value[4],
+                        value[5],
+                        value[6],
+                        value[7],
+                        value[8],
+                        value[9],
+                        static_cast<std::int16_t>(player)};
+  });
+}
+
+std::optional<ReceivedVersion> ReadVersion(DirectPlayMessage &message) {
+  return Guarded([&]() -> std::optional<ReceivedVersion> {
+    ReceivedVersion version{message.ReadString(), message.ReadLong()};
+    if (!message.AtEnd() || version.Build.size() > LongestBuildTag) return std::nullopt;
+    return version;
+  });
+}
+
+std::optional<ReceivedScore> ReadScore(DirectPlayMessage &message, std::int16_t rounds) {
+  return Guarded([&]() -> std::optional<ReceivedScore> {
+    const ReceivedScore score{message.ReadLong(), message.ReadLong()};
+    const std::int32_t round = message.ReadLong();
+    const std::int32_t most = PointsInRound * rounds;
+    if (!message.AtEnd() || score.Home < 0 || score.Away < 0 || score.Home > most || score.Away > most ||
+        round < 0 || round > MostRounds) {
+      return std::nullopt;
+    }
+    return score;
+  });
+}
+
+std::optional<std::int16_t> ReadResult(DirectPlayMessage &message) {
+  return Guarded([&]() -> std::optional<std::int16_t> {
+    const std::int32_t result = message.ReadLong();
+    if (!message.AtEnd() || result < 1 || result > LastResult) return std::nullopt;
+    return static_cast<std::int16_t>(result);
+  });
+}
+
+std::optional<std::string> ReadChat(DirectPlayMessage &message) {
+  return Guarded([&]() -> std::optional<std::string> {
+    const std::string sent = message.ReadString();
+    if (!message.AtEnd()) return std::nullopt;
+    std::string line;
+    std::size_t characters = 0;
+    for (const char byte : sent) {
+      if (BeginsCharacter(byte) && ++characters > LongestChat) break;
+      // A line break or another control character would not be one line of plain text.
+      const bool control = static_cast<unsigned char>(byte) < 0x20U || byte == 0x7F;
+      line += control ? ' ' : byte;
+    }
+    return line;
+  });
+}
+
+bool NothingFollows(DirectPlayMessage &message) { return message.AtEnd(); }

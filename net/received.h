@@ -1,0 +1,38 @@
+#pragma once
+
+// What comes from the other computer, checked once where it comes in. A message that breaks a rule is dropped
+// whole: the game is as if it had never come.
+
+#include "platform/direct_play.h"
+
+#include <cstdint>
+#include <optional>
+#include <string>
+
+/// The inputs of a shot.
+struct ReceivedShot {
+  float FrameX, FrameY, FrameZ; ///< at most 300 scene units from the origin in any axis
+  float Force;                  ///< 0 to 120
+  float X1, Y1, Z1;             ///< direction, unit length
+  float X2, Y2, Z2;             ///< up vector, unit length, at a right angle to the direction
+  std::int16_t Player;          ///< 1 or 2
+};
+
+struct ReceivedVersion {
+  std::string Build;
+  std::int32_t Number;
+};
+
+struct ReceivedScore {
+  std::int32_t Home, Away; ///< 0 to what a side can score in a whole match
+};
+
+// Each reads the fields behind the tag. Nothing if a field is missing, surplus, of another type or outside
+// its range.
+std::optional<ReceivedShot> ReadShot(DirectPlayMessage &message);
+std::optional<ReceivedVersion> ReadVersion(DirectPlayMessage &message);
+std::optional<ReceivedScore> ReadScore(DirectPlayMessage &message, std::int16_t rounds);
+std::optional<std::int16_t> ReadResult(DirectPlayMessage &message); ///< 1 to 7
+std::optional<std::string>
+ReadChat(DirectPlayMessage &message);            ///< one line of plain text, at most 200 characters
+bool NothingFollows(DirectPlayMessage &message); ///< the tag is the only field

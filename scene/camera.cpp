@@ -1,0 +1,59 @@
+// Where the camera stands and what it looks at, the drifting sky, and the key that takes stadium and sky
+// away. The camera is placed by position only and then turned to the piece, so it never rolls.
+
+#include "match/arithmetic.h"
+#include "match/frm_snapwedge.h"
+
+namespace {
+
+constexpr Vector SidePlace{100.0f, 20.0f, 0.0f};
+constexpr Vector CloseUpPlace{0.0f, 20.0f, 20.0f}; ///< relative to the piece
+constexpr float WinX = 88.0f;                      ///< to the piece's own side of the field
+constexpr float WinY = 30.0f;
+constexpr float WinZ = -88.0f;
+constexpr float SkyRepeat = 0.003f; ///< repeats of the sky's texture to the scene unit
+constexpr float SkyDrift = 0.0008f; ///< repeats that the sky moves in a step, about 0.27 scene units
+
+} // namespace
+
+void frmSnapwedge::LookCam() { CameraFrame->LookAt(PieceFrame, RMCanvas1.SceneFrame, D3DRMCONSTRAIN_Z); }
+
+void frmSnapwedge::SideCam() {
+  CameraFrame->SetPosition(RMCanvas1.SceneFrame, SidePlace.x, SidePlace.y, SidePlace.z);
+}
+
+void frmSnapwedge::CloseUp() {
+  CameraFrame->SetPosition(PieceFrame, CloseUpPlace.x, CloseUpPlace.y, CloseUpPlace.z);
+  LookCam();
+  RMCanvas1.Update();
+}
+
+void frmSnapwedge::WinCam() {
+  Vector piece;
+  PieceFrame->GetPosition(RMCanvas1.SceneFrame, piece);
+  CameraFrame->SetPosition(RMCanvas1.SceneFrame, piece.x < 0.0f ? -WinX : WinX, WinY, WinZ);
+  LookCam();
+  RMCanvas1.Update();
+}
+
+void frmSnapwedge::Wind() {
+  Wrap = RMCanvas1.RootObject->CreateWrap(D3DRMWRAP_FLAT, TableFrame, 0, 0, 0, 0, 1, 0, 0, 0, 0, SkyU, SkyV,
+                                          SkyRepeat, SkyRepeat);
+  Wrap->Apply(SkyMesh);
+  SkyU = Sum(SkyU, SkyDrift);
+  SkyV = Sum(SkyV, SkyDrift);
+}
+
+void frmSnapwedge::ToggleStadium() {
+  program.StadiumOn = Not(program.StadiumOn);
+  if (program.StadiumOn) {
+    StadiumFrame->AddVisual(StadiumMesh);
+    StadiumFrame->AddVisual(LinesMesh);
+    SkyFrame->AddVisual(SkyMesh);
+  } else {
+    StadiumFrame->DeleteVisual(StadiumMesh);
+    StadiumFrame->DeleteVisual(LinesMesh);
+    SkyFrame->DeleteVisual(SkyMesh);
+  }
+  RMCanvas1.Update();
+}

@@ -1,0 +1,165 @@
+// The whole world: models and textures are loaded, hung in a fixed tree of frames, and placed. The order
+// matters: a wrap works from the vertices as they stand, so it comes after a mesh's scale, and on the bonus
+// disc before its shift to its place on the table, so that the disc's grass lines up with its own middle.
+
+#include "match/frm_snapwedge.h"
+
+namespace {
+
+// Scales from the units of the model files to the units of the scene.
+constexpr float PieceScale = 0.03f;
+constexpr float BonusScale = 0.08f;
+constexpr float TableScale = 0.5f;
+constexpr float SkyScale = 5.0f;
+constexpr float ArrowScale = 0.05f;
+constexpr float GoalScale = 0.3f;
+constexpr float LinesScale = 0.43f;
+constexpr Vector StadiumScale{1.6f, 1.2f, 1.6f};
+
+// Places, scene units.
+constexpr float BonusZ = -79.2f;
+constexpr float BonusLift = 0.05f; ///< of the disc above the table's top
+constexpr float ExtraLift = 0.3f;  ///< of the raised marking
+constexpr float ArrowAhead = 5.0f; ///< of the arrow's model along its frame's +z
+constexpr Vector LinesOffset{0.0f, -10.0f, 9.0f};
+constexpr Vector Start{0.0f, 0.0f, 85.0f};
+constexpr Vector SkyPlace{0.0f, 80.0f, 0.0f};
+constexpr Vector TablePlace{0.0f, -0.5f, 0.0f};
+constexpr Vector GoalPlace{0.0f, 20.0f, -95.0f};
+constexpr Vector StadiumPlace{0.0f, 10.0f, 0.0f};
+constexpr Vector RestCamera{0.0f, 10.0f, 120.0f};
+constexpr Vector PlaceA{5.0f, 0.0f, 2.5f};
+constexpr Vector PlaceB{-5.0f, 0.0f, 2.5f};
+constexpr Vector PlaceC{0.0f, 0.0f, -2.5f};
+
+// Repeats of a texture to the scene unit.
+constexpr float PieceTexture = 0.19f;
+constexpr float GrassRepeat = 0.03f;
+constexpr float SkyRepeat = 0.003f;
+constexpr float CrowdRepeat = 0.01f;
+
+void Place(const Ref<Direct3DRMFrame3> &frame, const Ref<Direct3DRMFrame3> &reference, const Vector &at) {
+  frame->SetPosition(reference, at.x, at.y, at.z);
+}
+
+} // namespace
+
+void frmSnapwedge::LoadScene() {
+  const auto directory = machine.AppPath();
+  Direct3DRM3 &rm = *RMCanvas1.RootObject;
+  const auto load = [&](const char *file) {
+    auto mesh = rm.CreateMeshBuilder();
+    mesh->LoadFromFile(directory / file, 0, 0);
+    return mesh;
+  };
+  const auto topDown = [&](const Ref<Direct3DRMFrame3> &reference, float repeat) {
+    return rm.CreateWrap(D3DRMWRAP_FLAT, reference, 0, 0, 0, 0, 1, 0, 0, 0, 0, 0, 0, repeat, repeat);
+  };
+
+  LooseTexture = rm.LoadTexture(directory / "loose.dab");
+  Wrap = rm.CreateWrap(D3DRMWRAP_FLAT, nullptr, 0, 0, 0, 1, 1, 1, 0, 1, 0, 0, 0, PieceTexture, PieceTexture);
+  PieceFrame = rm.CreateFrame(RMCanvas1.SceneFrame);
+  AimFrame = rm.CreateFrame(RMCanvas1.SceneFrame);
+  PieceMesh = load("fb.dax");
+  PieceMesh->ScaleMesh(PieceScale, PieceScale, PieceScale);
+  Wrap->Apply(PieceMesh);
+  PieceMesh->SetTexture(LooseTexture);
+  PieceFrame->AddVisual(PieceMesh);
+
+  BonusMesh = load("bonus.dax");
+  ExtraMesh = load("extra.dax");
+  Wrap = topDown(nullptr, GrassRepeat);
+  GrassTexture = rm.LoadTexture(directory / "grass.dab");
+  SkyTexture = rm.LoadTexture(directory / "sky.dab");
+
+  SkyFrame = rm.CreateFrame(RMCanvas1.SceneFrame);
+  SkyMesh = load("table.dax");
+  SkyMesh->ScaleMesh(SkyScale, SkyScale, SkyScale);
+  if (program.StadiumOn) SkyFrame->AddVisual(SkyMesh);
+  Place(SkyFrame, RMCanvas1.SceneFrame, SkyPlace);
+
+  TableFrame = rm.CreateFrame(RMCanvas1.SceneFrame);
+  TableMesh = load("table.dax");
+  TableMesh->ScaleMesh(TableScale, TableScale, TableScale);
+  ExtraMesh->ScaleMesh(BonusScale, BonusScale, BonusScale);
+  BonusMesh->ScaleMesh(BonusScale, BonusScale, BonusScale);
+  Wrap->Apply(TableMesh);
+  Wrap->Apply(BonusMesh);
+  TableMesh->SetTexture(GrassTexture);
+  SkyMesh->SetTexture(SkyTexture);
+  BonusMesh->SetTexture(GrassTexture);
+  TableFrame->AddVisual(TableMesh);
+  TableFrame->AddVisual(ExtraMesh);
+  TableFrame->AddVisual(BonusMesh);
+  ExtraMesh->Translate(0, ExtraLift, BonusZ);
+  BonusMesh->Translate(0, BonusLift, BonusZ);
+  Place(TableFrame, RMCanvas1.SceneFrame, TablePlace);
+  TableMesh->SetName("Table");
+  BonusMesh->SetName("TableBon");
+  ExtraMesh->SetName("TableBon");
+
+  ArrowFrame = rm.CreateFrame(AimFrame);
+  ArrowMesh = load("dir.dax");
+  ArrowMesh->ScaleMesh(ArrowScale, ArrowScale, ArrowScale);
+  ArrowFrame->AddVisual(ArrowMesh);
+  ArrowFrame->SetPosition(RMCanvas1.SceneFrame, 0, 0, 0);
+  ArrowMesh->SetColorRGB(1, 1, 0);
+  ArrowMesh->Translate(0, 0, ArrowAhead);
+
+  YellowMaterial = rm.CreateMaterial(1.0f);
+  WhiteMaterial = rm.CreateMaterial(2.0f);
+
+  GoalFrame = rm.CreateFrame(RMCanvas1.SceneFrame);
+  GoalMesh = load("goal.dax");
+  GoalMesh->SetColorRGB(1, 1, 0);
+  GoalMesh->ScaleMesh(GoalScale, GoalScale, GoalScale);
+  Place(GoalFrame, RMCanvas1.SceneFrame, GoalPlace);
+
+  YellowMaterial->SetEmissive(1, 1, 0);
+  WhiteMaterial->SetAmbient(1, 1, 1);
+  WhiteMaterial->SetEmissive(1, 1, 1);
+  WhiteMaterial->SetPower(0.05f);
+  WhiteMaterial->SetSpecular(0.2f, 0.2f, 0.2f);
+  PieceMesh->SetMaterial(WhiteMaterial);
+  ArrowMesh->SetMaterial(YellowMaterial);
+  GoalMesh->SetMaterial(YellowMaterial);
+  ExtraMesh->SetMaterial(YellowMaterial);
+  GoalFrame->AddVisual(GoalMesh);
+
+  CameraFrame = RMCanvas1.CameraFrame;
+
+  CornerA = rm.CreateFrame(PieceFrame);
+  CornerB = rm.CreateFrame(PieceFrame);
+  CornerC = rm.CreateFrame(PieceFrame);
+  Place(CornerA, PieceFrame, PlaceA);
+  Place(CornerB, PieceFrame, PlaceB);
+  Place(CornerC, PieceFrame, PlaceC);
+
+  Wrap = topDown(TableFrame, SkyRepeat);
+  Wrap->Apply(SkyMesh);
+  SkyMesh->SetMaterial(WhiteMaterial);
+
+  StadiumFrame = rm.CreateFrame(RMCanvas1.SceneFrame);
+  StadiumMesh = load("stadium4.dax");
+  LinesMesh = load("lines.dax");
+  LinesMesh->SetName("TableLines");
+  if (program.StadiumOn) {
+    StadiumFrame->AddVisual(StadiumMesh);
+    StadiumFrame->AddVisual(LinesMesh);
+  }
+  StadiumMesh->ScaleMesh(StadiumScale.x, StadiumScale.y, StadiumScale.z);
+  LinesMesh->ScaleMesh(LinesScale, LinesScale, LinesScale);
+  LinesMesh->Translate(LinesOffset.x, LinesOffset.y, LinesOffset.z);
+  StadiumTexture = rm.LoadTexture(directory / "crowd2.dab");
+  Wrap = topDown(TableFrame, CrowdRepeat);
+  Wrap->Apply(StadiumMesh);
+  StadiumMesh->SetTexture(StadiumTexture);
+  Place(StadiumFrame, RMCanvas1.SceneFrame, StadiumPlace);
+  LinesMesh->SetMaterial(YellowMaterial);
+
+  Place(PieceFrame, RMCanvas1.SceneFrame, Start);
+  Place(AimFrame, RMCanvas1.SceneFrame, Start);
+  Place(ArrowFrame, RMCanvas1.SceneFrame, Start);
+  Place(CameraFrame, RMCanvas1.SceneFrame, RestCamera);
+  CameraFrame->LookAt(PieceFrame, RMCanvas1.SceneFrame, D3DRMCONSTRAIN_Z);
+}

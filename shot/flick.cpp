@@ -1,0 +1,72 @@
+// The flight of a flick: a straight slide at constant height that loses speed at a fixed rate, with a spin
+// that falls with the speed. One question to the table a step; what it means is told in match/judging.cpp.
+
+#include "match/arithmetic.h"
+#include "match/frm_snapwedge.h"
+
+#include <string>
+
+namespace {
+
+constexpr float TravelDivisor = 50.0f; ///< scene units a step = Power / TravelDivisor
+constexpr float SpinDivisor = 200.0f;  ///< radians a step = Power / SpinDivisor
+constexpr float OverchargePower = 120.0f;
+
+} // namespace
+
+void frmSnapwedge::Flick(float &ShotX, float &ShotY, float &ShotZ, float &Power, float &DirX, float &DirY,
+                         float &DirZ, float &UpX, float &UpY, float &UpZ, std::int16_t &Side) {
+  const auto &scene = RMCanvas1.SceneFrame;
+  Shots = static_cast<std::int16_t>(Shots - 1);
+  NoShot = True;
+  Vector camera;
+  CameraFrame->GetPosition(AimFrame, camera);
+  CamOfsX = camera.x;
+  CamOfsY = camera.y;
+  CamOfsZ = camera.z;
+  AimFrame->SetPosition(scene, ShotX, ShotY, ShotZ);
+  AimFrame->SetOrientation(scene, DirX, DirY, DirZ, UpX, UpY, UpZ);
+  ArrowFrame->DeleteVisual(ArrowMesh);
+  Label2.Caption = "Shots: " + std::to_string(Shots);
+  program.PlayOnce(program.SndSwoosh);
+
+  while (Power != 0.0f) {
+    BeginStep(program.FlickMs);
+    AimFrame->SetPosition(AimFrame, 0, 0, Quotient(-Power, TravelDivisor));
+    PieceFrame->AddRotation(D3DRMCOMBINE_BEFORE, 0, 1, 0, Quotient(-Power, SpinDivisor));
+    PieceFrame->SetPosition(AimFrame, 0, 0, 0);
+    Power = Difference(Power, ForceDecay);
+    if (Power < 0.0f) Power = 0.0f;
+    if (ProgressBar1.Value > 0.0f) ProgressBar1.Value -= 1.0f;
+    Wind();
+    RMCanvas1.Update();
+    machine.Pump();
+    if (CheckRay() == "Fall") return;
+    LookCam();
+    WaitForStepEnd();
+    SetMouse();
+  }
+
+  if (program.MyTurn || program.GameMode == "Human") {
+    CameraFrame->SetPosition(AimFrame, CamOfsX, CamOfsY, CamOfsZ);
+  }
+  NoShot = False;
+  std::int16_t sideCopy = Side;
+  CheckScore(sideCopy);
+  ArrowFrame->AddVisual(ArrowMesh);
+  PostScore();
+  LookCam();
+  ShotPending = False;
+}
+
+void frmSnapwedge::PrematureFlick() {
+  NoShot = True;
+  Force = OverchargePower;
+  ReadAim();
+  ReadShotPlace();
+  if (program.GameMode == "INET") SendFlick(FrameX, FrameY, FrameZ, Force, X1, Y1, Z1, X2, Y2, Z2, Player);
+  Flick(FrameX, FrameY, FrameZ, Force, X1, Y1, Z1, X2, Y2, Z2, Player);
+  Force = 0;
+  ProgressBar1.Value = 0;
+  MouseMode = 0;
+}

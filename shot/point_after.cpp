@@ -1,0 +1,80 @@
+// The point-after sequence: between a Touchdown and the turnover the side kicks at moving posts.
+
+#include "match/frm_snapwedge.h"
+
+namespace {
+
+// Where the kick is set up, scene units.
+constexpr Vector PiecePlace{0.0f, 4.0f, 85.0f};
+constexpr Vector AimPlace{0.0f, 0.0f, 87.0f};
+constexpr Vector KickCamera{0.0f, 15.0f, 120.0f};
+
+// The computer kicks when the posts have just turned at their far right: they are in the middle of the field
+// when the piece arrives.
+constexpr float ComputerTriggerX = 80.0f;
+constexpr float ComputerPower = 90.0f;
+
+} // namespace
+
+void frmSnapwedge::MPAT() {
+  const auto &scene = RMCanvas1.SceneFrame;
+  PostScore();
+  Shots = 3;
+  ArrowFrame->AddVisual(ArrowMesh);
+  PieceFrame->SetPosition(scene, PiecePlace.x, PiecePlace.y, PiecePlace.z);
+  AimFrame->SetPosition(scene, AimPlace.x, AimPlace.y, AimPlace.z);
+  CameraFrame->SetPosition(scene, KickCamera.x, KickCamera.y, KickCamera.z);
+  LookCam();
+  RMCanvas1.Update();
+  KickMode = True;
+  ShotPending = False;
+  PieceFrame->SetOrientation(scene, 0, 0, 1, 1, 0, 0);
+  AimFrame->SetOrientation(scene, 0, 0, 1, 0, 1, 0);
+  RMCanvas1.Update();
+
+  using Part = void (frmSnapwedge::*)();
+  Part work = &frmSnapwedge::HumanKickFrame;
+  if (!program.MyTurn && program.GameMode == "Computer") work = &frmSnapwedge::ComputerKickFrame;
+  if (!program.MyTurn && program.GameMode == "INET") work = &frmSnapwedge::WaitingKickFrame;
+  if (work != &frmSnapwedge::HumanKickFrame) NoShot = True;
+
+  while (KickMode) {
+    BeginStep(program.FlickMs);
+    (this->*work)();
+    machine.Pump();
+    machine.Show(*this);
+    RMCanvas1.Update();
+    WaitForStepEnd();
+  }
+}
+
+void frmSnapwedge::HumanKickFrame() {
+  MoveGoal();
+  Wind();
+  CheckMouse();
+  SetMouse();
+}
+
+void frmSnapwedge::ComputerKickFrame() {
+  SideCam();
+  LookCam();
+  MoveGoal();
+  Vector goal;
+  GoalFrame->GetPosition(RMCanvas1.SceneFrame, goal);
+  if (goal.x > ComputerTriggerX && GoalSpeed < 0.0f) {
+    GetFmain();
+    float power = ComputerPower;
+    KickFB(KickFrameX, KickFrameY, KickFrameZ, power, KickX1, KickY1, KickZ1, KickX2, KickY2, KickZ2);
+  }
+  Wind();
+  SetMouse();
+}
+
+void frmSnapwedge::WaitingKickFrame() {
+  SideCam();
+  LookCam();
+  MoveGoal();
+  CheckMessages();
+  Wind();
+  SetMouse();
+}
