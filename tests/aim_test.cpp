@@ -1,0 +1,210 @@
+// The mouse: aim, meter, gate, zoom and orbit, and the keys.
+
+#include "tests/game_kit.h"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+
+namespace {
+
+float Heading(Game &game) {
+  Vector direction, up;
+  game.window.AimFrame->GetOrientation(game.window.RMCanvas1.SceneFrame, direction, up);
+  return std::atan2(direction.x, direction.z);
+}
+
+TEST(AimTest, ThePointerTurnsTheAimAndComesHome) {
+  Game game;
+  game.SetUp();
+  game.Frames(1);
+  game.machine.MoveMouse(-30, 0);
+  game.Frames(1);
+  EXPECT_NEAR(Heading(game), 0.1f, 1e-6f) << "30 pixels to the left are a tenth of a radian";
+  game.Frames(3);
+  EXPECT_NEAR(Heading(game), 0.1f, 1e-6f) << "the pointer was pulled home";
+  game.machine.MoveMouse(45, 200);
+  game.Frames(1);
+  EXPECT_NEAR(Heading(game), -0.05f, 1e-6f);
+  EXPECT_EQ(game.Place(game.window.CameraFrame), (Vector{0, 10, 120}));
+}
+
+TEST(AimTest, TheMeterIsAStateMachine) {
+  struct Row {
+    const char *name;
+    std::vector<int> events; ///< 1, 2: press of that button; -1, -2: release; 0: a frame
+    int mode;
+    float force;
+    int pending;
+    int shots;
+  };
+  const Row rows[] = {
+      {"left press", {1, 0}, 1, 0, -1, 3},
+      {"charging", {1, 0, 0, 0}, 1, 16, -1, 3},
+      {"twelve frames are the most", {1, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0}, 1, 96, -1, 3},
+      {"left release shoots", {1, 0, 0, -1, 0}, 0, 0, 0, 2},
+      {"a click shorter than a frame spends an attempt", {1, -1, 0}, 0, 0, 0, 2},
+      {"right press", {2, 0}, 2, 0, 0, 3},
+      {"right release", {2, 0, -2, 0}, 0, 0, 0, 3},
+      {"the right button freezes the meter", {1, 0, 0, 2, 0, 0, 0}, 2, 16, -1, 3},
+      {"the left press goes on from there", {1, 0, 0, 2, 0, 1, 0, 0}, 1, 24, -1, 3},
+      {"a right release stops it", {1, 0, 0, -2, 0, 0}, 0, 16, -1, 3},
+      {"the left release still shoots", {1, 0, 0, -2, 0, 0, -1, 0}, 0, 0, 0, 2},
+      {"a left release in orbit shoots", {2, 0, -1, 0}, 0, 0, 0, 2},
+      {"a middle button is nothing", {4, 0}, 0, 0, 0, 3},
+  };
+  for (const Row &row : rows) {
+    SCOPED_TRACE(row.name);
+    Game game;
+    game.SetUp();
+    for (const int event : row.events) {
+      if (event > 0) game.machine.PressMouse(static_cast<std::int16_t>(event));
+      if (event < 0) game.machine.ReleaseMouse(static_cast<std::int16_t>(-event));
+      if (event == 0) game.Frames(1);
+    }
+    EXPECT_EQ(game.window.MouseMode, row.mode);
+    EXPECT_EQ(game.window.Force, row.force);
+    EXPECT_EQ(game.window.ShotPending, row.pending);
+    EXPECT_EQ(game.window.Shots, row.shots);
+    if (row.pending) EXPECT_EQ(game.window.ProgressBar1.Value, row.force);
+  }
+}
+
+TEST(AimTest, TheGateIsShutDuringCardsShotsAndTheOthersTurn) {
+  using Shut = void (*)(Game &);
+  const std::pair<const char *, Shut> rows[] = {
+      {"a shot runs", [](Game &g) { g.window.NoShot = True; }},
+      {"a delay runs", [](Game &g) { g.window.Busy = True; }},
+      {"a card is up", [](Game &g) { g.window.Picture6.Visible = true; }},
+      {"the computer's turn", [](Game &g) { g.program.MyTurn = False; }},
+  };
+  for (const auto &[name, shut] : rows) {
+    SCOPED_TRACE(name);
+    Game game("Computer");
+    game.SetUp();
+    shut(game);
+    game.machine.PressMouse(1);
+    game.machine.Pump();
+    game.machine.ReleaseMouse(1);
+    game.machine.Pump();
+    EXPECT_EQ(game.window.MouseMode, 0);
+    EXPECT_EQ(game.window.ShotPending, 0);
+    EXPECT_EQ(game.window.Shots, 3);
+  }
+}
+
+TEST(AimTest, TheScreenStandsStillWhileTheMeterRises) {
+  Game game;
+  game.SetUp();
+  game.machine.PressMouse(1);
+  game.Frames(1);
+  const long drawn = game.machine.Draws;
+  game.Frames(5);
+  EXPECT_EQ(game.machine.Draws, drawn);
+}
+
+TEST(AimTest, TheCameraStaysInItsBox) {
+  struct Row {
+    const char *name;
+    bool shift;
+    int button;
+    int dx, dy;
+  };
+  for (const Row &row :
+       {Row{"zoom out", true, 0, 0, -90}, Row{"zoom in", true, 0, 0, 90}, Row{"orbit up", false, 2, 0, 70},
+        Row{"orbit down", false, 2, 0, -70}, Row{"orbit right", false, 2, -200, 0},
+        Row{"zoom wins over orbit", true, 2, 300, -90}}) {
+    SCOPED_TRACE(row.name);
+    Game game;
+    game.SetUp();
+    if (row.shift) game.machine.PressKey(KeyCodes::Shift);
+    if (row.button) game.machine.PressMouse(static_cast<std::int16_t>(row.button));
+    game.Frames(1);
+    for (int frame = 0; frame < 60; ++frame) {
+      game.machine.MoveMouse(row.dx, row.dy);
+      game.Frames(1);
+      const Vector camera = game.Place(game.window.CameraFrame);
+      for (const float across : {camera.x, camera.z}) EXPECT_LE(std::abs(across), 130.0f);
+      EXPECT_GE(camera.y, 5.0f);
+      EXPECT_LE(camera.y, 30.0f);
+    }
+    EXPECT_EQ(Heading(game), 0.0f) << "zoom and orbit leave the aim alone";
+  }
+}
+
+TEST(AimTest, ShiftZoomsAlongTheViewAndLetsGo) {
+  Game game;
+  game.SetUp();
+  game.machine.PressKey(KeyCodes::Shift);
+  game.Frames(1);
+  game.machine.MoveMouse(0, -50);
+  game.Frames(1);
+  const Vector camera = game.Place(game.window.CameraFrame);
+  EXPECT_NEAR(std::hypot(camera.y - 10.0f, camera.z - 120.0f), 5.0f, 1e-3f);
+  EXPECT_LT(camera.z, 120.0f) << "up is toward the piece";
+  game.machine.ReleaseKey(KeyCodes::Shift);
+  game.Frames(1);
+  game.machine.MoveMouse(30, 0);
+  game.Frames(1);
+  EXPECT_NEAR(Heading(game), -0.1f, 1e-6f);
+}
+
+TEST(AimTest, LosingTheKeyboardPutsTheMeterToRestWithoutAShot) {
+  Game game;
+  game.SetUp();
+  game.machine.PressKey(KeyCodes::Shift);
+  game.machine.PressMouse(1);
+  game.Frames(4);
+  game.machine.LoseFocus();
+  game.Frames(1);
+  EXPECT_EQ(game.window.MouseMode, 0);
+  EXPECT_EQ(game.window.Force, 0.0f);
+  EXPECT_EQ(game.window.ProgressBar1.Value, 0.0f);
+  EXPECT_EQ(game.window.Shots, 3);
+  EXPECT_FALSE(game.window.ShiftDown);
+  game.Shoot(3);
+  EXPECT_EQ(game.window.Shots, 2) << "play goes on";
+}
+
+TEST(KeysTest, TheStadiumGoesAndComesInEveryPhase) {
+  Game game;
+  game.SetUp();
+  const auto shown = [&] {
+    return game.window.StadiumFrame->Visuals().size() + game.window.SkyFrame->Visuals().size();
+  };
+  EXPECT_EQ(shown(), 3U);
+  // In flight, and under the card of the fall.
+  game.PutPiece(0, -80, 3);
+  std::vector<std::size_t> seen;
+  for (const std::int32_t moment : {100, 300, 2500}) {
+    game.machine.After(moment, [&] {
+      game.machine.PressKey(KeyCodes::S);
+      game.machine.PressKey(65);
+    });
+    game.machine.After(moment + 1, [&] { seen.push_back(shown()); });
+  }
+  game.Flick(60);
+  EXPECT_EQ(seen, (std::vector<std::size_t>{0, 3, 0}));
+  EXPECT_FALSE(game.program.StadiumOn);
+}
+
+TEST(KeysTest, EscapeEndsTheProgramFromWithinAFlightWithAWhistle) {
+  Game game;
+  game.SetUp();
+  game.SoundsSince();
+  game.machine.After(200, [&] { game.machine.PressKey(KeyCodes::Escape); });
+  EXPECT_THROW(game.Flick(96), ProgramEnd);
+  EXPECT_EQ(game.SoundsSince(), "play swoosh.daw, play wis3.daw");
+  EXPECT_TRUE(game.machine.CursorShown);
+}
+
+TEST(KeysTest, TheCloseBoxIsEscape) {
+  Game game;
+  game.SetUp();
+  EXPECT_FALSE(game.machine.CursorShown);
+  game.machine.CloseBox(game.window);
+  EXPECT_THROW(game.Frames(1), ProgramEnd);
+  EXPECT_TRUE(game.machine.CursorShown);
+}
+
+} // namespace

@@ -1,0 +1,81 @@
+// The computer opponent's plan, over many seeds.
+
+#include "shot/computer.h"
+#include "tests/game_kit.h"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <map>
+
+namespace {
+
+TEST(ComputerTest, ThePlanStaysInItsRangesAndUsesAllOfThem) {
+  struct Row {
+    SkillLevel skill;
+    float scale;
+  };
+  for (const Row &row : {Row{SkillLevel::Easy, 2}, Row{SkillLevel::Medium, 1}, Row{SkillLevel::Hard, 0.5f}}) {
+    SCOPED_TRACE(row.scale);
+    HeadlessMachine machine(SNAPWEDGE_GAME_DIR);
+    std::map<float, int> turns, spreads;
+    int negativeTurns = 0, nonZeroTurns = 0;
+    constexpr int Plans = 6000;
+    for (int i = 0; i < Plans; ++i) {
+      const auto shots = static_cast<std::int16_t>(1 + i % 3);
+      const float base = shots == 3 ? 96.0f : shots == 2 ? 27.0f : 20.0f;
+      const ComputerPlan plan = PlanComputerShot(machine, row.skill, shots);
+      ASSERT_LE(std::abs(plan.Turn), 0.1125f * row.scale);
+      ASSERT_LE(std::abs(plan.Force - base), 1.22501f * row.scale);
+      ++turns[std::abs(plan.Turn)];
+      ++spreads[std::round(std::abs(plan.Force - base) / row.scale * 40.0f)];
+      if (plan.Turn != 0.0f) ++nonZeroTurns;
+      if (plan.Turn < 0.0f) ++negativeTurns;
+    }
+    EXPECT_EQ(turns.size(), 10U);
+    EXPECT_EQ(spreads.size(), 50U);
+    EXPECT_NEAR(static_cast<double>(negativeTurns) / nonZeroTurns, 0.6, 0.03)
+        << "six of ten signs are negative";
+    EXPECT_NEAR(static_cast<double>(turns[0.0f]) / Plans, 0.1, 0.02);
+  }
+}
+
+TEST(ComputerTest, EveryPossessionEndsAndTheMouseStaysShut) {
+  std::map<std::int16_t, int> cards;
+  for (std::uint32_t seed = 1; seed <= 60; ++seed) {
+    SCOPED_TRACE(seed);
+    Game game("Computer", 1);
+    game.machine.Seed = seed;
+    game.SetUp();
+    game.window.Reset();
+    game.machine.OnDraw = [&](Canvas &) {
+      EXPECT_EQ(game.window.ProgressBar1.Value, 0.0f);
+      game.machine.PressMouse(1);
+      game.machine.ReleaseMouse(1);
+    };
+    int frames = 0;
+    while (game.window.Player == 2 && ++frames < 10) game.Frames(1);
+    EXPECT_EQ(game.window.Player, 1) << "at most three attempts";
+    EXPECT_EQ(game.window.HomeScore, 0);
+    for (const std::int16_t card : game.Cards) ++cards[card];
+  }
+  EXPECT_GT(cards[3], 0) << "it scores";
+  EXPECT_GT(cards[7], 0) << "it falls short";
+  EXPECT_EQ(cards[3], cards[1]) << "and every kick is good";
+}
+
+TEST(ComputerTest, TheHeadingIsMeasuredFromTheFieldAndTheViewFromTheSide) {
+  Game game("Computer");
+  game.SetUp();
+  game.window.Reset();
+  game.window.AimFrame->AddRotation(D3DRMCOMBINE_BEFORE, 0, 1, 0, 2.0f);
+  HeadlessMachine twin(SNAPWEDGE_GAME_DIR);
+  const ComputerPlan plan = PlanComputerShot(twin, SkillLevel::Medium, 3);
+  game.window.CompShot1();
+  Vector direction, up;
+  game.window.AimFrame->GetOrientation(game.window.RMCanvas1.SceneFrame, direction, up);
+  EXPECT_NEAR(std::atan2(direction.x, direction.z), plan.Turn, 1e-6f);
+  if (game.window.Player == 2) EXPECT_EQ(game.Place(game.window.CameraFrame), (Vector{100, 20, 0}));
+}
+
+} // namespace

@@ -1,0 +1,141 @@
+#pragma once
+
+// A play window on the headless machine, for tests. Its procedures are the game's own; a test drives the
+// frames itself and does what a player would do between them.
+
+#include "match/frm_snapwedge.h"
+#include "platform/headless/headless_machine.h"
+
+#include <cstring>
+#include <string>
+#include <utility>
+#include <vector>
+
+class Game {
+public:
+  explicit Game(const std::string &mode = "Human", std::int16_t rounds = 1)
+      : machine(SNAPWEDGE_GAME_DIR), program(machine), window(machine, program) {
+    program.GameMode = mode;
+    program.Rounds = rounds;
+    program.DX = machine.CreateDirectX();
+    program.DS = program.DX->DirectSoundCreate("");
+    for (const auto &[buffer, file] : {std::pair{&program.SndCrowd, "crowd.daw"},
+                                       {&program.SndCrowd2, "crowd2.daw"},
+                                       {&program.SndYeah, "yeah.daw"},
+                                       {&program.SndYeah2, "yeah2.daw"},
+                                       {&program.SndBoo, "boo.daw"},
+                                       {&program.SndTheme, "theme.daw"},
+                                       {&program.SndGuit2, "guit2.daw"},
+                                       {&program.SndSwoosh, "swoosh.daw"},
+                                       {&program.SndWis1, "wis1.daw"},
+                                       {&program.SndWis2, "wis2.daw"},
+                                       {&program.SndWis3, "wis3.daw"}}) {
+      *buffer = program.DS->CreateSoundBufferFromFile(file, {}, {});
+    }
+    // Cards come and go inside a pump.
+    machine.Player = [this] {
+      for (std::int16_t code = 1; code <= 7; ++code) {
+        if (window.Card(code).Visible && (Cards.empty() || !cardUp_)) Cards.push_back(code);
+        if (window.Card(code).Visible) {
+          cardUp_ = true;
+          return;
+        }
+      }
+      cardUp_ = false;
+      if (OnPump) OnPump();
+    };
+  }
+
+  /// The match up to the first frame of the first possession.
+  void SetUp() {
+    window.SetUp();
+    window.Round = 1;
+    window.PostScore();
+  }
+
+  /// The letter of the loop that would run now.
+  std::string Letter() const {
+    if (program.MyTurn) return "A";
+    return program.GameMode == "Computer" ? "B" : program.GameMode == "Human" ? "D" : "C";
+  }
+
+  void Frames(int count = 1) {
+    for (int i = 0; i < count; ++i) window.Frame(Letter());
+  }
+
+  /// Presses the left button, lets the meter rise for so many frames, releases it, and plays what follows.
+  void Shoot(int frames) {
+    machine.PressMouse(1);
+    Frames(1);
+    if (frames == 0) {
+      machine.ReleaseMouse(1);
+      machine.Pump();
+      return;
+    }
+    Frames(frames - 1);
+    machine.ReleaseMouse(1);
+    Frames(1);
+  }
+
+  /// Shoots with any force, as the other computer and the computer opponent can.
+  void Flick(float force, float turn = 0.0f) {
+    window.AimFrame->AddRotation(D3DRMCOMBINE_BEFORE, 0, 1, 0, turn);
+    window.ShotPending = True;
+    window.Force = force;
+    window.RMCanvas1_MouseUp(1, 0, 0.0f, 0.0f);
+  }
+
+  /// Puts the piece and its aim somewhere on the table, with so many attempts left.
+  void PutPiece(float x, float z, std::int16_t shots, float pieceTurn = 0.0f) {
+    const auto &scene = window.RMCanvas1.SceneFrame;
+    for (const auto &frame : {window.PieceFrame, window.AimFrame}) {
+      frame->SetOrientation(scene, 0, 0, 1, 0, 1, 0);
+      frame->SetPosition(scene, x, 0, z);
+    }
+    window.PieceFrame->AddRotation(D3DRMCOMBINE_BEFORE, 0, 1, 0, pieceTurn);
+    window.Shots = shots;
+  }
+
+  Vector Place(const Ref<Direct3DRMFrame3> &frame) const {
+    Vector place;
+    frame->GetPosition(window.RMCanvas1.SceneFrame, place);
+    return place;
+  }
+
+  /// The sounds asked for since the last call.
+  std::string SoundsSince() {
+    std::string all;
+    for (const std::string &sound : std::exchange(machine.Sounds, {}))
+      all += (all.empty() ? "" : ", ") + sound;
+    return all;
+  }
+
+  std::vector<std::int16_t> Cards; ///< cards that came up, in order
+  std::function<void()> OnPump;    ///< a player who acts while no card is up
+
+  HeadlessMachine machine;
+  Program program;
+  frmSnapwedge window;
+
+private:
+  bool cardUp_ = false;
+};
+
+/// A 64-bit FNV-1a hash of a sequence of floats, by their bits.
+class PathHash {
+public:
+  void Add(float value) {
+    unsigned char bytes[sizeof value];
+    std::memcpy(bytes, &value, sizeof value);
+    for (const unsigned char byte : bytes) hash_ = (hash_ ^ byte) * 0x100000001B3ULL;
+  }
+  void Add(const Vector &v) {
+    Add(v.x);
+    Add(v.y);
+    Add(v.z);
+  }
+  std::uint64_t Value() const { return hash_; }
+
+private:
+  std::uint64_t hash_ = 0xCBF29CE484222325ULL;
+};

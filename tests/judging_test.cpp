@@ -1,0 +1,137 @@
+// Where a piece comes to rest and what that is worth.
+
+#include "tests/game_kit.h"
+
+#include <gtest/gtest.h>
+
+#include <numbers>
+
+namespace {
+
+constexpr auto HalfTurn = static_cast<float>(std::numbers::pi);
+
+struct Row {
+  const char *name;
+  float x, z;
+  float pieceTurn;
+  std::int16_t shotsBefore;
+  std::vector<std::int16_t> cards;
+  std::int32_t points;
+  bool possessionEnds;
+};
+
+/// Plays a flick of force 0, so that the piece is judged where it lies.
+TEST(JudgingTest, EveryOutcomeHasItsCardItsPointsAndItsTurnover) {
+  // Unturned, corner A is at (5, 2.5), B at (-5, 2.5), C at (0, -2.5) from the centre; half a turn mirrors
+  // them.
+  const Row rows[] = {
+      {"on the table, first", 0, 0, 0, 3, {}, 0, false},
+      {"on the table, second", 0, 0, 0, 2, {}, 0, false},
+      {"on the table, third", 0, 0, 0, 1, {7}, 0, true},
+      {"bonus on the first", 0, -79, 0, 3, {5}, 3, false},
+      {"bonus area on the second", 0, -79, 0, 2, {}, 0, false},
+      {"bonus area on the third", 0, -79, 0, 1, {7}, 0, true},
+      {"one corner on the bonus area", 0, -69.5f, 0, 3, {5}, 3, false},
+      {"centre over the bonus area, no corner", 0, -72, HalfTurn / 2, 3, {5}, 3, false},
+      {"short of the bonus area", 0, -68, 0, 3, {}, 0, false},
+      {"over the far edge on the first", 0, -87, 0, 3, {6}, 0, true},
+      {"over the far edge on the second", 0, -87, 0, 2, {6}, 0, true},
+      {"over the far edge on the third, no kick yet", 40, -87.5f, HalfTurn, 2, {6}, 0, true},
+      {"bonus and over the far edge on the first", 6, -84.5f, HalfTurn, 3, {5}, 3, false},
+      {"a corner over the right edge on the first", 86, 0, 0, 3, {}, 0, false},
+      {"a corner over the right edge on the third", 86, 0, 0, 1, {7}, 0, true},
+      {"a corner over the left edge on the second", -86, 0, 0, 2, {}, 0, false},
+      {"A over the side edge hides C past the line", 85, -86, 0, 2, {}, 0, false},
+      {"A past the line counts before B", 0, -86, HalfTurn, 2, {6}, 0, true},
+  };
+  for (const Row &row : rows) {
+    SCOPED_TRACE(row.name);
+    Game game;
+    game.SetUp();
+    game.PutPiece(row.x, row.z, row.shotsBefore, row.pieceTurn);
+    game.window.CheckRay();
+    game.Flick(0.0f);
+    EXPECT_EQ(game.Cards, row.cards);
+    EXPECT_EQ(game.window.HomeScore, row.points);
+    EXPECT_EQ(game.window.AwayScore, 0);
+    EXPECT_EQ(game.window.Player, row.possessionEnds ? 2 : 1);
+    EXPECT_EQ(game.window.lblPlayer1.Caption, "Home Team Score: " + std::to_string(row.points));
+    EXPECT_FALSE(game.window.AnyPictures());
+    EXPECT_FALSE(game.window.Busy);
+  }
+}
+
+TEST(JudgingTest, TheAwaySideGetsItsOwnPoints) {
+  Game game;
+  game.SetUp();
+  game.window.Reset();
+  game.PutPiece(0, -79, 3);
+  game.Flick(0.0f);
+  EXPECT_EQ(game.window.HomeScore, 0);
+  EXPECT_EQ(game.window.AwayScore, 3);
+  EXPECT_EQ(game.window.lblPlayer2.Caption, "Away Team Score: 3");
+}
+
+TEST(JudgingTest, AFallOnTheStepThatEndsTheFlightIsAFall) {
+  Game game;
+  game.SetUp();
+  game.PutPiece(0, -87.99f, 1);
+  game.Flick(0.6f);
+  EXPECT_EQ(game.Cards, std::vector<std::int16_t>{4});
+  EXPECT_EQ(game.window.HomeScore, 0);
+}
+
+TEST(JudgingTest, TouchdownPaysSixBeforeItsCardAndLeadsToTheKick) {
+  Game game;
+  game.SetUp();
+  game.PutPiece(0, -87, 1);
+  game.window.CheckRay();
+  std::int32_t pointsUnderCard = -1;
+  game.machine.OnDraw = [&](Canvas &) {
+    if (game.window.KickMode) throw ProgramEnd{};
+  };
+  game.machine.After(100, [&] { pointsUnderCard = game.window.HomeScore; });
+  EXPECT_THROW(game.Flick(0.0f), ProgramEnd);
+  EXPECT_EQ(pointsUnderCard, 6);
+  EXPECT_EQ(game.Cards, std::vector<std::int16_t>{3});
+  EXPECT_EQ(game.window.Player, 1);
+}
+
+TEST(JudgingTest, APieceThatWasNeverOverTheTableHasNoOutcomeAtTheFarEdge) {
+  Game game;
+  game.SetUp();
+  game.PutPiece(0, -87, 2);
+  game.window.PieceSurface.clear();
+  game.Flick(0.0f);
+  EXPECT_TRUE(game.Cards.empty());
+  EXPECT_EQ(game.window.Player, 1);
+}
+
+TEST(JudgingTest, ResetPutsEverythingBackAndKeepsWhatOutlivesAPossession) {
+  Game game("Human", 4);
+  game.SetUp();
+  game.PutPiece(10, -40, 1, 1.0f);
+  game.window.GoalSpeed = -1.0f;
+  game.window.HomeScore = 9;
+  game.window.Force = 40;
+  game.window.ProgressBar1.Value = 40;
+  game.window.GoalFrame->SetPosition(game.window.RMCanvas1.SceneFrame, 33, 20, -95);
+  game.window.Reset();
+  EXPECT_EQ(game.Place(game.window.PieceFrame), (Vector{0, 0, 85}));
+  EXPECT_EQ(game.Place(game.window.AimFrame), (Vector{0, 0, 85}));
+  EXPECT_EQ(game.Place(game.window.ArrowFrame), (Vector{0, 0, 85}));
+  EXPECT_EQ(game.Place(game.window.GoalFrame), (Vector{0, 20, -95}));
+  EXPECT_EQ(game.Place(game.window.CameraFrame), (Vector{0, 10, 120}));
+  EXPECT_EQ(game.window.Shots, 3);
+  EXPECT_EQ(game.window.Force, 0.0f);
+  EXPECT_EQ(game.window.ProgressBar1.Value, 0.0f);
+  EXPECT_EQ(game.window.GoalSpeed, -1.0f);
+  EXPECT_EQ(game.window.HomeScore, 9);
+  EXPECT_EQ(game.window.Label1.Caption, "Round: 1 of 4");
+  EXPECT_TRUE(game.window.Label4.Visible);
+  EXPECT_FALSE(game.window.Label3.Visible);
+  EXPECT_EQ(game.window.lblPlayer2.ForeColor, (Color{255, 255, 0}));
+  EXPECT_EQ(game.window.lblPlayer1.ForeColor, (Color{192, 192, 0}));
+}
+
+} // namespace

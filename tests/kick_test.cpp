@@ -1,0 +1,209 @@
+// The point-after sequence and the kick.
+
+#include "tests/game_kit.h"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+
+namespace {
+
+/// A game whose side on turn has just scored a Touchdown; `act` runs once a frame of the point-after, with
+/// the number of frames that have run.
+void PlayPointAfter(Game &game, const std::function<void(int frame)> &act) {
+  game.PutPiece(0, -87, 1);
+  game.window.CheckRay();
+  int frame = 0;
+  game.machine.OnDraw = [&](Canvas &) {
+    if (game.window.KickMode && !(game.window.NoShot && game.window.program.MyTurn)) act(frame++);
+  };
+  game.Flick(0.0f);
+  game.machine.OnDraw = nullptr;
+}
+
+struct SeenKick {
+  int steps = 0;
+  Vector end;
+  float postsX = 0;
+};
+
+/// Kicks with that force after so many frames, with the aim turned, and tells how the flight ended.
+SeenKick Kick(Game &game, float force, int wait = 0, float turn = 0) {
+  SeenKick seen;
+  float rise = game.window.KickRise;
+  game.PutPiece(0, -87, 1);
+  game.window.CheckRay();
+  int frame = 0;
+  bool released = false;
+  game.machine.OnDraw = [&](Canvas &) {
+    if (!game.window.KickMode) return;
+    if (!released && frame++ == wait) {
+      released = true;
+      game.window.AimFrame->AddRotation(D3DRMCOMBINE_BEFORE, 0, 1, 0, turn);
+      game.window.Force = force;
+      game.window.RMCanvas1_MouseUp(1, 0, 0.0f, 0.0f);
+      return;
+    }
+    if (game.window.KickRise == rise) return;
+    rise = game.window.KickRise;
+    ++seen.steps;
+    seen.end = game.Place(game.window.PieceFrame);
+    seen.postsX = game.Place(game.window.GoalFrame).x;
+  };
+  game.Flick(0.0f);
+  game.machine.OnDraw = nullptr;
+  return seen;
+}
+
+TEST(KickTest, EveryForceHasItsStepsHeightAndEnd) {
+  struct Row {
+    float force;
+    int steps;
+    float height; ///< below 0: the kick dropped short
+    float z;
+  };
+  for (const Row &row :
+       {Row{30, 135, -1, -14.25f}, Row{8, 135, -1, 60}, Row{48, 135, -1, -75}, Row{56, 130, 4.38f, -95},
+        Row{64, 114, 18.91f, -95.4f}, Row{72, 102, 29.99f, -96.6f}, Row{80, 91, 39.67f, -95},
+        Row{88, 83, 47.04f, -95.6f}, Row{90, 81, 48.75f, -95.25f}, Row{96, 76, 53.30f, -95.4f}}) {
+    SCOPED_TRACE(row.force);
+    Game game;
+    game.SetUp();
+    const SeenKick seen = Kick(game, row.force);
+    EXPECT_EQ(seen.steps, row.steps);
+    if (row.height < 0) {
+      EXPECT_LT(seen.end.y, 0.0f);
+    } else {
+      EXPECT_NEAR(seen.end.y, row.height, 0.006f);
+    }
+    EXPECT_NEAR(seen.end.z, row.z, 0.01f);
+    EXPECT_EQ(seen.postsX, static_cast<float>(std::min(row.steps, 178 - row.steps)));
+    EXPECT_EQ(game.Cards.back(), 2) << "the posts have walked away";
+    EXPECT_EQ(game.window.HomeScore, 6);
+    EXPECT_EQ(game.window.Player, 2);
+  }
+}
+
+TEST(KickTest, BoundsOfTheGoalAreStrict) {
+  struct Row {
+    const char *name;
+    Vector piece;
+    bool good;
+  };
+  for (const Row &row :
+       {Row{"middle", {0, 25, -95}, true}, Row{"on the left post", {-14, 25, -95}, false},
+        Row{"inside it", {-13.99f, 25, -95}, true}, Row{"on the right post", {14, 25, -95}, false},
+        Row{"inside that", {13.99f, 25, -95}, true}, Row{"on the bar", {0, 20, -95}, false},
+        Row{"just above it", {0, 20.01f, -95}, true}, Row{"short but high", {0, 25, 40}, true}}) {
+    SCOPED_TRACE(row.name);
+    Game game;
+    game.SetUp();
+    game.window.PieceFrame->SetPosition(game.window.RMCanvas1.SceneFrame, row.piece.x, row.piece.y,
+                                        row.piece.z);
+    game.window.CheckFG();
+    EXPECT_EQ(game.window.KickGood != 0, row.good);
+  }
+}
+
+TEST(KickTest, AGoodKickPaysOnePointAndEndsThePossession) {
+  Game game;
+  game.SetUp();
+  // The posts start to the right; 350 frames later they are on their way back through the middle.
+  Kick(game, 96, 2 * 178 - 76);
+  EXPECT_EQ(game.Cards, (std::vector<std::int16_t>{3, 1}));
+  EXPECT_EQ(game.window.HomeScore, 7);
+  EXPECT_EQ(game.window.Player, 2);
+  EXPECT_EQ(game.window.lblPlayer1.Caption, "Home Team Score: 7");
+  EXPECT_FALSE(game.window.KickMode);
+  EXPECT_FALSE(game.window.NoShot);
+  EXPECT_EQ(game.window.ArrowFrame->Visuals().size(), 1U);
+}
+
+TEST(KickTest, ThePostsTurnOnlyBeyondTheirBounds) {
+  Game game;
+  game.SetUp();
+  float most = 0, least = 0;
+  PlayPointAfter(game, [&](int frame) {
+    const float x = game.Place(game.window.GoalFrame).x;
+    most = std::max(most, x);
+    least = std::min(least, x);
+    if (frame == 600) game.machine.PressMouse(1);
+    if (frame == 610) game.machine.ReleaseMouse(1);
+  });
+  EXPECT_EQ(most, 89.0f);
+  EXPECT_EQ(least, -89.0f);
+}
+
+TEST(KickTest, TheKickerAimsWithTheMouseAndOverchargesToThirty) {
+  Game game;
+  game.SetUp();
+  const std::int32_t begin = game.machine.Now();
+  std::int32_t pressed = 0, fired = 0;
+  float power = 0;
+  PlayPointAfter(game, [&](int frame) {
+    if (frame == 2) game.machine.MoveMouse(-30, 0);
+    if (frame == 5) {
+      game.machine.PressMouse(1);
+      pressed = game.machine.Now();
+    }
+    if (game.window.MouseMode == 1) fired = game.machine.Now();
+    power = std::max(power, game.window.Force);
+  });
+  EXPECT_GT(pressed, begin);
+  EXPECT_LE(fired - pressed, 260);
+  EXPECT_EQ(power, 96.0f);
+  EXPECT_EQ(game.Cards, (std::vector<std::int16_t>{3, 2}));
+  EXPECT_EQ(game.window.Force, 0.0f);
+  EXPECT_EQ(game.window.MouseMode, 0);
+}
+
+TEST(KickTest, AReleaseWithoutForceIsNoKick) {
+  Game game;
+  game.SetUp();
+  int kicks = 0;
+  PlayPointAfter(game, [&](int frame) {
+    if (frame == 3) {
+      game.machine.PressMouse(1);
+      game.machine.ReleaseMouse(1);
+    }
+    if (frame == 6) {
+      EXPECT_FALSE(game.window.ShotPending);
+      EXPECT_EQ(game.window.ProgressBar1.Value, 0.0f);
+      game.machine.PressMouse(1);
+    }
+    if (frame == 12) {
+      game.machine.ReleaseMouse(1);
+      ++kicks;
+    }
+  });
+  EXPECT_EQ(kicks, 1);
+  EXPECT_EQ(game.Cards, (std::vector<std::int16_t>{3, 2}));
+}
+
+TEST(KickTest, TheComputerNeverMisses) {
+  for (const float direction : {1.0f, -1.0f}) {
+    SCOPED_TRACE(direction);
+    Game game("Computer");
+    game.SetUp();
+    game.window.Reset();
+    game.window.GoalSpeed = direction;
+    game.PutPiece(0, -87, 1);
+    game.window.CheckRay();
+    int frames = 0;
+    game.machine.OnDraw = [&](Canvas &) {
+      if (game.window.KickMode && game.window.KickRise == 0.0f) ++frames;
+    };
+    std::int16_t side = 2;
+    game.window.NoShot = False;
+    game.window.Shots = 0;
+    game.window.ArrowFrame->DeleteVisual(game.window.ArrowMesh);
+    game.window.CheckScore(side);
+    EXPECT_EQ(game.Cards, (std::vector<std::int16_t>{3, 1}));
+    EXPECT_EQ(game.window.AwayScore, 7);
+    EXPECT_EQ(game.window.GoalSpeed, -1.0f);
+    // The kick's own steps draw while the rise is no longer 0; the set-up's last picture comes first.
+    EXPECT_NEAR(frames, direction > 0 ? 89 : 267, 1);
+  }
+}
+
+} // namespace

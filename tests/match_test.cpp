@@ -1,0 +1,162 @@
+// Whole matches from the set-up to the end card, the cards' sounds, and the waits.
+
+#include "tests/game_kit.h"
+
+#include <gtest/gtest.h>
+
+#include <random>
+
+namespace {
+
+/// Plays whole matches with the mouse: presses, holds for a while, releases, and clicks the end card away.
+void PlayByMouse(Game &game, std::uint32_t seed) {
+  auto random = std::make_shared<std::mt19937>(seed);
+  auto wait = std::make_shared<int>(0);
+  game.machine.OnDraw = nullptr;
+  game.OnPump = [&game, random, wait] {
+    for (const char *card : {"frmHome", "frmAway", "frmTie"}) {
+      if (Window *window = game.machine.FindWindow(card)) game.machine.ClickOn(*window);
+    }
+    if (--*wait > 0) return;
+    *wait = static_cast<int>((*random)() % 14);
+    game.machine.MoveMouse(static_cast<int>((*random)() % 61) - 30, 0);
+    if ((*random)() % 2 == 0) {
+      game.machine.PressMouse(1);
+    } else {
+      game.machine.ReleaseMouse(1);
+    }
+  };
+}
+
+TEST(MatchTest, WholeMatchesEndWithTheCardThatFitsTheScore) {
+  for (const char *mode : {"Human", "Computer"}) {
+    for (std::uint32_t seed = 1; seed <= 12; ++seed) {
+      SCOPED_TRACE(std::string(mode) + " " + std::to_string(seed));
+      Game game(mode, 3);
+      game.machine.Seed = seed;
+      PlayByMouse(game, seed);
+      EXPECT_THROW(game.window.Load(), ProgramEnd);
+      EXPECT_EQ(game.window.Round, 3);
+      EXPECT_LE(game.window.HomeScore, 30);
+      EXPECT_LE(game.window.AwayScore, 30);
+      const std::string ending = game.window.HomeScore > game.window.AwayScore   ? "play yeah2.daw"
+                                 : game.window.HomeScore < game.window.AwayScore ? "play boo.daw"
+                                                                                 : "play yeah.daw";
+      const std::string sounds = game.SoundsSince();
+      EXPECT_TRUE(sounds.ends_with("play wis3.daw, play guit2.daw, loop theme.daw, " + ending)) << sounds;
+      EXPECT_TRUE(game.window.NoShot);
+      EXPECT_TRUE(game.machine.CursorShown);
+    }
+  }
+}
+
+TEST(MatchTest, SetUpStopsTheLaunchWindowsSoundsAndStartsTheCrowd) {
+  Game game;
+  game.SetUp();
+  EXPECT_EQ(game.SoundsSince(),
+            "stop crowd2.daw, stop crowd.daw, stop yeah2.daw, stop theme.daw, play wis2.daw, "
+            "play guit2.daw, loop crowd.daw, loop crowd2.daw");
+  EXPECT_EQ(game.program.MyTurn, True);
+  EXPECT_TRUE(game.window.Visible);
+  EXPECT_FALSE(game.machine.CursorShown);
+  EXPECT_FALSE(game.window.Text2.Enabled);
+}
+
+TEST(MatchTest, EveryCardHasItsSoundsForEitherSide) {
+  const std::string home[] = {"play yeah.daw",
+                              "play boo.daw",
+                              "play yeah2.daw, play wis2.daw",
+                              "",
+                              "play yeah.daw",
+                              "play wis1.daw",
+                              ""};
+  const std::string away[] = {"",
+                              "play yeah2.daw",
+                              "play boo.daw, play wis2.daw",
+                              "play yeah2.daw",
+                              "",
+                              "play yeah.daw, play wis1.daw",
+                              "play yeah2.daw"};
+  for (std::int16_t code = 1; code <= 7; ++code) {
+    for (const Flag turn : {True, False}) {
+      SCOPED_TRACE(std::to_string(code) + (turn ? " home" : " away"));
+      Game game;
+      game.SetUp();
+      game.SoundsSince();
+      game.program.MyTurn = turn;
+      const std::int32_t begin = game.machine.Now();
+      const long repaints = game.machine.Repaints;
+      game.machine.Focus = nullptr;
+      game.window.ShowMessage(static_cast<std::int16_t>(code));
+      EXPECT_EQ(game.SoundsSince(), turn ? home[code - 1] : away[code - 1]);
+      EXPECT_EQ(game.machine.Now() - begin, 3000);
+      EXPECT_EQ(game.Cards, std::vector<std::int16_t>{code});
+      EXPECT_GT(game.machine.Repaints, repaints);
+      EXPECT_EQ(game.machine.Focus, &game.window.RMCanvas1);
+      EXPECT_FALSE(game.window.AnyPictures());
+    }
+  }
+}
+
+TEST(MatchTest, WithoutSoundNothingIsAskedAndTheMatchIsTheSame) {
+  std::vector<std::int16_t> cards[2];
+  std::int32_t ends[2];
+  for (const bool silent : {false, true}) {
+    Game game("Computer", 2);
+    if (silent) game.program.SoundOn = False;
+    PlayByMouse(game, 5);
+    EXPECT_THROW(game.window.Load(), ProgramEnd);
+    EXPECT_EQ(game.machine.Sounds.empty(), silent);
+    cards[silent] = game.Cards;
+    ends[silent] = game.machine.Now();
+  }
+  EXPECT_EQ(cards[0], cards[1]);
+  EXPECT_EQ(ends[0], ends[1]);
+}
+
+TEST(MatchTest, WithoutMessagesAResultPlaysItsSoundsAndPausesOneSecond) {
+  Game game;
+  game.SetUp();
+  game.SoundsSince();
+  game.program.MessagesOn = False;
+  const std::int32_t begin = game.machine.Now();
+  game.window.ShowMessage(3);
+  EXPECT_EQ(game.SoundsSince(), "play yeah2.daw, play wis2.daw");
+  EXPECT_EQ(game.machine.Now() - begin, 1000);
+  EXPECT_TRUE(game.Cards.empty());
+  EXPECT_FALSE(game.window.Busy);
+}
+
+TEST(MatchTest, FramesLastTwentyFiveMillisecondsEvenAcrossTheClocksWrap) {
+  Game game;
+  game.machine.SetNow(0x7FFFFFF0);
+  game.SetUp();
+  const auto begin = static_cast<std::uint32_t>(game.machine.Now());
+  game.Frames(4);
+  EXPECT_EQ(static_cast<std::uint32_t>(game.machine.Now()) - begin, 100U);
+}
+
+TEST(MatchTest, WithoutTheStadiumOnlyTheFieldIsThereAndTheKeyBringsItBack) {
+  Game game;
+  game.program.StadiumOn = False;
+  game.SetUp();
+  EXPECT_TRUE(game.window.StadiumFrame->Visuals().empty());
+  EXPECT_TRUE(game.window.SkyFrame->Visuals().empty());
+  EXPECT_EQ(game.window.TableFrame->Visuals().size(), 3U);
+  game.machine.PressKey(KeyCodes::S);
+  game.Frames(1);
+  EXPECT_EQ(game.window.StadiumFrame->Visuals().size(), 2U);
+  EXPECT_EQ(game.window.SkyFrame->Visuals().size(), 1U);
+}
+
+TEST(MatchTest, TheWinCameraStandsOnThePiecesOwnSide) {
+  for (const auto &[pieceX, cameraX] : {std::pair{-0.5f, -88.0f}, {0.0f, 88.0f}, {3.0f, 88.0f}}) {
+    Game game;
+    game.SetUp();
+    game.PutPiece(pieceX, -60, 3);
+    game.window.WinCam();
+    EXPECT_EQ(game.Place(game.window.CameraFrame), (Vector{cameraX, 30, -88}));
+  }
+}
+
+} // namespace

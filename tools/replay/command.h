@@ -1,0 +1,65 @@
+#pragma once
+
+// The replay tool's language: one command a line.
+
+#include <cstdint>
+#include <iosfwd>
+#include <optional>
+#include <stdexcept>
+#include <string>
+#include <variant>
+
+/// A line that can't be played; says what is wrong and in which line.
+class BadInput : public std::runtime_error {
+public:
+  using std::runtime_error::runtime_error;
+};
+
+struct RoundsCommand {
+  std::int16_t Rounds; ///< 1 to 99
+};
+struct ModeCommand {
+  std::string GameMode; ///< "Human" or "Computer"
+};
+struct SeedCommand {
+  std::uint32_t Seed;
+};
+struct ProbeCommand {
+  float X, Z; ///< scene units
+};
+struct FlickCommand {
+  float Force; ///< 0 to 120
+  float Turn;  ///< radians, on top of the present heading
+};
+struct KickCommand {
+  float Force; ///< 0 to 120
+  float Turn;  ///< radians
+  int Wait;    ///< frames of the sequence before the release
+};
+struct FramesCommand {
+  int Count;
+};
+
+using Command = std::variant<RoundsCommand, ModeCommand, SeedCommand, ProbeCommand, FlickCommand, KickCommand,
+                             FramesCommand>;
+
+/// Reads commands and knows the number of the line.
+class CommandReader {
+public:
+  explicit CommandReader(std::istream &input) : input_(input) {}
+
+  /// The next command; nothing at the end of the input. Empty lines are passed over.
+  /// @throws BadInput
+  std::optional<Command> Next();
+
+  /// The same, without taking it.
+  const std::optional<Command> &Peek();
+
+  /// @throws BadInput  with that text and the number of the line read last
+  [[noreturn]] void Refuse(const std::string &why) const;
+
+private:
+  std::istream &input_;
+  std::optional<std::optional<Command>> peeked_;
+  int line_ = 0;
+};

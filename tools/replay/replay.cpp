@@ -1,0 +1,220 @@
+// Plays a match on the headless machine by commands on standard input and tells what happened as lines of
+// JSON. For tests and for whoever wants to check a shot.
+
+#include "platform/headless/headless_machine.h"
+#include "shot/computer.h"
+#include "tools/replay/command.h"
+#include "tools/replay/report.h"
+#include "tools/replay/watcher.h"
+
+#include <iostream>
+
+namespace {
+
+constexpr float ComputerKick = 90.0f;
+
+/// One match, driven from between its frames: where a picture ends a frame, the next command is read and
+/// obeyed.
+class Replay {
+public:
+  Replay(HeadlessMachine &machine, Program &program, CommandReader &commands)
+      : machine_(machine), program_(program), commands_(commands), window_(machine, program),
+        watcher_(window_), planner_(machine.AppPath()) {
+    planner_.Seed = machine.Seed;
+    machine.OnDraw = [this](Canvas &) { SeePicture(); };
+    machine.Player = [this] { SeePump(); };
+  }
+
+  [[noreturn]] void Run() { window_.Load(); }
+
+private:
+  enum class Stage {
+    Between,    ///< no shot is under way
+    Flick,      ///< a flick, or what follows from it
+    PointAfter, ///< a Touchdown's kick is awaited
+    Kick        ///< the kick, or what follows from it
+  };
+
+  bool ComputersTurn() const { return program_.GameMode == "Computer" && !program_.MyTurn; }
+  char Side() const { return program_.MyTurn ? 'A' : 'B'; }
+
+  void SeePicture() {
+    const bool firstOfComputer = stage_ == Stage::Between && ComputersTurn() && window_.NoShot;
+    if (firstOfComputer) BeginComputer();
+    watcher_.SeePicture();
+    if (stage_ == Stage::Flick && window_.KickMode) {
+      ReportFlick(window_, asked_, watcher_.Flick());
+      stage_ = Stage::PointAfter;
+    }
+    const bool waits = stage_ == Stage::PointAfter || (stage_ == Stage::Between && window_.Round > 0);
+    if (waits && !ComputersTurn()) EndFrame();
+  }
+
+  void SeePump() {
+    watcher_.SeeCards();
+    for (const auto &[name, card] : {std::pair{"frmHome", "home"}, {"frmAway", "away"}, {"frmTie", "tie"}}) {
+      if (!machine_.FindWindow(name)) continue;
+      ReportOver(window_, card);
+      throw ProgramEnd{};
+    }
+    if (asked_.Computer) EndComputer();
+  }
+
+  /// A frame of a person's turn is over. At most one shot is played from here, so that the match can go on
+  /// around it.
+  void EndFrame() {
+    if (framesLeft_ > 0) --framesLeft_;
+    const Stage stage = stage_;
+    while (framesLeft_ == 0 && stage_ == stage && !played_) {
+      if (kickWaits_) {
+        ReleaseKick();
+      } else {
+        const auto command = commands_.Next();
+        if (!command) throw ProgramEnd{};
+        std::visit([this](const auto &each) { Do(each); }, *command);
+      }
+    }
+    played_ = false;
+  }
+
+  void Do(const RoundsCommand &) { commands_.Refuse("rounds stands in the first line only"); }
+  void Do(const ModeCommand &) { commands_.Refuse("mode comes before the first shot"); }
+  void Do(const SeedCommand &) { commands_.Refuse("seed comes before the first shot"); }
+  void Do(const FramesCommand &frames) { framesLeft_ = frames.Count; }
+
+  void Do(const ProbeCommand &probe) {
+    const D3DRMRAY ray{{0.0f, -1.0f, 0.0f}, {probe.X, 0.0f, probe.Z}};
+    std::string surface;
+    try {
+      Ref<Direct3DRMPickArray> hits;
+      window_.TableFrame->RayPick(window_.RMCanvas1.SceneFrame, ray, D3DRMRAYPICK_IGNOREFURTHERPRIMITIVES,
+                                  hits);
+      D3DRMPICKDESC description;
+      surface = hits->GetPickVisual(0, description)->GetName();
+    } catch (const SceneError &) {
+      // Nothing lies there.
+    }
+    ReportProbe(probe.X, probe.Z, surface);
+  }
+
+  void Do(const FlickCommand &flick) {
+    if (stage_ != Stage::Between) commands_.Refuse("a flick in the point-after");
+    asked_ = {Side(), flick.Force, flick.Turn, FirstAttempt + 3 - window_.Shots, false};
+    watcher_.Begin();
+    stage_ = Stage::Flick;
+    Release(flick.Force, flick.Turn);
+    // A Touchdown was told when its point-after began; what has ended then is the kick.
+    if (stage_ == Stage::Flick) ReportFlick(window_, asked_, watcher_.Flick());
+    if (stage_ == Stage::Kick) ReportKick(window_, asked_, watcher_.Kick());
+    stage_ = Stage::Between;
+    played_ = true;
+  }
+
+  void Do(const KickCommand &kick) {
+    if (stage_ != Stage::PointAfter) commands_.Refuse("a kick outside the point-after");
+    kick_ = kick;
+    framesLeft_ = kick.Wait;
+    kickWaits_ = true;
+  }
+
+  void ReleaseKick() {
+    kickWaits_ = false;
+    if (kick_.Force == 0.0f) {
+      Release(kick_.Force, kick_.Turn);
+      ReportNoKick();
+      return;
+    }
+    asked_ = {Side(), kick_.Force, kick_.Turn, 0, false};
+    stage_ = Stage::Kick;
+    Release(kick_.Force, kick_.Turn);
+  }
+
+  /// Turns the aim and lets the button go.
+  void Release(float force, float turn) {
+    window_.AimFrame->AddRotation(D3DRMCOMBINE_BEFORE, 0, 1, 0, turn);
+    window_.ShotPending = True;
+    window_.Force = force;
+    window_.RMCanvas1_MouseUp(1, 0, 0.0f, 0.0f);
+  }
+
+  void BeginComputer() {
+    // The flick has taken its attempt already. A second machine with the same seed draws the same plans.
+    const ComputerPlan plan =
+        PlanComputerShot(planner_, program_.Skill, static_cast<std::int16_t>(window_.Shots + 1));
+    asked_ = {Side(), plan.Force, plan.Turn, FirstAttempt + 2 - window_.Shots, true};
+    watcher_.Begin();
+    stage_ = Stage::Flick;
+  }
+
+  /// Tells of the computer's shot once nothing of it runs any more.
+  void EndComputer() {
+    if (stage_ == Stage::PointAfter && watcher_.Kick().Steps > 0) {
+      asked_ = {'B', ComputerKick, 0.0f, 0, true};
+      stage_ = Stage::Kick;
+    }
+    const bool over = !window_.NoShot && !window_.Busy && !window_.KickMode;
+    if (stage_ == Stage::Flick && over)
+      ReportFlick(window_, asked_, watcher_.Flick());
+    else if (stage_ == Stage::Kick && over && program_.MyTurn)
+      ReportKick(window_, asked_, watcher_.Kick());
+    else
+      return;
+    stage_ = Stage::Between;
+    asked_.Computer = false;
+  }
+
+  static constexpr int FirstAttempt = 1;
+
+  HeadlessMachine &machine_;
+  Program &program_;
+  CommandReader &commands_;
+  frmSnapwedge window_;
+  Watcher watcher_;
+  HeadlessMachine planner_; ///< draws what the computer draws
+  Stage stage_ = Stage::Between;
+  AskedShot asked_;
+  KickCommand kick_{};
+  bool kickWaits_ = false;
+  bool played_ = false;
+  int framesLeft_ = 0;
+};
+
+/// Takes the lines before the first one that plays. Returns whether there is one.
+bool ReadSettings(CommandReader &commands, HeadlessMachine &machine, Program &program) {
+  while (const auto &next = commands.Peek()) {
+    if (const auto *rounds = std::get_if<RoundsCommand>(&*next))
+      program.Rounds = rounds->Rounds;
+    else if (const auto *mode = std::get_if<ModeCommand>(&*next))
+      program.GameMode = mode->GameMode;
+    else if (const auto *seed = std::get_if<SeedCommand>(&*next))
+      machine.Seed = seed->Seed;
+    else
+      return true;
+    commands.Next();
+  }
+  return false;
+}
+
+} // namespace
+
+int main(int, char **argv) {
+  constexpr int BadInputStatus = 2;
+  const auto tools = std::filesystem::weakly_canonical("/proc/self/exe").parent_path();
+  HeadlessMachine machine(tools.parent_path() / "game");
+  Program program(machine);
+  program.GameMode = "Human";
+  program.SoundOn = False;
+  CommandReader commands(std::cin);
+  try {
+    if (!ReadSettings(commands, machine, program)) return 0;
+    Replay(machine, program, commands).Run();
+  } catch (const ProgramEnd &end) {
+    return end.Status;
+  } catch (const BadInput &error) {
+    std::cerr << argv[0] << ": " << error.what() << std::endl;
+    return BadInputStatus;
+  } catch (const std::exception &error) {
+    std::cerr << argv[0] << ": " << error.what() << std::endl;
+    return 1;
+  }
+}

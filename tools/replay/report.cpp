@@ -1,0 +1,108 @@
+#include "tools/replay/report.h"
+
+#include <charconv>
+#include <iostream>
+#include <sstream>
+
+namespace {
+
+/// The shortest text that reads back as the same 32-bit float.
+std::string Number(float value) {
+  char buffer[32];
+  const auto result = std::to_chars(buffer, buffer + sizeof buffer, value);
+  return {buffer, result.ptr};
+}
+
+std::string Triple(const Vector &v) {
+  return '[' + Number(v.x) + ',' + Number(v.y) + ',' + Number(v.z) + ']';
+}
+
+std::string Quoted(const std::string &text) { return '"' + text + '"'; }
+
+/// One line: an object with fields in the order in which they are added.
+class Line {
+public:
+  explicit Line(const std::string &event) { text_ << R"({"event":)" << Quoted(event); }
+  Line &Add(const char *name, const std::string &value) {
+    text_ << ",\"" << name << "\":" << value;
+    return *this;
+  }
+  Line &Add(const char *name, long value) { return Add(name, std::to_string(value)); }
+  void Print() { std::cout << text_.str() << '}' << std::endl; }
+
+private:
+  std::ostringstream text_;
+};
+
+std::string ResultOf(std::int16_t card) {
+  switch (card) {
+  case 3:
+    return "touchdown";
+  case 4:
+    return "fall";
+  case 5:
+    return "bonus";
+  case 6:
+    return "penalty";
+  case 7:
+    return "short";
+  default:
+    return "none";
+  }
+}
+
+Line Begin(const std::string &event, const AskedShot &asked) {
+  Line line(event);
+  line.Add("side", Quoted({asked.Side})).Add("force", Number(asked.Force)).Add("turn", Number(asked.Turn));
+  return line;
+}
+
+void AddScores(Line &line, const frmSnapwedge &window) {
+  line.Add("home", window.HomeScore).Add("away", window.AwayScore);
+}
+
+std::string Next(const frmSnapwedge &window) { return Quoted(window.program.MyTurn ? "A" : "B"); }
+
+void Print(Line &line, const AskedShot &asked) {
+  if (asked.Computer) line.Add("computer", "true");
+  line.Print();
+}
+
+} // namespace
+
+void ReportFlick(const frmSnapwedge &window, const AskedShot &asked, const SeenShot &seen) {
+  Line line = Begin("flick", asked);
+  line.Add("attempt", asked.Attempt).Add("steps", seen.Steps).Add("rest", Triple(seen.Place));
+  line.Add("dir", Triple(seen.Direction));
+  line.Add("corners", '[' + Triple(seen.Corners[0]) + ',' + Triple(seen.Corners[1]) + ',' +
+                          Triple(seen.Corners[2]) + ']');
+  line.Add("result", Quoted(ResultOf(seen.Card))).Add("card", seen.Card);
+  AddScores(line, window);
+  line.Add("next", Next(window)).Add("shots", window.Shots).Add("round", window.Round);
+  Print(line, asked);
+}
+
+void ReportKick(const frmSnapwedge &window, const AskedShot &asked, const SeenShot &seen) {
+  Line line = Begin("kick", asked);
+  line.Add("steps", seen.Steps).Add("end", Triple(seen.Place)).Add("posts_x", Number(seen.PostsX));
+  line.Add("good", seen.Card == 1 ? "true" : "false").Add("card", seen.Card);
+  AddScores(line, window);
+  line.Add("next", Next(window)).Add("round", window.Round);
+  Print(line, asked);
+}
+
+void ReportProbe(float x, float z, const std::string &surface) {
+  Line line("probe");
+  line.Add("x", Number(x))
+      .Add("z", Number(z))
+      .Add("surface", surface.empty() ? "null" : Quoted(surface))
+      .Print();
+}
+
+void ReportNoKick() { Line("nokick").Print(); }
+
+void ReportOver(const frmSnapwedge &window, const std::string &card) {
+  Line line("over");
+  AddScores(line, window);
+  line.Add("card", Quoted(card)).Print();
+}

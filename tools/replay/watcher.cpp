@@ -1,0 +1,42 @@
+#include "tools/replay/watcher.h"
+
+void Watcher::Look(SeenShot &shot) const {
+  const auto &scene = window_.RMCanvas1.SceneFrame;
+  window_.PieceFrame->GetPosition(scene, shot.Place);
+  Vector up;
+  window_.AimFrame->GetOrientation(scene, shot.Direction, up);
+  window_.CornerA->GetPosition(scene, shot.Corners[0]);
+  window_.CornerB->GetPosition(scene, shot.Corners[1]);
+  window_.CornerC->GetPosition(scene, shot.Corners[2]);
+  Vector goal;
+  window_.GoalFrame->GetPosition(scene, goal);
+  shot.PostsX = goal.x;
+}
+
+void Watcher::Begin() {
+  flick_ = {};
+  kick_ = {};
+  Look(flick_);
+}
+
+void Watcher::SeePicture() {
+  // In the flight of a flick the sky moves with every step, and in a fall it stands still. In the flight of a
+  // kick the rise changes with every step, and nowhere else.
+  inFlight_ = window_.NoShot && !window_.KickMode && window_.SkyU != lastSkyU_;
+  if (inFlight_) {
+    ++flick_.Steps;
+    Look(flick_);
+  }
+  if (window_.NoShot && window_.KickMode && window_.KickRise != lastKickRise_) {
+    ++kick_.Steps;
+    Look(kick_);
+  }
+  lastSkyU_ = window_.SkyU;
+  lastKickRise_ = window_.KickRise;
+}
+
+void Watcher::SeeCards() {
+  for (std::int16_t code = 1; code <= 7; ++code) {
+    if (window_.Card(code).Visible) (code <= 2 ? kick_ : flick_).Card = code;
+  }
+}
