@@ -1,0 +1,79 @@
+#pragma once
+
+// A player at a real screen: eyes that read its pixels, a hand on mouse and keyboard. Knows X and nothing of
+// the game.
+
+#include <X11/Xlib.h>
+
+#include <chrono>
+#include <filesystem>
+#include <optional>
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+/// What the player waited for and didn't see, or any other reason to give up.
+class GaveUp : public std::runtime_error {
+public:
+  using std::runtime_error::runtime_error;
+};
+
+struct Pixel {
+  int Red, Green, Blue;
+};
+
+/// A rectangle of pixels, rows from the top.
+struct Image {
+  int Width = 0;
+  int Height = 0;
+  std::vector<Pixel> Pixels;
+  const Pixel &At(int x, int y) const {
+    return Pixels[static_cast<std::size_t>(y) * static_cast<std::size_t>(Width) +
+                  static_cast<std::size_t>(x)];
+  }
+};
+
+/// The mean difference of two pictures' colour parts, 0 to 255, over the size that both have.
+double MeanDifference(const Image &a, const Image &b);
+
+Image LoadImage(const std::filesystem::path &file);
+
+using Milliseconds = std::chrono::milliseconds;
+
+class Screen {
+public:
+  Screen();
+  ~Screen();
+  Screen(const Screen &) = delete;
+  Screen &operator=(const Screen &) = delete;
+
+  /// The window whose title begins so, if it is on the screen now.
+  std::optional<::Window> Find(const std::string &title);
+
+  /// Waits until such a window has come.
+  /// @throws GaveUp  after `patience`
+  ::Window WaitFor(const std::string &title, Milliseconds patience = Milliseconds(20000));
+
+  /// The pixels of a rectangle of a window's client area.
+  Image Look(::Window window, int x, int y, int width, int height);
+
+  /// Writes the whole screen to a PNG file.
+  void TakePicture(const std::filesystem::path &file);
+
+  void MoveTo(::Window window, int x, int y);
+  void MoveBy(int dx, int dy);
+  void Button(unsigned button, bool down);
+  void Click(::Window window, int x, int y);
+  void Key(KeySym key, bool down);
+  void Press(KeySym key);
+  void Type(const std::string &text);
+
+private:
+  std::optional<::Window> FindBelow(::Window root, const std::string &title);
+  Image Read(Drawable from, int x, int y, int width, int height);
+
+  Display *display_;
+};
+
+/// Gives the others time to act.
+void Pause(Milliseconds time);
