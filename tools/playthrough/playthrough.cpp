@@ -2,7 +2,7 @@
 // station. Fails if a station isn't reached.
 //   playthrough GAME PICTURES_DIRECTORY
 
-#include "tools/playthrough/screen.h"
+#include "tools/playthrough/seat.h"
 
 #include <X11/keysym.h>
 #include <sys/wait.h>
@@ -92,7 +92,7 @@ public:
 private:
   void Station(const std::string &name) {
     const std::string number = std::to_string(100 + ++count_).substr(1);
-    screen_.TakePicture(pictures_ / (number + "-" + name + ".png"));
+    seat_.TakePicture(pictures_ / (number + "-" + name + ".png"));
     stations_.insert(name);
     std::cout << number << ' ' << name << std::endl;
   }
@@ -100,12 +100,12 @@ private:
   // ---- The launch window. Places in twips are those of its layout. ----
 
   ::Window Launch() {
-    const ::Window window = screen_.WaitFor("Snapwedge V1.0 -");
+    const ::Window window = seat_.WaitFor("Snapwedge V1.0 -");
     Pause(Milliseconds(300));
     return window;
   }
 
-  void ClickTwips(::Window window, int x, int y) { screen_.Click(window, x / 15, y / 15); }
+  void ClickTwips(::Window window, int x, int y) { seat_.Click(window, x / 15, y / 15); }
 
   /// Opens every information window and closes it again.
   void LookAround() {
@@ -122,49 +122,49 @@ private:
                            Row{"background", "Background", 3300, 3780, 200, 200},
                            Row{"readme", "ReadMe", 8400, 5700, 64, 396}}) {
       ClickTwips(launch, row.x, row.y);
-      const ::Window window = screen_.WaitFor(row.title);
+      const ::Window window = seat_.WaitFor(row.title);
       Pause(Milliseconds(300));
       Station(row.station);
-      screen_.Click(window, row.closeX, row.closeY);
+      seat_.Click(window, row.closeX, row.closeY);
       WaitUntilGone(row.title);
     }
     // A number of rounds that can't be played.
     EnterRounds(launch, "0");
     ClickTwips(launch, 3300, 5700);
-    screen_.WaitFor("Rounds to Play:");
+    seat_.WaitFor("Rounds to Play:");
     Pause(Milliseconds(200));
     Station("rounds-refused");
-    screen_.Press(XK_Return);
+    seat_.Press(XK_Return);
     WaitUntilGone("Rounds to Play:");
   }
 
   void WaitUntilGone(const std::string &title) {
     for (const auto end = Clock::now() + Milliseconds(5000); Clock::now() < end; Pause(Milliseconds(20))) {
-      if (!screen_.Find(title)) return;
+      if (!seat_.Find(title)) return;
     }
     throw GaveUp("\"" + title + "\" doesn't close");
   }
 
   void EnterRounds(::Window launch, const std::string &rounds) {
     ClickTwips(launch, 3120, 4450);
-    screen_.Press(XK_End);
-    screen_.Press(XK_BackSpace);
-    screen_.Press(XK_BackSpace);
-    screen_.Type(rounds);
+    seat_.Press(XK_End);
+    seat_.Press(XK_BackSpace);
+    seat_.Press(XK_BackSpace);
+    seat_.Type(rounds);
   }
 
   void Start(const std::string &rounds, int buttonX) {
     const ::Window launch = Launch();
     EnterRounds(launch, rounds);
     ClickTwips(launch, buttonX, 5700);
-    window_ = screen_.WaitFor("Snapwedge V1.01");
+    window_ = seat_.WaitFor("Snapwedge V1.01");
     Pause(Milliseconds(1000));
     emptyMeter_ = Look(Meter);
   }
 
   // ---- Eyes on the play window. ----
 
-  Image Look(const Box &box) { return screen_.Look(window_, box.X, box.Y, box.Width, box.Height); }
+  Image Look(const Box &box) { return seat_.Look(window_, box.X, box.Y, box.Width, box.Height); }
 
   /// How full the meter is, 0 to 100: its rows that have changed since it was empty.
   int MeterLevel() {
@@ -185,7 +185,7 @@ private:
     for (int code = 1; code <= 7; ++code) {
       // A frame of the box may shift the picture by a few pixels.
       const Image seen =
-          screen_.Look(window_, CardLeft, CardTop[static_cast<std::size_t>(code)], CardWidth, CardHeight);
+          seat_.Look(window_, CardLeft, CardTop[static_cast<std::size_t>(code)], CardWidth, CardHeight);
       if (MeanDifference(seen, cards_[static_cast<std::size_t>(code - 1)]) < SameCard) return code;
     }
     return 0;
@@ -200,15 +200,15 @@ private:
   }
 
   bool EndCardUp() {
-    return screen_.Find("Home Team Wins!!") || screen_.Find("Away Team Wins!!") ||
-           screen_.Find("It's All Tied Up!");
+    return seat_.Find("Home Team Wins!!") || seat_.Find("Away Team Wins!!") ||
+           seat_.Find("It's All Tied Up!");
   }
 
   // ---- The hand. ----
 
   /// Holds the button until the meter reads `level`, lets go, and takes the picture of the half-full meter.
   void Shoot(int level, bool picture = false) {
-    screen_.Button(1, true);
+    seat_.Button(1, true);
     bool half = !picture;
     const auto end = Clock::now() + Milliseconds(2000);
     for (;;) {
@@ -219,7 +219,7 @@ private:
         Station("meter");
       }
     }
-    screen_.Button(1, false);
+    seat_.Button(1, false);
   }
 
   /// Watches what follows from a shot: a picture of the flight, of each card. Returns the last card's code.
@@ -252,10 +252,10 @@ private:
 
   void CloseEndCard(Game &game) {
     for (const char *title : {"Home Team Wins!!", "Away Team Wins!!", "It's All Tied Up!"}) {
-      if (const auto card = screen_.Find(title)) {
+      if (const auto card = seat_.Find(title)) {
         Pause(Milliseconds(300));
         Station("end-card");
-        screen_.Click(*card, 150, 110);
+        seat_.Click(*card, 150, 110);
         game.WaitForEnd();
         return;
       }
@@ -310,22 +310,22 @@ private:
     Game game(program_);
     Start("1", 1380);
     Station("aim");
-    screen_.MoveBy(80, 0);
+    seat_.MoveBy(80, 0);
     Pause(Milliseconds(200));
     Station("aim-turned");
-    screen_.MoveBy(-80, 0);
+    seat_.MoveBy(-80, 0);
     Pause(Milliseconds(200));
-    screen_.Press(XK_s);
+    seat_.Press(XK_s);
     Pause(Milliseconds(200));
     Station("without-stadium");
-    screen_.Press(XK_s);
-    screen_.Key(XK_Shift_L, true);
-    screen_.MoveBy(0, -60);
+    seat_.Press(XK_s);
+    seat_.Key(XK_Shift_L, true);
+    seat_.MoveBy(0, -60);
     Pause(Milliseconds(200));
     Station("zoomed");
-    screen_.MoveBy(0, 60);
+    seat_.MoveBy(0, 60);
     Pause(Milliseconds(200));
-    screen_.Key(XK_Shift_L, false);
+    seat_.Key(XK_Shift_L, false);
     Possess(TouchdownPlan);
     WaitForTurn(false);
     if (!EndCardUp()) Station("computer");
@@ -363,7 +363,7 @@ private:
     Start("1", 3300);
     Shoot(88);
     Pause(Milliseconds(400));
-    screen_.Press(XK_Escape);
+    seat_.Press(XK_Escape);
     game.WaitForEnd();
     stations_.insert("quit");
   }
@@ -381,7 +381,7 @@ private:
 
   fs::path program_;
   fs::path pictures_;
-  Screen screen_;
+  Seat seat_;
   std::vector<Image> cards_;
   ::Window window_ = 0;
   Image emptyMeter_;

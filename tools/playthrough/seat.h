@@ -40,12 +40,12 @@ Image LoadImage(const std::filesystem::path &file);
 
 using Milliseconds = std::chrono::milliseconds;
 
-class Screen {
+class Seat {
 public:
-  Screen();
-  ~Screen();
-  Screen(const Screen &) = delete;
-  Screen &operator=(const Screen &) = delete;
+  Seat();
+  ~Seat();
+  Seat(const Seat &) = delete;
+  Seat &operator=(const Seat &) = delete;
 
   /// The window whose title begins so, if it is on the screen now.
   std::optional<::Window> Find(const std::string &title);

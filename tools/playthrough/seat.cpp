@@ -1,4 +1,4 @@
-#include "tools/playthrough/screen.h"
+#include "tools/playthrough/seat.h"
 
 #include <X11/Xutil.h>
 #include <X11/extensions/XTest.h>
@@ -60,14 +60,14 @@ Image LoadImage(const std::filesystem::path &file) {
   return image;
 }
 
-Screen::Screen() : display_(XOpenDisplay(nullptr)) {
+Seat::Seat() : display_(XOpenDisplay(nullptr)) {
   if (!display_) throw GaveUp("there is no display");
   XSetErrorHandler(PassOver);
 }
 
-Screen::~Screen() { XCloseDisplay(display_); }
+Seat::~Seat() { XCloseDisplay(display_); }
 
-std::optional<::Window> Screen::FindBelow(::Window root, const std::string &title) {
+std::optional<::Window> Seat::FindBelow(::Window root, const std::string &title) {
   char *name = nullptr;
   XWindowAttributes attributes;
   if (XFetchName(display_, root, &name) && name) {
@@ -86,11 +86,11 @@ std::optional<::Window> Screen::FindBelow(::Window root, const std::string &titl
   return found;
 }
 
-std::optional<::Window> Screen::Find(const std::string &title) {
+std::optional<::Window> Seat::Find(const std::string &title) {
   return FindBelow(DefaultRootWindow(display_), title);
 }
 
-::Window Screen::WaitFor(const std::string &title, Milliseconds patience) {
+::Window Seat::WaitFor(const std::string &title, Milliseconds patience) {
   const auto end = std::chrono::steady_clock::now() + patience;
   while (std::chrono::steady_clock::now() < end) {
     if (const auto window = Find(title)) return *window;
@@ -99,7 +99,7 @@ std::optional<::Window> Screen::Find(const std::string &title) {
   throw GaveUp("no window \"" + title + "\" has come");
 }
 
-Image Screen::Read(Drawable from, int x, int y, int width, int height) {
+Image Seat::Read(Drawable from, int x, int y, int width, int height) {
   Image image;
   XImage *raw = XGetImage(display_, from, x, y, static_cast<unsigned>(width), static_cast<unsigned>(height),
                           AllPlanes, ZPixmap);
@@ -118,7 +118,7 @@ Image Screen::Read(Drawable from, int x, int y, int width, int height) {
   return image;
 }
 
-Image Screen::Look(::Window window, int x, int y, int width, int height) {
+Image Seat::Look(::Window window, int x, int y, int width, int height) {
   // Read off the screen itself: what lies over the window counts.
   int rootX = 0, rootY = 0;
   ::Window child = 0;
@@ -126,7 +126,7 @@ Image Screen::Look(::Window window, int x, int y, int width, int height) {
   return Read(DefaultRootWindow(display_), rootX, rootY, width, height);
 }
 
-void Screen::TakePicture(const std::filesystem::path &file) {
+void Seat::TakePicture(const std::filesystem::path &file) {
   const int screen = DefaultScreen(display_);
   const Image image = Read(DefaultRootWindow(display_), 0, 0, DisplayWidth(display_, screen),
                            DisplayHeight(display_, screen));
@@ -141,7 +141,7 @@ void Screen::TakePicture(const std::filesystem::path &file) {
   }
 }
 
-void Screen::MoveTo(::Window window, int x, int y) {
+void Seat::MoveTo(::Window window, int x, int y) {
   int rootX = 0, rootY = 0;
   ::Window child = 0;
   XTranslateCoordinates(display_, window, DefaultRootWindow(display_), x, y, &rootX, &rootY, &child);
@@ -149,17 +149,17 @@ void Screen::MoveTo(::Window window, int x, int y) {
   XFlush(display_);
 }
 
-void Screen::MoveBy(int dx, int dy) {
+void Seat::MoveBy(int dx, int dy) {
   XTestFakeRelativeMotionEvent(display_, dx, dy, CurrentTime);
   XFlush(display_);
 }
 
-void Screen::Button(unsigned button, bool down) {
+void Seat::Button(unsigned button, bool down) {
   XTestFakeButtonEvent(display_, button, down, CurrentTime);
   XFlush(display_);
 }
 
-void Screen::Click(::Window window, int x, int y) {
+void Seat::Click(::Window window, int x, int y) {
   MoveTo(window, x, y);
   Pause(HandMoves);
   Button(1, true);
@@ -168,18 +168,18 @@ void Screen::Click(::Window window, int x, int y) {
   Pause(HandMoves);
 }
 
-void Screen::Key(KeySym key, bool down) {
+void Seat::Key(KeySym key, bool down) {
   XTestFakeKeyEvent(display_, XKeysymToKeycode(display_, key), down, CurrentTime);
   XFlush(display_);
 }
 
-void Screen::Press(KeySym key) {
+void Seat::Press(KeySym key) {
   Key(key, true);
   Pause(HandMoves);
   Key(key, false);
   Pause(HandMoves);
 }
 
-void Screen::Type(const std::string &text) {
+void Seat::Type(const std::string &text) {
   for (const char letter : text) Press(static_cast<KeySym>(static_cast<unsigned char>(letter)));
 }
