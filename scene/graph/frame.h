@@ -1,0 +1,105 @@
+#pragma once
+
+// Frames: the tree of places and orientations, what hangs in it, and the ray that asks what lies where.
+
+#include "scene/graph/mesh_builder.h"
+#include "scene/graph/ref.h"
+#include "scene/graph/scene_error.h"
+#include "scene/graph/vector.h"
+
+#include <cstdint>
+#include <memory>
+#include <span>
+#include <vector>
+
+constexpr std::int32_t D3DRMCOMBINE_BEFORE = 1;
+constexpr std::int32_t D3DRMCONSTRAIN_Z = 0;
+constexpr std::int32_t D3DRMRAYPICK_IGNOREFURTHERPRIMITIVES = 2;
+
+/// What a pick tells of a hit beside its visual. The game never reads it.
+struct D3DRMPICKDESC {
+  Vector Position; ///< of the hit, in the scene
+};
+
+/// The hits of a ray, the nearest first.
+class Direct3DRMPickArray {
+public:
+  /// The visual of a hit.
+  /// @throws SceneError  if there is no such hit
+  Ref<Direct3DRMVisual> GetPickVisual(std::int32_t index, D3DRMPICKDESC &description) const;
+
+  struct Hit {
+    double Distance; ///< in lengths of the ray's direction
+    Ref<Direct3DRMVisual> Visual;
+  };
+  std::vector<Hit> Hits;
+  D3DRMRAY Ray; ///< in the scene
+};
+
+/// Where a frame stands: the origin and the three axes of one frame, in another.
+struct Transform {
+  Vector Origin;
+  Vector Right{1, 0, 0};     ///< +x
+  Vector Up{0, 1, 0};        ///< +y
+  Vector Direction{0, 0, 1}; ///< +z
+  bool operator==(const Transform &) const = default;
+};
+
+/// A node of the tree. In all operations `ref` is the frame in whose coordinates a place or a vector is told,
+/// at the moment of the call; it may be the frame itself. Arguments that aren't finite make an operation
+/// fail.
+/// @throws SceneError  from every operation that fails
+class Direct3DRMFrame3 : public std::enable_shared_from_this<Direct3DRMFrame3> {
+public:
+  explicit Direct3DRMFrame3(GraphRevision revision) : revision_(std::move(revision)) {}
+  Direct3DRMFrame3(const Direct3DRMFrame3 &) = delete;
+  Direct3DRMFrame3 &operator=(const Direct3DRMFrame3 &) = delete;
+
+  void AddVisual(const Ref<Direct3DRMMeshBuilder3> &visual);
+  void DeleteVisual(const Ref<Direct3DRMMeshBuilder3> &visual);
+
+  /// Puts the frame's origin at (x, y, z) of ref. Orientation and parent stay.
+  void SetPosition(const Ref<Direct3DRMFrame3> &ref, float x, float y, float z);
+  void GetPosition(const Ref<Direct3DRMFrame3> &ref, Vector &position) const;
+
+  /// Turns the frame's +z along the direction and its +y along the up vector.
+  void SetOrientation(const Ref<Direct3DRMFrame3> &ref, float dx, float dy, float dz, float ux, float uy,
+                      float uz);
+  void GetOrientation(const Ref<Direct3DRMFrame3> &ref, Vector &direction, Vector &up) const;
+
+  /// Turns the frame about its origin so that its +z points at the target's origin, without roll against ref.
+  void LookAt(const Ref<Direct3DRMFrame3> &target, const Ref<Direct3DRMFrame3> &ref, std::int32_t constraint);
+
+  /// Turns the frame about an axis of its own through its own origin, radians.
+  void AddRotation(std::int32_t combine, float x, float y, float z, float theta);
+
+  /// Sets the steady rotation: radians at each update, about an axis of ref. (0, 0, 0, 0) stops it.
+  void SetRotation(const Ref<Direct3DRMFrame3> &ref, float x, float y, float z, float theta);
+
+  /// Tests the faces of all that hangs under this frame. An array without hits is no failure.
+  void RayPick(const Ref<Direct3DRMFrame3> &ref, const D3DRMRAY &ray, std::int32_t flags,
+               Ref<Direct3DRMPickArray> &picked);
+
+  // For whoever draws.
+  std::span<const Ref<Direct3DRMFrame3>> Children() const { return children_; }
+  std::span<const Ref<Direct3DRMMeshBuilder3>> Visuals() const { return visuals_; }
+  Transform World() const; ///< this frame in the scene
+
+private:
+  friend class Direct3DRM3;
+  friend class RMCanvas;
+
+  void Turn(const Transform &axes);
+  void StepRotation();
+  void Pick(const D3DRMRAY &ray, std::vector<Direct3DRMPickArray::Hit> &hits);
+
+  GraphRevision revision_;
+  Direct3DRMFrame3 *parent_ = nullptr; ///< outlives its children, which it owns
+  std::vector<Ref<Direct3DRMFrame3>> children_;
+  std::vector<Ref<Direct3DRMMeshBuilder3>> visuals_;
+  Transform local_; ///< in the parent
+
+  std::weak_ptr<Direct3DRMFrame3> rotationRef_;
+  Vector rotationAxis_;
+  float rotationTheta_ = 0;
+};

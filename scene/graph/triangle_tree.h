@@ -1,0 +1,39 @@
+#pragma once
+
+// A tree of boxes over the faces of a mesh, so that a ray meets a few of thousands.
+
+#include "scene/graph/vector.h"
+
+#include <cstdint>
+#include <optional>
+#include <span>
+#include <vector>
+
+class TriangleTree {
+public:
+  /// Built anew for these vertices, three indices a face.
+  void Build(std::span<const Vector> positions, std::span<const std::uint32_t> indices);
+
+  /// Where the ray meets the nearest face from either side, in lengths of its direction, 0 or more. A ray
+  /// through an edge or a corner that faces share meets one of them: there are no cracks.
+  std::optional<double> Intersect(std::span<const Vector> positions, const D3DRMRAY &ray) const;
+
+private:
+  struct Box {
+    Vector Low, High;
+  };
+  struct Node {
+    Box Bounds;
+    std::uint32_t First; ///< of a leaf: its first face; else the second child (the first follows its parent)
+    std::uint32_t Count; ///< faces of a leaf, 0 for an inner node
+  };
+  struct Face {
+    std::uint32_t A, B, C;
+  };
+
+  void BuildNode(std::span<const Vector> positions, std::uint32_t first, std::uint32_t count);
+  static Box BoxOf(std::span<const Vector> positions, std::span<const Face> faces);
+
+  std::vector<Node> nodes_;
+  std::vector<Face> faces_;
+};
