@@ -1,0 +1,91 @@
+#pragma once
+
+// The inside of the memory network: what is on its way, and to whom.
+
+#include "platform/headless/wire.h"
+
+#include <array>
+#include <deque>
+#include <map>
+#include <random>
+#include <set>
+
+/// Bytes on their way to one end of a connection.
+struct WirePipe {
+  struct Chunk {
+    std::int32_t arrival;
+    session::Bytes bytes;
+    std::size_t taken = 0;
+  };
+  std::deque<Chunk> chunks;
+  std::size_t held = 0;                 ///< bytes not yet taken by the receiver
+  std::int32_t last = 0;                ///< arrival of the last chunk: bytes keep their order
+  std::optional<std::int32_t> closedAt; ///< when the receiver learns that no more will come
+  bool dead = false;                    ///< the wire has given up to send again
+};
+
+/// A connection. Side 0 has dialled, side 1 was listening.
+struct WireCircuit {
+  std::array<std::string, 2> address;
+  std::uint16_t port = 0;
+  std::array<WirePipe, 2> to;
+  std::array<bool, 2> ended{};
+  std::optional<std::int32_t> dialArrival; ///< when the dial reaches the other computer
+  std::optional<std::int32_t> answerTime;  ///< time that its answer takes
+  std::optional<std::int32_t> answeredAt;  ///< when the dialler learns of it
+  bool refused = false;
+};
+
+struct WireListener {
+  std::string address;
+  session::Reach reach;
+  std::uint16_t port;
+  std::deque<std::shared_ptr<WireCircuit>> waiting;
+};
+
+struct WireDatagrams {
+  struct Datagram {
+    std::int32_t arrival;
+    session::Endpoint from;
+    session::Bytes data;
+  };
+  std::string address;
+  session::Reach reach;
+  std::uint16_t port;
+  std::deque<Datagram> waiting;
+};
+
+struct WirePlug {
+  std::string address;
+  std::optional<std::int32_t> wake;
+};
+
+struct WireState {
+  std::function<std::int32_t()> clock;
+  std::mt19937 random;
+  FaultyWire::Quality line;
+  FaultyWire::Counters counters;
+  std::map<std::string, std::string> names;
+  std::set<std::string> killed;
+  std::vector<std::shared_ptr<WireCircuit>> circuits;
+  std::vector<std::weak_ptr<WireListener>> listeners;
+  std::vector<std::weak_ptr<WireDatagrams>> datagrams;
+  std::vector<std::weak_ptr<WirePlug>> plugs;
+  std::uint16_t nextPort = 50000;
+
+  /// Lets the dials that have arrived by now find their listeners, and drops what is over.
+  void Advance();
+
+  /// When a packet sent at `sent` arrives; nothing if it gets lost.
+  std::optional<std::int32_t> Packet(std::int32_t sent, bool sameComputer);
+
+  /// When a packet arrives that is sent again until it does, after `pause` ms and then twice as long each
+  /// time.
+  std::optional<std::int32_t> Transit(std::int32_t sent, bool sameComputer, std::int32_t pause);
+
+  /// Ends one side of a connection and lets the other learn it.
+  void EndSide(WireCircuit &circuit, std::size_t side);
+};
+
+std::unique_ptr<session::Stream> MakeWireStream(std::shared_ptr<WireState> state,
+                                                std::shared_ptr<WireCircuit> circuit, std::size_t side);

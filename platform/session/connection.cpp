@@ -1,0 +1,35 @@
+#include "platform/session/connection.h"
+
+#include <array>
+
+namespace session {
+
+bool Connection::Fill(std::int32_t now) {
+  std::array<std::uint8_t, 8192> block;
+  std::size_t taken = 0;
+  while (taken < MostReadAtOnce) {
+    const std::size_t count = stream_->Receive(block);
+    if (count == 0) break;
+    taken += count;
+    heard_ = now;
+    reader_.Add(ByteView(block).first(count));
+  }
+  return taken > 0;
+}
+
+void Connection::WriteBytes(ByteView bytes, std::int32_t now) {
+  out_.insert(out_.end(), bytes.begin(), bytes.end());
+  sent_ = now;
+}
+
+void Connection::Flush() {
+  while (!AllSent()) {
+    const std::size_t count = stream_->Send(ByteView(out_).subspan(outBegin_));
+    if (count == 0) return;
+    outBegin_ += count;
+  }
+  out_.clear();
+  outBegin_ = 0;
+}
+
+} // namespace session

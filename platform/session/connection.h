@@ -1,0 +1,60 @@
+#pragma once
+
+// One connection that carries frames: bytes cut into frames on the way in, kept until the network takes them
+// on the way out, and the times at which either side was last heard.
+
+#include "platform/session/frame.h"
+#include "platform/session/transport.h"
+
+namespace session {
+
+/// Signed difference of two moments of the machine's clock, which may wrap round.
+constexpr std::int32_t Since(std::int32_t from, std::int32_t to) {
+  return static_cast<std::int32_t>(static_cast<std::uint32_t>(to) - static_cast<std::uint32_t>(from));
+}
+
+/// The moment so many milliseconds later.
+constexpr std::int32_t Later(std::int32_t moment, std::int32_t milliseconds) {
+  return static_cast<std::int32_t>(static_cast<std::uint32_t>(moment) +
+                                   static_cast<std::uint32_t>(milliseconds));
+}
+
+class Connection {
+public:
+  Connection(std::unique_ptr<Stream> stream, std::int32_t now)
+      : stream_(std::move(stream)), begun_(now), heard_(now), sent_(now) {}
+
+  StreamState GetState() { return stream_->GetState(); }
+
+  /// Takes in what has come, at most MostReadAtOnce bytes. Returns whether anything had.
+  bool Fill(std::int32_t now);
+
+  /// The next frame that came.
+  /// @throws MalformedError  if the other side sent what is no frame
+  std::optional<AnyFrame> Next() { return reader_.Next(); }
+
+  void Write(const AnyFrame &frame, std::int32_t now) { WriteBytes(EncodeFrame(frame), now); }
+  void WriteBytes(ByteView bytes, std::int32_t now);
+
+  /// Sends what the network takes now.
+  void Flush();
+
+  /// From the handshake's end on long frames may come.
+  void EndHandshake() { reader_.SetLargest(LargestFrame); }
+
+  bool AllSent() const { return out_.size() == outBegin_; }
+  std::int32_t Begun() const { return begun_; }
+  std::int32_t Heard() const { return heard_; } ///< when anything last came
+  std::int32_t Sent() const { return sent_; }   ///< when anything was last written
+
+private:
+  std::unique_ptr<Stream> stream_;
+  FrameReader reader_{LargestHandshake};
+  Bytes out_;
+  std::size_t outBegin_ = 0;
+  std::int32_t begun_;
+  std::int32_t heard_;
+  std::int32_t sent_;
+};
+
+} // namespace session

@@ -1,0 +1,190 @@
+#include "platform/session/host_session.h"
+
+#include <algorithm>
+
+namespace session {
+
+namespace {
+
+constexpr std::int32_t Places = 2; ///< two computers play
+
+/// Takes the same time wherever the first difference stands.
+bool SameSecret(const Token &a, const Token &b) {
+  unsigned difference = 0;
+  for (std::size_t i = 0; i < a.size(); ++i) difference |= static_cast<unsigned>(a[i] ^ b[i]);
+  return difference == 0;
+}
+
+void Refuse(Connection &connection, RefuseReason reason, std::int32_t now) {
+  connection.Write(RefuseFrame{reason}, now);
+  connection.Flush();
+}
+
+std::uint8_t Byte(std::int32_t value) { return static_cast<std::uint8_t>(std::clamp(value, 0, 255)); }
+
+} // namespace
+
+HostSession::HostSession(Transport &transport, Reach reach, const DirectPlaySessionData &description)
+    : Session(true), transport_(transport), description_(description) {
+  const auto game = ParseGuid(description.GetGuidApplication());
+  if (!game) throw DirectPlayError("session: \"" + description.GetGuidApplication() + "\" is no GUID");
+  game_ = *game;
+  Bytes random(sizeof id_);
+  transport.FillRandom(random);
+  id_ = ByteReader(random).U64();
+  OpenPort(reach);
+}
+
+void HostSession::OpenPort(Reach reach) {
+  for (port_ = DefaultPort; port_ < DefaultPort + PortCount; ++port_) {
+    listener_ = transport_.Listen(reach, port_);
+    if (!listener_) continue;
+    datagrams_ = transport_.OpenDatagrams(reach, port_);
+    if (datagrams_) return;
+  }
+  listener_.reset();
+  throw DirectPlayError("session: no port from " + std::to_string(DefaultPort) + " to " +
+                        std::to_string(DefaultPort + PortCount - 1) + " is free");
+}
+
+bool HostSession::IsFull() const {
+  if (description_.GetMaxPlayers() < Places) return true;
+  return link_.IsUp() || link_.PlayerCame();
+}
+
+AnswerFrame HostSession::Answer(std::uint64_t nonce) const {
+  AnswerFrame answer;
+  answer.Game = game_;
+  answer.Nonce = nonce;
+  answer.Session = id_;
+  answer.CurrentPlayers = 1;
+  answer.MaxPlayers = Byte(description_.GetMaxPlayers());
+  answer.Flags = static_cast<std::uint32_t>(description_.GetFlags());
+  answer.Rounds = static_cast<std::uint16_t>(description_.GetRounds());
+  answer.Name = description_.GetSessionName();
+  return answer;
+}
+
+void HostSession::Poll(std::int32_t now) {
+  if (datagrams_) AnswerDatagrams();
+  if (listener_) AcceptConnections(now);
+  PollPending(now);
+  link_.Poll(now);
+  FreePlaceOfAbsentJoiner(now);
+  if (link_.GetState() == Link::State::Lost) StopListening();
+}
+
+void HostSession::AnswerDatagrams() {
+  Endpoint from;
+  Bytes data;
+  for (int i = 0; i < MostDatagramsAtOnce && datagrams_->Receive(from, data); ++i) {
+    try {
+      const AnyFrame frame = DecodeDatagram(data);
+      const auto *ask = std::get_if<AskFrame>(&frame);
+      if (ask && ask->Game == game_ && TakesJoiner()) {
+        datagrams_->Send(from, EncodeDatagram(Answer(ask->Nonce)));
+      }
+    } catch (const MalformedError &) {
+      // Anybody may send anything to an open port.
+    }
+  }
+}
+
+void HostSession::AcceptConnections(std::int32_t now) {
+  for (int i = 0; i < MostAcceptedAtOnce; ++i) {
+    auto stream = listener_->Accept();
+    if (!stream) return;
+    // Whoever means to join says so at once, so it is the oldest that has to make room.
+    if (pending_.size() == MostPending) pending_.erase(pending_.begin());
+    pending_.push_back(std::make_unique<Connection>(std::move(stream), now));
+  }
+}
+
+void HostSession::PollPending(std::int32_t now) {
+  for (auto &connection : pending_) {
+    if (!Greet(connection, now)) connection.reset();
+  }
+  std::erase(pending_, nullptr);
+}
+
+/// Looks at the first frame of a stranger. Returns whether the connection goes on waiting.
+bool HostSession::Greet(std::unique_ptr<Connection> &connection, std::int32_t now) {
+  try {
+    const bool came = connection->Fill(now);
+    const auto frame = connection->Next();
+    if (!frame) {
+      const bool open = came || connection->GetState() == StreamState::Open;
+      return open && Since(connection->Begun(), now) < PendingMs;
+    }
+    if (const auto *join = std::get_if<JoinFrame>(&*frame)) {
+      TakeJoiner(std::move(connection), *join, now);
+    } else if (const auto *resume = std::get_if<ResumeFrame>(&*frame)) {
+      Resume(std::move(connection), *resume, now);
+    } else if (const auto *ask = std::get_if<AskFrame>(&*frame)) {
+      if (ask->Game == game_ && TakesJoiner()) {
+        connection->Write(Answer(ask->Nonce), now);
+        connection->Flush();
+      }
+    } else if (std::holds_alternative<StrangerFrame>(*frame)) {
+      Refuse(*connection, RefuseReason::OtherVersion, now);
+    }
+  } catch (const MalformedError &) {
+    // Not one of us.
+  }
+  return false;
+}
+
+void HostSession::TakeJoiner(std::unique_ptr<Connection> connection, const JoinFrame &join,
+                             std::int32_t now) {
+  if (join.Game != game_) return Refuse(*connection, RefuseReason::OtherGame, now);
+  if (join.Session != id_ || leaving_) return Refuse(*connection, RefuseReason::NoSuchSession, now);
+  if (IsFull()) return Refuse(*connection, RefuseReason::Full, now);
+  link_ = Link(true);
+  transport_.FillRandom(secret_);
+  connection->Write(WelcomeFrame{secret_}, now);
+  link_.Attach(std::move(connection), 1, now);
+}
+
+void HostSession::Resume(std::unique_ptr<Connection> connection, const ResumeFrame &resume,
+                         std::int32_t now) {
+  if (resume.Game != game_) return Refuse(*connection, RefuseReason::OtherGame, now);
+  if (resume.Session != id_) return Refuse(*connection, RefuseReason::NoSuchSession, now);
+  const bool joined = link_.GetState() == Link::State::Up || link_.GetState() == Link::State::Broken;
+  if (!joined || !SameSecret(resume.Secret, secret_)) {
+    return Refuse(*connection, RefuseReason::WrongSecret, now);
+  }
+  connection->Write(ResumedFrame{link_.NextIn()}, now);
+  link_.Attach(std::move(connection), resume.Next, now);
+}
+
+/// A joiner that never makes its player would keep everybody else out.
+void HostSession::FreePlaceOfAbsentJoiner(std::int32_t now) {
+  if (link_.PlayerCame() || leaving_ || link_.GetState() == Link::State::Waiting) return;
+  const bool tooLong = link_.IsUp() && Since(link_.AttachedAt(), now) >= PlayerMs;
+  if (tooLong || link_.GetState() == Link::State::Lost) link_ = Link(true);
+}
+
+void HostSession::StopListening() {
+  listener_.reset();
+  datagrams_.reset();
+  pending_.clear();
+}
+
+void HostSession::SayBye(std::int32_t now) {
+  leaving_ = true;
+  datagrams_.reset();
+  if (link_.GetState() == Link::State::Waiting) StopListening();
+  link_.SayBye(now);
+}
+
+std::optional<std::int32_t> HostSession::NextDeadline() const {
+  std::optional<std::int32_t> deadline = link_.NextDeadline();
+  const auto earlier = [&](std::int32_t moment) {
+    if (!deadline || Since(moment, *deadline) > 0) deadline = moment;
+  };
+  if (link_.IsUp() && !link_.PlayerCame()) earlier(Later(link_.AttachedAt(), PlayerMs));
+  for (const auto &connection : pending_) earlier(Later(connection->Begun(), PendingMs));
+  return deadline;
+}
+
+} // namespace session

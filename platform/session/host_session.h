@@ -1,0 +1,51 @@
+#pragma once
+
+// The host's side: it answers searches, takes one joiner in, and goes on with it when it comes back after a
+// break.
+
+#include "platform/direct_play.h"
+#include "platform/session/session.h"
+
+namespace session {
+
+class HostSession : public Session {
+public:
+  /// Opens the session on the first free port.
+  /// @throws DirectPlayError  if the description has no application GUID, or no port is free
+  HostSession(Transport &transport, Reach reach, const DirectPlaySessionData &description);
+
+  void Poll(std::int32_t now) override;
+  void SayBye(std::int32_t now) override;
+  std::optional<std::int32_t> NextDeadline() const override;
+
+  std::uint16_t Port() const { return port_; }
+
+private:
+  using Pending = std::vector<std::unique_ptr<Connection>>;
+
+  void OpenPort(Reach reach);
+  bool IsFull() const;
+  bool TakesJoiner() const { return listener_ && !leaving_ && !IsFull(); }
+  AnswerFrame Answer(std::uint64_t nonce) const;
+  void AnswerDatagrams();
+  void AcceptConnections(std::int32_t now);
+  void PollPending(std::int32_t now);
+  bool Greet(std::unique_ptr<Connection> &connection, std::int32_t now);
+  void TakeJoiner(std::unique_ptr<Connection> connection, const JoinFrame &join, std::int32_t now);
+  void Resume(std::unique_ptr<Connection> connection, const ResumeFrame &resume, std::int32_t now);
+  void FreePlaceOfAbsentJoiner(std::int32_t now);
+  void StopListening();
+
+  Transport &transport_;
+  Guid game_{};
+  std::uint64_t id_ = 0;
+  DirectPlaySessionData description_;
+  std::uint16_t port_ = 0;
+  std::unique_ptr<Listener> listener_;
+  std::unique_ptr<DatagramPort> datagrams_;
+  Pending pending_; ///< connections of strangers, the oldest first
+  Token secret_{};  ///< the joiner's
+  bool leaving_ = false;
+};
+
+} // namespace session

@@ -1,0 +1,99 @@
+#pragma once
+
+// What two programs of a session have said to each other, whatever connections carried it: every message has
+// a number, is kept until the other side has acknowledged it, and goes out again on the next connection.
+
+#include "platform/session/connection.h"
+#include "platform/session/session_message.h"
+
+#include <deque>
+#include <memory>
+
+namespace session {
+
+class Link {
+public:
+  enum class State {
+    Waiting, ///< nobody has joined yet
+    Up,
+    Broken, ///< the connection broke; a new one may go on
+    Lost,   ///< for good: the other program has ended or can't be reached any more
+  };
+
+  /// @param playerFirst  the other side has to make its player before it sends anything else
+  explicit Link(bool playerFirst) : playerFirst_(playerFirst) {}
+
+  State GetState() const { return state_; }
+  bool IsUp() const { return state_ == State::Up; }
+
+  /// Sends a message, now or as soon as there is a connection again. Nothing happens once the link is lost.
+  void Send(DataKind kind, const Bytes &payload, std::int32_t now);
+
+  /// Goes on with a connection whose handshake is done. What was under way on an older one is sent again.
+  /// @param peerNext  number of the next message that the other side waits for
+  /// @returns false, having changed nothing, if the other side can't mean that number
+  bool Attach(std::unique_ptr<Connection> connection, std::uint32_t peerNext, std::int32_t now);
+
+  /// Takes and sends what waits, keeps the connection alive and notices when it breaks.
+  void Poll(std::int32_t now);
+
+  /// Gives the other side up. The game learns it behind all messages that came before.
+  void Lose();
+
+  /// Tells the other side that this program leaves, on this connection or on the next one.
+  void SayBye(std::int32_t now);
+
+  /// Whether there is nobody, or no more, to wait for after `SayBye`.
+  bool ByeIsOver() const;
+
+  /// When `Poll` has something to do even if nothing arrives.
+  std::optional<std::int32_t> NextDeadline() const;
+
+  /// Messages that came, the oldest first.
+  std::size_t Waiting() const { return incoming_.size(); }
+  std::shared_ptr<SessionMessage> Take(); ///< null if there is none
+
+  bool PlayerCame() const { return playerCame_; }       ///< the other side has made its player
+  std::uint32_t NextIn() const { return nextIn_; }      ///< number of the next message that comes
+  std::int32_t AttachedAt() const { return attached_; } ///< start of the present connection
+  int Resumes() const { return resumes_; }              ///< connections after the first
+  int Dropped() const { return dropped_; }              ///< messages that weren't whole fields
+
+private:
+  struct Outgoing {
+    std::uint32_t number;
+    Bytes frame;
+  };
+  struct Incoming {
+    std::shared_ptr<SessionMessage> message;
+    std::size_t bytes;
+  };
+
+  void Break(std::int32_t now);
+  void Handle(const AnyFrame &frame, std::int32_t now);
+  void HandleData(const DataFrame &frame);
+  void Acknowledged(std::uint32_t next);
+  bool CanAcknowledge(std::uint32_t next) const { return next >= 1 && next <= nextOut_; }
+  void Deliver(const DataFrame &frame);
+  void WriteAck(std::int32_t now);
+
+  bool playerFirst_;
+  State state_ = State::Waiting;
+  std::unique_ptr<Connection> connection_;
+  std::deque<Outgoing> unacknowledged_;
+  std::size_t outgoingBytes_ = 0;
+  std::uint32_t nextOut_ = 1;
+  std::deque<Incoming> incoming_;
+  std::size_t incomingBytes_ = 0;
+  std::uint32_t nextIn_ = 1;
+  bool ackDue_ = false;
+  bool playerCame_ = false;
+  bool leaving_ = false;
+  std::optional<std::int32_t> troubleSince_; ///< first break after which nothing has been heard
+  std::int32_t attached_ = 0;
+  int resumes_ = -1;
+  int brokenFrames_ = 0;
+  int dropped_ = 0;
+};
+
+} // namespace session

@@ -1,0 +1,52 @@
+#pragma once
+
+// The fixed numbers of the session protocol. docs/protocol.md tells what they are for.
+
+#include <array>
+#include <cstddef>
+#include <cstdint>
+
+namespace session {
+
+constexpr std::uint32_t Magic = 0x47574E53; ///< "SNWG" on the wire
+constexpr std::uint16_t ProtocolVersion = 1;
+
+constexpr std::uint16_t DefaultPort = 28710; ///< UDP and TCP
+constexpr std::uint16_t PortCount = 8;       ///< a host takes the first free port of so many
+
+using Guid = std::array<std::uint8_t, 16>;  ///< bytes in the order in which the text shows them
+using Token = std::array<std::uint8_t, 16>; ///< proves that a resumed connection is the same program's
+
+// Sizes, bytes.
+constexpr std::size_t LengthBytes = 4;                    ///< of a frame's length
+constexpr std::size_t LargestFrame = 64 * 1024;           ///< its length included
+constexpr std::size_t LargestPayload = LargestFrame - 10; ///< of a message: all of the frame but its head
+constexpr std::size_t LargestHandshake = 512;             ///< largest frame before the handshake is done
+constexpr std::size_t AskBytes = 256;                     ///< of a question; no answer is longer
+constexpr std::size_t LongestName = 128;                  ///< of a session's name
+constexpr std::size_t MostOutgoing = 1024 * 1024;         ///< unacknowledged, in all
+constexpr std::size_t MostIncoming = 1024 * 1024;         ///< received and not yet taken by the game, in all
+constexpr std::size_t MostReadAtOnce = 64 * 1024;         ///< from one connection in one poll
+constexpr std::size_t MostOutgoingMessages = 4096;        ///< unacknowledged
+constexpr std::size_t MostIncomingMessages = 4096;        ///< received and not yet taken by the game
+constexpr std::size_t MostPending = 8;                    ///< connections whose handshake isn't done
+constexpr std::size_t MostSessionsFound = 64;             ///< rows of a search
+constexpr int MostDatagramsAtOnce = 32;                   ///< taken in one poll
+constexpr int MostAcceptedAtOnce = 8;                     ///< connections taken in one poll
+constexpr int MostBrokenFrames = 5;                       ///< from one peer, before it is given up
+
+// Times, ms.
+constexpr std::int32_t SignOfLifeMs = 2000; ///< longest pause between two frames of a sender
+constexpr std::int32_t SilenceMs = 10000;   ///< a connection that is silent for so long is broken
+constexpr std::int32_t GiveUpMs = 30000;    ///< a broken connection that isn't resumed in this time is lost
+constexpr std::int32_t RedialMs = 1000;     ///< from one attempt to connect to the next
+constexpr std::int32_t DialMs = 4000;       ///< an attempt, from the connect to the end of the handshake
+constexpr std::int32_t OpenMs = 5000;       ///< joining a session, in all
+constexpr std::int32_t PendingMs = 5000;    ///< a stranger's time to say who it is
+constexpr std::int32_t PlayerMs = 10000;    ///< a joiner's time to make its player
+constexpr std::int32_t SearchMs = 1000;     ///< a search waits so long for answers
+constexpr std::int32_t AskAgainMs = 300;    ///< and repeats its question in these steps
+constexpr std::int32_t FarewellMs = 300;    ///< what was sent has so long to go out at the end
+constexpr int RefusalsThatEnd = 3;          ///< in a row: no program listens there any more
+
+} // namespace session

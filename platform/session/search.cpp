@@ -1,0 +1,171 @@
+#include "platform/session/search.h"
+
+#include "platform/session/joined_session.h"
+
+#include <algorithm>
+#include <charconv>
+
+namespace session {
+
+namespace {
+
+constexpr std::size_t MostAddresses = 2; ///< of a name; more would only repeat the same host
+constexpr std::uint16_t MostRounds = 99;
+constexpr std::size_t LongestHost = 255; ///< bytes; longer names don't exist
+
+std::string Trimmed(const std::string &text) {
+  const auto first = text.find_first_not_of(" \t");
+  if (first == std::string::npos) return {};
+  return text.substr(first, text.find_last_not_of(" \t") - first + 1);
+}
+
+std::optional<std::uint16_t> ParsePort(const std::string &text) {
+  std::uint16_t port = 0;
+  const char *end = text.data() + text.size();
+  const auto [stop, error] = std::from_chars(text.data(), end, port);
+  if (error != std::errc() || stop != end || port == 0) return std::nullopt;
+  return port;
+}
+
+/// One line of plain text, whatever a host calls its session.
+std::string PlainName(std::string name) {
+  for (char &letter : name) {
+    if (static_cast<unsigned char>(letter) < 0x20U || letter == 0x7F) letter = ' ';
+  }
+  return name;
+}
+
+} // namespace
+
+std::optional<HostName> HostName::Parse(const std::string &text) {
+  HostName name;
+  name.Host = Trimmed(text);
+  std::string port;
+  if (name.Host.starts_with('[')) {
+    const auto close = name.Host.find(']');
+    if (close == std::string::npos) return std::nullopt;
+    port = name.Host.substr(close + 1);
+    name.Host = name.Host.substr(1, close - 1);
+  } else if (std::ranges::count(name.Host, ':') == 1) {
+    const auto colon = name.Host.find(':');
+    port = name.Host.substr(colon);
+    name.Host.resize(colon);
+  }
+  if (!port.empty()) {
+    name.Port = port.front() == ':' ? ParsePort(port.substr(1)) : std::nullopt;
+    if (!name.Port) return std::nullopt;
+  }
+  if (name.Host.empty() || name.Host.size() > LongestHost) return std::nullopt;
+  if (name.Host.find_first_of(" \t[]") != std::string::npos) return std::nullopt;
+  return name;
+}
+
+Search::Search(Transport &transport, Reach reach, std::optional<HostName> host, const Guid &game,
+               std::int32_t now)
+    : transport_(transport), reach_(reach), host_(std::move(host)), game_(game), begun_(now), askAt_(now) {
+  Bytes random(sizeof nonce_);
+  transport.FillRandom(random);
+  nonce_ = ByteReader(random).U64();
+  datagrams_ = transport.OpenDatagrams(reach, 0);
+  if (host_) {
+    lookup_ = transport.LookUp(host_->Host);
+  } else if (reach == Reach::ThisComputer) {
+    for (const std::uint16_t port : Ports()) asked_.push_back({LoopbackAddress, port});
+  }
+}
+
+std::vector<std::uint16_t> Search::Ports() const {
+  if (host_ && host_->Port) return {*host_->Port};
+  std::vector<std::uint16_t> ports;
+  for (std::uint16_t i = 0; i < PortCount; ++i) ports.push_back(static_cast<std::uint16_t>(DefaultPort + i));
+  return ports;
+}
+
+void Search::Poll(std::int32_t now) {
+  if (done_) return;
+  if (lookup_ && lookup_->Done()) {
+    BeginCalls(lookup_->Addresses(), now);
+    lookup_.reset();
+    askAt_ = now;
+  }
+  if (!lookup_ && Since(askAt_, now) >= 0) {
+    askAt_ = Later(now, AskAgainMs);
+    Ask();
+  }
+  TakeDatagrams();
+  for (Call &call : calls_) PollCall(call, now);
+  const bool answered = host_ && host_->Port && !found_.empty();
+  done_ = answered || Since(begun_, now) >= SearchMs;
+}
+
+std::int32_t Search::NextDeadline() const {
+  const std::int32_t end = Later(begun_, SearchMs);
+  return !lookup_ && Since(askAt_, end) > 0 ? askAt_ : end;
+}
+
+void Search::BeginCalls(const std::vector<std::string> &addresses, std::int32_t now) {
+  for (std::size_t i = 0; i < std::min(addresses.size(), MostAddresses); ++i) {
+    for (const std::uint16_t port : Ports()) {
+      const Endpoint host{addresses[i], port};
+      asked_.push_back(host);
+      calls_.push_back({host, Connection(transport_.Connect(host), now)});
+    }
+  }
+}
+
+void Search::Ask() {
+  if (!datagrams_) return;
+  const Bytes question = EncodeDatagram(AskFrame{game_, nonce_});
+  for (const Endpoint &host : asked_) datagrams_->Send(host, question);
+  if (host_ || reach_ == Reach::ThisComputer) return;
+  for (const std::uint16_t port : Ports()) datagrams_->SendToAll(port, question);
+}
+
+void Search::PollCall(Call &call, std::int32_t now) {
+  if (!call.asked && call.connection.GetState() == StreamState::Open) {
+    call.asked = true;
+    call.connection.Write(AskFrame{game_, nonce_}, now);
+  }
+  if (!call.asked) return;
+  try {
+    call.connection.Flush();
+    call.connection.Fill(now);
+    if (const auto frame = call.connection.Next()) TakeAnswer(*frame, call.host);
+  } catch (const MalformedError &) {
+    // Another kind of program listens there.
+  }
+}
+
+void Search::TakeDatagrams() {
+  if (!datagrams_) return;
+  Endpoint from;
+  Bytes data;
+  for (int i = 0; i < MostDatagramsAtOnce && datagrams_->Receive(from, data); ++i) {
+    try {
+      TakeAnswer(DecodeDatagram(data), from);
+    } catch (const MalformedError &) {
+      // Anybody may send anything to an open port.
+    }
+  }
+}
+
+void Search::TakeAnswer(const AnyFrame &frame, const Endpoint &from) {
+  const auto *answer = std::get_if<AnswerFrame>(&frame);
+  // Only who got the question knows its nonce.
+  if (!answer || answer->Nonce != nonce_ || answer->Game != game_) return;
+  if (answer->Rounds > MostRounds || answer->CurrentPlayers >= answer->MaxPlayers) return;
+  // A host answers as often as it is asked, over every network that leads to it.
+  if (found_.size() == MostSessionsFound || std::ranges::count(ids_, answer->Session) > 0) return;
+  ids_.push_back(answer->Session);
+  DirectPlaySessionData data;
+  data.SetGuidApplication(GuidText(answer->Game));
+  data.SetSessionName(PlainName(answer->Name));
+  data.SetCurrentPlayers(answer->CurrentPlayers);
+  data.SetMaxPlayers(answer->MaxPlayers);
+  data.SetFlags(static_cast<std::int32_t>(answer->Flags));
+  data.SetRounds(static_cast<std::int16_t>(answer->Rounds));
+  data.SetAddress(SessionAddress{from, answer->Session}.ToText());
+  found_.push_back(std::move(data));
+}
+
+} // namespace session

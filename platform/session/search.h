@@ -1,0 +1,61 @@
+#pragma once
+
+// The search for sessions: on this computer, on the local network, or at a host that the player has named.
+
+#include "platform/direct_play.h"
+#include "platform/session/connection.h"
+
+namespace session {
+
+/// A computer as a player writes it: a name, an IPv4 or an IPv6 address, each with or without a port.
+struct HostName {
+  std::string Host;
+  std::optional<std::uint16_t> Port;
+
+  /// Understands "bramble", "bramble:28711", "192.168.1.7:28711", "fe80::1", "[fe80::1]:28711". Nothing if
+  /// the text is none of these.
+  static std::optional<HostName> Parse(const std::string &text);
+};
+
+class Search {
+public:
+  /// @param host  asked alone; without one everybody within reach is asked
+  Search(Transport &transport, Reach reach, std::optional<HostName> host, const Guid &game, std::int32_t now);
+
+  void Poll(std::int32_t now);
+  bool Done() const { return done_; }
+  std::int32_t NextDeadline() const;
+
+  const std::vector<DirectPlaySessionData> &Found() const { return found_; }
+
+private:
+  struct Call {
+    Endpoint host;
+    Connection connection;
+    bool asked = false;
+  };
+
+  std::vector<std::uint16_t> Ports() const;
+  void BeginCalls(const std::vector<std::string> &addresses, std::int32_t now);
+  void Ask();
+  void PollCall(Call &call, std::int32_t now);
+  void TakeDatagrams();
+  void TakeAnswer(const AnyFrame &frame, const Endpoint &from);
+
+  Transport &transport_;
+  Reach reach_;
+  std::optional<HostName> host_;
+  Guid game_;
+  std::uint64_t nonce_ = 0;
+  std::int32_t begun_;
+  std::int32_t askAt_;
+  std::unique_ptr<DatagramPort> datagrams_;
+  std::unique_ptr<Lookup> lookup_;
+  std::vector<Endpoint> asked_; ///< asked one by one; empty: everybody is asked
+  std::vector<Call> calls_;     ///< the same question over TCP, for hosts behind a router
+  std::vector<std::uint64_t> ids_;
+  std::vector<DirectPlaySessionData> found_;
+  bool done_ = false;
+};
+
+} // namespace session

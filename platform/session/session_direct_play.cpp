@@ -1,0 +1,241 @@
+#include "platform/session/session_direct_play.h"
+
+#include "platform/session/host_session.h"
+#include "platform/session/joined_session.h"
+#include "platform/session/search_dialog.h"
+
+#include <algorithm>
+
+namespace session {
+
+namespace {
+
+constexpr std::int32_t HostPlayer = 1;
+constexpr std::int32_t JoiningPlayer = 2;
+constexpr std::int32_t LookMs = 5; ///< longest time between two looks while a search or a join runs
+constexpr std::int32_t RestMs = 5; ///< the same in a farewell
+
+struct Method {
+  const char *name;
+  const char *address;
+  Reach reach;
+};
+
+constexpr Method Methods[] = {
+    {"This Computer", "this computer", Reach::ThisComputer},
+    {"Internet TCP/IP Connection", "internet", Reach::Network},
+};
+
+const Method &MethodAt(std::int32_t index) {
+  if (index < 1 || index > static_cast<std::int32_t>(std::size(Methods))) {
+    throw DirectPlayError("connection methods: there is no number " + std::to_string(index));
+  }
+  return Methods[index - 1];
+}
+
+class EnumConnections : public DirectPlayEnumConnections {
+public:
+  std::int32_t GetCount() const override { return static_cast<std::int32_t>(std::size(Methods)); }
+  std::string GetName(std::int32_t index) const override { return MethodAt(index).name; }
+  std::string GetAddress(std::int32_t index) const override { return MethodAt(index).address; }
+};
+
+class EnumSessions : public DirectPlayEnumSessions {
+public:
+  explicit EnumSessions(std::vector<DirectPlaySessionData> found) : found_(std::move(found)) {}
+
+  std::int32_t GetCount() const override { return static_cast<std::int32_t>(found_.size()); }
+  DirectPlaySessionData GetItem(std::int32_t index) const override {
+    if (index < 1 || index > GetCount()) {
+      throw DirectPlayError("sessions found: there is no number " + std::to_string(index));
+    }
+    return found_[static_cast<std::size_t>(index - 1)];
+  }
+
+private:
+  std::vector<DirectPlaySessionData> found_;
+};
+
+Guid ExpectGuid(const DirectPlaySessionData &description) {
+  const auto guid = ParseGuid(description.GetGuidApplication());
+  if (!guid) throw DirectPlayError("session: \"" + description.GetGuidApplication() + "\" is no GUID");
+  return *guid;
+}
+
+} // namespace
+
+SessionDirectPlay::SessionDirectPlay(Machine &machine, std::shared_ptr<Transport> transport)
+    : machine_(machine), transport_(std::move(transport)), poll_(machine.OnPump([this] { Poll(); })) {}
+
+SessionDirectPlay::~SessionDirectPlay() {
+  try {
+    Close();
+  } catch (const std::exception &) {
+    // The other side learns by the silence what it couldn't be told.
+  }
+}
+
+std::shared_ptr<DirectPlayEnumConnections> SessionDirectPlay::GetDPEnumConnections(const std::string &,
+                                                                                   std::int32_t) {
+  return std::make_shared<EnumConnections>();
+}
+
+void SessionDirectPlay::InitializeConnection(const std::string &address) {
+  if (reach_) throw DirectPlayError("connection: this object has one already");
+  const auto *method =
+      std::ranges::find_if(Methods, [&](const Method &each) { return address == each.address; });
+  if (method == std::end(Methods)) throw DirectPlayError("connection: \"" + address + "\" is no method");
+  reach_ = method->reach;
+}
+
+void SessionDirectPlay::ExpectConnection() const {
+  if (!reach_) throw DirectPlayError("session: no connection method has been chosen");
+  if (session_) throw DirectPlayError("session: one is open already");
+  if (search_ || joining_) throw DirectPlayError("session: a search or a join is under way");
+}
+
+void SessionDirectPlay::Poll() {
+  transport_->Poll();
+  const std::int32_t now = machine_.timeGetTime();
+  std::optional<std::int32_t> wake;
+  if (search_) {
+    search_->Poll(now);
+    wake = search_->NextDeadline();
+  }
+  if (session_) {
+    session_->Poll(now);
+    const auto deadline = session_->NextDeadline();
+    if (deadline && (!wake || Since(*deadline, *wake) > 0)) wake = deadline;
+  }
+  transport_->WakeAt(wake);
+}
+
+std::optional<HostName> SessionDirectPlay::AskForHost(bool &cancelled) {
+  SearchDialog dialog(machine_, lastHost_);
+  const auto answer = dialog.Ask();
+  cancelled = !answer;
+  if (!answer) return std::nullopt;
+  lastHost_ = *answer;
+  if (answer->find_first_not_of(" \t") == std::string::npos) return std::nullopt;
+  const auto host = HostName::Parse(*answer);
+  cancelled = !host; // nothing can be found at a place that isn't one
+  return host;
+}
+
+std::shared_ptr<DirectPlayEnumSessions>
+SessionDirectPlay::GetDPEnumSessions(const DirectPlaySessionData &wanted, std::int32_t, std::int32_t) {
+  ExpectConnection();
+  const Guid game = ExpectGuid(wanted);
+  std::optional<HostName> host;
+  if (*reach_ == Reach::Network) {
+    bool cancelled = false;
+    host = AskForHost(cancelled);
+    if (cancelled) return std::make_shared<EnumSessions>(std::vector<DirectPlaySessionData>());
+  }
+  struct Running {
+    std::unique_ptr<Search> &search;
+    ~Running() { search.reset(); }
+  } running{search_};
+  search_ = std::make_unique<Search>(*transport_, *reach_, std::move(host), game, machine_.timeGetTime());
+  Poll();
+  while (!search_->Done()) machine_.WaitUntil(machine_.ClockIn(LookMs));
+  return std::make_shared<EnumSessions>(search_->Found());
+}
+
+void SessionDirectPlay::Open(const DirectPlaySessionData &description, std::int32_t flags) {
+  ExpectConnection();
+  if (flags == DPOPEN_CREATE) {
+    session_ = std::make_unique<HostSession>(*transport_, *reach_, description);
+    isHost_ = true;
+  } else if (flags == DPOPEN_JOIN) {
+    Join(description);
+    isHost_ = false;
+  } else {
+    throw DirectPlayError("session: can only be created or joined");
+  }
+}
+
+void SessionDirectPlay::Join(const DirectPlaySessionData &description) {
+  const auto address = SessionAddress::FromText(description.GetAddress());
+  if (!address) throw DirectPlayError("session: its description comes from no search");
+  struct Joining {
+    SessionDirectPlay &owner;
+    bool done = false;
+    ~Joining() {
+      owner.joining_ = false;
+      if (!done) owner.session_.reset();
+    }
+  } joining{*this};
+  joining_ = true;
+  auto opened =
+      std::make_unique<JoinedSession>(*transport_, *address, ExpectGuid(description), machine_.timeGetTime());
+  const JoinedSession &joined = *opened;
+  session_ = std::move(opened);
+  const std::int32_t end = machine_.ClockIn(OpenMs);
+  Poll();
+  while (!joined.Joined() && joined.Failure().empty() && !machine_.ClockReached(end)) {
+    machine_.WaitUntil(machine_.ClockIn(LookMs));
+    if (!session_) throw DirectPlayError("session: closed while it was being joined");
+  }
+  if (!joined.Joined()) {
+    const std::string why = joined.Failure().empty() ? "the host does not answer" : joined.Failure();
+    throw DirectPlayError("session \"" + description.GetSessionName() + "\": " + why);
+  }
+  joining.done = true;
+}
+
+std::int32_t SessionDirectPlay::CreatePlayer(const std::string &, const std::string &, std::int32_t,
+                                             std::int32_t) {
+  if (!session_ || joining_) throw DirectPlayError("player: there is no session");
+  if (player_ != 0) throw DirectPlayError("player: there is one already");
+  player_ = isHost_ ? HostPlayer : JoiningPlayer;
+  // Who joins later learns of the host by having joined.
+  if (!isHost_) session_->GetLink().Send(DataKind::Player, {}, machine_.timeGetTime());
+  return player_;
+}
+
+std::int32_t SessionDirectPlay::GetMessageCount(std::int32_t player) {
+  Poll();
+  if (!session_ || player == 0 || player != player_) return 0;
+  return static_cast<std::int32_t>(session_->GetLink().Waiting());
+}
+
+std::shared_ptr<DirectPlayMessage> SessionDirectPlay::Receive(std::int32_t &from, std::int32_t &to,
+                                                              std::int32_t) {
+  const auto message = session_ && player_ != 0 ? session_->GetLink().Take() : nullptr;
+  if (!message) throw DirectPlayError("message: none waits");
+  const bool game = message->GetKind() == DirectPlayMessage::Kind::Game;
+  from = !game ? DPID_ALLPLAYERS : isHost_ ? JoiningPlayer : HostPlayer;
+  to = player_;
+  return message;
+}
+
+std::shared_ptr<DirectPlayMessage> SessionDirectPlay::CreateMessage() {
+  return std::make_shared<SessionMessage>();
+}
+
+void SessionDirectPlay::Send(std::int32_t from, std::int32_t, std::int32_t,
+                             const DirectPlayMessage &message) {
+  if (!session_ || player_ == 0 || from != player_) throw DirectPlayError("message: is no player's");
+  const auto *fields = dynamic_cast<const SessionMessage *>(&message);
+  if (!fields) throw DirectPlayError("message: was not made here");
+  const Bytes payload = fields->Encode();
+  if (payload.size() > LargestPayload) throw DirectPlayError("message: is too long");
+  session_->GetLink().Send(DataKind::Game, payload, machine_.timeGetTime());
+}
+
+void SessionDirectPlay::Close() {
+  if (!session_) return;
+  // No pump here: the game may be on its way out, and must not be called any more.
+  session_->SayBye(machine_.timeGetTime());
+  for (std::int32_t waited = 0; waited < FarewellMs && !session_->GetLink().ByeIsOver(); waited += RestMs) {
+    if (!transport_->Rest(RestMs)) break;
+    transport_->Poll();
+    session_->Poll(machine_.timeGetTime());
+  }
+  session_.reset();
+  player_ = 0;
+  transport_->WakeAt(std::nullopt);
+}
+
+} // namespace session

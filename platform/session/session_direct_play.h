@@ -1,0 +1,54 @@
+#pragma once
+
+// The network as the game sees it, over any transport.
+
+#include "platform/machine.h"
+#include "platform/session/search.h"
+#include "platform/session/session.h"
+
+namespace session {
+
+class SessionDirectPlay : public DirectPlay4 {
+public:
+  SessionDirectPlay(Machine &machine, std::shared_ptr<Transport> transport);
+  ~SessionDirectPlay() override;
+
+  std::shared_ptr<DirectPlayEnumConnections> GetDPEnumConnections(const std::string &guid,
+                                                                  std::int32_t flags) override;
+  void InitializeConnection(const std::string &address) override;
+  DirectPlaySessionData CreateSessionData() override { return {}; }
+  std::shared_ptr<DirectPlayEnumSessions>
+  GetDPEnumSessions(const DirectPlaySessionData &wanted, std::int32_t timeout, std::int32_t flags) override;
+  void Open(const DirectPlaySessionData &description, std::int32_t flags) override;
+  std::int32_t CreatePlayer(const std::string &friendly, const std::string &formal, std::int32_t event,
+                            std::int32_t flags) override;
+  std::int32_t GetMessageCount(std::int32_t player) override;
+  std::shared_ptr<DirectPlayMessage> Receive(std::int32_t &from, std::int32_t &to,
+                                             std::int32_t flags) override;
+  std::shared_ptr<DirectPlayMessage> CreateMessage() override;
+  void Send(std::int32_t from, std::int32_t to, std::int32_t flags,
+            const DirectPlayMessage &message) override;
+  void Close() override;
+
+  /// The session that is open, for whoever measures it; null if there is none.
+  Session *Opened() { return session_.get(); }
+
+private:
+  void Poll();
+  void ExpectConnection() const;
+  std::optional<HostName> AskForHost(bool &cancelled);
+  void Join(const DirectPlaySessionData &description);
+
+  Machine &machine_;
+  std::shared_ptr<Transport> transport_;
+  std::shared_ptr<void> poll_;
+  std::optional<Reach> reach_;
+  std::string lastHost_;             ///< what the player entered in the last search's dialog
+  std::unique_ptr<Search> search_;   ///< while a search runs
+  std::unique_ptr<Session> session_; ///< while a session is open
+  std::int32_t player_ = 0;          ///< id of the local player, 0 as long as there is none
+  bool isHost_ = false;
+  bool joining_ = false;
+};
+
+} // namespace session
