@@ -241,7 +241,10 @@ public:
 
   // net/message_pump.cpp
   void CheckMessages(); ///< takes one message off the queue, if there is one, and acts on it
-  void CanIContinue();  ///< waits for the other computer's "Continue"
+  void ReplayFlick(const ReceivedShot &shot);
+  void ReplayKick(const ReceivedShot &shot);
+  void ShowOtherResult(std::int16_t MES); ///< the card of the other side's result, until its "Continue"
+  void CanIContinue();                    ///< waits for the other computer's "Continue"
   void Text2_KeyPress(std::int16_t KeyCode);
   [[noreturn]] void OtherSideLeft(); ///< tells that the other player has gone, and ends the program
 

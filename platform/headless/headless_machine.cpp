@@ -8,6 +8,7 @@ namespace {
 
 constexpr std::int32_t ScreenWidth = 1024;
 constexpr std::int32_t ScreenHeight = 768;
+constexpr std::int32_t WatchMs = 10;        ///< between two looks of a player while nothing else happens
 constexpr std::int32_t PointerGrid = 65536; ///< steps of the absolute pointer grid on an axis
 
 } // namespace
@@ -15,8 +16,12 @@ constexpr std::int32_t PointerGrid = 65536; ///< steps of the absolute pointer g
 // The clock and the pump.
 
 void HeadlessMachine::At(std::int32_t moment, std::function<void()> action) {
-  script_.emplace(moment, std::move(action));
+  script_.emplace(Unwrapped(moment), std::move(action));
 }
+
+std::int64_t HeadlessMachine::Unwrapped(std::int32_t moment) const { return now_ + Elapsed(Now(), moment); }
+
+void HeadlessMachine::SetNow(std::int32_t now) { now_ = Unwrapped(now); }
 
 void HeadlessMachine::Collect() {
   while (!script_.empty() && script_.begin()->first <= now_) {
@@ -28,15 +33,17 @@ void HeadlessMachine::Collect() {
 }
 
 void HeadlessMachine::Sleep(std::optional<std::int32_t> deadline) {
-  std::optional<std::int32_t> wake = deadline;
-  const auto earlier = [&](std::int32_t moment) { wake = wake ? std::min(*wake, moment) : moment; };
+  std::optional<std::int64_t> wake;
+  const auto earlier = [&](std::int64_t moment) { wake = wake ? std::min(*wake, moment) : moment; };
+  if (deadline) earlier(Unwrapped(*deadline));
   if (!script_.empty()) earlier(script_.begin()->first);
   if (NextArrival) {
-    if (const auto arrival = NextArrival()) earlier(*arrival);
+    if (const auto arrival = NextArrival()) earlier(Unwrapped(*arrival));
   }
+  if (!wake && Player) earlier(now_ + WatchMs); // whoever watches may act at any time
   if (!wake) throw std::logic_error("the program waits, and nothing will ever happen");
   if (Sleeper) {
-    Sleeper(*wake);
+    Sleeper(static_cast<std::int32_t>(*wake));
   } else {
     now_ = std::max(now_, *wake);
   }
@@ -71,8 +78,8 @@ void HeadlessMachine::DrawCanvas(Canvas &canvas) {
   ++Draws;
   if (OnDraw) OnDraw(canvas);
   if (DrawMs == 0) return;
-  const std::int32_t end = now_ + DrawMs;
-  if (!Sleeper) now_ = end;
+  const std::int32_t end = ClockIn(DrawMs);
+  if (!Sleeper) now_ += DrawMs;
   while (Sleeper && !ClockReached(end)) Sleeper(end);
 }
 

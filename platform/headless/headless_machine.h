@@ -20,7 +20,7 @@ public:
   /// things, and may throw, which ends the program under test.
   void At(std::int32_t moment, std::function<void()> action);
   void After(std::int32_t milliseconds, std::function<void()> action) {
-    At(now_ + milliseconds, std::move(action));
+    At(ClockIn(milliseconds), std::move(action));
   }
 
   /// Called at every pump before events are delivered: a player who watches and acts. What it does to the
@@ -81,10 +81,10 @@ public:
   std::function<void(std::int32_t wake)> Sleeper;
 
   /// The virtual clock, ms. Only a `Sleeper` and a test that wants another start write it.
-  std::int32_t Now() const { return now_; }
-  void SetNow(std::int32_t now) { now_ = now; }
+  std::int32_t Now() const { return static_cast<std::int32_t>(now_); }
+  void SetNow(std::int32_t now);
 
-  std::int32_t timeGetTime() override { return now_; }
+  std::int32_t timeGetTime() override { return Now(); }
   void Show(Window &window) override;
   void Hide(Window &window) override;
   void Repaint(Window &window) override;
@@ -110,8 +110,11 @@ private:
   void PostTo(const Control &control, std::function<void()> call);
   Canvas *ActiveCanvas();
 
+  /// A value of the clock as the moment nearest to now that has it.
+  std::int64_t Unwrapped(std::int32_t moment) const;
+
   std::filesystem::path gameDirectory_;
-  std::int32_t now_ = 0;
-  std::multimap<std::int32_t, std::function<void()>> script_;
+  std::int64_t now_ = 0; ///< the clock without its wrap
+  std::multimap<std::int64_t, std::function<void()>> script_;
   std::optional<std::mt19937> seeds_;
 };

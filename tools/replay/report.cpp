@@ -20,14 +20,14 @@ std::string Triple(const Vector &v) {
 std::string Quoted(const std::string &text) { return '"' + text + '"'; }
 
 /// One line: an object with fields in the order in which they are added.
-class Line {
+class JsonLine {
 public:
-  explicit Line(const std::string &event) { text_ << R"({"event":)" << Quoted(event); }
-  Line &Add(const char *name, const std::string &value) {
+  explicit JsonLine(const std::string &event) { text_ << R"({"event":)" << Quoted(event); }
+  JsonLine &Add(const char *name, const std::string &value) {
     text_ << ",\"" << name << "\":" << value;
     return *this;
   }
-  Line &Add(const char *name, long value) { return Add(name, std::to_string(value)); }
+  JsonLine &Add(const char *name, long value) { return Add(name, std::to_string(value)); }
   void Print() { std::cout << text_.str() << '}' << std::endl; }
 
 private:
@@ -51,19 +51,19 @@ std::string ResultOf(std::int16_t card) {
   }
 }
 
-Line Begin(const std::string &event, const AskedShot &asked) {
-  Line line(event);
+JsonLine Begin(const std::string &event, const AskedShot &asked) {
+  JsonLine line(event);
   line.Add("side", Quoted({asked.Side})).Add("force", Number(asked.Force)).Add("turn", Number(asked.Turn));
   return line;
 }
 
-void AddScores(Line &line, const frmSnapwedge &window) {
+void AddScores(JsonLine &line, const frmSnapwedge &window) {
   line.Add("home", window.HomeScore).Add("away", window.AwayScore);
 }
 
 std::string Next(const frmSnapwedge &window) { return Quoted(window.program.MyTurn ? "A" : "B"); }
 
-void Print(Line &line, const AskedShot &asked) {
+void Print(JsonLine &line, const AskedShot &asked) {
   if (asked.Computer) line.Add("computer", "true");
   line.Print();
 }
@@ -71,7 +71,7 @@ void Print(Line &line, const AskedShot &asked) {
 } // namespace
 
 void ReportFlick(const frmSnapwedge &window, const AskedShot &asked, const SeenShot &seen) {
-  Line line = Begin("flick", asked);
+  JsonLine line = Begin("flick", asked);
   line.Add("attempt", asked.Attempt).Add("steps", seen.Steps).Add("rest", Triple(seen.Place));
   line.Add("dir", Triple(seen.Direction));
   line.Add("corners", '[' + Triple(seen.Corners[0]) + ',' + Triple(seen.Corners[1]) + ',' +
@@ -83,7 +83,7 @@ void ReportFlick(const frmSnapwedge &window, const AskedShot &asked, const SeenS
 }
 
 void ReportKick(const frmSnapwedge &window, const AskedShot &asked, const SeenShot &seen) {
-  Line line = Begin("kick", asked);
+  JsonLine line = Begin("kick", asked);
   line.Add("steps", seen.Steps).Add("end", Triple(seen.Place)).Add("posts_x", Number(seen.PostsX));
   line.Add("good", seen.Card == 1 ? "true" : "false").Add("card", seen.Card);
   AddScores(line, window);
@@ -92,17 +92,17 @@ void ReportKick(const frmSnapwedge &window, const AskedShot &asked, const SeenSh
 }
 
 void ReportProbe(float x, float z, const std::string &surface) {
-  Line line("probe");
+  JsonLine line("probe");
   line.Add("x", Number(x))
       .Add("z", Number(z))
       .Add("surface", surface.empty() ? "null" : Quoted(surface))
       .Print();
 }
 
-void ReportNoKick() { Line("nokick").Print(); }
+void ReportNoKick() { JsonLine("nokick").Print(); }
 
 void ReportOver(const frmSnapwedge &window, const std::string &card) {
-  Line line("over");
+  JsonLine line("over");
   AddScores(line, window);
   line.Add("card", Quoted(card)).Print();
 }

@@ -1,0 +1,219 @@
+// Finding, creating, joining and leaving a session, as the lobby does it.
+
+#include "tests/session_kit.h"
+
+#include <algorithm>
+#include <bit>
+#include <limits>
+
+using namespace kit;
+
+namespace {
+
+std::vector<std::string> Names(const std::vector<DirectPlaySessionData> &rows) {
+  std::vector<std::string> names;
+  for (const auto &row : rows) names.push_back(row.GetSessionName());
+  return names;
+}
+
+TEST(SessionLobbyTest, MethodsComeInTheOrderThatPlayersKnow) {
+  Network network;
+  const auto program =
+      std::make_shared<session::SessionDirectPlay>(network.machine, network.wire.Plug("10.0.0.1"));
+  const auto methods = program->GetDPEnumConnections("", DPCONNECTION_DIRECTPLAY);
+  ASSERT_EQ(methods->GetCount(), 2);
+  EXPECT_EQ(methods->GetName(1), "This Computer");
+  EXPECT_EQ(methods->GetName(2), "Internet TCP/IP Connection");
+  EXPECT_THROW(methods->GetAddress(0), DirectPlayError);
+  EXPECT_THROW(methods->GetAddress(3), DirectPlayError);
+  program->InitializeConnection(methods->GetAddress(2));
+  EXPECT_THROW(program->InitializeConnection(methods->GetAddress(2)), DirectPlayError);
+}
+
+TEST(SessionLobbyTest, ASearchTellsAllThatTheLobbyShowsAndIsOverOnTime) {
+  Network network;
+  const auto host = network.Program("10.0.0.1");
+  const auto joiner = network.Program("10.0.0.2");
+  Host(*host, "SNWG 17", 7);
+  const std::int32_t begun = network.machine.Now();
+  const auto rows = network.Search(*joiner);
+  EXPECT_LE(network.machine.Now() - begun, 1200);
+  ASSERT_EQ(rows.size(), 1U) << "a host that is asked several times is one row";
+  EXPECT_EQ(rows[0].GetSessionName(), "SNWG 17");
+  EXPECT_EQ(rows[0].GetCurrentPlayers(), 1);
+  EXPECT_EQ(rows[0].GetMaxPlayers(), 2);
+  EXPECT_EQ(rows[0].GetRounds(), 7);
+  EXPECT_EQ(rows[0].GetFlags(), DPSESSION_MIGRATEHOST);
+  EXPECT_EQ(rows[0].GetGuidApplication(), GameGuid);
+}
+
+TEST(SessionLobbyTest, TheDialogTakesNamesAndAddressesWithAndWithoutAPort) {
+  struct Row {
+    const char *entered;
+    const char *button;
+    std::vector<std::string> found;
+  };
+  const std::vector<std::string> none;
+  const std::vector<std::string> both{"first", "second"};
+  const Row rows[] = {
+      {"", "Command1", {"first", "second", "far"}},
+      {"   ", "Command1", {"first", "second", "far"}},
+      {"10.0.0.1", "Command1", both},
+      {" 10.0.0.1 ", "Command1", both},
+      {"bramble", "Command1", both},
+      {"10.0.0.1:28711", "Command1", {"second"}},
+      {"bramble:28710", "Command1", {"first"}},
+      {"[10.0.0.1]:28710", "Command1", {"first"}},
+      {"10.0.0.3", "Command1", {"far"}},
+      {"10.0.0.9", "Command1", none},
+      {"nobody", "Command1", none},
+      {"bramble:", "Command1", none},
+      {"bramble:0", "Command1", none},
+      {"bramble:65536", "Command1", none},
+      {"bramble:28710x", "Command1", none},
+      {"[10.0.0.1", "Command1", none},
+      {"two words", "Command1", none},
+      {"bramble", "Command2", none},
+  };
+  Network network;
+  network.wire.Name("bramble", "10.0.0.1");
+  const auto first = network.Program("10.0.0.1");
+  const auto second = network.Program("10.0.0.1");
+  const auto far = network.Program("10.0.0.3");
+  const auto joiner = network.Program("10.0.0.2");
+  Host(*first, "first");
+  Host(*second, "second");
+  Host(*far, "far");
+  for (const Row &row : rows) {
+    SCOPED_TRACE(std::string(row.entered) + ", " + row.button);
+    network.machine.After(1, [&] { network.AnswerDialog(row.entered, row.button); });
+    DirectPlaySessionData wanted;
+    wanted.SetGuidApplication(GameGuid);
+    const std::int32_t begun = network.machine.Now();
+    const auto sessions = joiner->GetDPEnumSessions(wanted, 0, DPENUMSESSIONS_AVAILABLE);
+    EXPECT_LE(network.machine.Now() - begun, 1200);
+    std::vector<std::string> names;
+    for (std::int32_t i = 1; i <= sessions->GetCount(); ++i)
+      names.push_back(sessions->GetItem(i).GetSessionName());
+    std::ranges::sort(names);
+    auto wantedNames = row.found;
+    std::ranges::sort(wantedNames);
+    EXPECT_EQ(names, wantedNames);
+  }
+}
+
+TEST(SessionLobbyTest, ThisComputerStaysOnThisComputer) {
+  Network network;
+  const auto host = network.Program("10.0.0.1", ThisComputer);
+  const auto here = network.Program("10.0.0.1", ThisComputer);
+  const auto there = network.Program("10.0.0.2");
+  Host(*host, "private");
+  EXPECT_EQ(Names(network.Search(*there)), std::vector<std::string>{});
+  EXPECT_EQ(Names(network.Search(*there, "10.0.0.1")), std::vector<std::string>{});
+  const auto rows = network.Search(*here);
+  ASSERT_EQ(Names(rows), std::vector<std::string>{"private"});
+  EXPECT_EQ(network.machine.Find("frmSearch", "Text1"), nullptr);
+  EXPECT_NO_THROW(Join(*here, rows[0]));
+}
+
+TEST(SessionLobbyTest, AllPortsTakenIsAFailure) {
+  Network network;
+  std::vector<std::shared_ptr<session::SessionDirectPlay>> hosts;
+  for (int i = 0; i < session::PortCount; ++i) {
+    hosts.push_back(network.Program("10.0.0.1"));
+    Host(*hosts.back(), "session " + std::to_string(i));
+  }
+  const auto late = network.Program("10.0.0.1");
+  EXPECT_THROW(Host(*late), DirectPlayError);
+  const auto joiner = network.Program("10.0.0.2");
+  EXPECT_EQ(network.Search(*joiner).size(), std::size_t{session::PortCount});
+  hosts.front()->Close();
+  EXPECT_NO_THROW(Host(*late));
+}
+
+TEST(SessionLobbyTest, AThirdComputerCanNeitherFindNorEnterAFullSession) {
+  Pair pair;
+  const auto third = pair.network.Program("10.0.0.3");
+  EXPECT_TRUE(pair.network.Search(*third).empty());
+  EXPECT_TRUE(pair.network.Search(*third, "10.0.0.1").empty());
+  const std::int32_t begun = pair.network.machine.Now();
+  EXPECT_THROW(Join(*third, pair.row), DirectPlayError);
+  EXPECT_LT(pair.network.machine.Now() - begun, 1000) << "a refusal needs no waiting";
+  SendNumber(*pair.joiner, pair.joinerPlayer, 4);
+  pair.network.Run(50);
+  EXPECT_EQ(TakeAll(*pair.host, pair.hostPlayer), std::vector<std::string>{"4"});
+}
+
+TEST(SessionLobbyTest, ASessionThatWasCancelledCantBeJoined) {
+  Network network;
+  const auto host = network.Program("10.0.0.1");
+  const auto joiner = network.Program("10.0.0.2");
+  Host(*host, "first");
+  const auto stale = network.Search(*joiner).at(0);
+  host->Close();
+  EXPECT_THROW(joiner->Open(stale, DPOPEN_JOIN), DirectPlayError);
+  EXPECT_TRUE(network.Search(*joiner).empty());
+  // A new session at the same port is another one.
+  Host(*host, "second");
+  EXPECT_THROW(joiner->Open(stale, DPOPEN_JOIN), DirectPlayError);
+  EXPECT_NO_THROW(Join(*joiner, network.Search(*joiner).at(0)));
+}
+
+TEST(SessionLobbyTest, AHostThatDoesNotAnswerIsGivenUp) {
+  Network network;
+  const auto host = network.Program("10.0.0.1");
+  const auto joiner = network.Program("10.0.0.2");
+  Host(*host);
+  const auto row = network.Search(*joiner).at(0);
+  const std::int32_t begun = network.machine.Now();
+  network.wire.Line().Breaks = {{begun, begun + 60000}};
+  EXPECT_THROW(joiner->Open(row, DPOPEN_JOIN), DirectPlayError);
+  EXPECT_LE(network.machine.Now() - begun, session::OpenMs + 100);
+}
+
+TEST(SessionLobbyTest, WhoJoinsButMakesNoPlayerDoesNotKeepOthersOut) {
+  Network network;
+  const auto host = network.Program("10.0.0.1");
+  const auto idle = network.Program("10.0.0.2");
+  const auto joiner = network.Program("10.0.0.3");
+  const std::int32_t player = Host(*host);
+  const auto row = network.Search(*idle).at(0);
+  idle->Open(row, DPOPEN_JOIN);
+  EXPECT_THROW(joiner->Open(row, DPOPEN_JOIN), DirectPlayError);
+  network.Run(session::PlayerMs + 100);
+  EXPECT_EQ(host->GetMessageCount(player), 0);
+  EXPECT_NO_THROW(Join(*joiner, row));
+  network.Run(10);
+  EXPECT_EQ(TakeAll(*host, player), std::vector<std::string>{"joined"});
+}
+
+TEST(SessionLobbyTest, FieldsComeBackInOrderTypeAndEveryBit) {
+  Pair pair;
+  const auto message = pair.host->CreateMessage();
+  const float values[] = {0.1f, -0.0f, 1e-45f, std::numeric_limits<float>::infinity(),
+                          std::numeric_limits<float>::quiet_NaN()};
+  message->WriteString("Flick");
+  message->WriteString("");
+  message->WriteLong(INT32_MIN);
+  for (const float value : values) message->WriteSingle(value);
+  pair.host->Send(pair.hostPlayer, DPID_ALLPLAYERS, DPSEND_GUARANTEED, *message);
+  pair.network.Run(10);
+  std::int32_t from = 0;
+  std::int32_t to = 0;
+  const auto received = pair.joiner->Receive(from, to, DPRECEIVE_ALL);
+  EXPECT_EQ(from, pair.hostPlayer);
+  EXPECT_EQ(to, pair.joinerPlayer);
+  EXPECT_EQ(received->ReadString(), "Flick");
+  EXPECT_THROW(received->ReadLong(), DirectPlayError);
+  EXPECT_EQ(received->ReadString(), "");
+  EXPECT_EQ(received->ReadLong(), INT32_MIN);
+  for (const float value : values) {
+    EXPECT_FALSE(received->AtEnd());
+    EXPECT_EQ(std::bit_cast<std::uint32_t>(received->ReadSingle()), std::bit_cast<std::uint32_t>(value));
+  }
+  EXPECT_TRUE(received->AtEnd());
+  EXPECT_THROW(received->ReadSingle(), DirectPlayError);
+  EXPECT_THROW(pair.joiner->Receive(from, to, DPRECEIVE_ALL), DirectPlayError);
+}
+
+} // namespace
