@@ -23,7 +23,6 @@ void Machine::Pump() {
     const Event event = std::move(events_.front());
     events_.pop_front();
     if (Receives(*event.window)) event.call();
-    if (events_.empty()) Collect();
   }
 }
 

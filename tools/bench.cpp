@@ -1,0 +1,73 @@
+// Benchmarks of the headless machine: what a step, a pick and a match cost without drawing.
+
+#include "match/frm_snapwedge.h"
+#include "platform/headless/headless_machine.h"
+
+#include <benchmark/benchmark.h>
+
+namespace {
+
+std::filesystem::path GameDirectory() {
+  return std::filesystem::weakly_canonical("/proc/self/exe").parent_path().parent_path() / "game";
+}
+
+/// A match that is set up and ready for its first shot.
+struct Ready {
+  explicit Ready(const std::string &mode, std::int16_t rounds = 1)
+      : machine(GameDirectory()), program(machine), window(machine, program) {
+    program.GameMode = mode;
+    program.Rounds = rounds;
+    program.SoundOn = False;
+  }
+  HeadlessMachine machine;
+  Program program;
+  frmSnapwedge window;
+};
+
+/// One step of a flight, the look down included: the time of a whole flick of 96 divided by its 161 steps.
+void FlightStep(benchmark::State &state) {
+  constexpr int Steps = 161;
+  Ready game("Human");
+  game.window.SetUp();
+  for (auto _ : state) {
+    for (const auto &frame : {game.window.PieceFrame, game.window.AimFrame}) {
+      frame->SetPosition(game.window.RMCanvas1.SceneFrame, 0, 0, 85);
+    }
+    game.window.Shots = 3;
+    game.window.Force = 96.0f;
+    game.window.RMCanvas1_MouseUp(1, 0, 0.0f, 0.0f);
+    game.window.HomeScore = 0;
+  }
+  state.counters["step"] = benchmark::Counter(Steps * static_cast<double>(state.iterations()),
+                                              benchmark::Counter::kIsRate | benchmark::Counter::kInvert);
+}
+BENCHMARK(FlightStep);
+
+void PickDown(benchmark::State &state) {
+  Ready game("Human");
+  game.window.SetUp();
+  for (auto _ : state) benchmark::DoNotOptimize(game.window.CheckRay());
+}
+BENCHMARK(PickDown);
+
+/// A match of 99 rounds against the computer; the person overcharges every shot.
+void WholeMatch(benchmark::State &state) {
+  for (auto _ : state) {
+    Ready game("Computer", 99);
+    game.machine.Player = [&] {
+      for (const char *card : {"frmHome", "frmAway", "frmTie"}) {
+        if (Window *window = game.machine.FindWindow(card)) game.machine.ClickOn(*window);
+      }
+      if (!game.window.ShotPending && game.program.MyTurn) game.machine.PressMouse(1);
+    };
+    try {
+      game.window.Load();
+    } catch (const ProgramEnd &) {
+    }
+  }
+}
+BENCHMARK(WholeMatch)->Unit(benchmark::kMillisecond);
+
+} // namespace
+
+BENCHMARK_MAIN();
