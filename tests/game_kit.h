@@ -32,17 +32,14 @@ public:
                                        {&program.SndWis3, "wis3.daw"}}) {
       *buffer = program.DS->CreateSoundBufferFromFile(file, {}, {});
     }
-    // Cards come and go inside a pump.
-    machine.Player = [this] {
+    // A card is repainted when it comes up, and may have gone by the next pump.
+    machine.OnRepaint = [this] {
       for (std::int16_t code = 1; code <= 7; ++code) {
-        if (window.Card(code).Visible && (Cards.empty() || !cardUp_)) Cards.push_back(code);
-        if (window.Card(code).Visible) {
-          cardUp_ = true;
-          return;
-        }
+        if (window.Card(code).Visible) Cards.push_back(code);
       }
-      cardUp_ = false;
-      if (OnPump) OnPump();
+    };
+    machine.Player = [this] {
+      if (OnPump && !window.AnyPictures()) OnPump();
     };
   }
 
@@ -116,9 +113,6 @@ public:
   HeadlessMachine machine;
   Program program;
   frmSnapwedge window;
-
-private:
-  bool cardUp_ = false;
 };
 
 /// A 64-bit FNV-1a hash of a sequence of floats, by their bits.

@@ -72,7 +72,10 @@ void HeadlessMachine::Hide(Window &window) {
   if (Focus && std::ranges::find(window.Controls, Focus) != window.Controls.end()) Focus = nullptr;
 }
 
-void HeadlessMachine::Repaint(Window &) { ++Repaints; }
+void HeadlessMachine::Repaint(Window &) {
+  ++Repaints;
+  if (OnRepaint) OnRepaint();
+}
 
 void HeadlessMachine::DrawCanvas(Canvas &canvas) {
   ++Draws;

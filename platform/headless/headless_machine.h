@@ -58,6 +58,7 @@ public:
   long Draws = 0; ///< pictures drawn of any canvas
   long Repaints = 0;
   std::int32_t PointerX = 500, PointerY = 300;
+  std::function<void()> OnRepaint;      ///< sees every window as it is repainted
   std::function<void(Canvas &)> OnDraw; ///< sees every picture as it is drawn
 
   // What goes wrong, or differs from machine to machine.

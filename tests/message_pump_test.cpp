@@ -1,0 +1,299 @@
+// What comes from the other computer in play: replays, cards, scores, chat, and messages that break the
+// rules.
+
+#include "tests/game_kit.h"
+
+#include <gtest/gtest.h>
+
+#include <deque>
+#include <limits>
+#include <variant>
+
+namespace {
+
+using Field = std::variant<std::string, std::int32_t, float>;
+
+class FakeMessage : public DirectPlayMessage {
+public:
+  FakeMessage() = default;
+  explicit FakeMessage(std::vector<Field> fields, Kind kind = Kind::Game)
+      : fields_(std::move(fields)), kind_(kind) {}
+  void WriteString(const std::string &value) override { fields_.emplace_back(value); }
+  void WriteLong(std::int32_t value) override { fields_.emplace_back(value); }
+  void WriteSingle(float value) override { fields_.emplace_back(value); }
+  std::string ReadString() override { return Take<std::string>(); }
+  std::int32_t ReadLong() override { return Take<std::int32_t>(); }
+  float ReadSingle() override { return Take<float>(); }
+  bool AtEnd() const override { return next_ == fields_.size(); }
+  Kind GetKind() const override { return kind_; }
+  const std::string &Tag() const { return std::get<std::string>(fields_.at(0)); }
+
+private:
+  template <class T> T Take() {
+    if (AtEnd() || !std::holds_alternative<T>(fields_[next_])) throw DirectPlayError("no such field");
+    return std::get<T>(fields_[next_++]);
+  }
+  std::vector<Field> fields_;
+  Kind kind_ = Kind::Game;
+  std::size_t next_ = 0;
+};
+
+/// A session whose other side is the test.
+class FakePlay : public DirectPlay4 {
+public:
+  std::shared_ptr<DirectPlayEnumConnections> GetDPEnumConnections(const std::string &,
+                                                                  std::int32_t) override {
+    return nullptr;
+  }
+  void InitializeConnection(const std::string &) override {}
+  DirectPlaySessionData CreateSessionData() override { return {}; }
+  std::shared_ptr<DirectPlayEnumSessions> GetDPEnumSessions(const DirectPlaySessionData &, std::int32_t,
+                                                            std::int32_t) override {
+    return nullptr;
+  }
+  void Open(const DirectPlaySessionData &, std::int32_t) override {}
+  std::int32_t CreatePlayer(const std::string &, const std::string &, std::int32_t, std::int32_t) override {
+    return 1;
+  }
+  std::int32_t GetMessageCount(std::int32_t) override { return static_cast<std::int32_t>(Incoming.size()); }
+  std::shared_ptr<DirectPlayMessage> Receive(std::int32_t &, std::int32_t &, std::int32_t) override {
+    auto message = Incoming.front();
+    Incoming.pop_front();
+    return message;
+  }
+  std::shared_ptr<DirectPlayMessage> CreateMessage() override { return std::make_shared<FakeMessage>(); }
+  void Send(std::int32_t, std::int32_t, std::int32_t, const DirectPlayMessage &message) override {
+    Sent.push_back(dynamic_cast<const FakeMessage &>(message).Tag());
+  }
+  void Close() override {}
+
+  std::deque<std::shared_ptr<FakeMessage>> Incoming;
+  std::vector<std::string> Sent;
+};
+
+/// A network game in which this computer is the host.
+struct NetworkGame : Game {
+  explicit NetworkGame(bool waits) : Game("INET", 5), play(std::make_shared<FakePlay>()) {
+    program.DP = play;
+    program.IsHost = waits ? False : True;
+    program.MyTurn = waits ? True : False; // the first turnover inverts it
+    SetUp();
+    SoundsSince();
+    play->Sent.clear();
+  }
+  void Receive(std::vector<Field> fields) {
+    play->Incoming.push_back(std::make_shared<FakeMessage>(std::move(fields)));
+  }
+  void ReceiveIn(std::int32_t milliseconds, std::vector<Field> fields) {
+    machine.After(milliseconds, [this, fields] { Receive(fields); });
+  }
+  std::shared_ptr<FakePlay> play;
+};
+
+std::vector<Field> Shot(const std::string &tag, float force, float z = 85.0f) {
+  return {tag, 0.0f, 0.0f, z, force, 0.0f, 0.0f, 1.0f, 0.0f, 1.0f, 0.0f, std::int32_t{1}};
+}
+
+TEST(MessagePumpTest, AFlickIsReplayedFromItsInputs) {
+  NetworkGame game(true);
+  EXPECT_EQ(game.window.Player, 2);
+  EXPECT_EQ(game.Place(game.window.CameraFrame), (Vector{100, 20, 0}));
+  game.Receive(Shot("Flick", 40));
+  game.Frames(1);
+  EXPECT_NEAR(game.Place(game.window.PieceFrame).z, 85.0f - 27.07f, 0.01f);
+  EXPECT_EQ(game.window.Shots, 2);
+  EXPECT_EQ(game.window.Player, 1) << "the sender's number, until the turnover";
+  EXPECT_EQ(game.window.Force, 0.0f);
+  EXPECT_TRUE(game.play->Sent.empty()) << "the waiting computer tells nothing of a replay";
+}
+
+TEST(MessagePumpTest, TheShootersCardRulesTheWaitersScreen) {
+  struct Row {
+    const char *name;
+    std::int32_t result, go; ///< when "RESULT" and "Continue" come, ms after the fall's flight began
+  };
+  for (const Row &row :
+       {Row{"in time", 3000, 6000}, Row{"both at once", 100, 101}, Row{"after the turnover", 7000, 10000}}) {
+    SCOPED_TRACE(row.name);
+    NetworkGame game(true);
+    game.Receive(Shot("Flick", 120));
+    game.ReceiveIn(row.result, {std::string("RESULT"), std::int32_t{4}});
+    game.ReceiveIn(row.go, {std::string("Continue")});
+    std::int32_t turnover = 0, cardDown = 0;
+    for (int frame = 0; frame < 400 && (!cardDown || !turnover); ++frame) {
+      game.Frames(1);
+      if (game.program.MyTurn && !turnover) turnover = game.machine.Now();
+      if (!game.Cards.empty() && !game.window.AnyPictures()) cardDown = game.machine.Now();
+    }
+    EXPECT_EQ(game.Cards, std::vector<std::int16_t>{4});
+    EXPECT_EQ(game.window.Player, 1);
+    EXPECT_GE(cardDown, row.go);
+    EXPECT_EQ(game.SoundsSince(), "play swoosh.daw, play yeah2.daw");
+    EXPECT_FALSE(game.window.Busy);
+  }
+}
+
+TEST(MessagePumpTest, EveryResultOfTheOtherSideHasItsSounds) {
+  const std::string sounds[] = {"play boo.daw",   "play yeah2.daw", "play wis2.daw, play boo.daw",
+                                "play yeah2.daw", "play boo.daw",   "play wis1.daw, play yeah.daw",
+                                "play yeah2.daw"};
+  for (std::int32_t code = 1; code <= 7; ++code) {
+    SCOPED_TRACE(code);
+    NetworkGame game(true);
+    game.Receive({std::string("RESULT"), code});
+    game.ReceiveIn(500, {std::string("Continue")});
+    game.Frames(1);
+    EXPECT_EQ(game.SoundsSince(), sounds[code - 1]);
+    EXPECT_EQ(game.Cards, std::vector<std::int16_t>{static_cast<std::int16_t>(code)});
+    EXPECT_FALSE(game.window.AnyPictures());
+  }
+}
+
+TEST(MessagePumpTest, AMessageThatBreaksARuleIsAsIfItHadNeverCome) {
+  constexpr float NotANumber = std::numeric_limits<float>::quiet_NaN();
+  const auto changed = [](std::size_t index, Field value) {
+    auto fields = Shot("Flick", 40);
+    fields[index] = std::move(value);
+    return fields;
+  };
+  auto missing = Shot("Flick", 40);
+  missing.pop_back();
+  auto surplus = Shot("Flick", 40);
+  surplus.emplace_back(1.0f);
+  const std::pair<const char *, std::vector<Field>> rows[] = {
+      {"no tag", {}},
+      {"a number for a tag", {std::int32_t{7}}},
+      {"an unknown tag", {std::string("flick"), 1.0f}},
+      {"a field of another type", changed(1, std::int32_t{3})},
+      {"not a number", changed(3, NotANumber)},
+      {"infinite", changed(4, std::numeric_limits<float>::infinity())},
+      {"too strong", changed(4, 120.5f)},
+      {"negative", changed(4, -1.0f)},
+      {"far away", changed(1, 301.0f)},
+      {"a direction too long", changed(7, 1.01f)},
+      {"an up vector that leans", changed(10, 0.1f)},
+      {"an unknown side", changed(11, std::int32_t{3})},
+      {"a missing field", missing},
+      {"a surplus field", surplus},
+      {"a kick without force", Shot("Goal", 0)},
+      {"a result of 0", {std::string("RESULT"), std::int32_t{0}}},
+      {"a result of 8", {std::string("RESULT"), std::int32_t{8}}},
+      {"a negative score", {std::string("Score"), std::int32_t{-1}, std::int32_t{0}, std::int32_t{1}}},
+      {"a score beyond the match",
+       {std::string("Score"), std::int32_t{51}, std::int32_t{0}, std::int32_t{1}}},
+      {"half a score", {std::string("Score"), std::int32_t{6}}},
+      {"a version without a number", {std::string("Version"), std::string("SW")}},
+      {"a long version", {std::string("Version"), std::string(400, 'x'), std::int32_t{1}}},
+      {"a surplus END", {std::string("END"), std::int32_t{1}}},
+      {"a stray Continue", {std::string("Continue")}},
+      {"OVER", {std::string("OVER")}},
+  };
+  for (const auto &[name, fields] : rows) {
+    SCOPED_TRACE(name);
+    NetworkGame game(true);
+    game.Receive(fields);
+    game.Frames(2);
+    EXPECT_EQ(game.Place(game.window.PieceFrame), (Vector{0, 0, 85}));
+    EXPECT_EQ(game.window.Shots, 3);
+    EXPECT_EQ(game.window.Player, 2);
+    EXPECT_EQ(game.window.Force, 0.0f);
+    EXPECT_EQ(game.window.HomeScore + game.window.AwayScore, 0);
+    EXPECT_EQ(game.window.Label5.Caption, "");
+    EXPECT_TRUE(game.Cards.empty());
+    EXPECT_EQ(game.SoundsSince(), "");
+    EXPECT_TRUE(game.play->Incoming.empty());
+  }
+}
+
+TEST(MessagePumpTest, ScoresAreMirroredAndOnlyRise) {
+  NetworkGame game(false);
+  game.window.HomeScore = 6;
+  game.window.AwayScore = 3;
+  game.Receive({std::string("Score"), std::int32_t{7}, std::int32_t{4}, std::int32_t{1}});
+  game.Frames(1);
+  EXPECT_EQ(game.window.HomeScore, 6);
+  EXPECT_EQ(game.window.AwayScore, 7);
+  EXPECT_EQ(game.window.lblPlayer2.Caption, "Away Team Score: 7");
+}
+
+TEST(MessagePumpTest, ChatGoesBothWaysAsPlainText) {
+  NetworkGame game(false);
+  EXPECT_TRUE(game.window.Text2.Enabled);
+  game.machine.PressKey(KeyCodes::Tilde);
+  game.Frames(1);
+  EXPECT_EQ(game.machine.Focus, &game.window.Text2);
+  game.machine.PressKey(KeyCodes::Escape);
+  game.machine.Type("Good luck!\r");
+  game.Frames(1);
+  EXPECT_EQ(game.play->Sent, std::vector<std::string>{"MESSAGE"});
+  EXPECT_EQ(game.window.Text2.Text, "");
+  EXPECT_EQ(game.machine.Focus, &game.window.RMCanvas1);
+
+  std::string longLine;
+  for (int i = 0; i < 250; ++i) longLine += "\xC3\xA9";
+  const std::pair<std::string, std::string> rows[] = {{"Your turn", "Your turn"},
+                                                      {"two\nlines", "two lines"},
+                                                      {"<b>bold</b>", "<b>bold</b>"},
+                                                      {longLine, longLine.substr(0, 400)},
+                                                      {"", ""}};
+  for (const auto &[sent, shown] : rows) {
+    game.Receive({std::string("MESSAGE"), sent});
+    game.Frames(1);
+    EXPECT_EQ(game.window.Text1.Text, shown);
+    EXPECT_EQ(game.SoundsSince(), "play wis1.daw");
+  }
+}
+
+TEST(MessagePumpTest, TheOtherSidesLeavingEndsTheProgramWithABox) {
+  const auto lost =
+      std::make_shared<FakeMessage>(std::vector<Field>{}, DirectPlayMessage::Kind::ConnectionLost);
+  const auto end = std::make_shared<FakeMessage>(std::vector<Field>{std::string("END")});
+  for (const auto &news : {lost, end}) {
+    for (const bool underACard : {false, true}) {
+      SCOPED_TRACE(underACard);
+      NetworkGame game(true);
+      if (underACard) game.Receive({std::string("RESULT"), std::int32_t{5}});
+      game.play->Incoming.push_back(std::make_shared<FakeMessage>(*news));
+      EXPECT_THROW(game.Frames(3), ProgramEnd);
+      ASSERT_EQ(game.machine.Boxes.size(), 1U);
+      EXPECT_EQ(game.machine.Boxes[0].Text, "Away Team Disconnected!");
+      EXPECT_EQ(game.machine.Boxes[0].Title, "Game Over:");
+      EXPECT_TRUE(game.machine.CursorShown);
+      EXPECT_EQ(game.machine.Sounds.back(), "play wis3.daw");
+    }
+  }
+}
+
+TEST(MessagePumpTest, TheShooterSendsItsShotItsResultAndItsGoAhead) {
+  NetworkGame game(false);
+  game.Flick(120);
+  EXPECT_EQ(game.play->Sent, (std::vector<std::string>{"Flick", "RESULT", "Continue"}));
+  EXPECT_EQ(game.Cards, std::vector<std::int16_t>{4});
+  game.machine.Focus = &game.window.RMCanvas1;
+  game.machine.PressKey(KeyCodes::Escape);
+  EXPECT_THROW(game.Frames(1), ProgramEnd);
+  EXPECT_EQ(game.play->Sent.back(), "END");
+}
+
+TEST(MessagePumpTest, TheKickIsJudgedByTheKickerAlone) {
+  NetworkGame game(true);
+  // The replay of the Touchdown's flick, then the kick; the point comes with "Score" alone.
+  game.Receive(Shot("Flick", 0, -87));
+  game.window.PieceSurface = "Table";
+  game.window.Shots = 1;
+  game.ReceiveIn(10, {std::string("RESULT"), std::int32_t{3}});
+  game.ReceiveIn(20, {std::string("Continue")});
+  game.ReceiveIn(3000, Shot("Goal", 96));
+  game.ReceiveIn(4600, {std::string("RESULT"), std::int32_t{1}});
+  game.ReceiveIn(7600, {std::string("Continue")});
+  game.ReceiveIn(7700, {std::string("Score"), std::int32_t{7}, std::int32_t{0}, std::int32_t{1}});
+  game.PutPiece(0, -87, 1);
+  for (int frame = 0; frame < 500 && !game.program.MyTurn; ++frame) game.Frames(1);
+  EXPECT_EQ(game.window.AwayScore, 6);
+  game.Frames(10);
+  EXPECT_EQ(game.Cards, (std::vector<std::int16_t>{3, 1}));
+  EXPECT_EQ(game.window.AwayScore, 7);
+  EXPECT_EQ(game.window.HomeScore, 0);
+}
+
+} // namespace
