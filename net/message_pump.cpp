@@ -90,8 +90,8 @@ void frmSnapwedge::ReplayFlick(const ReceivedShot &shot) {
 }
 
 void frmSnapwedge::ReplayKick(const ReceivedShot &shot) {
-  // Without a force the kick would never come down.
-  if (shot.Force <= 0.0f) return;
+  // There is a kick in the point-after only, and without a force it would never come down.
+  if (!KickMode || shot.Force <= 0.0f) return;
   Force = shot.Force;
   Player = shot.Player;
   GetFmain();

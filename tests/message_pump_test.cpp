@@ -175,7 +175,7 @@ TEST(MessagePumpTest, AMessageThatBreaksARuleIsAsIfItHadNeverCome) {
       {"an unknown side", changed(11, std::int32_t{3})},
       {"a missing field", missing},
       {"a surplus field", surplus},
-      {"a kick without force", Shot("Goal", 0)},
+      {"a kick outside the point-after", Shot("Goal", 96)},
       {"a result of 0", {std::string("RESULT"), std::int32_t{0}}},
       {"a result of 8", {std::string("RESULT"), std::int32_t{8}}},
       {"a negative score", {std::string("Score"), std::int32_t{-1}, std::int32_t{0}, std::int32_t{1}}},
