@@ -60,7 +60,7 @@ Image LoadImage(const std::filesystem::path &file) {
   return image;
 }
 
-Seat::Seat() : display_(XOpenDisplay(nullptr)) {
+Seat::Seat(const std::string &display) : display_(XOpenDisplay(display.empty() ? nullptr : display.c_str())) {
   if (!display_) throw GaveUp("there is no display");
   XSetErrorHandler(PassOver);
 }

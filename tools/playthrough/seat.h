@@ -42,7 +42,8 @@ using Milliseconds = std::chrono::milliseconds;
 
 class Seat {
 public:
-  Seat();
+  /// @param display  as in the DISPLAY variable; empty for that of the environment
+  explicit Seat(const std::string &display = {});
   ~Seat();
   Seat(const Seat &) = delete;
   Seat &operator=(const Seat &) = delete;

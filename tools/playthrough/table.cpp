@@ -1,0 +1,223 @@
+#include "tools/playthrough/table.h"
+
+#include <X11/keysym.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <array>
+#include <chrono>
+#include <csignal>
+#include <cstdlib>
+#include <iostream>
+
+namespace {
+
+using Clock = std::chrono::steady_clock;
+
+// Places on the play window, logical pixels of its client area.
+struct Box {
+  int X, Y, Width, Height;
+};
+constexpr Box Meter{536, 32, 17, 409};
+constexpr Box HomeArrow{248, 6, 17, 17};
+constexpr int CardLeft = 432;
+constexpr int CardWidth = 200;
+constexpr int CardHeight = 173;
+constexpr std::array<int, 8> CardTop = {0, 112, 144, 56, 176, 88, 240, 208}; ///< by code, 1 to 7
+constexpr double SameCard = 25.0; ///< mean difference of colour parts, up to which it is that card
+
+constexpr int MeterStep = 8;
+constexpr int OtherPixel = 60; ///< difference of colour parts, from which a pixel of the meter has changed
+constexpr Milliseconds LookAgain(40);
+constexpr Milliseconds CardPatience(30000);
+constexpr Milliseconds TurnPatience(120000);
+constexpr int TwipsPerPixel = 15;
+
+constexpr const char *EndCards[] = {"Home Team Wins!!", "Away Team Wins!!", "It's All Tied Up!"};
+constexpr const char *CardNames[] = {
+    "",           "card-good",    "card-no-good", "card-touchdown", "card-turnover",
+    "card-bonus", "card-penalty", "card-short"};
+
+} // namespace
+
+GameProcess::GameProcess(const std::vector<std::string> &command, const std::string &display)
+    : process_(fork()) {
+  if (process_ != 0) return;
+  if (!display.empty()) setenv("DISPLAY", display.c_str(), 1);
+  std::vector<char *> arguments;
+  for (const std::string &word : command) arguments.push_back(const_cast<char *>(word.c_str()));
+  arguments.push_back(nullptr);
+  execvp(arguments[0], arguments.data());
+  _exit(127);
+}
+
+GameProcess::~GameProcess() {
+  if (process_ <= 0) return;
+  kill(process_, SIGKILL);
+  waitpid(process_, nullptr, 0);
+}
+
+void GameProcess::WaitForEnd() {
+  for (const auto end = Clock::now() + Milliseconds(10000); Clock::now() < end; Pause(LookAgain)) {
+    int status = 0;
+    if (waitpid(process_, &status, WNOHANG) != process_) continue;
+    process_ = -1;
+    if (!WIFEXITED(status) || WEXITSTATUS(status) != 0) throw GaveUp("the program didn't end cleanly");
+    return;
+  }
+  throw GaveUp("the program doesn't end");
+}
+
+void Album::Take(Seat &seat, const std::string &station) {
+  stations_.push_back(station);
+  const std::string number = std::to_string(100 + stations_.size()).substr(1);
+  seat.TakePicture(directory_ / (number + "-" + station + ".png"));
+  std::cout << number << ' ' << station << std::endl;
+}
+
+bool Album::Has(const std::string &station) const {
+  return std::ranges::find(stations_, station) != stations_.end();
+}
+
+void ClickTwips(Seat &seat, ::Window launch, int x, int y) {
+  seat.Click(launch, x / TwipsPerPixel, y / TwipsPerPixel);
+}
+
+::Window OpenLaunchWindow(Seat &seat) {
+  const ::Window launch = seat.WaitFor("Snapwedge V1.0 -");
+  Pause(Milliseconds(400));
+  return launch;
+}
+
+void EnterRounds(Seat &seat, ::Window launch, const std::string &rounds) {
+  ClickTwips(seat, launch, 3120, 4450);
+  seat.Press(XK_End);
+  seat.Press(XK_BackSpace);
+  seat.Press(XK_BackSpace);
+  seat.Type(rounds);
+}
+
+std::optional<::Window> EndCard(Seat &seat) {
+  for (const char *title : EndCards) {
+    if (const auto card = seat.Find(title)) return card;
+  }
+  return std::nullopt;
+}
+
+Table::Table(Seat &seat, const std::filesystem::path &pictures, Album &album, std::string prefix)
+    : seat_(seat), album_(album), prefix_(std::move(prefix)), window_(seat.WaitFor("Snapwedge V1.01")) {
+  for (int code = 1; code <= 7; ++code) {
+    cards_.push_back(LoadImage(pictures / ("Picture" + std::to_string(code) + ".png")));
+  }
+  Pause(Milliseconds(1200));
+  emptyMeter_ = seat_.Look(window_, Meter.X, Meter.Y, Meter.Width, Meter.Height);
+}
+
+int Table::MeterLevel() {
+  const Image now = seat_.Look(window_, Meter.X, Meter.Y, Meter.Width, Meter.Height);
+  if (now.Height == 0 || now.Height != emptyMeter_.Height) return 0;
+  int rows = 0;
+  const int column = now.Width / 2;
+  for (int y = 0; y < now.Height; ++y) {
+    const Pixel &a = now.At(column, y);
+    const Pixel &b = emptyMeter_.At(column, y);
+    const int difference = std::abs(a.Red - b.Red) + std::abs(a.Green - b.Green) + std::abs(a.Blue - b.Blue);
+    if (difference > OtherPixel) ++rows;
+  }
+  return rows * 100 / now.Height;
+}
+
+int Table::CardUp() {
+  for (int code = 1; code <= 7; ++code) {
+    const Image seen =
+        seat_.Look(window_, CardLeft, CardTop[static_cast<std::size_t>(code)], CardWidth, CardHeight);
+    if (MeanDifference(seen, cards_[static_cast<std::size_t>(code - 1)]) < SameCard) return code;
+  }
+  return 0;
+}
+
+bool Table::HomeOnTurn() {
+  constexpr int PixelsOfAnArrow = 4;
+  const Image arrow = seat_.Look(window_, HomeArrow.X, HomeArrow.Y, HomeArrow.Width, HomeArrow.Height);
+  const auto yellow = std::ranges::count_if(arrow.Pixels, [](const Pixel &pixel) {
+    return pixel.Red > 200 && pixel.Green > 200 && pixel.Blue < 100;
+  });
+  return yellow >= PixelsOfAnArrow;
+}
+
+void Table::Shoot(int level) {
+  seat_.Button(1, true);
+  bool half = album_.Has(prefix_ + "meter");
+  for (const auto end = Clock::now() + Milliseconds(2000); Clock::now() < end;) {
+    const int now = MeterLevel();
+    if (now >= level - MeterStep / 2) break;
+    if (half || now < 40) continue;
+    half = true;
+    Station("meter");
+  }
+  seat_.Button(1, false);
+}
+
+int Table::Watch(int level) {
+  // A step takes 20 ms at the least, and a slow machine may take half as long again.
+  const Milliseconds flight(level * 10 / 6 * 20 * 3 / 2 + 600);
+  const auto start = Clock::now();
+  bool seen = false;
+  for (; Clock::now() < start + flight; Pause(LookAgain)) {
+    if (!seen && Clock::now() > start + Milliseconds(350)) {
+      seen = true;
+      Station("flight");
+    }
+    if (const int card = CardUp()) return SeeCard(card);
+  }
+  return 0;
+}
+
+int Table::SeeCard(int code) {
+  Pause(Milliseconds(100));
+  Station(CardNames[code]);
+  for (const auto end = Clock::now() + CardPatience; Clock::now() < end; Pause(LookAgain)) {
+    if (CardUp() != code) return code;
+  }
+  throw GaveUp("a card stays up");
+}
+
+void Table::PlayPointAfter() {
+  Pause(Milliseconds(600));
+  Station("point-after");
+  Pause(Milliseconds(1500));
+  Shoot(96);
+  Pause(Milliseconds(700));
+  Station("kick");
+  for (const auto end = Clock::now() + Milliseconds(20000); Clock::now() < end; Pause(LookAgain)) {
+    if (const int card = CardUp()) {
+      SeeCard(card);
+      return;
+    }
+  }
+  throw GaveUp("the kick has no card");
+}
+
+void Table::Possess(const std::vector<int> &plan) {
+  constexpr int Touchdown = 3, Bonus = 5;
+  for (const int level : plan) {
+    Shoot(level);
+    const int card = Watch(level);
+    if (card == Touchdown) PlayPointAfter();
+    if (card != 0 && card != Bonus) return;
+    Pause(Milliseconds(200));
+  }
+}
+
+void Table::WaitForTurn(bool home) {
+  for (const auto end = Clock::now() + TurnPatience; Clock::now() < end; Pause(LookAgain)) {
+    if (EndCard(seat_)) return;
+    if (const int card = CardUp()) {
+      SeeCard(card);
+    } else if (HomeOnTurn() == home) {
+      return;
+    }
+  }
+  throw GaveUp("the turn doesn't come");
+}
