@@ -22,7 +22,7 @@ void Machine::Pump() {
   while (!events_.empty()) {
     const Event event = std::move(events_.front());
     events_.pop_front();
-    if (Receives(*event.window)) event.call();
+    if (event.delivery == Delivery::UnderModal || Receives(*event.window)) event.call();
   }
 }
 
@@ -53,8 +53,8 @@ void Machine::ShowModal(Window &window) {
   while (window.Visible) Wait();
 }
 
-void Machine::Post(Window &window, std::function<void()> call) {
-  events_.push_back({&window, std::move(call)});
+void Machine::Post(Window &window, std::function<void()> call, Delivery delivery) {
+  events_.push_back({&window, std::move(call), delivery});
 }
 
 void Machine::Forget(Window &window) {

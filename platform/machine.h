@@ -143,6 +143,9 @@ protected:
   /// Whether events of this window are delivered now: it is the topmost modal window, or there is none.
   bool Receives(const Window &window) const { return modal_.empty() || modal_.back() == &window; }
 
+  /// Whether something wants to run at every pump.
+  bool HasPolls() const { return !polls_.empty(); }
+
   /// Whether an event waits for delivery.
   bool HasEvents() const { return !events_.empty(); }
 
@@ -158,6 +161,7 @@ private:
   struct Event {
     Window *window;
     std::function<void()> call;
+    Delivery delivery;
   };
 
   void RunPolls();

@@ -214,9 +214,10 @@ void HeadlessMachine::CloseBox(Window &window) {
 void HeadlessMachine::LoseFocus() {
   if (Shown.empty()) return;
   Window &window = *Shown.back();
-  Post(window, [&window] {
+  const auto deactivate = [&window] {
     if (window.Deactivate) window.Deactivate();
-  });
+  };
+  Post(window, deactivate, Delivery::UnderModal);
 }
 
 // The pointer.

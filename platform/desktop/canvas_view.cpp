@@ -1,0 +1,120 @@
+#include "platform/desktop/canvas_view.h"
+
+#include "platform/desktop/desktop_machine.h"
+
+#include <QKeyEvent>
+#include <QMouseEvent>
+#include <QPainter>
+
+namespace {
+
+constexpr quint32 ScanCodeLeftOfOne = 49; ///< under X, whatever the layout prints on the key
+constexpr std::int16_t LeftButton = 1;
+constexpr std::int16_t RightButton = 2;
+constexpr std::int16_t MiddleButton = 4;
+
+std::int16_t KeyCodeOf(const QKeyEvent &event) {
+  switch (event.key()) {
+  case Qt::Key_Escape:
+    return KeyCodes::Escape;
+  case Qt::Key_Shift:
+    return KeyCodes::Shift;
+  case Qt::Key_S:
+    return KeyCodes::S;
+  case Qt::Key_Return:
+  case Qt::Key_Enter:
+    return KeyCodes::Enter;
+  default:
+    break;
+  }
+  const bool tilde = event.text() == "~" || event.text() == "`" || event.key() == Qt::Key_AsciiTilde ||
+                     event.key() == Qt::Key_QuoteLeft || event.nativeScanCode() == ScanCodeLeftOfOne;
+  return tilde ? KeyCodes::Tilde : 0;
+}
+
+std::int16_t ButtonOf(Qt::MouseButton button) {
+  switch (button) {
+  case Qt::LeftButton:
+    return LeftButton;
+  case Qt::RightButton:
+    return RightButton;
+  default:
+    return MiddleButton;
+  }
+}
+
+} // namespace
+
+CanvasView::CanvasView(DesktopMachine &machine, Window &window, Canvas &canvas, QWidget &parent)
+    : QWidget(&parent), machine_(machine), window_(window), canvas_(canvas) {
+  setAttribute(Qt::WA_OpaquePaintEvent);
+  setFocusPolicy(Qt::StrongFocus);
+  setMouseTracking(true);
+}
+
+void CanvasView::ShowPicture(const QImage &picture) {
+  picture_ = picture;
+  picture_.setDevicePixelRatio(devicePixelRatioF());
+  if (isVisible()) repaint();
+}
+
+void CanvasView::paintEvent(QPaintEvent *event) {
+  QPainter painter(this);
+  if (picture_.isNull()) {
+    painter.fillRect(event->rect(), Qt::black);
+  } else {
+    painter.drawImage(0, 0, picture_);
+  }
+}
+
+bool CanvasView::event(QEvent *event) {
+  // Tab stays with the game, and so does every shortcut.
+  if (event->type() == QEvent::ShortcutOverride) {
+    event->accept();
+    return true;
+  }
+  return QWidget::event(event);
+}
+
+void CanvasView::keyPressEvent(QKeyEvent *event) {
+  if (event->isAutoRepeat()) return;
+  const std::int16_t code = KeyCodeOf(*event);
+  machine_.Post(window_, [this, code] {
+    if (canvas_.KeyDown) canvas_.KeyDown(code, 0);
+  });
+}
+
+void CanvasView::keyReleaseEvent(QKeyEvent *event) {
+  if (event->isAutoRepeat()) return;
+  const std::int16_t code = KeyCodeOf(*event);
+  machine_.Post(window_, [this, code] {
+    if (canvas_.KeyUp) canvas_.KeyUp(code, 0);
+  });
+}
+
+void CanvasView::mousePressEvent(QMouseEvent *event) {
+  setFocus();
+  // The press by which the player comes back to the window is no shot.
+  if (window_.CapturesPointer && !machine_.PointerHeld()) return;
+  pressed_ |= event->button();
+  const std::int16_t button = ButtonOf(event->button());
+  const QPointF place = event->position();
+  machine_.Post(window_, [this, button, place] {
+    if (canvas_.MouseDown) {
+      canvas_.MouseDown(button, 0, static_cast<float>(place.x()), static_cast<float>(place.y()));
+    }
+  });
+}
+
+void CanvasView::mouseReleaseEvent(QMouseEvent *event) {
+  // Nor is the release of a press that was never told, or that began before the window lost the pointer.
+  const bool told = pressed_.testFlag(event->button());
+  pressed_ &= ~Qt::MouseButtons(event->button());
+  if (!told || (window_.CapturesPointer && !machine_.PointerHeld())) return;
+  const std::int16_t button = ButtonOf(event->button());
+  const QPointF place = event->position();
+  machine_.Post(window_, [this, button, place] {
+    if (canvas_.MouseUp)
+      canvas_.MouseUp(button, 0, static_cast<float>(place.x()), static_cast<float>(place.y()));
+  });
+}

@@ -1,0 +1,46 @@
+#pragma once
+
+// The widgets of the controls. What the game writes into a control's record is carried over to its widget;
+// what the user does at the widget comes back through the machine's queue.
+
+#include "platform/controls.h"
+
+#include <QKeyEvent>
+#include <QWidget>
+
+#include <memory>
+
+class DesktopMachine;
+
+class ControlView {
+public:
+  explicit ControlView(Control &control) : control_(control) {}
+  virtual ~ControlView() = default;
+
+  const Control &Model() const { return control_; }
+  virtual QWidget *Widget() const = 0;
+
+  /// Brings the properties that have changed since the last call to the widget.
+  void CarryOver();
+
+  virtual void TakeFocus() { Widget()->setFocus(); }
+
+  /// Presses the button if Enter or Esc is its key; returns whether it is.
+  virtual bool PressedBy(bool /*enter*/, bool /*escape*/) { return false; }
+
+  /// Scrolls a document by a key that nobody else wanted.
+  virtual void ScrollBy(QKeyEvent & /*event*/) {}
+
+protected:
+  virtual void CarryOverOwn() = 0;
+
+private:
+  Control &control_;
+  bool carried_ = false;
+  bool visible_ = false;
+  bool enabled_ = false;
+  Color foreColor_;
+};
+
+std::unique_ptr<ControlView> MakeView(DesktopMachine &machine, Window &window, Control &control,
+                                      QWidget &parent);

@@ -1,0 +1,23 @@
+#include "platform/desktop/desktop_direct_x.h"
+
+#include "platform/desktop/asio/asio_network.h"
+#include "platform/desktop/desktop_machine.h"
+#include "platform/desktop/open_al_sound.h"
+
+#include <QGuiApplication>
+#include <QScreen>
+
+#include <algorithm>
+
+std::shared_ptr<DirectSound> DesktopDirectX::DirectSoundCreate(const std::string &) {
+  return OpenDefaultSound();
+}
+
+std::shared_ptr<DirectPlay4> DesktopDirectX::DirectPlayCreate(const std::string &) {
+  return CreateAsioDirectPlay(machine_);
+}
+
+int DesktopDirectX::SystemBpp() {
+  constexpr int HighColor = 16; // bits; where a screen has more, the canvas can have a surface of these
+  return std::min(QGuiApplication::primaryScreen()->depth(), HighColor);
+}

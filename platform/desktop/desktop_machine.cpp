@@ -1,0 +1,187 @@
+#include "platform/desktop/desktop_machine.h"
+
+#include "platform/desktop/desktop_direct_x.h"
+#include "platform/desktop/renderer.h"
+#include "platform/desktop/window_view.h"
+#include "scene/graph/rm_canvas.h"
+
+#include <QAbstractEventDispatcher>
+#include <QIcon>
+#include <QMessageBox>
+#include <QPushButton>
+#include <QTimer>
+
+#include <algorithm>
+#include <chrono>
+#include <cstdlib>
+
+namespace {
+
+constexpr std::int32_t NetworkLookMs = 5; ///< longest sleep while something wants to run at every pump
+
+/// Finds out whether Qt would find a display: without one it would end the process by itself.
+void RequireDisplay() {
+  const auto set = [](const char *name) {
+    const char *value = std::getenv(name);
+    return value && *value;
+  };
+  if (!set("DISPLAY") && !set("WAYLAND_DISPLAY") && !set("QT_QPA_PLATFORM")) {
+    throw std::runtime_error(
+        "Snapwedge needs a display, and there is none: neither DISPLAY nor WAYLAND_DISPLAY is set.");
+  }
+  // The pointer can be put back to its home through X alone, and a Wayland session has X as well.
+  if (!set("QT_QPA_PLATFORM") && set("DISPLAY")) qputenv("QT_QPA_PLATFORM", "xcb");
+}
+
+} // namespace
+
+DesktopMachine::DesktopMachine(int &argc, char **argv) {
+  RequireDisplay();
+  // Every single motion counts, so that the pointer's offsets add up to what the hand did.
+  QCoreApplication::setAttribute(Qt::AA_CompressHighFrequencyEvents, false);
+  application_ = std::make_unique<QApplication>(argc, argv);
+  application_->setQuitOnLastWindowClosed(false);
+  application_->setApplicationDisplayName({});
+  application_->setWindowIcon(QIcon(QString::fromStdString((AppPath() / "pictures" / "icon.png").string())));
+  application_->installEventFilter(&pointer_);
+}
+
+DesktopMachine::~DesktopMachine() { pointer_.LetGo(); }
+
+std::int32_t DesktopMachine::timeGetTime() {
+  using namespace std::chrono;
+  const auto now = duration_cast<milliseconds>(steady_clock::now().time_since_epoch()).count();
+  return static_cast<std::int32_t>(static_cast<std::uint32_t>(now));
+}
+
+std::uint32_t DesktopMachine::RandomSeed() {
+  // In nanoseconds, and stirred: draws in quick succession must not resemble each other.
+  const auto now = std::chrono::steady_clock::now().time_since_epoch().count();
+  const auto stirred = static_cast<std::uint64_t>(now) * 0x9E3779B97F4A7C15ULL;
+  return static_cast<std::uint32_t>(stirred >> 32);
+}
+
+std::filesystem::path DesktopMachine::AppPath() const {
+  return std::filesystem::weakly_canonical("/proc/self/exe").parent_path();
+}
+
+// The pump.
+
+void DesktopMachine::CarryOver() {
+  WindowView *active = nullptr;
+  for (const auto &view : views_) {
+    view->CarryOver();
+    if (view->isActiveWindow()) active = view.get();
+  }
+  const bool held = active && active->Model().CapturesPointer && Receives(active->Model());
+  pointer_.Hold(held ? active : nullptr);
+}
+
+void DesktopMachine::Collect() {
+  CarryOver();
+  QCoreApplication::processEvents();
+  QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+}
+
+void DesktopMachine::Sleep(std::optional<std::int32_t> deadline) {
+  CarryOver();
+  std::int32_t milliseconds = deadline ? std::max(Elapsed(timeGetTime(), *deadline), 0) : -1;
+  if (HasPolls()) milliseconds = deadline ? std::min(milliseconds, NetworkLookMs) : NetworkLookMs;
+  QTimer timer;
+  timer.setTimerType(Qt::PreciseTimer);
+  timer.setSingleShot(true);
+  bool over = false;
+  QObject::connect(&timer, &QTimer::timeout, [&over] { over = true; });
+  if (milliseconds >= 0) timer.start(milliseconds);
+  while (!HasEvents() && !over) QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
+}
+
+// Windows.
+
+WindowView *DesktopMachine::ViewOf(const Window &window) const {
+  for (const auto &view : views_) {
+    if (&view->Model() == &window) return view.get();
+  }
+  return nullptr;
+}
+
+void DesktopMachine::Show(Window &window) {
+  if (window.Visible) return;
+  views_.push_back(std::make_unique<WindowView>(*this, window));
+  window.Visible = true;
+  WindowView &view = *views_.back();
+  if (!modal_.empty() && modal_.back() == &window) view.setWindowModality(Qt::ApplicationModal);
+  view.CarryOver();
+  view.Open();
+}
+
+void DesktopMachine::Hide(Window &window) {
+  window.Visible = false;
+  Forget(window);
+  pointer_.Hold(nullptr);
+  std::erase_if(views_, [&](const auto &view) { return &view->Model() == &window; });
+}
+
+void DesktopMachine::Repaint(Window &window) {
+  if (WindowView *view = ViewOf(window)) {
+    view->CarryOver();
+    view->repaint();
+  }
+}
+
+void DesktopMachine::SetFocus(Control &control) {
+  for (const auto &view : views_) view->SetFocusTo(control);
+}
+
+void DesktopMachine::DrawCanvas(Canvas &canvas) {
+  CanvasView *view = nullptr;
+  for (const auto &window : views_) view = view ? view : window->FindCanvas(canvas);
+  if (!view) return; // the window doesn't show yet
+  if (!renderer_) renderer_ = std::make_unique<Renderer>();
+  const QSize pixels = view->size() * view->devicePixelRatioF();
+  if (renderer_->Draw(static_cast<const RMCanvas &>(canvas), pixels)) view->ShowPicture(renderer_->Picture());
+}
+
+void DesktopMachine::MsgBox(const MessageBox &box) {
+  // The record stands for the box among the modal windows: while it is the topmost, no other window gets
+  // events.
+  Window record;
+  struct Modal {
+    std::vector<Window *> &stack;
+    Modal(std::vector<Window *> &modal, Window &window) : stack(modal) { stack.push_back(&window); }
+    ~Modal() { stack.pop_back(); }
+  };
+  const Modal modal(modal_, record);
+  pointer_.LetGo();
+  QWidget *parent = QApplication::activeWindow();
+  QMessageBox shown(box.Critical ? QMessageBox::Critical : QMessageBox::NoIcon,
+                    QString::fromStdString(box.Title), QString::fromStdString(box.Text), QMessageBox::Ok,
+                    parent);
+  shown.setTextFormat(Qt::PlainText);
+  shown.setWindowModality(Qt::ApplicationModal);
+  bool answered = false;
+  QObject::connect(&shown, &QMessageBox::finished, [&](int) {
+    answered = true;
+    Post(record, [] {});
+  });
+  shown.show();
+  shown.raise();
+  shown.activateWindow();
+  while (!answered) Wait();
+}
+
+// The pointer.
+
+void DesktopMachine::mouse_event(std::int32_t, std::int32_t dx, std::int32_t dy, std::int32_t, std::int32_t) {
+  pointer_.MoveHome(dx, dy);
+}
+
+void DesktopMachine::GetCursorPos(std::int32_t &x, std::int32_t &y) {
+  const QPoint place = pointer_.Place();
+  x = place.x();
+  y = place.y();
+}
+
+void DesktopMachine::ShowCursor(std::int32_t show) { pointer_.SetHidden(show == 0); }
+
+std::unique_ptr<DirectX7> DesktopMachine::CreateDirectX() { return std::make_unique<DesktopDirectX>(*this); }

@@ -1,0 +1,59 @@
+#pragma once
+
+// The machine of the desktop, on Qt. Qt's handlers do nothing but put calls on the queue; the game runs from
+// `Pump`, on our own stack, and so may nest and throw.
+
+#include "platform/desktop/pointer.h"
+#include "platform/desktop/sockets.h"
+#include "platform/machine.h"
+
+#include <QApplication>
+
+#include <memory>
+#include <vector>
+
+class Renderer;
+class WindowView;
+
+class DesktopMachine : public Machine {
+public:
+  /// @throws std::runtime_error  if there is no display
+  DesktopMachine(int &argc, char **argv);
+  ~DesktopMachine() override;
+
+  std::int32_t timeGetTime() override;
+  void Show(Window &window) override;
+  void Hide(Window &window) override;
+  void Repaint(Window &window) override;
+  void SetFocus(Control &control) override;
+  void DrawCanvas(Canvas &canvas) override;
+  void MsgBox(const MessageBox &box) override;
+  void mouse_event(std::int32_t flags, std::int32_t dx, std::int32_t dy, std::int32_t data,
+                   std::int32_t extra) override;
+  void GetCursorPos(std::int32_t &x, std::int32_t &y) override;
+  void ShowCursor(std::int32_t show) override;
+  std::filesystem::path AppPath() const override;
+  std::unique_ptr<DirectX7> CreateDirectX() override;
+  Sockets &WinSock() override { return sockets_; }
+
+  // For the views of windows and controls.
+  using Machine::Post;
+  bool Takes(const Window &window) const { return Receives(window); }
+  bool PointerHeld() const { return pointer_.Held(); }
+
+protected:
+  void Collect() override;
+  void Sleep(std::optional<std::int32_t> deadline) override;
+  std::uint32_t RandomSeed() override;
+
+private:
+  WindowView *ViewOf(const Window &window) const;
+  /// Brings all properties to the screen, and the pointer into or out of its hold.
+  void CarryOver();
+
+  std::unique_ptr<QApplication> application_;
+  Pointer pointer_;
+  DesktopSockets sockets_;
+  std::vector<std::unique_ptr<WindowView>> views_;
+  std::unique_ptr<Renderer> renderer_;
+};

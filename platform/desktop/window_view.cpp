@@ -1,0 +1,106 @@
+#include "platform/desktop/window_view.h"
+
+#include "platform/desktop/desktop_machine.h"
+
+#include <QCloseEvent>
+#include <QKeyEvent>
+#include <QPainter>
+#include <QScreen>
+
+#include <stdexcept>
+
+QPixmap LoadPicture(DesktopMachine &machine, const QWidget &shownOn, const std::string &name) {
+  const bool dense = shownOn.devicePixelRatioF() > 1.0;
+  const std::string file = name + (dense ? "@2x.png" : ".png");
+  QPixmap picture;
+  if (!picture.load(QString::fromStdString((machine.AppPath() / "pictures" / file).string()))) {
+    throw std::runtime_error('"' + file + "\": the picture can't be read");
+  }
+  if (dense) picture.setDevicePixelRatio(2.0);
+  return picture;
+}
+
+WindowView::WindowView(DesktopMachine &machine, Window &window)
+    : QWidget(nullptr, Qt::Window | Qt::CustomizeWindowHint | Qt::WindowTitleHint | Qt::WindowSystemMenuHint |
+                           Qt::WindowCloseButtonHint),
+      machine_(machine), window_(window) {
+  setFixedSize(window.Width, window.Height);
+  setObjectName(QString::fromStdString(window.Name));
+  setWindowTitle(QString::fromStdString(window.Caption));
+  if (!window.Picture.empty()) background_ = LoadPicture(machine, *this, window.Picture);
+  QWidget *last = nullptr;
+  for (Control *control : window.Controls) {
+    views_.push_back(MakeView(machine, window, *control, *this));
+    QWidget *widget = views_.back()->Widget();
+    if (widget->focusPolicy() == Qt::NoFocus) continue;
+    if (last) setTabOrder(last, widget);
+    last = widget;
+  }
+}
+
+WindowView::~WindowView() = default;
+
+void WindowView::CarryOver() {
+  const QString caption = QString::fromStdString(window_.Caption);
+  if (windowTitle() != caption) setWindowTitle(caption);
+  for (const auto &view : views_) view->CarryOver();
+}
+
+void WindowView::Open() {
+  const QRect area = screen()->availableGeometry();
+  move(area.center() - QPoint(window_.Width / 2, window_.Height / 2));
+  show();
+  raise();
+  activateWindow();
+  for (const auto &view : views_) {
+    if (dynamic_cast<CanvasView *>(view->Widget())) view->Widget()->setFocus();
+  }
+}
+
+void WindowView::SetFocusTo(const Control &control) {
+  for (const auto &view : views_) {
+    if (&view->Model() == &control) view->TakeFocus();
+  }
+}
+
+CanvasView *WindowView::FindCanvas(const Canvas &canvas) const {
+  for (const auto &view : views_) {
+    if (&view->Model() == &canvas) return dynamic_cast<CanvasView *>(view->Widget());
+  }
+  return nullptr;
+}
+
+void WindowView::paintEvent(QPaintEvent *) {
+  QPainter painter(this);
+  if (window_.HasBackColor) {
+    painter.fillRect(rect(), QColor(window_.BackColor.Red, window_.BackColor.Green, window_.BackColor.Blue));
+  }
+  if (!background_.isNull()) painter.drawPixmap(0, 0, background_);
+}
+
+void WindowView::mousePressEvent(QMouseEvent *) {
+  machine_.Post(window_, [this] {
+    if (window_.Click) window_.Click();
+  });
+}
+
+void WindowView::keyPressEvent(QKeyEvent *event) {
+  const bool enter = event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter;
+  const bool escape = event->key() == Qt::Key_Escape;
+  for (const auto &view : views_) {
+    // Enter presses the button that has the keyboard, or else the window's own.
+    if (view->PressedBy(enter, escape)) return;
+  }
+  for (const auto &view : views_) view->ScrollBy(*event);
+}
+
+void WindowView::closeEvent(QCloseEvent *event) {
+  event->ignore();
+  machine_.Post(window_, [this] { CloseByUser(machine_, window_); });
+}
+
+void WindowView::changeEvent(QEvent *event) {
+  if (event->type() != QEvent::ActivationChange || isActiveWindow() || !window_.Deactivate) return;
+  machine_.Post(
+      window_, [this] { window_.Deactivate(); }, Delivery::UnderModal);
+}

@@ -1,0 +1,47 @@
+#pragma once
+
+// A window of the desktop that shows a `Window` record: one widget for each control, to which changed
+// properties are carried over at each pump.
+
+#include "platform/desktop/canvas_view.h"
+#include "platform/desktop/control_view.h"
+
+#include <QPixmap>
+#include <QWidget>
+
+#include <memory>
+#include <vector>
+
+class DesktopMachine;
+
+class WindowView : public QWidget {
+public:
+  /// @throws std::runtime_error  that names a picture which can't be read
+  WindowView(DesktopMachine &machine, Window &window);
+  ~WindowView() override;
+
+  Window &Model() { return window_; }
+  const Window &Model() const { return window_; }
+
+  void CarryOver();
+  void Open(); ///< puts the window in the middle of the screen, active
+  void SetFocusTo(const Control &control);
+  CanvasView *FindCanvas(const Canvas &canvas) const;
+
+protected:
+  void paintEvent(QPaintEvent *event) override;
+  void mousePressEvent(QMouseEvent *event) override;
+  void keyPressEvent(QKeyEvent *event) override;
+  void closeEvent(QCloseEvent *event) override;
+  void changeEvent(QEvent *event) override;
+
+private:
+  DesktopMachine &machine_;
+  Window &window_;
+  QPixmap background_;
+  std::vector<std::unique_ptr<ControlView>> views_;
+};
+
+/// A picture of the game at the density of that widget's screen.
+/// @throws std::runtime_error  that names a picture which can't be read
+QPixmap LoadPicture(DesktopMachine &machine, const QWidget &shownOn, const std::string &name);
