@@ -16,6 +16,7 @@ class frmSnapwedge : public Window {
 public:
   /// Lays the window out (scene/play_window.cpp). Nothing shows before `Load`.
   frmSnapwedge(Machine &onMachine, Program &ofProgram);
+  ~frmSnapwedge() override { machine.Hide(*this); }
 
   // ---- The match
   // -----------------------------------------------------------------------------------------------

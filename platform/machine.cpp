@@ -37,19 +37,14 @@ void Machine::Wait() {
 }
 
 void Machine::ShowModal(Window &window) {
-  struct Modal {
+  struct Shown {
     Machine &machine;
     Window &window;
-    Modal(Machine &owner, Window &shown) : machine(owner), window(shown) {
-      machine.modal_.push_back(&window);
-      machine.Show(window);
-    }
-    ~Modal() {
-      std::erase(machine.modal_, &window);
-      machine.Hide(window);
-    }
+    ~Shown() { machine.Hide(window); }
   };
-  const Modal modal(*this, window);
+  const ModalScope scope(*this, window);
+  const Shown shown{*this, window};
+  Show(window);
   while (window.Visible) Wait();
 }
 

@@ -71,6 +71,21 @@ public:
   /// Takes a window off the screen and forgets it: none of its events is delivered any more.
   virtual void Hide(Window &window) = 0;
 
+  /// While it lives, no window but this one, and those that it puts over itself, gets events.
+  class ModalScope {
+  public:
+    ModalScope(Machine &machine, Window &window) : machine_(machine), window_(window) {
+      machine_.modal_.push_back(&window_);
+    }
+    ~ModalScope() { std::erase(machine_.modal_, &window_); }
+    ModalScope(const ModalScope &) = delete;
+    ModalScope &operator=(const ModalScope &) = delete;
+
+  private:
+    Machine &machine_;
+    Window &window_;
+  };
+
   /// Shows a window and pumps until it has gone again. No other window gets events in that time.
   void ShowModal(Window &window);
 
@@ -133,9 +148,14 @@ protected:
   /// A seed that differs from call to call.
   virtual std::uint32_t RandomSeed() = 0;
 
-  /// Puts a call of one of `window`'s handlers on the queue. It is dropped if the window has gone or a modal
-  /// window lies over it by the time of its delivery.
-  void Post(Window &window, std::function<void()> call);
+  enum class Delivery {
+    OnTop, ///< dropped if a modal window lies over the window by then: what the user does there doesn't count
+    UnderModal ///< delivered all the same: what happens to the window by itself
+  };
+
+  /// Puts a call of one of `window`'s handlers on the queue. It is dropped if the window has gone by the time
+  /// of its delivery.
+  void Post(Window &window, std::function<void()> call, Delivery delivery = Delivery::OnTop);
 
   /// Drops the events of a window that goes. Every `Hide` calls it.
   void Forget(Window &window);

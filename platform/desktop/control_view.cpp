@@ -35,9 +35,9 @@ QFont FontOf(const Typeface &typeface) {
 }
 
 /// A view whose control and widget are of these types.
-template <class Model, class QtWidget> class View : public ControlView {
+template <class Record, class QtWidget> class View : public ControlView {
 public:
-  View(DesktopMachine &machine, Window &window, Model &model, QWidget &parent)
+  View(DesktopMachine &machine, Window &window, Record &model, QWidget &parent)
       : ControlView(model), machine_(machine), window_(window), model_(model),
         widget_(new QtWidget(&parent)) {}
   QWidget *Widget() const override { return widget_; }
@@ -47,7 +47,7 @@ protected:
 
   DesktopMachine &machine_;
   Window &window_;
-  Model &model_;
+  Record &model_;
   QtWidget *widget_; ///< owned by its parent
 };
 
@@ -170,10 +170,10 @@ private:
 };
 
 /// Rows to choose from: a list box or a drop-down list.
-template <class Model, class QtWidget> class RowsView : public View<Model, QtWidget> {
+template <class Record, class QtWidget> class RowsView : public View<Record, QtWidget> {
 public:
-  RowsView(DesktopMachine &machine, Window &window, Model &model, QWidget &parent)
-      : View<Model, QtWidget>(machine, window, model, parent) {
+  RowsView(DesktopMachine &machine, Window &window, Record &model, QWidget &parent)
+      : View<Record, QtWidget>(machine, window, model, parent) {
     const auto chosen = [this](int row) {
       if (filling_) return;
       this->Post([this, row] {
@@ -328,29 +328,33 @@ private:
   CanvasView *widget_;
 };
 
+/// Makes the view of a control if it is of that kind.
+struct Factory {
+  DesktopMachine &machine;
+  Window &window;
+  Control &control;
+  QWidget &parent;
+
+  template <class Record, class ViewType> bool Try(std::unique_ptr<ControlView> &view) const {
+    auto *record = dynamic_cast<Record *>(&control);
+    if (record) view = std::make_unique<ViewType>(machine, window, *record, parent);
+    return record != nullptr;
+  }
+};
+
 std::unique_ptr<ControlView> MakeBare(DesktopMachine &machine, Window &window, Control &control,
                                       QWidget &parent) {
-  const auto as = [&]<class Model, class ViewType>(std::type_identity<Model>, std::type_identity<ViewType>) {
-    auto *model = dynamic_cast<Model *>(&control);
-    return model ? std::make_unique<ViewType>(machine, window, *model, parent) : std::unique_ptr<ViewType>();
-  };
-#define SHOW_AS(Model, ViewType)                                                                             \
-  if (auto view = as(std::type_identity<Model>(), std::type_identity<ViewType>())) return view
-  SHOW_AS(Label, LabelView);
-  SHOW_AS(TextBox, TextBoxView);
-  SHOW_AS(CommandButton, ButtonView);
-  SHOW_AS(CheckBox, CheckBoxView);
-  using ListView = RowsView<ListBox, QListWidget>;
-  SHOW_AS(ListBox, ListView);
-  using DropDownView = RowsView<ComboBox, QComboBox>;
-  SHOW_AS(ComboBox, DropDownView);
-  SHOW_AS(PictureBox, PictureView);
-  SHOW_AS(ProgressBar, MeterView);
-  SHOW_AS(RichTextBox, DocumentView);
-  SHOW_AS(Line, LineView);
-  SHOW_AS(Shape, ShapeView);
-  SHOW_AS(Canvas, CanvasControlView);
-#undef SHOW_AS
+  const Factory factory{machine, window, control, parent};
+  std::unique_ptr<ControlView> view;
+  const bool known =
+      factory.Try<Label, LabelView>(view) || factory.Try<TextBox, TextBoxView>(view) ||
+      factory.Try<CommandButton, ButtonView>(view) || factory.Try<CheckBox, CheckBoxView>(view) ||
+      factory.Try<ListBox, RowsView<ListBox, QListWidget>>(view) ||
+      factory.Try<ComboBox, RowsView<ComboBox, QComboBox>>(view) ||
+      factory.Try<PictureBox, PictureView>(view) || factory.Try<ProgressBar, MeterView>(view) ||
+      factory.Try<RichTextBox, DocumentView>(view) || factory.Try<Line, LineView>(view) ||
+      factory.Try<Shape, ShapeView>(view) || factory.Try<Canvas, CanvasControlView>(view);
+  if (known) return view;
   throw std::logic_error("a control of an unknown kind");
 }
 

@@ -146,12 +146,7 @@ void DesktopMachine::MsgBox(const MessageBox &box) {
   // The record stands for the box among the modal windows: while it is the topmost, no other window gets
   // events.
   Window record;
-  struct Modal {
-    std::vector<Window *> &stack;
-    Modal(std::vector<Window *> &modal, Window &window) : stack(modal) { stack.push_back(&window); }
-    ~Modal() { stack.pop_back(); }
-  };
-  const Modal modal(modal_, record);
+  const ModalScope scope(*this, record);
   pointer_.LetGo();
   QWidget *parent = QApplication::activeWindow();
   QMessageBox shown(box.Critical ? QMessageBox::Critical : QMessageBox::NoIcon,

@@ -37,6 +37,7 @@ public:
   Sockets &WinSock() override { return sockets_; }
 
   // For the views of windows and controls.
+  using Machine::Delivery;
   using Machine::Post;
   bool Takes(const Window &window) const { return Receives(window); }
   bool PointerHeld() const { return pointer_.Held(); }

@@ -102,5 +102,5 @@ void WindowView::closeEvent(QCloseEvent *event) {
 void WindowView::changeEvent(QEvent *event) {
   if (event->type() != QEvent::ActivationChange || isActiveWindow() || !window_.Deactivate) return;
   machine_.Post(
-      window_, [this] { window_.Deactivate(); }, Delivery::UnderModal);
+      window_, [this] { window_.Deactivate(); }, DesktopMachine::Delivery::UnderModal);
 }

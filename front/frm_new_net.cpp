@@ -1,0 +1,148 @@
+#include "net/frm_new_net.h"
+
+#include "front/information_windows.h"
+#include "match/frm_snapwedge.h"
+#include "net/address_lookup.h"
+
+#include <charconv>
+#include <cmath>
+#include <optional>
+
+namespace {
+
+constexpr int HighColorBits = 16;
+constexpr std::int16_t DefaultRounds = 5;
+constexpr int MostRounds = 99;
+constexpr float SessionSuffixes = 10000.0f; ///< the default session name ends in one of so many numbers
+
+/// A whole number from 1 to 99, with blanks around it or not; nothing for any other text.
+std::optional<std::int16_t> ParseRounds(const std::string &text) {
+  const auto first = text.find_first_not_of(" \t");
+  if (first == std::string::npos) return std::nullopt;
+  const std::string digits = text.substr(first, text.find_last_not_of(" \t") + 1 - first);
+  int value = 0;
+  const auto [end, error] = std::from_chars(digits.data(), digits.data() + digits.size(), value);
+  if (error != std::errc() || end != digits.data() + digits.size() || value < 1 || value > MostRounds) {
+    return std::nullopt;
+  }
+  return static_cast<std::int16_t>(value);
+}
+
+/// Loads the eleven sounds and starts the launch window's.
+void StartSounds(Program &program, const Window &window) {
+  program.DS->SetCooperativeLevel(window, DSSCL_PRIORITY);
+  const auto directory = program.machine.AppPath();
+  const DSBUFFERDESC description;
+  const WAVEFORMATEX format;
+  const auto load = [&](const char *file) {
+    return program.DS->CreateSoundBufferFromFile(directory / file, description, format);
+  };
+  program.SndCrowd = load("crowd.daw");
+  program.SndCrowd2 = load("crowd2.daw");
+  program.SndYeah = load("yeah.daw");
+  program.SndYeah2 = load("yeah2.daw");
+  program.SndBoo = load("boo.daw");
+  program.SndTheme = load("theme.daw");
+  program.SndGuit2 = load("guit2.daw");
+  program.SndSwoosh = load("swoosh.daw");
+  program.SndWis1 = load("wis1.daw");
+  program.SndWis2 = load("wis2.daw");
+  program.SndWis3 = load("wis3.daw");
+  program.PlayLoop(program.SndCrowd2);
+  program.PlayLoop(program.SndCrowd);
+  program.PlayOnce(program.SndYeah2);
+  program.PlayLoop(program.SndTheme);
+  program.PlayOnce(program.SndGuit2);
+}
+
+void TellOfNoSound(Program &program) {
+  program.SoundOn = False;
+  program.machine.MsgBox(
+      {"Snapwedge will run without sound.  Please make sure that you have the latest DirectX7 Drivers "
+       "installed.",
+       "Error initializing DirectSound."});
+}
+
+void RequireHighColor(Program &program) {
+  if (program.DX->SystemBpp() == HighColorBits) return;
+  program.machine.MsgBox(
+      {"Snapwedge was designed to run in High Color (16 bit).  Please check your display settings.",
+       "Error:", true});
+  throw ProgramEnd{};
+}
+
+} // namespace
+
+void frmNewNet::Form_Load() {
+  machine.Randomize();
+  SessionSuffix = static_cast<std::int16_t>(std::floor(machine.Rnd() * SessionSuffixes));
+  txtName.Text += std::to_string(SessionSuffix);
+  program.Rounds = DefaultRounds;
+  program.StadiumOn = True;
+  Cancelled = False;
+  program.SoundOn = True;
+  if (!program.DX) program.DX = machine.CreateDirectX();
+  try {
+    program.DS = program.DX->DirectSoundCreate("");
+  } catch (const SoundError &) {
+    TellOfNoSound(program);
+  }
+  RequireHighColor(program);
+  if (program.SoundOn) {
+    try {
+      StartSounds(program, *this);
+    } catch (const SoundError &) {
+      TellOfNoSound(program);
+      RequireHighColor(program);
+    }
+  }
+  FillConnections();
+  machine.Show(*this);
+}
+
+void frmNewNet::Check1_Click() { program.StadiumOn = Check1.Value ? True : False; }
+
+void frmNewNet::Check2_Click() { program.MessagesOn = Check2.Value ? True : False; }
+
+void frmNewNet::Combo1_Click() { program.Skill = static_cast<SkillLevel>(Combo1.ListIndex); }
+
+bool frmNewNet::TakeRounds() {
+  if (const auto rounds = ParseRounds(Text1.Text)) {
+    program.Rounds = *rounds;
+    return true;
+  }
+  machine.MsgBox({"Please enter a whole number from 1 to 99.", "Rounds to Play:"});
+  Text1.SelStart = 0;
+  Text1.SelLength = static_cast<int>(Text1.Text.size());
+  machine.SetFocus(Text1);
+  return false;
+}
+
+void frmNewNet::Command1_Click() {
+  if (!TakeRounds()) return;
+  machine.Hide(*this);
+  program.GameMode = "Computer";
+  OpenPlayWindow();
+}
+
+void frmNewNet::Command2_Click() {
+  if (!TakeRounds()) return;
+  machine.Hide(*this);
+  program.GameMode = "Human";
+  OpenPlayWindow();
+}
+
+void frmNewNet::OpenPlayWindow() {
+  frmSnapwedge play(machine, program);
+  // In a network game this window stays open behind the play window, but nothing of it may run again.
+  const Machine::ModalScope scope(machine, play);
+  play.Load();
+}
+
+void frmNewNet::Command3_Click() { ShowControls(machine); }
+
+void frmNewNet::Command6_Click() { ShowBackground(machine); }
+
+void frmNewNet::Command7_Click() { ShowReadMe(machine); }
+
+void frmNewNet::Command8_Click() { TellLocalAddress(machine); }

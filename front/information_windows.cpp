@@ -1,0 +1,66 @@
+#include "front/information_windows.h"
+
+#include "front/picture_window.h"
+
+namespace {
+
+constexpr float ButtonPoints = 9.75f;
+
+/// The read-me and the one button that closes it.
+class frmText : public Window {
+public:
+  explicit frmText(Machine &onMachine) : machine(onMachine) {
+    Name = "frmText";
+    Caption = "ReadMe";
+    Width = 8550 / TwipsPerPixel;
+    Height = 6195 / TwipsPerPixel;
+    RichTextBox1.Name = "RichTextBox1";
+    RichTextBox1.AccessibleName = "ReadMe";
+    RichTextBox1.Place = FromTwips(0, 0, 8535, 5655);
+    RichTextBox1.Document = "readme.html";
+    RichTextBox1.GotFocus = [this] { RichTextBox1_GotFocus(); };
+    Command1.Name = "Command1";
+    Command1.Caption = "Continue..";
+    Command1.Place = FromTwips(120, 5760, 1695, 375);
+    Command1.Font.Points = ButtonPoints;
+    Command1.Default = true;
+    Command1.Click = [this] { Command1_Click(); };
+    Controls = {&Command1, &RichTextBox1};
+  }
+
+  void Command1_Click() { machine.Hide(*this); }
+
+  /// The document keeps no caret: the keyboard stays with the button.
+  void RichTextBox1_GotFocus() { machine.SetFocus(Command1); }
+
+  Machine &machine;
+  ::RichTextBox RichTextBox1;
+  CommandButton Command1;
+};
+
+} // namespace
+
+PictureWindow::PictureWindow(Machine &machine, const std::string &name, const std::string &caption, int width,
+                             int height) {
+  Name = name;
+  Caption = caption;
+  Picture = name;
+  Width = width / TwipsPerPixel;
+  Height = height / TwipsPerPixel;
+  Click = [this, &machine] { machine.Hide(*this); };
+}
+
+void ShowControls(Machine &machine) {
+  PictureWindow frmControls(machine, "frmControls", "Controls", 7455, 5985);
+  machine.ShowModal(frmControls);
+}
+
+void ShowBackground(Machine &machine) {
+  PictureWindow frmBackground(machine, "frmBackground", "Background", 7395, 5970);
+  machine.ShowModal(frmBackground);
+}
+
+void ShowReadMe(Machine &machine) {
+  frmText window(machine);
+  machine.ShowModal(window);
+}

@@ -1,0 +1,29 @@
+#include "front/run_program.h"
+#include "platform/desktop/desktop_machine.h"
+
+#include <iostream>
+
+namespace {
+
+int Fail(const std::string &why) {
+  std::cerr << "Snapwedge can't go on: " << why << std::endl;
+  return 1;
+}
+
+} // namespace
+
+int main(int argc, char **argv) {
+  try {
+    DesktopMachine machine(argc, argv);
+    Program program(machine);
+    try {
+      return RunProgram(machine, program);
+    } catch (const std::exception &error) {
+      machine.ShowCursor(-1);
+      machine.MsgBox({std::string("Snapwedge can't go on.\n\n") + error.what(), "Snapwedge", true});
+      return Fail(error.what());
+    }
+  } catch (const std::exception &error) {
+    return Fail(error.what());
+  }
+}

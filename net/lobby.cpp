@@ -1,0 +1,195 @@
+// The lobby: connection methods, search, create and wait, join.
+
+#include "net/frm_new_net.h"
+
+namespace {
+
+const std::string ApplicationGuid = "{7AB2F242-475F-11D4-AF9B-00C04F361528}";
+constexpr std::int32_t MaxPlayers = 2;
+constexpr std::int32_t PollMs = 25; ///< longest time between two looks at the queue while the host waits
+
+const std::string NetworkTitle = "Error initializing DirectPlay.";
+const std::string NetworkText =
+    "Error Initializing DirectPlay.  Please make sure that you have the latest DirectX7 Drivers installed.";
+const std::string CreateText =
+    "An error was encountered while attempting to create a DirectPlay session.  Please make "
+    "sure that you entered a Session Name and that you have the latest DirectX Drivers "
+    "installed.";
+const std::string JoinText = "You must select a game to join.";
+
+} // namespace
+
+void frmNewNet::InitDirectPlay() {
+  if (!program.DX) program.DX = machine.CreateDirectX();
+  program.DP = program.DX->DirectPlayCreate("");
+  program.Connections = program.DP->GetDPEnumConnections("", DPCONNECTION_DIRECTPLAY);
+}
+
+void frmNewNet::FillConnections() {
+  constexpr int SecondRow = 1;
+  try {
+    InitDirectPlay();
+    for (std::int32_t index = 1; index <= program.Connections->GetCount(); ++index) {
+      lstConnections.List.push_back(program.Connections->GetName(index));
+    }
+    if (lstConnections.List.size() <= SecondRow)
+      throw DirectPlayError("there is no second connection method to select");
+    lstConnections.ListIndex = SecondRow;
+  } catch (const DirectPlayError &) {
+    machine.MsgBox({NetworkText, NetworkTitle});
+    ResetButtons();
+  }
+}
+
+void frmNewNet::CreateMyPlayer(const std::string &friendly, const std::string &formal) {
+  program.PlayerFriendly = friendly;
+  program.PlayerFormal = formal;
+  program.MyPlayerId = program.DP->CreatePlayer(friendly, formal, 0, 0);
+}
+
+void frmNewNet::ResetButtons() {
+  cmdConnect.Enabled = true;
+  cmdJoin.Enabled = false;
+  cmdCreate.Enabled = false;
+  Command4.Enabled = false;
+  Command5.Enabled = false;
+}
+
+void frmNewNet::Search() {
+  SessionData = program.DP->CreateSessionData();
+  SessionData.SetGuidApplication(ApplicationGuid);
+  SessionData.SetSessionPassword("");
+  program.Sessions = program.DP->GetDPEnumSessions(SessionData, 0, DPENUMSESSIONS_AVAILABLE);
+  for (std::int32_t index = 1; index <= program.Sessions->GetCount(); ++index) {
+    SessionData = program.Sessions->GetItem(index);
+    lstSessions.List.push_back(SessionData.GetSessionName() + " (" +
+                               std::to_string(SessionData.GetCurrentPlayers()) + "/" +
+                               std::to_string(SessionData.GetMaxPlayers()) + ")");
+  }
+}
+
+void frmNewNet::cmdConnect_Click() {
+  lstSessions.List.clear();
+  lstSessions.ListIndex = -1;
+  cmdConnect.Enabled = false;
+  try {
+    InitDirectPlay();
+    const std::int32_t index = lstConnections.ListIndex + 1;
+    program.DP->InitializeConnection(program.Connections->GetAddress(index));
+    Search();
+  } catch (const DirectPlayError &) {
+    machine.MsgBox({NetworkText, NetworkTitle});
+    ResetButtons();
+    cmdConnect.Enabled = true;
+    return;
+  }
+  cmdJoin.Enabled = true;
+  cmdCreate.Enabled = true;
+  Command4.Enabled = true;
+}
+
+void frmNewNet::Command4_Click() {
+  Command4.Enabled = false;
+  cmdJoin.Enabled = false;
+  cmdCreate.Enabled = false;
+  lstSessions.List.clear();
+  lstSessions.ListIndex = -1;
+  try {
+    Search();
+  } catch (const DirectPlayError &) {
+    machine.MsgBox({NetworkText, NetworkTitle});
+    ResetButtons();
+    return;
+  }
+  Command4.Enabled = true;
+  cmdJoin.Enabled = true;
+  cmdCreate.Enabled = true;
+}
+
+void frmNewNet::FailSession(const std::string &text) {
+  program.IsHost = False;
+  program.MyTurn = False;
+  machine.MsgBox({text, NetworkTitle});
+  ResetButtons();
+}
+
+void frmNewNet::cmdCreate_Click() {
+  if (!TakeRounds()) return;
+  cmdCreate.Enabled = false;
+  try {
+    if (txtName.Text.empty()) throw DirectPlayError("a session needs a name");
+    program.MyTurn = False;
+    program.GameMode = "INET";
+    program.IsHost = True;
+    SessionData = program.DP->CreateSessionData();
+    SessionData.SetMaxPlayers(MaxPlayers);
+    SessionData.SetSessionName(txtName.Text);
+    SessionData.SetGuidApplication(ApplicationGuid);
+    SessionData.SetFlags(DPSESSION_MIGRATEHOST);
+    SessionData.SetRounds(program.Rounds);
+    program.DP->Open(SessionData, DPOPEN_CREATE);
+    CreateMyPlayer("Bramble", "Player1");
+    Polling = True;
+    Command5.Enabled = true;
+    cmdJoin.Enabled = false;
+    Command4.Enabled = false;
+    Command1.Enabled = false;
+    Command2.Enabled = false;
+    while (Polling) {
+      CheckMessages();
+      if (Polling) machine.WaitUntil(machine.ClockIn(PollMs));
+      machine.Show(*this);
+    }
+  } catch (const DirectPlayError &) {
+    Polling = False;
+    Caption = LaunchCaption;
+    Command1.Enabled = true;
+    Command2.Enabled = true;
+    FailSession(CreateText);
+    return;
+  }
+  Command1.Enabled = true;
+  Command2.Enabled = true;
+  if (Cancelled) {
+    Cancelled = False;
+    return;
+  }
+  OpenPlayWindow();
+}
+
+void frmNewNet::CheckMessages() {
+  Caption = "Polling...";
+  program.MsgCount = program.DP->GetMessageCount(program.MyPlayerId);
+  while (program.MsgCount > 0) {
+    machine.Show(*this);
+    program.InMsg = program.DP->Receive(program.FromId, program.ToId, DPRECEIVE_ALL);
+    program.MsgCount -= 1;
+    Polling = False;
+    machine.Pump();
+  }
+}
+
+void frmNewNet::cmdJoin_Click() {
+  program.GameMode = "INET";
+  program.MyTurn = True;
+  try {
+    SessionData = program.Sessions->GetItem(lstSessions.ListIndex + 1);
+    program.DP->Open(SessionData, DPOPEN_JOIN);
+    CreateMyPlayer("Thicket", "Player2");
+    program.Rounds = SessionData.GetRounds();
+  } catch (const DirectPlayError &) {
+    FailSession(JoinText);
+    return;
+  }
+  OpenPlayWindow();
+}
+
+void frmNewNet::Command5_Click() {
+  Cancelled = True;
+  Polling = False;
+  Caption = LaunchCaption;
+  program.IsHost = False;
+  program.MyTurn = False;
+  program.DP->Close();
+  ResetButtons();
+}
