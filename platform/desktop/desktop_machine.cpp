@@ -1,7 +1,7 @@
 #include "platform/desktop/desktop_machine.h"
 
 #include "platform/desktop/desktop_direct_x.h"
-#include "platform/desktop/renderer.h"
+#include "platform/desktop/renderer/renderer.h"
 #include "platform/desktop/window_view.h"
 #include "scene/graph/rm_canvas.h"
 

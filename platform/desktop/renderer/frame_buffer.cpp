@@ -1,0 +1,101 @@
+#include "platform/desktop/renderer/frame_buffer.h"
+
+#include "platform/desktop/renderer/renderer.h"
+
+namespace {
+
+void RequireComplete(QOpenGLFunctions_3_3_Core &gl) {
+  if (gl.glCheckFramebufferStatus(GL_FRAMEBUFFER) != GL_FRAMEBUFFER_COMPLETE) {
+    throw RendererError("this OpenGL can't draw off the screen.");
+  }
+}
+
+} // namespace
+
+FrameBuffer::FrameBuffer(QOpenGLFunctions_3_3_Core &gl, QSize size, int samples)
+    : gl_(gl), size_(size), samples_(samples) {
+  gl_.glGenFramebuffers(1, &drawn_);
+  gl_.glGenRenderbuffers(1, &color_);
+  gl_.glGenRenderbuffers(1, &depth_);
+  gl_.glBindFramebuffer(GL_FRAMEBUFFER, drawn_);
+  gl_.glBindRenderbuffer(GL_RENDERBUFFER, color_);
+  gl_.glRenderbufferStorageMultisample(GL_RENDERBUFFER, samples, GL_RGBA8, size.width(), size.height());
+  gl_.glBindRenderbuffer(GL_RENDERBUFFER, depth_);
+  gl_.glRenderbufferStorageMultisample(GL_RENDERBUFFER, samples, GL_DEPTH_COMPONENT24, size.width(),
+                                       size.height());
+  gl_.glFramebufferRenderbuffer(GL_FRAMEBUFFER, GL_COLOR_ATTACHMENT0, GL_RENDERBUFFER, color_);
+  gl_.glFramebufferRenderbuffer(GL_FRAMEBUFFER, GL_DEPTH_ATTACHMENT, GL_RENDERBUFFER, depth_);
+  RequireComplete(gl_);
+  if (samples == 0) return;
+  gl_.glGenFramebuffers(1, &resolved_);
+  gl_.glGenRenderbuffers(1, &resolvedColor_);
+  gl_.glBindFramebuffer(GL_FRAMEBUFFER, resolved_);
+  gl_.glBindRenderbuffer(GL_RENDERBUFFER, resolvedColor_);
+  gl_.glRenderbufferStorage(GL_RENDERBUFFER, GL_RGBA8, size.width(), size.height());
+  gl_.glFramebufferRenderbuffer(GL_FRAMEBUFFER, GL_COLOR_ATTACHMENT0, GL_RENDERBUFFER, resolvedColor_);
+  RequireComplete(gl_);
+}
+
+FrameBuffer::~FrameBuffer() {
+  gl_.glDeleteFramebuffers(1, &drawn_);
+  gl_.glDeleteRenderbuffers(1, &color_);
+  gl_.glDeleteRenderbuffers(1, &depth_);
+  if (samples_ == 0) return;
+  gl_.glDeleteFramebuffers(1, &resolved_);
+  gl_.glDeleteRenderbuffers(1, &resolvedColor_);
+}
+
+void FrameBuffer::Begin(float red, float green, float blue) {
+  gl_.glBindFramebuffer(GL_FRAMEBUFFER, drawn_);
+  gl_.glViewport(0, 0, size_.width(), size_.height());
+  gl_.glClearColor(red, green, blue, 1.0f);
+  gl_.glClear(GL_COLOR_BUFFER_BIT | GL_DEPTH_BUFFER_BIT);
+}
+
+void FrameBuffer::Read(QImage &picture) {
+  if (samples_ > 0) {
+    gl_.glBindFramebuffer(GL_READ_FRAMEBUFFER, drawn_);
+    gl_.glBindFramebuffer(GL_DRAW_FRAMEBUFFER, resolved_);
+    gl_.glBlitFramebuffer(0, 0, size_.width(), size_.height(), 0, 0, size_.width(), size_.height(),
+                          GL_COLOR_BUFFER_BIT, GL_NEAREST);
+  }
+  gl_.glBindFramebuffer(GL_READ_FRAMEBUFFER, samples_ > 0 ? resolved_ : drawn_);
+  gl_.glPixelStorei(GL_PACK_ALIGNMENT, 4);
+  gl_.glReadPixels(0, 0, size_.width(), size_.height(), GL_BGRA, GL_UNSIGNED_INT_8_8_8_8_REV, picture.bits());
+}
+
+ShadowMap::ShadowMap(QOpenGLFunctions_3_3_Core &gl, int size) : gl_(gl), size_(size) {
+  gl_.glGenTextures(1, &texture_);
+  gl_.glBindTexture(GL_TEXTURE_2D, texture_);
+  gl_.glTexImage2D(GL_TEXTURE_2D, 0, GL_DEPTH_COMPONENT24, size, size, 0, GL_DEPTH_COMPONENT, GL_UNSIGNED_INT,
+                   nullptr);
+  gl_.glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MIN_FILTER, GL_LINEAR);
+  gl_.glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MAG_FILTER, GL_LINEAR);
+  gl_.glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_COMPARE_MODE, GL_COMPARE_REF_TO_TEXTURE);
+  gl_.glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_COMPARE_FUNC, GL_LEQUAL);
+  gl_.glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_WRAP_S, GL_CLAMP_TO_EDGE);
+  gl_.glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_WRAP_T, GL_CLAMP_TO_EDGE);
+  gl_.glGenFramebuffers(1, &buffer_);
+  gl_.glBindFramebuffer(GL_FRAMEBUFFER, buffer_);
+  gl_.glFramebufferTexture2D(GL_FRAMEBUFFER, GL_DEPTH_ATTACHMENT, GL_TEXTURE_2D, texture_, 0);
+  gl_.glDrawBuffer(GL_NONE);
+  gl_.glReadBuffer(GL_NONE);
+  RequireComplete(gl_);
+}
+
+ShadowMap::~ShadowMap() {
+  gl_.glDeleteFramebuffers(1, &buffer_);
+  gl_.glDeleteTextures(1, &texture_);
+}
+
+void ShadowMap::Begin() {
+  constexpr float Slope = 2.0f, Constant = 4.0f; ///< offset that keeps a surface out of its own shadow
+  gl_.glBindFramebuffer(GL_FRAMEBUFFER, buffer_);
+  gl_.glViewport(0, 0, size_, size_);
+  gl_.glEnable(GL_DEPTH_TEST);
+  gl_.glClear(GL_DEPTH_BUFFER_BIT);
+  gl_.glEnable(GL_POLYGON_OFFSET_FILL);
+  gl_.glPolygonOffset(Slope, Constant);
+}
+
+void ShadowMap::End() { gl_.glDisable(GL_POLYGON_OFFSET_FILL); }
