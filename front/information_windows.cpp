@@ -5,6 +5,7 @@
 namespace {
 
 constexpr float ButtonPoints = 9.75f;
+constexpr float DocumentPoints = 12.0f;
 
 /// The read-me and the one button that closes it.
 class frmText : public Window {
@@ -17,6 +18,7 @@ public:
     RichTextBox1.Name = "RichTextBox1";
     RichTextBox1.AccessibleName = "ReadMe";
     RichTextBox1.Place = FromTwips(0, 0, 8535, 5655);
+    RichTextBox1.Font = {"Times New Roman", DocumentPoints, false};
     RichTextBox1.Document = "readme.html";
     RichTextBox1.GotFocus = [this] { RichTextBox1_GotFocus(); };
     Command1.Name = "Command1";
