@@ -1,0 +1,221 @@
+#include "lettering.h"
+
+#include "glyphs.h"
+
+#include <algorithm>
+#include <cmath>
+#include <stdexcept>
+#include <vector>
+
+namespace {
+
+// How far a rounded corner's control points lie from its ends towards the corner; a circle would have 0.55.
+constexpr double CornerFullness = 0.62;
+// Radius of dots, in widths of the pen.
+constexpr double DotRadius = 0.62;
+// A justified line is stretched only if its words fill this much of it.
+constexpr double LeastFilled = 0.72;
+
+struct Word {
+  std::string text;
+  bool accent = false;
+};
+using Line = std::vector<Word>;
+
+struct Style {
+  double unit, stretch, pen, contrast, space, slant;
+  bool snap;
+  std::string ends;
+};
+
+double Advance(const std::string &text, const Style &style) {
+  double units = 0.0;
+  for (const char character : text) units += GlyphOf(character).advance + style.space;
+  return units * style.unit * style.stretch;
+}
+
+/// From the first letter's left to the last one's right edge. The gap behind the last letter doesn't count.
+double Width(const Line &line, const Style &style) {
+  constexpr double LastGap = 3.0;
+  double width = 0.0;
+  for (const Word &word : line) width += Advance(word.text, style);
+  width += Advance(" ", style) * static_cast<double>(line.size() - 1);
+  return width + ((style.pen - LastGap) - style.space) * style.unit * style.stretch;
+}
+
+/// The path of one skeleton line, rounded corners and all. Coordinates are divided by `contrast` in x, since
+/// the pen is drawn that much wider.
+std::string LinePath(const GlyphLine &line, double radius, double x, double y, const Style &style) {
+  const auto place = [&](double px, double py) {
+    return Decimal((x + (px + style.slant * py) * style.unit * style.stretch) / style.contrast) + " " +
+           Decimal(y - py * style.unit);
+  };
+  const std::size_t count = line.points.size();
+  const auto at = [&](std::size_t index) { return line.points[index % count]; };
+  // A round corner's curve starts and ends on its two sides, at most half way to another round corner.
+  const auto onSide = [&](const GlyphPoint &corner, const GlyphPoint &other, double share) {
+    const double dx = other.x - corner.x, dy = other.y - corner.y, length = std::hypot(dx, dy);
+    const double reach = std::min(radius, other.round ? length / 2.0 : length) * share / length;
+    return GlyphPoint{corner.x + dx * reach, corner.y + dy * reach};
+  };
+  std::string path;
+  const auto corner = [&](std::size_t index, bool start) {
+    const GlyphPoint point = at(index);
+    if (!point.round) {
+      path.append(1, start ? 'M' : 'L').append(place(point.x, point.y));
+      return;
+    }
+    const GlyphPoint before = at(index + count - 1), after = at(index + 1);
+    const GlyphPoint from = onSide(point, before, 1.0), to = onSide(point, after, 1.0);
+    const GlyphPoint one = onSide(point, before, 1.0 - CornerFullness),
+                     two = onSide(point, after, 1.0 - CornerFullness);
+    path.append(1, start ? 'M' : 'L')
+        .append(place(from.x, from.y))
+        .append(1, 'C')
+        .append(place(one.x, one.y));
+    path.append(1, ' ').append(place(two.x, two.y)).append(1, ' ').append(place(to.x, to.y));
+  };
+  for (std::size_t index = 0; index < count; ++index) corner(index, index == 0);
+  if (line.closed) path += "Z";
+  return path;
+}
+
+class Setter {
+public:
+  Setter(const Style &style, std::string ink, std::string accent)
+      : style_(style), ink_(std::move(ink)), accent_(std::move(accent)) {}
+
+  void SetWord(const Word &word, double x, double baseline) {
+    for (const char character : word.text) {
+      const Glyph &glyph = GlyphOf(character);
+      const double origin =
+          style_.snap ? std::floor(x + 0.5) + 0.5 : x + style_.pen / 2.0 * style_.unit * style_.stretch;
+      std::string &strokes = word.accent ? accentStrokes_ : strokes_;
+      for (const GlyphLine &line : glyph.lines)
+        strokes += LinePath(line, glyph.radius, origin, baseline, style_);
+      for (const GlyphPoint &dot : glyph.dots) SetDot(dot, origin, baseline, word.accent);
+      x += (glyph.advance + style_.space) * style_.unit * style_.stretch;
+    }
+  }
+
+  std::string Svg() const {
+    const std::string join = style_.ends == "round" ? "round" : "miter";
+    const auto strokes = [&](const std::string &path, const std::string &ink) {
+      if (path.empty()) return std::string();
+      return "<path d=\"" + path + "\" fill=\"none\" stroke=\"" + ink + "\" stroke-width=\"" +
+             Decimal(style_.pen * style_.unit * style_.stretch / style_.contrast) + "\" stroke-linecap=\"" +
+             style_.ends + "\" stroke-linejoin=\"" + join + "\" stroke-miterlimit=\"3\"/>";
+    };
+    return "<g transform=\"scale(" + Decimal(style_.contrast) + ",1)\">" + strokes(strokes_, ink_) +
+           strokes(accentStrokes_, accent_) + "</g>" + dots_;
+  }
+
+private:
+  void SetDot(const GlyphPoint &dot, double x, double baseline, bool accent) {
+    const double width = style_.pen * style_.unit * style_.stretch;
+    dots_ += "<ellipse cx=\"" + Decimal(x + (dot.x + style_.slant * dot.y) * style_.unit * style_.stretch) +
+             "\" cy=\"" + Decimal(baseline - dot.y * style_.unit) + "\" rx=\"" + Decimal(DotRadius * width) +
+             "\" ry=\"" + Decimal(DotRadius * (width + width / style_.contrast) / 2.0) + "\" fill=\"" +
+             (accent ? accent_ : ink_) + "\"/>";
+  }
+
+  Style style_;
+  std::string ink_, accent_, strokes_, accentStrokes_, dots_;
+};
+
+/// The text's paragraphs as words.
+std::vector<Line> Paragraphs(const std::string &text) {
+  std::vector<Line> paragraphs(1);
+  bool accent = false, lineEmpty = false;
+  Word word;
+  const auto endWord = [&] {
+    if (!word.text.empty()) paragraphs.back().push_back(word);
+    word = {"", accent};
+  };
+  for (const char character : text) {
+    if (character == '*') {
+      accent = !accent;
+      if (word.text.empty()) word.accent = accent;
+    } else if (character == ' ' || character == '\n') {
+      endWord();
+      if (character == '\n' && lineEmpty && !paragraphs.back().empty()) paragraphs.emplace_back();
+      if (character == '\n') lineEmpty = true;
+    } else {
+      lineEmpty = false;
+      word.text += character;
+    }
+  }
+  endWord();
+  if (paragraphs.back().empty()) paragraphs.pop_back();
+  return paragraphs;
+}
+
+std::vector<Line> BreakIntoLines(const Line &words, double width, const Style &style) {
+  std::vector<Line> lines(1);
+  for (const Word &word : words) {
+    lines.back().push_back(word);
+    if (Width(lines.back(), style) <= width) continue;
+    lines.back().pop_back();
+    if (lines.back().empty() || Width({word}, style) > width) {
+      throw std::invalid_argument("the word \"" + word.text + "\" is wider than its box: " +
+                                  Decimal(Width({word}, style)) + " of " + Decimal(width));
+    }
+    lines.push_back({word});
+  }
+  return lines;
+}
+
+} // namespace
+
+std::string SetLettering(const Element &element) {
+  const double cap = element.Number("cap");
+  const Style style{cap / CapitalHeight,
+                    element.Number("stretch", 1.0),
+                    element.Number("pen"),
+                    element.Number("contrast", 1.0),
+                    element.Number("space", 0.0),
+                    element.Number("slant", 0.0),
+                    element.Text("snap", "0") == "1",
+                    element.Text("ends", "square")};
+  const double left = element.Number("x"), top = element.Number("y"), width = element.Number("width");
+  const double leading = element.Number("leading", cap * 1.8), gap = element.Number("gap", 0.0);
+  const std::string align = element.Text("align", "left");
+  const std::string ink = element.Text("ink");
+  Setter setter(style, ink, element.Text("accent", ink));
+
+  double baseline = top + cap;
+  if (style.snap) baseline = std::floor(baseline) + 0.5;
+  double lowest = 0.0, lineCount = 0.0;
+  for (const Line &paragraph : Paragraphs(element.content)) {
+    const std::vector<Line> lines = BreakIntoLines(paragraph, width, style);
+    for (const Line &line : lines) {
+      const double wide = Width(line, style), rest = width - wide;
+      const bool last = &line == &lines.back();
+      double x = left, between = Advance(" ", style);
+      if (align == "center") x += rest / 2.0;
+      if (align == "right") x += rest;
+      if (align == "justify" && !last && line.size() > 1 && wide > width * LeastFilled) {
+        between += rest / static_cast<double>(line.size() - 1);
+      }
+      for (const Word &word : line) {
+        setter.SetWord(word, x, baseline);
+        x += Advance(word.text, style) + between;
+      }
+      lowest = baseline;
+      lineCount += 1.0;
+      baseline += leading;
+    }
+    baseline += gap;
+  }
+  if (lineCount > element.Number("lines", lineCount)) {
+    throw std::invalid_argument("the text \"" + element.content + "\" takes " + Decimal(lineCount) +
+                                " lines of " + element.Text("lines"));
+  }
+  const double depth = lowest + DescenderDepth * style.unit - top;
+  if (element.Has("height") && depth > element.Number("height")) {
+    throw std::invalid_argument("the text \"" + element.content.substr(0, 40) +
+                                "...\" is higher than its box: " + Decimal(depth) + " of " +
+                                element.Text("height"));
+  }
+  return setter.Svg();
+}

@@ -1,0 +1,27 @@
+#pragma once
+
+// Sets a text into its box: breaks it into lines, aligns them, and writes the letters as SVG paths.
+
+#include "markup.h"
+
+#include <string>
+
+/// The SVG of a `<lettering>` element. Its content is the text; an empty line starts a new paragraph, and
+/// words between asterisks take the accent ink. Its attributes:
+///
+/// - x, y, width, height: the box, pixels; y is the top of the first line's capitals
+/// - lines: how many the text may take, any number unless told
+/// - cap: height of the capitals, pixels
+/// - stretch: widening of the letters, 1 unless told
+/// - pen: width of upright strokes in units of a ninth of cap; contrast: how many times wider than level
+/// strokes
+/// - space: added between letters, in the same units
+/// - leading: from line to line, gap: added between paragraphs, both in pixels
+/// - align: "left", "center", "right" or "justify"
+/// - ends: "round" or "square" ends and corners of strokes
+/// - slant: how far a unit of height leans to the right
+/// - ink, accent: colours
+/// - snap: "1" puts each letter on whole pixels, for small texts
+///
+/// @throws std::invalid_argument  if the text doesn't fit into the box, or a character has no shape
+std::string SetLettering(const Element &element);
