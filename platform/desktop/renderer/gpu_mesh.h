@@ -2,8 +2,10 @@
 
 // Meshes and textures on the graphics card, uploaded when they have changed and kept until then.
 
-#include "scene/graph/mesh_builder.h"
+#include "platform/desktop/renderer/light.h"
+#include "scene/graph/frame.h"
 
+#include <QMatrix4x4>
 #include <QOpenGLFunctions_3_3_Core>
 
 #include <memory>
@@ -11,12 +13,15 @@
 
 using Gl = QOpenGLFunctions_3_3_Core;
 
-/// The box around a mesh, in its own coordinates.
+/// A box around vertices, in their mesh's coordinates.
 struct Bounds {
   Vector Low, High;
 };
 
-/// One mesh as drawn: a vertex three times a face, since faces have colours of their own.
+/// Whether a box lies outside what shows: all of its corners beyond one plane.
+bool Outside(const Bounds &box, const QMatrix4x4 &toClip);
+
+/// One mesh as drawn.
 class GpuMesh {
 public:
   explicit GpuMesh(Gl &gl);
@@ -24,22 +29,41 @@ public:
   GpuMesh(const GpuMesh &) = delete;
   GpuMesh &operator=(const GpuMesh &) = delete;
 
-  void Upload(const Direct3DRMMeshBuilder3 &mesh);
-  void Draw();
+  /// Brings the mesh up to date, where it hangs now.
+  void Upload(const Direct3DRMMeshBuilder3 &mesh, const Transform &place);
+
+  /// Draws the parts that show.
+  void Draw(const QMatrix4x4 &toClip);
+
   const Bounds &Box() const { return box_; }
 
 private:
+  /// A vertex of the file with the colour of its faces: where faces of several colours meet there are
+  /// several.
+  struct Corner {
+    std::uint32_t Index;
+    FaceColor Color;
+  };
+  /// A few hundred faces that lie together.
+  struct Cluster {
+    Bounds Box;
+    GLsizei First, Count; ///< indices
+  };
+
   void UploadGeometry(const MeshData &data);
   void UploadCoordinates(const MeshData &data);
+  void UploadLight(const MeshData &data, const Transform &place, const ColorValue &emissive);
 
   Gl &gl_;
   GLuint array_ = 0;
-  GLuint geometry_ = 0;
-  GLuint coordinates_ = 0;
-  GLsizei count_ = 0;
+  GLuint positions_ = 0, coordinates_ = 0, light_ = 0, indices_ = 0;
+  std::vector<Corner> corners_;
+  std::vector<Cluster> clusters_;
+  Bounds box_;
   std::uint64_t geometryRevision_ = ~0ULL;
   std::uint64_t coordinateRevision_ = ~0ULL;
-  Bounds box_;
+  Transform litAt_;
+  const Direct3DRMMaterial2 *litWith_ = nullptr;
 };
 
 /// Everything that has been uploaded, by the object that it was made of.

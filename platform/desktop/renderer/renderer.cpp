@@ -14,12 +14,13 @@
 #include <algorithm>
 #include <cmath>
 #include <cstring>
+#include <map>
+#include <string>
 
 namespace {
 
 constexpr float ViewAngle = 60.0f; ///< degrees from the picture's bottom to its top
 constexpr float NearPlane = 1.0f;  ///< scene units
-const QVector3D KeyDirection = QVector3D(-0.42f, 1.0f, 0.55f).normalized(); ///< toward the key light
 constexpr float FogColor[] = {0.60f, 0.42f, 0.56f};
 constexpr float FogDistance = 620.0f; ///< scene units at which about a third of a colour is left
 
@@ -31,7 +32,7 @@ constexpr int FullShadowSize = 1024; ///< pixels
 constexpr int LowShadowSize = 512;
 
 constexpr int Samples = 4;
-constexpr float Anisotropy = 8.0f;
+constexpr float Anisotropy = 2.0f;
 constexpr int MeasuredPictures = 8;
 constexpr double SlowPicture = 8.0; ///< ms: a middle picture slower than this chooses the low level
 
@@ -41,6 +42,7 @@ constexpr float HeldDrift = 0.0018f;
 /// One mesh where it hangs.
 struct Placed {
   const Ref<Direct3DRMMeshBuilder3> *Mesh;
+  Transform Place;
   QMatrix4x4 ToWorld;
 };
 
@@ -52,8 +54,8 @@ QMatrix4x4 MatrixOf(const Transform &t) {
 
 void Collect(const Direct3DRMFrame3 &frame, std::vector<Placed> &placed) {
   if (!frame.Visuals().empty()) {
-    const QMatrix4x4 toWorld = MatrixOf(frame.World());
-    for (const auto &mesh : frame.Visuals()) placed.push_back({&mesh, toWorld});
+    const Transform place = frame.World();
+    for (const auto &mesh : frame.Visuals()) placed.push_back({&mesh, place, MatrixOf(place)});
   }
   for (const auto &child : frame.Children()) Collect(*child, placed);
 }
@@ -81,29 +83,14 @@ QMatrix4x4 Projection(float aspect, float back) {
 
 /// From the scene into the shadow map, seen along the key light.
 QMatrix4x4 ShadowMatrix() {
-  const QVector3D z = -KeyDirection;
+  const Vector key = KeyLight();
+  const QVector3D z(-key.x, -key.y, -key.z);
   const QVector3D x = QVector3D::crossProduct(QVector3D(0, 0, 1), z).normalized();
   const QVector3D y = QVector3D::crossProduct(z, x);
   const QMatrix4x4 turn(x.x(), x.y(), x.z(), 0, y.x(), y.y(), y.z(), 0, z.x(), z.y(), z.z(), 0, 0, 0, 0, 1);
   QMatrix4x4 scale;
   scale.scale(1.0f / ShadowReach, 1.0f / ShadowReach, 1.0f / (ShadowReach + ShadowHeight));
   return scale * turn;
-}
-
-/// Whether a box is outside what shows: all of its corners beyond one plane.
-bool Outside(const Bounds &box, const QMatrix4x4 &toClip) {
-  int beyond[6] = {};
-  for (int corner = 0; corner < 8; ++corner) {
-    const QVector4D p =
-        toClip * QVector4D(corner & 1 ? box.High.x : box.Low.x, corner & 2 ? box.High.y : box.Low.y,
-                           corner & 4 ? box.High.z : box.Low.z, 1.0f);
-    const float parts[] = {p.x(), p.y(), p.z()};
-    for (int axis = 0; axis < 3; ++axis) {
-      if (parts[axis] < -p.w()) ++beyond[2 * axis];
-      if (parts[axis] > p.w()) ++beyond[2 * axis + 1];
-    }
-  }
-  return std::ranges::find(beyond, 8) != std::end(beyond);
 }
 
 float Extent(const Bounds &box) {
@@ -131,17 +118,13 @@ public:
   explicit Drawing(Quality quality)
       : asked_(quality), level_(quality == Quality::Low ? Quality::Low : Quality::Full) {
     OpenContext();
-    store_ = std::make_unique<GpuStore>(*gl_);
-    if (context_.hasExtension("GL_EXT_texture_filter_anisotropic") && level_ == Quality::Full) {
-      store_->SetAnisotropy(Anisotropy);
-    }
-    Build(surface_, SurfaceVertexShader, SurfaceFragmentShader);
+    MakeStore();
     Build(shadow_, ShadowVertexShader, ShadowFragmentShader);
   }
 
   ~Drawing() {
     context_.makeCurrent(&surfaceOff_);
-    surface_.removeAllShaders();
+    surfaces_.clear();
     shadow_.removeAllShaders();
     store_.reset();
     shadowMap_.reset();
@@ -202,6 +185,13 @@ private:
     }
   }
 
+  void MakeStore() {
+    store_ = std::make_unique<GpuStore>(*gl_);
+    if (level_ == Quality::Full && context_.hasExtension("GL_EXT_texture_filter_anisotropic")) {
+      store_->SetAnisotropy(Anisotropy);
+    }
+  }
+
   static void Build(QOpenGLShaderProgram &program, const char *vertex, const char *fragment) {
     if (!program.addShaderFromSourceCode(QOpenGLShader::Vertex, vertex) ||
         !program.addShaderFromSourceCode(QOpenGLShader::Fragment, fragment) || !program.link()) {
@@ -254,9 +244,10 @@ private:
     shadow_.setUniformValue("toShadow", toShadow_);
     for (const Placed &each : placed_) {
       GpuMesh &mesh = store_->Mesh(*each.Mesh);
+      mesh.Upload(**each.Mesh, each.Place);
       if (Extent(mesh.Box()) > LargestCaster) continue;
       shadow_.setUniformValue("toWorld", each.ToWorld);
-      mesh.Draw();
+      mesh.Draw(toShadow_ * each.ToWorld);
     }
     shadowMap_->End();
   }
@@ -268,19 +259,8 @@ private:
                               MatrixOf(camera).inverted();
     target_->Begin(std::sqrt(FogColor[0]), std::sqrt(FogColor[1]), std::sqrt(FogColor[2]));
     gl_->glEnable(GL_DEPTH_TEST);
-    surface_.bind();
-    QMatrix4x4 toTexture;
-    toTexture.translate(0.5f, 0.5f, 0.5f);
-    toTexture.scale(0.5f);
-    surface_.setUniformValue("toClip", toClip);
-    surface_.setUniformValue("toShadow", toTexture * toShadow_);
-    surface_.setUniformValue("camera", QVector3D(camera.Origin.x, camera.Origin.y, camera.Origin.z));
-    surface_.setUniformValue("keyDirection", KeyDirection);
-    surface_.setUniformValue("fogDensity", 1.0f / FogDistance);
-    surface_.setUniformValue("fogColor", QVector3D(FogColor[0], FogColor[1], FogColor[2]));
-    surface_.setUniformValue("picture", 0);
-    surface_.setUniformValue("shadows", 1);
-    surface_.setUniformValue("shadowTexel", 1.0f / static_cast<float>(shadowMap_->Size()));
+    camera_ = QVector3D(camera.Origin.x, camera.Origin.y, camera.Origin.z);
+    bound_ = nullptr;
     gl_->glActiveTexture(GL_TEXTURE1);
     gl_->glBindTexture(GL_TEXTURE_2D, shadowMap_->Texture());
     gl_->glActiveTexture(GL_TEXTURE0);
@@ -295,20 +275,52 @@ private:
     if (Outside(mesh.Box(), toClip * each.ToWorld)) return;
     const auto &material = (*each.Mesh)->Material();
     const auto &texture = (*each.Mesh)->Texture();
-    const auto vector = [](const ColorValue &c) { return QVector3D(c.Red, c.Green, c.Blue); };
-    const ColorValue emissive = material ? material->Emissive : ColorValue{};
     const ColorValue specular = material ? material->Specular : ColorValue{};
     // Only what lies flat and wide takes shadows: they show where a thing is above it.
     const float height = mesh.Box().High.y - mesh.Box().Low.y;
     const bool takes = Extent(mesh.Box()) > LargestCaster && Extent(mesh.Box()) < 2.2f * ShadowReach &&
                        height < LargestCaster;
-    surface_.setUniformValue("toWorld", each.ToWorld);
-    surface_.setUniformValue("emissive", vector(emissive));
-    surface_.setUniformValue("specular", vector(specular));
-    surface_.setUniformValue("pictured", texture != nullptr);
-    surface_.setUniformValue("shadowTaps", !takes ? 0 : level_ == Quality::Full ? 9 : 1);
+    const int taps = !takes ? 0 : level_ == Quality::Full ? 4 : 1;
+    QOpenGLShaderProgram &surface = SurfaceProgram(taps, texture != nullptr);
+    if (bound_ != &surface) {
+      bound_ = &surface;
+      surface.bind();
+      SetScene(surface, toClip);
+    }
+    surface.setUniformValue("toWorld", each.ToWorld);
+    surface.setUniformValue("specular", QVector3D(specular.Red, specular.Green, specular.Blue));
     if (texture) gl_->glBindTexture(GL_TEXTURE_2D, store_->Texture(texture));
-    mesh.Draw();
+    mesh.Draw(toClip * each.ToWorld);
+  }
+
+  /// The program for surfaces of one kind: a test that never changes isn't made at every fragment.
+  QOpenGLShaderProgram &SurfaceProgram(int taps, bool pictured) {
+    auto &program = surfaces_[{taps, pictured}];
+    if (!program) {
+      program = std::make_unique<QOpenGLShaderProgram>();
+      const std::string fragment = "#version 330 core\n#define SHADOW_TAPS " + std::to_string(taps) +
+                                   "\n#define PICTURED " + std::to_string(pictured) + "\n" +
+                                   SurfaceFragmentShader;
+      Build(*program, SurfaceVertexShader, fragment.c_str());
+    }
+    return *program;
+  }
+
+  /// What is the same for every mesh of a picture.
+  void SetScene(QOpenGLShaderProgram &surface, const QMatrix4x4 &toClip) {
+    QMatrix4x4 toTexture;
+    toTexture.translate(0.5f, 0.5f, 0.5f);
+    toTexture.scale(0.5f);
+    const Vector key = KeyLight();
+    surface.setUniformValue("toClip", toClip);
+    surface.setUniformValue("toShadow", toTexture * toShadow_);
+    surface.setUniformValue("camera", camera_);
+    surface.setUniformValue("keyDirection", QVector3D(key.x, key.y, key.z));
+    surface.setUniformValue("fogDensity", 1.0f / FogDistance);
+    surface.setUniformValue("fogColor", QVector3D(FogColor[0], FogColor[1], FogColor[2]));
+    surface.setUniformValue("picture", 0);
+    surface.setUniformValue("shadows", 1);
+    surface.setUniformValue("shadowTexel", 1.0f / static_cast<float>(shadowMap_->Size()));
   }
 
   /// Chooses the level by the first pictures. The very first uploads everything, so it doesn't count.
@@ -324,6 +336,7 @@ private:
     level_ = Quality::Low;
     target_.reset();
     shadowMap_.reset();
+    MakeStore();
   }
 
   Quality asked_;
@@ -331,7 +344,9 @@ private:
   QOpenGLContext context_;
   QOffscreenSurface surfaceOff_;
   Gl *gl_ = nullptr;
-  QOpenGLShaderProgram surface_;
+  std::map<std::pair<int, bool>, std::unique_ptr<QOpenGLShaderProgram>> surfaces_;
+  QOpenGLShaderProgram *bound_ = nullptr;
+  QVector3D camera_;
   QOpenGLShaderProgram shadow_;
   std::unique_ptr<GpuStore> store_;
   std::unique_ptr<FrameBuffer> target_;

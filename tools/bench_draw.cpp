@@ -1,0 +1,69 @@
+// What a picture of the scene costs, at each level of quality: middle values of wall and processor time.
+
+#include "match/frm_snapwedge.h"
+#include "platform/desktop/renderer/renderer.h"
+#include "platform/headless/headless_machine.h"
+
+#include <QGuiApplication>
+
+#include <sys/resource.h>
+
+#include <algorithm>
+#include <chrono>
+#include <cstdio>
+#include <vector>
+
+namespace {
+
+constexpr QSize CanvasSize(417, 361);
+constexpr int Pictures = 60;
+
+double ProcessorMs() {
+  rusage usage{};
+  getrusage(RUSAGE_SELF, &usage);
+  const auto ms = [](const timeval &t) {
+    return static_cast<double>(t.tv_sec) * 1e3 + static_cast<double>(t.tv_usec) / 1e3;
+  };
+  return ms(usage.ru_utime) + ms(usage.ru_stime);
+}
+
+double Middle(std::vector<double> values) {
+  std::ranges::sort(values);
+  return values[values.size() / 2];
+}
+
+void Bench(frmSnapwedge &window, const char *name, Quality quality) {
+  Renderer renderer(quality);
+  std::vector<double> wall;
+  double processor = 0;
+  for (int picture = 0; picture < Pictures; ++picture) {
+    window.Wind();
+    window.AimFrame->AddRotation(D3DRMCOMBINE_BEFORE, 0, 1, 0, 0.01f);
+    const double before = ProcessorMs();
+    const auto start = std::chrono::steady_clock::now();
+    renderer.Draw(window.RMCanvas1, CanvasSize);
+    const std::chrono::duration<double, std::milli> took = std::chrono::steady_clock::now() - start;
+    if (picture < Pictures / 3) continue; // uploads, and the choice of the level
+    wall.push_back(took.count());
+    processor += ProcessorMs() - before;
+  }
+  std::printf("%-9s level %s: wall %.2f ms, processor %.2f ms a picture\n", name,
+              renderer.Level() == Quality::Full ? "full" : "low", Middle(wall),
+              processor / static_cast<double>(wall.size()));
+}
+
+} // namespace
+
+int main(int argc, char **argv) {
+  QGuiApplication application(argc, argv);
+  HeadlessMachine machine(std::filesystem::weakly_canonical("/proc/self/exe").parent_path().parent_path() /
+                          "game");
+  Program program(machine);
+  program.GameMode = "Human";
+  program.SoundOn = False;
+  frmSnapwedge window(machine, program);
+  window.SetUp();
+  Bench(window, "measured", Quality::Measured);
+  Bench(window, "full", Quality::Full);
+  Bench(window, "low", Quality::Low);
+}
