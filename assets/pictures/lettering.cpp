@@ -23,7 +23,7 @@ struct Word {
 using Line = std::vector<Word>;
 
 struct Style {
-  double unit, stretch, pen, contrast, space, slant;
+  double unit, stretch, pen, contrast, space, slant, serif;
   bool snap;
   std::string ends;
 };
@@ -111,6 +111,14 @@ public:
   }
 
 private:
+  /// The slab under an upright stroke that ends on one of the letter's lines.
+  std::string Foot(const GlyphPoint &end, const GlyphPoint &before, double x, double baseline) const {
+    const bool onLine = end.y == 0.0 || end.y == SmallHeight || end.y == CapitalHeight || end.y == -DescenderDepth;
+    if (!onLine || std::abs(end.y - before.y) < std::abs(end.x - before.x)) return "";
+    const GlyphLine slab{false, {{end.x - style_.serif, end.y}, {end.x + style_.serif, end.y}}};
+    return LinePath(slab, 0.0, x, baseline, style_);
+  }
+
   void SetDot(const GlyphPoint &dot, double x, double baseline, bool accent) {
     const double width = style_.pen * style_.unit * style_.stretch;
     dots_ += "<ellipse cx=\"" + Decimal(x + (dot.x + style_.slant * dot.y) * style_.unit * style_.stretch) +
@@ -175,6 +183,7 @@ std::string SetLettering(const Element &element) {
                     element.Number("contrast", 1.0),
                     element.Number("space", 0.0),
                     element.Number("slant", 0.0),
+                    element.Number("serif", 0.0),
                     element.Text("snap", "0") == "1",
                     element.Text("ends", "square")};
   const double left = element.Number("x"), top = element.Number("y"), width = element.Number("width");
