@@ -1,0 +1,152 @@
+#include "assets/sounds/signal.h"
+
+#include <algorithm>
+#include <cmath>
+#include <fstream>
+#include <stdexcept>
+
+namespace sounds {
+
+double Random::Next() {
+  state_ ^= state_ << 13U;
+  state_ ^= state_ >> 17U;
+  state_ ^= state_ << 5U;
+  return static_cast<double>(state_ >> 8U) / 16777216.0;
+}
+
+BandPass::BandPass(double frequency, double quality) {
+  const double angle = 2 * Pi * std::min(frequency, Rate * 0.45) / Rate;
+  const double alpha = std::sin(angle) / (2 * quality);
+  b0_ = alpha / (1 + alpha);
+  a1_ = -2 * std::cos(angle) / (1 + alpha);
+  a2_ = (1 - alpha) / (1 + alpha);
+}
+
+double BandPass::operator()(double in) {
+  const double out = b0_ * (in - x2_) - a1_ * y1_ - a2_ * y2_;
+  x2_ = x1_;
+  x1_ = in;
+  y2_ = y1_;
+  y1_ = out;
+  return out;
+}
+
+void BandPass::TakeMemoryOf(const BandPass &other) {
+  x1_ = other.x1_;
+  x2_ = other.x2_;
+  y1_ = other.y1_;
+  y2_ = other.y2_;
+}
+
+LowPass::LowPass(double frequency) : share_(1 - std::exp(-2 * Pi * frequency / Rate)) {}
+
+void Add(Signal &to, const Signal &what, double atSeconds, double gain) {
+  const std::size_t first = Samples(atSeconds);
+  if (to.size() < first + what.size()) to.resize(first + what.size(), 0.0);
+  for (std::size_t i = 0; i < what.size(); ++i) to[first + i] += gain * what[i];
+}
+
+void Fade(Signal &signal, double inSeconds, double outSeconds) {
+  const auto shape = [](std::size_t i, std::size_t count) {
+    return 0.5 - 0.5 * std::cos(Pi * static_cast<double>(i) / static_cast<double>(count));
+  };
+  const std::size_t in = std::min(Samples(inSeconds), signal.size()),
+                    out = std::min(Samples(outSeconds), signal.size());
+  for (std::size_t i = 0; i < in; ++i) signal[i] *= shape(i, in);
+  for (std::size_t i = 0; i < out; ++i) signal[signal.size() - 1 - i] *= shape(i, out);
+}
+
+void CloseLoop(Signal &signal, double seconds) {
+  const std::size_t overlap = Samples(seconds);
+  const std::size_t length = signal.size() - overlap;
+  for (std::size_t i = 0; i < overlap; ++i) {
+    const double share = static_cast<double>(i) / static_cast<double>(overlap);
+    // Equal power: the two ends know nothing of each other.
+    signal[i] = std::sqrt(share) * signal[i] + std::sqrt(1 - share) * signal[length + i];
+  }
+  signal.resize(length);
+}
+
+namespace {
+
+/// One row of echoes: delays of no common measure, each fed back through a dull wall.
+Signal Echoes(const Signal &signal, double seconds) {
+  Signal out(signal.size(), 0.0);
+  for (const double delay : {0.0297, 0.0371, 0.0411, 0.0437, 0.0533, 0.0617}) {
+    Signal line(Samples(delay), 0.0);
+    LowPass wall(3800);
+    const double feedback = std::pow(10.0, -3.0 * delay / seconds);
+    std::size_t at = 0;
+    for (std::size_t i = 0; i < signal.size(); ++i) {
+      const double heard = line[at];
+      line[at] = signal[i] + feedback * wall(heard);
+      at = (at + 1) % line.size();
+      out[i] += heard / 6;
+    }
+  }
+  return out;
+}
+
+} // namespace
+
+void Reverberate(Signal &signal, double seconds, double share) {
+  const Signal echoes = Echoes(signal, seconds);
+  for (std::size_t i = 0; i < signal.size(); ++i) signal[i] += share * echoes[i];
+}
+
+void ReverberateLoop(Signal &signal, double seconds, double share) {
+  Signal twice = signal;
+  twice.insert(twice.end(), signal.begin(), signal.end());
+  const Signal echoes = Echoes(twice, seconds);
+  for (std::size_t i = 0; i < signal.size(); ++i) signal[i] += share * echoes[signal.size() + i];
+}
+
+void Level(Signal &signal, double decibels) {
+  double mean = 0;
+  for (const double sample : signal) mean += sample;
+  mean /= static_cast<double>(signal.size());
+  for (double &sample : signal) sample -= mean;
+
+  const std::size_t window = std::min(Samples(0.5), signal.size());
+  double power = 0, loudest = 0;
+  for (std::size_t i = 0; i < signal.size(); ++i) {
+    power += signal[i] * signal[i];
+    if (i >= window) power -= signal[i - window] * signal[i - window];
+    if (i + 1 >= window) loudest = std::max(loudest, power);
+  }
+  const double gain = std::pow(10.0, decibels / 20) / std::sqrt(loudest / static_cast<double>(window));
+  constexpr double Knee = 0.6, Ceiling = 0.88;
+  for (double &sample : signal) {
+    sample *= gain;
+    const double size = std::abs(sample);
+    if (size > Knee)
+      sample = std::copysign(Knee + (Ceiling - Knee) * std::tanh((size - Knee) / (Ceiling - Knee)), sample);
+  }
+}
+
+void Write(const Signal &signal, const std::filesystem::path &file) {
+  std::ofstream stream(file, std::ios::binary);
+  const auto number = [&](std::uint32_t value, int bytes) {
+    for (int i = 0; i < bytes; ++i) stream.put(static_cast<char>(value >> (8 * i)));
+  };
+  constexpr std::uint32_t BytesOfSample = 2;
+  const auto bytes = static_cast<std::uint32_t>(signal.size()) * BytesOfSample;
+  stream << "RIFF";
+  number(36 + bytes, 4);
+  stream << "WAVEfmt ";
+  number(16, 4);
+  number(1, 2); // plain samples
+  number(1, 2); // one channel
+  number(Rate, 4);
+  number(Rate * BytesOfSample, 4);
+  number(BytesOfSample, 2);
+  number(8 * BytesOfSample, 2);
+  stream << "data";
+  number(bytes, 4);
+  for (const double sample : signal) {
+    number(static_cast<std::uint16_t>(static_cast<std::int16_t>(std::lround(sample * 32767.0))), 2);
+  }
+  if (!stream.flush()) throw std::runtime_error("can't write " + file.string());
+}
+
+} // namespace sounds
