@@ -47,8 +47,9 @@ std::string FillIn(std::string text, const Element &part) {
     const std::string value = bar == std::string::npos
                                   ? part.Text(inside)
                                   : part.Text(inside.substr(0, bar), inside.substr(bar + 1));
-    text.replace(open, close - open + 1, value);
-    open += value.size();
+    const std::string escaped = Escape(value);
+    text.replace(open, close - open + 1, escaped);
+    open += escaped.size();
   }
   return text;
 }

@@ -13,8 +13,12 @@ namespace {
 constexpr double CornerFullness = 0.62;
 // Radius of dots, in widths of the pen.
 constexpr double DotRadius = 0.62;
+// Marks a place at which a word may be broken; doesn't show.
+constexpr char BreakMark = '|';
+// At most so much is added between the letters of a justified line, in units; words take the rest.
+constexpr double MostLetterSpace = 0.45;
 // A justified line is stretched only if its words fill this much of it.
-constexpr double LeastFilled = 0.72;
+constexpr double LeastFilled = 0.6;
 
 struct Word {
   std::string text;
@@ -30,7 +34,9 @@ struct Style {
 
 double Advance(const std::string &text, const Style &style) {
   double units = 0.0;
-  for (const char character : text) units += GlyphOf(character).advance + style.space;
+  for (const char character : text) {
+    if (character != BreakMark) units += GlyphOf(character).advance + style.space;
+  }
   return units * style.unit * style.stretch;
 }
 
@@ -85,17 +91,25 @@ public:
   Setter(const Style &style, std::string ink, std::string accent)
       : style_(style), ink_(std::move(ink)), accent_(std::move(accent)) {}
 
-  void SetWord(const Word &word, double x, double baseline) {
+  /// @param between  added behind each letter, pixels
+  /// @return         where the next word would start without a space
+  double SetWord(const Word &word, double x, double baseline, double between) {
     for (const char character : word.text) {
+      if (character == BreakMark) continue;
       const Glyph &glyph = GlyphOf(character);
       const double origin =
           style_.snap ? std::floor(x + 0.5) + 0.5 : x + style_.pen / 2.0 * style_.unit * style_.stretch;
       std::string &strokes = word.accent ? accentStrokes_ : strokes_;
-      for (const GlyphLine &line : glyph.lines)
+      for (const GlyphLine &line : glyph.lines) {
         strokes += LinePath(line, glyph.radius, origin, baseline, style_);
+        if (style_.serif == 0.0 || line.closed) continue;
+        strokes += Foot(line.points.front(), line.points[1], origin, baseline);
+        strokes += Foot(line.points.back(), line.points[line.points.size() - 2], origin, baseline);
+      }
       for (const GlyphPoint &dot : glyph.dots) SetDot(dot, origin, baseline, word.accent);
-      x += (glyph.advance + style_.space) * style_.unit * style_.stretch;
+      x += (glyph.advance + style_.space) * style_.unit * style_.stretch + between;
     }
+    return x;
   }
 
   std::string Svg() const {
@@ -113,7 +127,8 @@ public:
 private:
   /// The slab under an upright stroke that ends on one of the letter's lines.
   std::string Foot(const GlyphPoint &end, const GlyphPoint &before, double x, double baseline) const {
-    const bool onLine = end.y == 0.0 || end.y == SmallHeight || end.y == CapitalHeight || end.y == -DescenderDepth;
+    const bool onLine =
+        end.y == 0.0 || end.y == SmallHeight || end.y == CapitalHeight || end.y == -DescenderDepth;
     if (!onLine || std::abs(end.y - before.y) < std::abs(end.x - before.x)) return "";
     const GlyphLine slab{false, {{end.x - style_.serif, end.y}, {end.x + style_.serif, end.y}}};
     return LinePath(slab, 0.0, x, baseline, style_);
@@ -158,57 +173,94 @@ std::vector<Line> Paragraphs(const std::string &text) {
   return paragraphs;
 }
 
+/// Takes as much of the word's head as fits behind the line, and returns what is left of it; the whole word
+/// if nothing fits.
+Word BreakWord(Line &line, const Word &word, double width, const Style &style) {
+  for (std::size_t mark = word.text.rfind(BreakMark); mark != std::string::npos && mark > 0;
+       mark = word.text.rfind(BreakMark, mark - 1)) {
+    line.push_back({word.text.substr(0, mark) + "-", word.accent});
+    if (Width(line, style) <= width) return {word.text.substr(mark + 1), word.accent};
+    line.pop_back();
+  }
+  return word;
+}
+
 std::vector<Line> BreakIntoLines(const Line &words, double width, const Style &style) {
   std::vector<Line> lines(1);
   for (const Word &word : words) {
     lines.back().push_back(word);
     if (Width(lines.back(), style) <= width) continue;
     lines.back().pop_back();
-    if (lines.back().empty() || Width({word}, style) > width) {
+    const Word rest = BreakWord(lines.back(), word, width, style);
+    if (lines.back().empty() || Width({rest}, style) > width) {
       throw std::invalid_argument("the word \"" + word.text + "\" is wider than its box: " +
-                                  Decimal(Width({word}, style)) + " of " + Decimal(width));
+                                  Decimal(Width({rest}, style)) + " of " + Decimal(width));
     }
-    lines.push_back({word});
+    lines.push_back({rest});
   }
   return lines;
+}
+
+Style ReadStyle(const Element &element) {
+  return {element.Number("cap") / CapitalHeight,
+          element.Number("stretch", 1.0),
+          element.Number("pen"),
+          element.Number("contrast", 1.0),
+          element.Number("space", 0.0),
+          element.Number("slant", 0.0),
+          element.Number("serif", 0.0),
+          element.Text("snap", "0") == "1",
+          element.Text("ends", "square")};
+}
+
+/// Where a line starts and what is added between its words and its letters.
+struct Spacing {
+  double start = 0.0, words = 0.0, letters = 0.0;
+};
+
+Spacing Align(const Line &line, const std::string &align, bool last, double width, const Style &style) {
+  const double wide = Width(line, style), rest = width - wide;
+  if (align == "center") return {rest / 2.0, 0.0, 0.0};
+  if (align == "right") return {rest, 0.0, 0.0};
+  if (align != "justify" || last || line.size() < 2 || wide < width * LeastFilled) return {};
+  double letters = 0.0;
+  for (const Word &word : line) letters += static_cast<double>(word.text.size());
+  const double betweenLetters = std::min(rest / 2.0 / letters, MostLetterSpace * style.unit * style.stretch);
+  return {0.0, (rest - betweenLetters * letters) / static_cast<double>(line.size() - 1), betweenLetters};
+}
+
+/// @throws std::invalid_argument  if the text that was set takes more lines or height than the element allows
+void CheckFit(const Element &element, double lines, double depth) {
+  if (lines > element.Number("lines", lines)) {
+    throw std::invalid_argument("the text \"" + element.content + "\" takes " + Decimal(lines) +
+                                " lines of " + element.Text("lines"));
+  }
+  if (depth > element.Number("height", depth)) {
+    throw std::invalid_argument("the text \"" + element.content.substr(0, 40) +
+                                "...\" is higher than its box: " + Decimal(depth) + " of " +
+                                element.Text("height"));
+  }
 }
 
 } // namespace
 
 std::string SetLettering(const Element &element) {
-  const double cap = element.Number("cap");
-  const Style style{cap / CapitalHeight,
-                    element.Number("stretch", 1.0),
-                    element.Number("pen"),
-                    element.Number("contrast", 1.0),
-                    element.Number("space", 0.0),
-                    element.Number("slant", 0.0),
-                    element.Number("serif", 0.0),
-                    element.Text("snap", "0") == "1",
-                    element.Text("ends", "square")};
+  const Style style = ReadStyle(element);
   const double left = element.Number("x"), top = element.Number("y"), width = element.Number("width");
+  const double cap = element.Number("cap");
   const double leading = element.Number("leading", cap * 1.8), gap = element.Number("gap", 0.0);
-  const std::string align = element.Text("align", "left");
-  const std::string ink = element.Text("ink");
+  const std::string align = element.Text("align", "left"), ink = element.Text("ink");
   Setter setter(style, ink, element.Text("accent", ink));
 
-  double baseline = top + cap;
-  if (style.snap) baseline = std::floor(baseline) + 0.5;
-  double lowest = 0.0, lineCount = 0.0;
+  double baseline = top + cap, lowest = baseline, lineCount = 0.0;
   for (const Line &paragraph : Paragraphs(element.content)) {
     const std::vector<Line> lines = BreakIntoLines(paragraph, width, style);
     for (const Line &line : lines) {
-      const double wide = Width(line, style), rest = width - wide;
-      const bool last = &line == &lines.back();
-      double x = left, between = Advance(" ", style);
-      if (align == "center") x += rest / 2.0;
-      if (align == "right") x += rest;
-      if (align == "justify" && !last && line.size() > 1 && wide > width * LeastFilled) {
-        between += rest / static_cast<double>(line.size() - 1);
-      }
+      const Spacing spacing = Align(line, align, &line == &lines.back(), width, style);
+      double x = left + spacing.start;
       for (const Word &word : line) {
-        setter.SetWord(word, x, baseline);
-        x += Advance(word.text, style) + between;
+        x = setter.SetWord(word, x, style.snap ? std::floor(baseline) + 0.5 : baseline, spacing.letters);
+        x += Advance(" ", style) + spacing.words;
       }
       lowest = baseline;
       lineCount += 1.0;
@@ -216,15 +268,6 @@ std::string SetLettering(const Element &element) {
     }
     baseline += gap;
   }
-  if (lineCount > element.Number("lines", lineCount)) {
-    throw std::invalid_argument("the text \"" + element.content + "\" takes " + Decimal(lineCount) +
-                                " lines of " + element.Text("lines"));
-  }
-  const double depth = lowest + DescenderDepth * style.unit - top;
-  if (element.Has("height") && depth > element.Number("height")) {
-    throw std::invalid_argument("the text \"" + element.content.substr(0, 40) +
-                                "...\" is higher than its box: " + Decimal(depth) + " of " +
-                                element.Text("height"));
-  }
+  CheckFit(element, lineCount, lowest + DescenderDepth * style.unit - top);
   return setter.Svg();
 }

@@ -89,6 +89,13 @@ Element FindElement(std::string_view text, const std::string &name, std::size_t 
   return element;
 }
 
+std::string Escape(std::string_view text) {
+  std::string escaped = ReplaceAll(std::string(text), "&", "&amp;");
+  escaped = ReplaceAll(escaped, "<", "&lt;");
+  escaped = ReplaceAll(escaped, ">", "&gt;");
+  return ReplaceAll(escaped, "\"", "&quot;");
+}
+
 std::string Decimal(double value) {
   char text[32];
   std::snprintf(text, sizeof text, "%.2f", std::round(value * 100.0) / 100.0 + 0.0);

@@ -29,5 +29,8 @@ public:
 /// @throws std::invalid_argument  if it doesn't end
 Element FindElement(std::string_view text, const std::string &name, std::size_t from = 0);
 
+/// The text with its special characters as entities, to be put into an attribute.
+std::string Escape(std::string_view text);
+
 /// A number as SVG wants it, to a hundredth.
 std::string Decimal(double value);
