@@ -59,7 +59,8 @@ void Append(const std::filesystem::path &file, const aiMesh &mesh, const aiScene
                                                   : TextureCoordinate{});
     if (colored) {
       const aiColor4D *colors = mesh.mColors[0];
-      data.VertexColors.push_back(colors ? FaceColor{colors[i].r, colors[i].g, colors[i].b} : FaceColor{});
+      data.VertexColors.push_back(colors ? FaceColor{colors[i].r, colors[i].g, colors[i].b, colors[i].a}
+                                         : FaceColor{});
     }
   }
   aiColor4D diffuse(1, 1, 1, 1);

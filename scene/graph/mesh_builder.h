@@ -36,6 +36,7 @@ protected:
 
 struct FaceColor {
   float Red = 1, Green = 1, Blue = 1;
+  float Alpha = 1; ///< how much of the texture shows: 1 all of it, 0 the plain colour
   bool operator==(const FaceColor &) const = default;
 };
 

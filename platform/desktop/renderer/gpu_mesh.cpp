@@ -80,7 +80,7 @@ GpuMesh::GpuMesh(Gl &gl) : gl_(gl) {
   gl_.glVertexAttribPointer(CoordinateSlot, 2, GL_FLOAT, GL_FALSE, 0, nullptr);
   gl_.glBindBuffer(GL_ARRAY_BUFFER, light_);
   constexpr GLsizei LightStride = sizeof(VertexLight);
-  gl_.glVertexAttribPointer(FillSlot, 3, GL_FLOAT, GL_FALSE, LightStride,
+  gl_.glVertexAttribPointer(FillSlot, 4, GL_FLOAT, GL_FALSE, LightStride,
                             Offset(offsetof(VertexLight, Fill)));
   gl_.glVertexAttribPointer(KeySlot, 3, GL_FLOAT, GL_FALSE, LightStride, Offset(offsetof(VertexLight, Key)));
   for (const GLuint slot : {PositionSlot, NormalSlot, CoordinateSlot, FillSlot, KeySlot}) {
@@ -184,7 +184,7 @@ void GpuMesh::UploadLight(const MeshData &data, const Transform &place, const Co
     FaceColor color = corner.Color;
     if (!data.VertexColors.empty()) {
       const FaceColor &own = data.VertexColors[corner.Index];
-      color = {color.Red * own.Red, color.Green * own.Green, color.Blue * own.Blue};
+      color = {color.Red * own.Red, color.Green * own.Green, color.Blue * own.Blue, own.Alpha};
     }
     light.push_back(LightOf(normal, color, emissive));
   }

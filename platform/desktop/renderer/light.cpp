@@ -30,6 +30,7 @@ VertexLight LightOf(const Vector &normal, const FaceColor &color, const ColorVal
   const float own[] = {emissive.Red, emissive.Green, emissive.Blue};
   const float stored[] = {color.Red, color.Green, color.Blue};
   VertexLight light{};
+  light.TextureShare = color.Alpha;
   for (int part = 0; part < 3; ++part) {
     float base = stored[part] * stored[part]; // colours are stored with a gamma of 2
     if (glow > 0.0f) base *= own[part];

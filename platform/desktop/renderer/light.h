@@ -8,8 +8,9 @@
 
 /// Light that falls on a vertex, times its own colour. Parts may be above 1.
 struct VertexLight {
-  float Fill[3]; ///< of sky and ground, and the surface's own glow
-  float Key[3];  ///< of the key light: what a shadow takes away
+  float Fill[3];      ///< of sky and ground, and the surface's own glow
+  float TextureShare; ///< 1 shows all of the texture, 0 none
+  float Key[3];       ///< of the key light: what a shadow takes away
 };
 
 /// Toward the key light, unit length.

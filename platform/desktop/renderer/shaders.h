@@ -7,7 +7,7 @@ inline constexpr const char *SurfaceVertexShader = R"(#version 330 core
 layout(location = 0) in vec3 position;
 layout(location = 1) in vec3 normal;
 layout(location = 2) in vec2 coordinate;
-layout(location = 3) in vec3 fill;
+layout(location = 3) in vec4 fill; // its fourth part: how much of the texture shows
 layout(location = 4) in vec3 key;
 uniform mat4 toWorld;
 uniform mat4 toClip;
@@ -17,7 +17,7 @@ uniform vec3 keyDirection;
 uniform vec3 specular;
 uniform float fogDensity;
 out vec2 surfaceCoordinate;
-out vec3 fillLight;
+out vec4 fillLight;
 out vec3 keyLight;
 out vec3 shadowPlace;
 out float fog;
@@ -48,7 +48,7 @@ uniform sampler2DShadow shadows;
 uniform float shadowTexel;
 uniform vec3 fogColor;
 in vec2 surfaceCoordinate;
-in vec3 fillLight;
+in vec4 fillLight;
 in vec3 keyLight;
 in vec3 shadowPlace;
 in float fog;
@@ -63,10 +63,10 @@ void main() {
                 texture(shadows, shadowPlace + vec3(-0.7, 0.7, 0.0) * shadowTexel) +
                 texture(shadows, shadowPlace + vec3(0.7, 0.7, 0.0) * shadowTexel));
 #endif
-  vec3 light = fillLight + keyLight * lit;
+  vec3 light = fillLight.rgb + keyLight * lit;
 #if PICTURED
   vec3 texel = texture(picture, surfaceCoordinate).rgb;
-  light *= texel * texel; // a gamma of 2
+  light *= mix(vec3(1.0), texel * texel, fillLight.a); // a gamma of 2
 #endif
   result = vec4(sqrt(mix(light, fogColor, fog)), 1.0);
 }

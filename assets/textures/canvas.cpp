@@ -1,0 +1,98 @@
+#include "assets/textures/canvas.h"
+
+#include <algorithm>
+#include <cmath>
+#include <fstream>
+#include <stdexcept>
+
+namespace textures {
+
+double Hash(std::uint32_t x, std::uint32_t y, std::uint32_t seed) {
+  std::uint32_t h = x * 374761393U + y * 668265263U + seed * 2246822519U;
+  h = (h ^ (h >> 13U)) * 1274126177U;
+  h ^= h >> 16U;
+  return static_cast<double>(h >> 8U) / 16777216.0;
+}
+
+double Noise(double u, double v, int cells, std::uint32_t seed) {
+  const double x = u * cells, y = v * cells;
+  const double left = std::floor(x), top = std::floor(y);
+  const auto smooth = [](double t) { return t * t * (3 - 2 * t); };
+  const double fx = smooth(x - left), fy = smooth(y - top);
+  const auto corner = [&](int dx, int dy) {
+    const auto wrap = [&](double at) {
+      return static_cast<std::uint32_t>((static_cast<int>(at) % cells + cells) % cells);
+    };
+    return Hash(wrap(left + dx), wrap(top + dy), seed);
+  };
+  const double upper = corner(0, 0) + (corner(1, 0) - corner(0, 0)) * fx;
+  const double lower = corner(0, 1) + (corner(1, 1) - corner(0, 1)) * fx;
+  return upper + (lower - upper) * fy;
+}
+
+double Cloud(double u, double v, int cells, int layers, std::uint32_t seed) {
+  double sum = 0, weight = 1, whole = 0;
+  for (int layer = 0; layer < layers; ++layer) {
+    sum += weight * Noise(u, v, cells << layer, seed + static_cast<std::uint32_t>(layer));
+    whole += weight;
+    weight *= 0.5;
+  }
+  return sum / whole;
+}
+
+double Step(double low, double high, double value) {
+  const double t = std::clamp((value - low) / (high - low), 0.0, 1.0);
+  return t * t * (3 - 2 * t);
+}
+
+Paint &Canvas::At(int x, int y) {
+  const auto wrap = [&](int at) { return static_cast<std::size_t>((at % size_ + size_) % size_); };
+  return pixels_[wrap(y) * static_cast<std::size_t>(size_) + wrap(x)];
+}
+
+void Canvas::Blob(double x, double y, double rx, double ry, const Paint &paint, double strength) {
+  for (int py = static_cast<int>(std::floor(y - ry - 1)); py <= static_cast<int>(std::ceil(y + ry + 1));
+       ++py) {
+    for (int px = static_cast<int>(std::floor(x - rx - 1)); px <= static_cast<int>(std::ceil(x + rx + 1));
+         ++px) {
+      const double away = std::hypot((px - x) / rx, (py - y) / ry);
+      const double edge = 1.0 / std::min(rx, ry);
+      At(px, py) = Mix(At(px, py), paint, strength * (1 - Step(1 - edge, 1 + edge * 0.3, away)));
+    }
+  }
+}
+
+void Canvas::Write(const std::filesystem::path &file) const {
+  std::ofstream stream(file, std::ios::binary);
+  const auto number = [&](std::uint32_t value, int bytes) {
+    for (int i = 0; i < bytes; ++i) stream.put(static_cast<char>(value >> (8 * i)));
+  };
+  constexpr std::uint32_t Header = 54;
+  const auto size = static_cast<std::uint32_t>(size_);
+  const std::uint32_t bytes =
+      size * size * 3; // a row is a whole number of words: the size is a multiple of four
+  stream << "BM";
+  number(Header + bytes, 4);
+  number(0, 4);
+  number(Header, 4);
+  number(40, 4);
+  number(size, 4);
+  number(size, 4);
+  number(1, 2);
+  number(24, 2);
+  number(0, 4);
+  number(bytes, 4);
+  for (int i = 0; i < 4; ++i) number(0, 4);
+  const auto part = [](double value) {
+    return static_cast<char>(std::lround(std::clamp(value, 0.0, 1.0) * 255));
+  };
+  for (int y = size_ - 1; y >= 0; --y) {
+    for (int x = 0; x < size_; ++x) {
+      const Paint &p = pixels_[static_cast<std::size_t>(y) * size + static_cast<std::size_t>(x)];
+      stream << part(p.b) << part(p.g) << part(p.r);
+    }
+  }
+  if (!stream.flush()) throw std::runtime_error("can't write " + file.string());
+}
+
+} // namespace textures
