@@ -1,0 +1,77 @@
+// The aim arrow: a bold flat arrow with a dark outline on the table ahead of the piece.
+
+#include "models.h"
+#include "shapes.h"
+
+#include <cmath>
+
+namespace {
+
+// The shape in plan, scene units from the piece's middle; it points toward -z.
+constexpr double TailZ = -4.6;
+constexpr double NeckZ = -16.0;
+constexpr double BarbZ = -14.6; ///< the barbs reach a little back
+constexpr double TipZ = -24.0;
+constexpr double ShaftHalf = 1.5;
+constexpr double TailHalf = 1.0;
+constexpr double BarbHalf = 4.6;
+
+constexpr double BaseY = -0.43; ///< just above the markings
+constexpr double EdgeY = -0.33;
+constexpr double TopY = -0.22;
+constexpr double OutlineWidth = 0.55;
+constexpr double BevelWidth = 0.45;
+
+constexpr Paint Outline{0.16, 0.08, 0.0, 0.0};
+constexpr Paint Bevel{0.95, 0.66, 0.0, 0.0};
+constexpr Paint Face{1.0, 0.95, 0.3, 0.0};
+
+/// The outline from the tail's left corner round by way of the tip, moved inward by `inset`.
+std::vector<Point> Contour(double inset) {
+  const std::vector<Point> points = {{-TailHalf, 0, TailZ}, {-ShaftHalf, 0, NeckZ}, {-BarbHalf, 0, BarbZ},
+                                     {0, 0, TipZ},          {BarbHalf, 0, BarbZ},   {ShaftHalf, 0, NeckZ},
+                                     {TailHalf, 0, TailZ}};
+  std::vector<Point> moved;
+  for (std::size_t i = 0; i < points.size(); ++i) {
+    const Point &before = points[(i + points.size() - 1) % points.size()];
+    const Point &after = points[(i + 1) % points.size()];
+    const auto inward = [](const Point &from, const Point &to) {
+      const Point along = Normalized(to - from);
+      return Point{-along.z, 0.0, along.x};
+    };
+    const Point first = inward(before, points[i]), second = inward(points[i], after);
+    moved.push_back(points[i] + (first + second) * (inset / (1.0 + Dot(first, second))));
+  }
+  return moved;
+}
+
+void Band(Mesh &mesh, double outerInset, double outerY, double innerInset, double innerY,
+          const Paint &paint) {
+  const auto outer = Contour(outerInset), inner = Contour(innerInset);
+  for (std::size_t i = 0; i < outer.size(); ++i) {
+    const std::size_t next = (i + 1) % outer.size();
+    const auto raised = [](const Point &point, double y) { return Point{point.x, y, point.z}; };
+    const Point a = raised(outer[i], outerY), b = raised(outer[next], outerY),
+                c = raised(inner[next], innerY), d = raised(inner[i], innerY);
+    Point normal = Normalized(Cross(b - a, d - a));
+    if (normal.y < 0.0) normal = normal * -1.0;
+    mesh.FlatQuad(a, b, c, d, normal, paint);
+  }
+}
+
+} // namespace
+
+Mesh MakeArrow() {
+  Mesh mesh;
+  Band(mesh, 0.0, BaseY, 0.1, EdgeY, Outline);
+  Band(mesh, 0.1, EdgeY, OutlineWidth, EdgeY + 0.02, Outline);
+  Band(mesh, OutlineWidth, EdgeY + 0.02, OutlineWidth + BevelWidth, TopY, Bevel);
+  std::vector<int> top;
+  for (const Point &point : Contour(OutlineWidth + BevelWidth))
+    top.push_back(mesh.Add({{point.x, TopY, point.z}, {0.0, 1.0, 0.0}, Face}));
+  mesh.Quad(top[0], top[1], top[5], top[6]);
+  mesh.Triangle(top[1], top[3], top[5]);
+  mesh.Triangle(top[1], top[2], top[3]);
+  mesh.Triangle(top[3], top[4], top[5]);
+  return mesh;
+}

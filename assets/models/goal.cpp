@@ -1,0 +1,69 @@
+// The goal posts: round tubes, the bar at the origin, uprights at its ends, one curved stem behind and below,
+// and a ribbon at the head of each upright.
+
+#include "models.h"
+#include "shapes.h"
+
+#include <cmath>
+
+namespace {
+
+constexpr double HalfWidth = 14.0;     ///< from the middle to each upright
+constexpr double UprightHeight = 33.0; ///< above the bar
+constexpr double TubeRadius = 0.62;
+constexpr double StemRadius = 0.95;
+constexpr double StemBack = 6.0;     ///< how far the stem stands behind the bar
+constexpr double FloorBelow = 169.8; ///< from the bar down to the stadium's floor
+constexpr int Sides = 14;
+
+constexpr Paint Yellow{1.0, 0.93, 1.0, 0.0};
+constexpr Paint Amber{1.0, 0.74, 1.0, 0.0};
+constexpr Paint Ribbon{1.0, 0.10, 1.0, 0.0};
+constexpr Paint RibbonShade{0.75, 0.03, 1.0, 0.0};
+
+/// A ribbon that waves out to +x from the head of an upright.
+void AddRibbon(Mesh &mesh, const Point &head) {
+  constexpr int Steps = 8;
+  constexpr double Length = 5.2, Height = 1.5, Wave = 0.55;
+  for (const double face : {1.0, -1.0}) {
+    int before[2] = {0, 0};
+    for (int i = 0; i <= Steps; ++i) {
+      const double share = static_cast<double>(i) / Steps;
+      const double phase = share * 2.2 * Pi;
+      const Point middle = head + Point{share * Length, -0.4 * share, Wave * share * std::sin(phase) * 1.6};
+      const Point normal = Normalized(Point{-std::cos(phase) * 0.9, 0.0, 1.0} * face);
+      const Paint paint = Mix(Ribbon, RibbonShade, 0.5 + 0.5 * std::cos(phase));
+      const double half = Height * (0.5 - 0.18 * share);
+      const int now[2] = {mesh.Add({middle + Point{0.0, half, 0.0}, normal, paint}),
+                          mesh.Add({middle - Point{0.0, half, 0.0}, normal, paint})};
+      if (i > 0) mesh.Quad(before[0], now[0], now[1], before[1]);
+      before[0] = now[0];
+      before[1] = now[1];
+    }
+  }
+}
+
+} // namespace
+
+Mesh MakeGoal() {
+  Mesh mesh;
+  Tube(mesh, {{-HalfWidth, 0.0, 0.0}, {HalfWidth, 0.0, 0.0}}, TubeRadius, Sides, Yellow);
+  for (const double x : {-HalfWidth, HalfWidth}) {
+    Tube(mesh, {{x, 0.0, 0.0}, {x, UprightHeight, 0.0}}, TubeRadius, Sides, Yellow);
+    Lathe(mesh, {x, UprightHeight - 2.6, 0.0},
+          {{TubeRadius * 1.18, -0.9, Ribbon}, {TubeRadius * 1.18, 0.9, Ribbon}}, Sides, true);
+    AddRibbon(mesh, {x + TubeRadius, UprightHeight - 2.6, 0.0});
+  }
+
+  std::vector<Point> neck = {{0.0, 0.0, 0.0}};
+  for (int i = 0; i <= 8; ++i) {
+    const double angle = Pi / 2.0 * i / 8.0;
+    neck.push_back(
+        {0.0, -StemBack * 0.75 * (1.0 - std::cos(angle)), -StemBack * (0.25 + 0.75 * std::sin(angle))});
+  }
+  neck.push_back({0.0, -FloorBelow, -StemBack});
+  Tube(mesh, neck, StemRadius, Sides, Amber);
+  Lathe(mesh, {0.0, -FloorBelow, -StemBack}, {{4.0, 0.0, Amber * 0.6}, {3.6, 1.0, Amber}, {0.0, 1.4, Amber}},
+        24, false);
+  return mesh;
+}

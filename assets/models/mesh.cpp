@@ -1,0 +1,115 @@
+#include "mesh.h"
+
+#include <cmath>
+#include <cstdio>
+#include <fstream>
+#include <stdexcept>
+
+namespace {
+
+constexpr double SmallestArea = 1e-7; ///< of a face worth writing, square units
+
+/// A number with its decimal point, as readers of such files want it.
+std::string Number(double value) {
+  char text[40];
+  std::snprintf(text, sizeof text, "%.5f", value == 0.0 ? 0.0 : value);
+  std::string number = text;
+  while (number.back() == '0' && number[number.size() - 2] != '.') number.pop_back();
+  return number == "-0.0" ? "0.0" : number;
+}
+
+std::string Triple(const Point &a) { return Number(a.x) + ";" + Number(a.y) + ";" + Number(a.z) + ";"; }
+
+} // namespace
+
+Point operator+(const Point &a, const Point &b) { return {a.x + b.x, a.y + b.y, a.z + b.z}; }
+Point operator-(const Point &a, const Point &b) { return {a.x - b.x, a.y - b.y, a.z - b.z}; }
+Point operator*(const Point &a, double factor) { return {a.x * factor, a.y * factor, a.z * factor}; }
+double Dot(const Point &a, const Point &b) { return a.x * b.x + a.y * b.y + a.z * b.z; }
+Point Cross(const Point &a, const Point &b) {
+  return {a.y * b.z - a.z * b.y, a.z * b.x - a.x * b.z, a.x * b.y - a.y * b.x};
+}
+double Length(const Point &a) { return std::sqrt(Dot(a, a)); }
+Point Normalized(const Point &a) {
+  const double length = Length(a);
+  return length < 1e-12 ? Point{0.0, 1.0, 0.0} : a * (1.0 / length);
+}
+Point Mix(const Point &a, const Point &b, double share) { return a * (1.0 - share) + b * share; }
+
+Paint operator*(const Paint &paint, double brightness) {
+  return {paint.r * brightness, paint.g * brightness, paint.b * brightness, paint.texture};
+}
+Paint Mix(const Paint &a, const Paint &b, double share) {
+  const double rest = 1.0 - share;
+  return {a.r * rest + b.r * share, a.g * rest + b.g * share, a.b * rest + b.b * share,
+          a.texture * rest + b.texture * share};
+}
+
+int Mesh::Add(const Vertex &vertex) {
+  vertices_.push_back(vertex);
+  return static_cast<int>(vertices_.size()) - 1;
+}
+
+void Mesh::Triangle(int a, int b, int c) {
+  const auto &first = vertices_[static_cast<std::size_t>(a)];
+  const auto &second = vertices_[static_cast<std::size_t>(b)];
+  const auto &third = vertices_[static_cast<std::size_t>(c)];
+  const Point across = Cross(second.at - first.at, third.at - first.at);
+  if (Length(across) < 2.0 * SmallestArea) return;
+  if (Dot(across, first.normal + second.normal + third.normal) < 0.0)
+    faces_.push_back({a, c, b});
+  else
+    faces_.push_back({a, b, c});
+}
+
+void Mesh::Quad(int a, int b, int c, int d) {
+  Triangle(a, b, c);
+  Triangle(a, c, d);
+}
+
+void Mesh::FlatQuad(const Point &a, const Point &b, const Point &c, const Point &d, const Point &normal,
+                    const Paint &paint) {
+  Quad(Add({a, normal, paint}), Add({b, normal, paint}), Add({c, normal, paint}), Add({d, normal, paint}));
+}
+
+void Mesh::FlatTriangle(const Point &a, const Point &b, const Point &c, const Point &normal,
+                        const Paint &paint) {
+  Triangle(Add({a, normal, paint}), Add({b, normal, paint}), Add({c, normal, paint}));
+}
+
+void Mesh::Write(const std::filesystem::path &path, const std::string &name,
+                 const Placement &placement) const {
+  std::ofstream file(path, std::ios::binary);
+  const auto ending = [](std::size_t index, std::size_t count) { return index + 1 < count ? ",\n" : ";\n"; };
+  const auto writeFaces = [&] {
+    file << faces_.size() << ";\n";
+    for (std::size_t i = 0; i < faces_.size(); ++i)
+      file << "3;" << faces_[i].a << "," << faces_[i].b << "," << faces_[i].c << ";"
+           << ending(i, faces_.size());
+  };
+
+  file << "xof 0303txt 0032\n\nMesh " << name << " {\n" << vertices_.size() << ";\n";
+  for (std::size_t i = 0; i < vertices_.size(); ++i) {
+    const Point moved = vertices_[i].at - placement.offset;
+    file << Triple({moved.x / placement.scale.x, moved.y / placement.scale.y, moved.z / placement.scale.z})
+         << ending(i, vertices_.size());
+  }
+  writeFaces();
+  file << "MeshNormals {\n" << vertices_.size() << ";\n";
+  for (std::size_t i = 0; i < vertices_.size(); ++i) {
+    const Point &normal = vertices_[i].normal; // scales the other way round, so that it stays upright
+    file << Triple(Normalized(
+                {normal.x * placement.scale.x, normal.y * placement.scale.y, normal.z * placement.scale.z}))
+         << ending(i, vertices_.size());
+  }
+  writeFaces();
+  file << "}\nMeshVertexColors {\n" << vertices_.size() << ";\n";
+  for (std::size_t i = 0; i < vertices_.size(); ++i) {
+    const Paint &paint = vertices_[i].paint;
+    file << i << ";" << Triple({paint.r, paint.g, paint.b}) << Number(paint.texture) << ";"
+         << ending(i, vertices_.size());
+  }
+  file << "}\n}\n";
+  file.flush();
+  if (!file) throw std::runtime_error(path.string() + ": can't write the model");
+}

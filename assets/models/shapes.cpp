@@ -1,0 +1,117 @@
+#include "shapes.h"
+
+#include <algorithm>
+#include <cmath>
+
+double SmoothStep(double from, double to, double value) {
+  const double share = std::clamp((value - from) / (to - from), 0.0, 1.0);
+  return share * share * (3.0 - 2.0 * share);
+}
+
+void Lathe(Mesh &mesh, const Point &centre, const std::vector<ProfilePoint> &profile, int segments,
+           bool smooth) {
+  const std::size_t last = profile.size() - 1;
+  const auto slope =
+      [&](std::size_t i) { // normal of the stretch from point i on, in the plane of the profile
+        const double out = profile[i + 1].out - profile[i].out;
+        const double up = profile[i + 1].y - profile[i].y;
+        return Normalized({-up, out, 0.0});
+      };
+  for (std::size_t i = 0; i < last; ++i) {
+    Point near = slope(i), far = near;
+    if (smooth && i > 0) near = Normalized(near + slope(i - 1));
+    if (smooth && i + 1 < last) far = Normalized(far + slope(i + 1));
+    std::vector<int> lower, upper;
+    for (int s = 0; s <= segments; ++s) {
+      const double angle = 2.0 * Pi * (s % segments) / segments;
+      const Point out{std::sin(angle), 0.0, std::cos(angle)};
+      const auto vertex = [&](const ProfilePoint &point, const Point &normal) {
+        return Vertex{centre + out * point.out + Point{0.0, point.y, 0.0},
+                      out * normal.x + Point{0.0, normal.y, 0.0}, point.paint};
+      };
+      lower.push_back(mesh.Add(vertex(profile[i], near)));
+      upper.push_back(mesh.Add(vertex(profile[i + 1], far)));
+    }
+    for (std::size_t s = 0; s + 1 < lower.size(); ++s)
+      mesh.Quad(lower[s], lower[s + 1], upper[s + 1], upper[s]);
+  }
+}
+
+void Tube(Mesh &mesh, const std::vector<Point> &path, double radius, int sides, const Paint &paint) {
+  struct Ring {
+    Point centre, along;
+    double radius, lean; ///< lean: how far the normals turn along the path, for the rounded ends
+  };
+  std::vector<Ring> rings;
+  const auto direction = [&](std::size_t i) {
+    const Point before = i > 0 ? Normalized(path[i] - path[i - 1]) : Point{};
+    const Point after = i + 1 < path.size() ? Normalized(path[i + 1] - path[i]) : Point{};
+    return Normalized(before + after);
+  };
+  const Point start = direction(0), end = direction(path.size() - 1);
+  rings.push_back({path.front() - start * (radius * 0.6), start, 0.0, -4.0});
+  rings.push_back({path.front() - start * (radius * 0.4), start, radius * 0.7, -1.0});
+  for (std::size_t i = 0; i < path.size(); ++i) rings.push_back({path[i], direction(i), radius, 0.0});
+  rings.push_back({path.back() + end * (radius * 0.4), end, radius * 0.7, 1.0});
+  rings.push_back({path.back() + end * (radius * 0.6), end, 0.0, 4.0});
+
+  std::vector<int> previous;
+  Point side =
+      Normalized(std::abs(start.y) < 0.9 ? Cross({0.0, 1.0, 0.0}, start) : Cross({0.0, 0.0, 1.0}, start));
+  for (const Ring &ring : rings) {
+    side = Normalized(side - ring.along * Dot(side, ring.along));
+    const Point third = Cross(ring.along, side);
+    std::vector<int> current;
+    for (int s = 0; s < sides; ++s) {
+      const double angle = 2.0 * Pi * s / sides;
+      const Point out = side * std::cos(angle) + third * std::sin(angle);
+      current.push_back(
+          mesh.Add({ring.centre + out * ring.radius, Normalized(out + ring.along * ring.lean), paint}));
+    }
+    for (std::size_t s = 0; !previous.empty() && s < current.size(); ++s) {
+      const std::size_t next = (s + 1) % current.size();
+      mesh.Quad(previous[s], previous[next], current[next], current[s]);
+    }
+    previous = current;
+  }
+}
+
+void Box(Mesh &mesh, const Point &low, const Point &high, const Paint &paint) {
+  const auto corner = [&](int i) {
+    return Point{(i & 1) != 0 ? high.x : low.x, (i & 2) != 0 ? high.y : low.y, (i & 4) != 0 ? high.z : low.z};
+  };
+  constexpr int Sides[6][4] = {{0, 1, 3, 2}, {4, 5, 7, 6}, {0, 2, 6, 4},
+                               {1, 3, 7, 5}, {0, 1, 5, 4}, {2, 3, 7, 6}};
+  constexpr Point Normals[6] = {{0, 0, -1}, {0, 0, 1}, {-1, 0, 0}, {1, 0, 0}, {0, -1, 0}, {0, 1, 0}};
+  for (int side = 0; side < 6; ++side)
+    mesh.FlatQuad(corner(Sides[side][0]), corner(Sides[side][1]), corner(Sides[side][2]),
+                  corner(Sides[side][3]), Normals[side], paint);
+}
+
+void Stroke(Mesh &mesh, const std::vector<Point> &path, bool closed, double width, double y,
+            const Paint &paint) {
+  constexpr double MitreLimit = 1.5; ///< longest mitre, in half widths
+  const std::size_t count = path.size();
+  const auto across = [&](std::size_t from, std::size_t to) {
+    const Point along = path[to] - path[from];
+    return Normalized({along.z, 0.0, -along.x});
+  };
+  std::vector<int> left, right;
+  for (std::size_t i = 0; i < count; ++i) {
+    const bool first = i == 0 && !closed, last = i + 1 == count && !closed;
+    const Point before = across(first ? 0 : (i + count - 1) % count, first ? 1 : i);
+    const Point after = across(last ? i - 1 : i, last ? i : (i + 1) % count);
+    const Point middle = Normalized(before + after);
+    const double reach = width / 2.0 * std::min(MitreLimit, 1.0 / std::max(0.1, Dot(middle, after)));
+    const auto vertex = [&](double sign) {
+      const Point at = path[i] + middle * (reach * sign);
+      return mesh.Add({{at.x, y, at.z}, {0.0, 1.0, 0.0}, paint});
+    };
+    left.push_back(vertex(1.0));
+    right.push_back(vertex(-1.0));
+  }
+  for (std::size_t i = 0; i + 1 < count + (closed ? 1 : 0); ++i) {
+    const std::size_t next = (i + 1) % count;
+    mesh.Quad(left[i], left[next], right[next], right[i]);
+  }
+}

@@ -1,0 +1,34 @@
+#pragma once
+
+// Solids and flat figures that the models are put together from.
+
+#include "mesh.h"
+
+#include <vector>
+
+constexpr double Pi = 3.14159265358979323846;
+
+/// 0 below `from`, 1 above `to`, smooth between.
+double SmoothStep(double from, double to, double value);
+
+/// A point of a profile that is turned round the y axis or led along an outline.
+struct ProfilePoint {
+  double out = 0.0; ///< radius, or distance from the outline
+  double y = 0.0;
+  Paint paint;
+};
+
+/// Turns a profile round the y axis through `centre`. The surface faces left of the way along the profile
+/// (out to the right, y up) and is smooth along it where `smooth` is set.
+void Lathe(Mesh &mesh, const Point &centre, const std::vector<ProfilePoint> &profile, int segments,
+           bool smooth);
+
+/// A round tube along a path, with rounded ends.
+void Tube(Mesh &mesh, const std::vector<Point> &path, double radius, int sides, const Paint &paint);
+
+/// A box between two corners.
+void Box(Mesh &mesh, const Point &low, const Point &high, const Paint &paint);
+
+/// A flat stroke at height `y`, front up, through points whose y is not looked at, with mitred bends.
+void Stroke(Mesh &mesh, const std::vector<Point> &path, bool closed, double width, double y,
+            const Paint &paint);

@@ -1,0 +1,263 @@
+// The stadium: a floor with a running track far below the table, and round it, on a square plan with round
+// corners, decks of seats that rise past the table to two tiers and a rim with masts and flags. Everything
+// that the camera can look past lies outside the square of its places.
+
+#include "lettering.h"
+#include "models.h"
+#include "shapes.h"
+
+#include <algorithm>
+#include <cmath>
+#include <functional>
+
+namespace {
+
+constexpr double Floor = -150.0;   ///< just below where a falling piece ends
+constexpr double CornerAt = 100.0; ///< the round corners' middles, in x and z
+constexpr int StraightParts = 6;   ///< of each side
+constexpr int CornerParts = 7;     ///< of each corner
+constexpr int Columns = 4 * (StraightParts + CornerParts);
+
+constexpr Paint Crowd{1.0, 1.0, 1.0, 1.0};
+constexpr Paint Concrete{0.78, 0.74, 0.78, 0.0};
+constexpr Paint Shade{0.26, 0.23, 0.34, 0.0};
+constexpr Paint White{0.97, 0.95, 0.93, 0.0};
+constexpr Paint Steel{0.36, 0.38, 0.48, 0.0};
+constexpr Paint Lamp{1.0, 0.98, 0.86, 0.0};
+constexpr Paint Track{0.70, 0.30, 0.22, 0.10};
+constexpr Paint FloorGrass{0.26, 0.45, 0.22, 0.15};
+constexpr Paint Banner{0.12, 0.20, 0.45, 0.0};
+
+/// A place on the plan: where a level that lies `out` from the middle passes, and which way is outward.
+struct Station {
+  double x, z, outX, outZ;
+};
+
+/// `turn` counts columns round the stadium, from the far side's left end on; fractions lie between.
+Station At(double turn, double out) {
+  const double wrapped = turn - Columns * std::floor(turn / Columns);
+  const int side = static_cast<int>(wrapped / (StraightParts + CornerParts)) % 4;
+  const double rest = wrapped - side * (StraightParts + CornerParts);
+  double x, z, outX, outZ; // for the far side, with +x to the right and outward along -z
+  if (rest <= StraightParts) {
+    x = -CornerAt + 2.0 * CornerAt * rest / StraightParts;
+    z = -out;
+    outX = 0.0;
+    outZ = -1.0;
+  } else {
+    const double angle = Pi / 2.0 * (rest - StraightParts) / CornerParts;
+    const double radius = out - CornerAt;
+    outX = std::sin(angle);
+    outZ = -std::cos(angle);
+    x = CornerAt + radius * outX;
+    z = -CornerAt + radius * outZ;
+  }
+  for (int i = 0; i < side; ++i) { // a quarter turn, far side to right side
+    const double oldX = x, oldOutX = outX;
+    x = -z;
+    z = oldX;
+    outX = -outZ;
+    outZ = oldOutX;
+  }
+  return {x, z, outX, outZ};
+}
+
+/// A level of the stands' profile: distance from the middle, height.
+struct Level {
+  double out, y;
+};
+
+using PaintAt = std::function<Paint(int column)>;
+
+/// The surface between two levels, all the way round. It faces left of the way from `low` to `high`, seen
+/// with outward to the right.
+void Ring(Mesh &mesh, const Level &low, const Level &high, const PaintAt &lowPaint,
+          const PaintAt &highPaint) {
+  const Point slope = Normalized({-(high.y - low.y), high.out - low.out, 0.0});
+  const auto vertex = [&](double turn, const Level &level, const Paint &paint) {
+    const Station station = At(turn, level.out);
+    return mesh.Add(
+        {{station.x, level.y, station.z}, {station.outX * slope.x, slope.y, station.outZ * slope.x}, paint});
+  };
+  for (int column = 0; column < Columns; ++column) {
+    const Paint below = lowPaint(column), above = highPaint(column);
+    mesh.Quad(vertex(column, low, below), vertex(column + 1, low, below), vertex(column + 1, high, above),
+              vertex(column, high, above));
+  }
+}
+
+void Ring(Mesh &mesh, const Level &low, const Level &high, const Paint &lowPaint, const Paint &highPaint) {
+  Ring(
+      mesh, low, high, [&](int) { return lowPaint; }, [&](int) { return highPaint; });
+}
+
+/// Blocks of seats where supporters of one side sit together.
+Paint Supporters(int column) {
+  static const Paint tints[] = {{1.0, 1.0, 1.0, 1.0},
+                                {1.0, 0.86, 0.80, 1.0},
+                                {0.86, 0.92, 1.0, 1.0},
+                                {1.0, 0.97, 0.80, 1.0},
+                                {1.0, 1.0, 1.0, 1.0}};
+  return tints[(column * 7 + column / 3) % 5];
+}
+
+/// A deck of seats with stairs between its blocks. `lowLight` and `highLight`: brightness at its foot and
+/// head.
+void Deck(Mesh &mesh, const Level &low, const Level &high, double lowLight, double highLight) {
+  // In two steps, so that the shade under the deck above doesn't reach down to the front rows.
+  const Level middle{(low.out + high.out) / 2.0, (low.y + high.y) / 2.0};
+  const double middleLight = lowLight * 0.6 + highLight * 0.4;
+  const auto lit = [](double light) { return [light](int column) { return Supporters(column) * light; }; };
+  Ring(mesh, low, middle, lit(lowLight), lit(middleLight));
+  Ring(mesh, middle, high, lit(middleLight), lit(highLight));
+
+  constexpr double StairWidth = 0.07; // columns
+  constexpr double Lift = 0.5;
+  const Point slope = Normalized({-(high.y - low.y), high.out - low.out, 0.0});
+  for (int column = 0; column < Columns; ++column) {
+    const double half =
+        StairWidth / 2.0 * (column % (StraightParts + CornerParts) < StraightParts ? 1.0 : 1.25);
+    const auto vertex = [&](double turn, const Level &level, double light) {
+      const Station station = At(turn, level.out);
+      return mesh.Add({{station.x, level.y + Lift, station.z},
+                       {station.outX * slope.x, slope.y, station.outZ * slope.x},
+                       Concrete * light});
+    };
+    mesh.Quad(vertex(column - half, low, lowLight), vertex(column + half, low, lowLight),
+              vertex(column + half, high, highLight), vertex(column - half, high, highLight));
+  }
+}
+
+/// Boards along a front: panels of changing colours.
+void Boards(Mesh &mesh, double out, double low, double high, int phase, double light) {
+  static const Paint colours[] = {{0.10, 0.22, 0.52, 0.0}, {0.95, 0.93, 0.90, 0.0}, {0.85, 0.16, 0.14, 0.0},
+                                  {0.97, 0.78, 0.16, 0.0}, {0.10, 0.45, 0.42, 0.0}, {0.93, 0.45, 0.13, 0.0}};
+  const auto colour = [&](int column) { return colours[(column * 5 + phase + column / 4) % 6] * light; };
+  Ring(mesh, {out, low}, {out + 0.4, high}, colour, colour);
+}
+
+void AddFloor(Mesh &mesh) {
+  // Rings from the middle out; the table's shadow darkens the inner ones.
+  struct Zone {
+    double from, to;
+    Paint paint;
+    double light;
+  };
+  // Inside of CornerAt there are no round corners: one square in the middle.
+  const Paint inner = FloorGrass * 0.45;
+  mesh.FlatQuad({-CornerAt, Floor, -CornerAt}, {CornerAt, Floor, -CornerAt}, {CornerAt, Floor, CornerAt},
+                {-CornerAt, Floor, CornerAt}, {0.0, 1.0, 0.0}, inner);
+  const auto zone = [&](double from, double to, const Paint &first, const Paint &second) {
+    Ring(mesh, {from, Floor}, {to, Floor}, first, second);
+  };
+  zone(CornerAt, 116.0, inner, FloorGrass * 0.85);
+  constexpr double TrackIn = 116.0, TrackOut = 152.0;
+  constexpr int Lanes = 6;
+  const double lane = (TrackOut - TrackIn) / Lanes;
+  for (int i = 0; i < Lanes; ++i) {
+    const double from = TrackIn + i * lane;
+    zone(from, from + 0.7, White * 0.9, White * 0.9);
+    zone(from + 0.7, from + lane, Track, Track);
+  }
+  zone(TrackOut, TrackOut + 0.7, White * 0.9, White * 0.9);
+  zone(TrackOut + 0.7, 158.0, Concrete * 0.7, Concrete * 0.55);
+}
+
+/// A floodlight mast that leans over the rim, with its bank of lamps turned to the table.
+void AddMast(Mesh &mesh, double turn) {
+  const Station foot = At(turn, 287.0);
+  const Point out{foot.outX, 0.0, foot.outZ};
+  const Point along{-foot.outZ, 0.0, foot.outX};
+  const Point base{foot.x, 56.0, foot.z};
+  const Point head = base + Point{0.0, 9.0, 0.0} - out * 2.0;
+  Tube(mesh, {base, head}, 0.9, 6, Steel);
+  const Point facing = Normalized(Point{0.0, -0.25, 0.0} - out);
+  const Point up = Normalized(Point{0.0, 1.0, 0.0} + facing * 0.25);
+  const auto corner = [&](double right, double high, double front) {
+    return head + along * right + up * high + facing * front;
+  };
+  constexpr double Half = 8.5, Tall = 6.6;
+  mesh.FlatQuad(corner(-Half, 0, 0.6), corner(Half, 0, 0.6), corner(Half, Tall, 0.6),
+                corner(-Half, Tall, 0.6), facing, Steel * 0.55);
+  for (int row = 0; row < 2; ++row)
+    for (int column = 0; column < 5; ++column) {
+      const double right = -Half + 0.7 + column * 3.3, high = 0.5 + row * 3.05;
+      mesh.FlatQuad(corner(right, high, 0.8), corner(right + 2.5, high, 0.8),
+                    corner(right + 2.5, high + 2.5, 0.8), corner(right, high + 2.5, 0.8), facing, Lamp);
+    }
+}
+
+void AddFlag(Mesh &mesh, double turn, const Paint &paint) {
+  const Station foot = At(turn, 255.0);
+  const Point base{foot.x, 56.5, foot.z};
+  const Point along{-foot.outZ, 0.0, foot.outX};
+  const Point facing{-foot.outX, 0.0, -foot.outZ};
+  const Point top = base + Point{0.0, 8.0, 0.0};
+  Tube(mesh, {base, top}, 0.22, 4, White);
+  const Point tip = top + along * 6.5 + Point{0.0, -2.2, 0.0};
+  for (const double side : {1.0, -1.0})
+    mesh.FlatTriangle(top, top - Point{0.0, 4.0, 0.0}, tip, facing * side, paint);
+}
+
+/// The desk's legs, down to the floor.
+void AddLegs(Mesh &mesh) {
+  for (const double x : {-83.0, 83.0}) {
+    for (const double z : {-83.0, 83.0}) {
+      Tube(mesh, {{x, -2.6, z}, {x, Floor + 1.0, z}}, 1.5, 10, Steel);
+      Lathe(mesh, {x, Floor, z}, {{3.2, 0.0, Shade}, {2.6, 2.4, Shade}, {0.0, 2.6, Shade}}, 12, false);
+    }
+  }
+}
+
+} // namespace
+
+Mesh MakeStadium() {
+  Mesh mesh;
+  AddFloor(mesh);
+  AddLegs(mesh);
+
+  Boards(mesh, 158.0, Floor, -142.0, 1, 0.6);
+  Deck(mesh, {159.0, -142.0}, {190.0, -104.0}, 0.62, 0.34);
+  Ring(mesh, {190.0, -104.0}, {190.0, -97.0}, Shade, Shade * 0.8);
+  Ring(mesh, {190.0, -97.0}, {183.0, -96.0}, Shade * 0.8, Shade);
+  Boards(mesh, 182.6, -96.0, -90.0, 3, 0.7);
+  Deck(mesh, {183.0, -89.5}, {214.0, -54.0}, 0.75, 0.42);
+  Ring(mesh, {214.0, -54.0}, {214.0, -47.0}, Shade, Shade * 0.8);
+  Ring(mesh, {214.0, -47.0}, {206.0, -46.0}, Shade * 0.8, Shade);
+  Boards(mesh, 205.6, -46.0, -40.0, 5, 0.85);
+
+  // The two tiers that the table's height looks at.
+  Deck(mesh, {206.0, -39.5}, {252.0, 6.0}, 0.95, 0.45);
+  Ring(mesh, {252.0, 6.0}, {252.0, 15.0}, Shade, Shade * 0.7);
+  Ring(mesh, {252.0, 15.0}, {232.0, 17.0}, Shade * 0.7, Shade);
+  Ring(mesh, {231.4, 16.6}, {231.8, 22.6}, Banner, Banner);
+  Ring(mesh, {231.4, 22.6}, {232.4, 23.2}, White, White);
+  Deck(mesh, {232.4, 23.0}, {276.0, 48.0}, 1.0, 0.72);
+  Ring(mesh, {276.0, 48.0}, {276.0, 53.0}, Shade, Shade * 0.7);
+  Ring(mesh, {276.0, 53.0}, {254.0, 54.6}, Shade * 0.7, Shade);
+  Ring(mesh, {253.6, 54.4}, {253.8, 57.2}, White, White);
+  Ring(mesh, {253.8, 57.2}, {288.0, 58.4}, Concrete, Concrete * 0.8);
+
+  constexpr int SideColumns = StraightParts + CornerParts;
+  for (int side = 0; side < 4; ++side) {
+    AddMast(mesh, side * SideColumns + 0.3);
+    AddMast(mesh, side * SideColumns + StraightParts - 0.3);
+  }
+  static const Paint flags[] = {
+      {0.93, 0.18, 0.16, 0.0}, {0.98, 0.80, 0.15, 0.0}, {0.16, 0.38, 0.75, 0.0}, White};
+  for (int i = 0; i < Columns; ++i) AddFlag(mesh, i + 0.5, flags[i % 4]);
+
+  // The name of the game along the front of the upper tier, on each side.
+  for (int side = 0; side < 4; ++side) {
+    const Station middle = At(side * SideColumns + StraightParts / 2.0, 231.2);
+    const Point inward{-middle.outX, 0.0, -middle.outZ};
+    const Point right{-middle.outZ, 0.0, middle.outX};
+    Lettering lettering{{}, right, {0.0, 1.0, 0.0}, 5.0, 4.2, 2.4, 1.1};
+    for (const double shift : {-70.0, 0.0, 70.0}) {
+      lettering.origin =
+          Point{middle.x, 17.5, middle.z} + right * (shift - LineLength("SNAPWEDGE", lettering) / 2.0);
+      AddLetters(mesh, "SNAPWEDGE", lettering, inward, White);
+    }
+  }
+  return mesh;
+}

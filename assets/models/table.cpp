@@ -1,0 +1,97 @@
+// The table: a flat top, a wooden edge and an arched underside. The same model at ten times the size hangs
+// over the stadium as the sky, which shows its underside: the arch makes a dome of it, and the paint its
+// haze.
+
+#include "models.h"
+#include "shapes.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace {
+
+constexpr double HalfSide = 88.0;   ///< of the square top
+constexpr double EdgeHeight = 0.9;  ///< of the upright part of the edge
+constexpr double Thickness = 2.8;   ///< at the edge
+constexpr double Undercut = 2.0;    ///< how far the underside stays behind the top
+constexpr double CrownDepth = 0.15; ///< thickness in the middle, where the sky is highest
+constexpr int TopCells = 7;         ///< odd, so that no seam runs along the middle of the field
+constexpr int ArchCells = 14;
+
+constexpr Paint Turf{1.0, 1.0, 1.0, 1.0};
+constexpr Paint LightWood{0.93, 0.72, 0.47, 0.0};
+constexpr Paint DarkWood{0.55, 0.34, 0.19, 0.0};
+constexpr Paint Zenith{0.93, 0.92, 1.0, 1.0};
+constexpr Paint Horizon{1.0, 0.88, 0.80, 1.0};
+
+double Coordinate(int i, int cells, double half) { return half * (2.0 * i / cells - 1.0); }
+
+/// A square of cells on which `vertex` tells the vertex at (x, z).
+template <typename VertexAt> void Grid(Mesh &mesh, int cells, double half, VertexAt vertex) {
+  std::vector<int> numbers;
+  for (int row = 0; row <= cells; ++row)
+    for (int column = 0; column <= cells; ++column)
+      numbers.push_back(mesh.Add(vertex(Coordinate(column, cells, half), Coordinate(row, cells, half))));
+  for (int row = 0; row < cells; ++row)
+    for (int column = 0; column < cells; ++column) {
+      const std::size_t corner = static_cast<std::size_t>(row * (cells + 1) + column);
+      const std::size_t below = corner + static_cast<std::size_t>(cells) + 1;
+      mesh.Quad(numbers[corner], numbers[corner + 1], numbers[below + 1], numbers[below]);
+    }
+}
+
+double ArchHeight(double x, double z, double half) {
+  const double share = std::min(1.0, (x * x + z * z) / (half * half));
+  const double square =
+      std::max(std::abs(x), std::abs(z)) / half; // all of the border lies at the same height
+  return -CrownDepth - (Thickness - CrownDepth) * std::max(share * 0.8, std::pow(square, 6.0));
+}
+
+} // namespace
+
+Mesh MakeTable() {
+  Mesh mesh;
+  Grid(mesh, TopCells, HalfSide, [](double x, double z) {
+    return Vertex{{x, 0.0, z}, {0.0, 1.0, 0.0}, Turf};
+  });
+
+  const double half = HalfSide - Undercut;
+  Grid(mesh, ArchCells, half, [half](double x, double z) {
+    constexpr double Step = 0.5;
+    const double alongX = ArchHeight(x + Step, z, half) - ArchHeight(x - Step, z, half);
+    const double alongZ = ArchHeight(x, z + Step, half) - ArchHeight(x, z - Step, half);
+    const double share = std::min(1.0, std::hypot(x, z) / half);
+    return Vertex{{x, ArchHeight(x, z, half), z},
+                  Normalized({alongX / (2.0 * Step), -1.0, alongZ / (2.0 * Step)}),
+                  Mix(Zenith, Horizon, SmoothStep(0.1, 0.8, share))};
+  });
+
+  // The edge: upright below the top, then rounded in to the underside.
+  struct Level {
+    double inset, y;
+    Point normal; ///< x outward, y up
+    Paint paint;
+  };
+  const Level levels[] = {{0.0, 0.0, {1.0, 0.0, 0.0}, LightWood},
+                          {0.0, -EdgeHeight, {1.0, -0.1, 0.0}, LightWood},
+                          {0.5, -1.8, {0.8, -0.6, 0.0}, Mix(LightWood, DarkWood, 0.6)},
+                          {Undercut, -Thickness, {0.3, -1.0, 0.0}, DarkWood}};
+  for (int side = 0; side < 4; ++side) {
+    const Point out{side == 0 ? 1.0 : side == 2 ? -1.0 : 0.0, 0.0, side == 1 ? 1.0 : side == 3 ? -1.0 : 0.0};
+    const Point along{-out.z, 0.0, out.x};
+    int before[2] = {0, 0};
+    for (const Level &level : levels) {
+      const double reach = HalfSide - level.inset;
+      const Point normal = Normalized(out * level.normal.x + Point{0.0, level.normal.y, 0.0});
+      const auto end = [&](double sign) {
+        return mesh.Add(
+            {out * reach + along * (reach * sign) + Point{0.0, level.y, 0.0}, normal, level.paint});
+      };
+      const int now[2] = {end(-1.0), end(1.0)};
+      if (&level != levels) mesh.Quad(before[0], before[1], now[1], now[0]);
+      before[0] = now[0];
+      before[1] = now[1];
+    }
+  }
+  return mesh;
+}
