@@ -27,9 +27,10 @@ double LineWidth(double z) { return 1.0 + 0.9 * (NearZ - z) / (NearZ - FarZ); }
 
 void Words(Mesh &mesh, const char *text, double middleX, double footZ, double height, double width,
            double stroke) {
-  Lettering lettering{{0.0, PaintY, footZ}, {1.0, 0.0, 0.0}, {0.0, 0.0, -1.0}, width, height,
+  // Who looks toward the far edge has +x at the left hand.
+  Lettering lettering{{0.0, PaintY, footZ}, {-1.0, 0.0, 0.0}, {0.0, 0.0, -1.0}, width, height,
                       width * 0.35,         stroke};
-  lettering.origin.x = middleX - LineLength(text, lettering) / 2.0;
+  lettering.origin.x = middleX + LineLength(text, lettering) / 2.0;
   AddLetters(mesh, text, lettering, {0.0, 1.0, 0.0}, Yellow);
 }
 
@@ -64,7 +65,7 @@ Mesh MakeLines() {
         Band(mesh, x - 1.6, x + 1.6, z - half, z + half);
     }
 
-  Words(mesh, "END", -44.0, -70.6, 13.5, 12.5, 3.0);
-  Words(mesh, "ZONE", 47.0, -70.6, 13.5, 12.5, 3.0);
+  Words(mesh, "END", 44.0, -70.6, 13.5, 12.5, 3.0);
+  Words(mesh, "ZONE", -47.0, -70.6, 13.5, 12.5, 3.0);
   return mesh;
 }

@@ -15,7 +15,7 @@ void Lathe(Mesh &mesh, const Point &centre, const std::vector<ProfilePoint> &pro
       [&](std::size_t i) { // normal of the stretch from point i on, in the plane of the profile
         const double out = profile[i + 1].out - profile[i].out;
         const double up = profile[i + 1].y - profile[i].y;
-        return Normalized({-up, out, 0.0});
+        return Normalized({up, -out, 0.0});
       };
   for (std::size_t i = 0; i < last; ++i) {
     Point near = slope(i), far = near;

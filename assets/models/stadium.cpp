@@ -251,7 +251,7 @@ Mesh MakeStadium() {
   for (int side = 0; side < 4; ++side) {
     const Station middle = At(side * SideColumns + StraightParts / 2.0, 231.2);
     const Point inward{-middle.outX, 0.0, -middle.outZ};
-    const Point right{-middle.outZ, 0.0, middle.outX};
+    const Point right{middle.outZ, 0.0, -middle.outX};
     Lettering lettering{{}, right, {0.0, 1.0, 0.0}, 5.0, 4.2, 2.4, 1.1};
     for (const double shift : {-70.0, 0.0, 70.0}) {
       lettering.origin =

@@ -25,7 +25,7 @@ template <class Painter> Canvas Painted(int size, Painter painter) {
 
 Canvas Grass() {
   // One repeat is 33 scene units: two mown stripes across the field.
-  constexpr Paint Light{0.44, 0.80, 0.33}, Dark{0.30, 0.66, 0.26}, Dry{0.62, 0.78, 0.36};
+  constexpr Paint Light{0.40, 0.70, 0.29}, Dark{0.28, 0.58, 0.24}, Dry{0.56, 0.68, 0.32};
   return Painted(512, [&](double u, double v, int x, int y) {
     const double stripe = Step(-0.09, 0.09, std::sin(2 * Pi * v));
     Paint paint = Mix(Dark, Light, stripe);

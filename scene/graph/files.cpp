@@ -63,8 +63,9 @@ void Append(const std::filesystem::path &file, const aiMesh &mesh, const aiScene
                                          : FaceColor{});
     }
   }
+  // A file that colours its vertices has said all that it wants to say of colours.
   aiColor4D diffuse(1, 1, 1, 1);
-  if (mesh.mMaterialIndex < scene.mNumMaterials) {
+  if (!colored && mesh.mMaterialIndex < scene.mNumMaterials) {
     scene.mMaterials[mesh.mMaterialIndex]->Get(AI_MATKEY_COLOR_DIFFUSE, diffuse);
   }
   for (unsigned i = 0; i < mesh.mNumFaces; ++i) {

@@ -10,7 +10,7 @@ constexpr float SkyColor[] = {0.46f, 0.47f, 0.62f};
 constexpr float GroundColor[] = {0.28f, 0.26f, 0.24f};
 
 // A surface that glows has part of its light of itself, and the lights shape it with the rest.
-constexpr float GlowLight = 0.46f;
+constexpr float GlowLight = 0.56f;
 constexpr float GlowTakesFill = 0.5f;
 constexpr float GlowTakesKey = 0.45f;
 

@@ -21,8 +21,8 @@ namespace {
 
 constexpr float ViewAngle = 60.0f; ///< degrees from the picture's bottom to its top
 constexpr float NearPlane = 1.0f;  ///< scene units
-constexpr float FogColor[] = {0.60f, 0.42f, 0.56f};
-constexpr float FogDistance = 620.0f; ///< scene units at which about a third of a colour is left
+constexpr float FogColor[] = {0.70f, 0.52f, 0.66f};
+constexpr float FogDistance = 820.0f; ///< scene units at which about a third of a colour is left
 
 constexpr float ShadowReach = 118.0f;  ///< scene units from the middle that the shadows cover
 constexpr float ShadowHeight = 120.0f; ///< of what casts them
