@@ -1,0 +1,132 @@
+#include "platform/desktop/asio/asio_datagrams.h"
+
+#include <ifaddrs.h>
+#include <net/if.h>
+
+#include <memory>
+
+namespace {
+
+using Udp = asio::ip::udp;
+
+constexpr std::size_t LargestDatagram = 2048; ///< bytes; more than any of ours
+/// The group to which hosts listen on each link: link-local, "SNWG" in its last bytes.
+constexpr const char *LinkGroup = "ff02::534e:5747";
+
+struct Interfaces {
+  std::vector<asio::ip::address_v4> Broadcasts; ///< of every IPv4 interface that is up, loopback's included
+  std::vector<unsigned> Links;                  ///< indices of the interfaces with IPv6
+};
+
+Interfaces FindInterfaces() {
+  Interfaces found;
+  ifaddrs *list = nullptr;
+  if (getifaddrs(&list) != 0) return found;
+  const std::unique_ptr<ifaddrs, void (*)(ifaddrs *)> owner(list, freeifaddrs);
+  for (const ifaddrs *each = list; each; each = each->ifa_next) {
+    if (!each->ifa_addr || !(each->ifa_flags & IFF_UP)) continue;
+    if (each->ifa_addr->sa_family == AF_INET6) found.Links.push_back(if_nametoindex(each->ifa_name));
+    if (each->ifa_addr->sa_family == AF_INET && (each->ifa_flags & IFF_BROADCAST) && each->ifa_broadaddr) {
+      const auto &address = *reinterpret_cast<const sockaddr_in *>(each->ifa_broadaddr);
+      found.Broadcasts.emplace_back(ntohl(address.sin_addr.s_addr));
+    }
+  }
+  found.Broadcasts.push_back(asio::ip::make_address_v4("127.255.255.255"));
+  return found;
+}
+
+class AsioDatagrams : public session::DatagramPort {
+public:
+  AsioDatagrams(session::Reach reach, Udp::socket four, std::optional<Udp::socket> six)
+      : reach_(reach), four_(std::move(four)), six_(std::move(six)) {}
+
+  bool Receive(session::Endpoint &from, session::Bytes &data) override {
+    return ReceiveAt(four_, from, data) || (six_ && ReceiveAt(*six_, from, data));
+  }
+
+  void Send(const session::Endpoint &to, session::ByteView data) override {
+    std::error_code error;
+    const auto address = asio::ip::make_address(to.Address, error);
+    if (error) return;
+    if (address.is_v4()) SendAt(four_, {address, to.Port}, data);
+    if (address.is_v6() && six_) SendAt(*six_, {address, to.Port}, data);
+  }
+
+  void SendToAll(std::uint16_t port, session::ByteView data) override {
+    if (reach_ == session::Reach::ThisComputer) {
+      SendAt(four_, {asio::ip::address_v4::loopback(), port}, data);
+      return;
+    }
+    const Interfaces found = FindInterfaces();
+    for (const auto &broadcast : found.Broadcasts) SendAt(four_, {broadcast, port}, data);
+    if (!six_) return;
+    for (const unsigned link : found.Links) {
+      auto group = asio::ip::make_address_v6(LinkGroup);
+      group.scope_id(link);
+      SendAt(*six_, {group, port}, data);
+    }
+  }
+
+private:
+  static bool ReceiveAt(Udp::socket &socket, session::Endpoint &from, session::Bytes &data) {
+    session::Bytes buffer(LargestDatagram);
+    Udp::endpoint sender;
+    std::error_code error;
+    const std::size_t count = socket.receive_from(asio::buffer(buffer), sender, 0, error);
+    if (error) return false;
+    buffer.resize(count);
+    data = std::move(buffer);
+    from = {PlainAddress(sender.address()).to_string(), sender.port()};
+    return true;
+  }
+
+  /// A datagram may get lost anyway, so a failure is no more than that.
+  static void SendAt(Udp::socket &socket, const Udp::endpoint &to, session::ByteView data) {
+    std::error_code ignored;
+    socket.send_to(asio::buffer(data.data(), data.size()), to, 0, ignored);
+  }
+
+  session::Reach reach_;
+  Udp::socket four_;
+  std::optional<Udp::socket> six_;
+};
+
+/// The IPv6 socket beside an IPv4 one; nothing where the system has none.
+std::optional<Udp::socket> OpenSix(asio::io_context &context, std::uint16_t port) {
+  std::error_code error;
+  Udp::socket socket(context);
+  socket.open(Udp::v6(), error);
+  if (!error) socket.set_option(asio::ip::v6_only(true), error);
+  if (!error) socket.bind({asio::ip::address_v6::any(), port}, error);
+  if (!error) socket.non_blocking(true, error);
+  if (error) return std::nullopt;
+  for (const unsigned link : FindInterfaces().Links) {
+    std::error_code ignored; // an interface without multicast
+    socket.set_option(asio::ip::multicast::join_group(asio::ip::make_address_v6(LinkGroup), link), ignored);
+  }
+  return socket;
+}
+
+} // namespace
+
+asio::ip::address PlainAddress(const asio::ip::address &address) {
+  if (address.is_v6() && address.to_v6().is_v4_mapped()) {
+    return asio::ip::make_address_v4(asio::ip::v4_mapped, address.to_v6());
+  }
+  return address;
+}
+
+std::unique_ptr<session::DatagramPort> OpenAsioDatagrams(asio::io_context &context, session::Reach reach,
+                                                         std::uint16_t port) {
+  const bool near = reach == session::Reach::ThisComputer;
+  std::error_code error;
+  Udp::socket socket(context);
+  socket.open(Udp::v4(), error);
+  if (!error) socket.set_option(asio::socket_base::broadcast(true), error);
+  const asio::ip::address_v4 at = near ? asio::ip::address_v4::loopback() : asio::ip::address_v4::any();
+  if (!error) socket.bind({at, port}, error);
+  if (!error) socket.non_blocking(true, error);
+  if (error) return nullptr;
+  return std::make_unique<AsioDatagrams>(reach, std::move(socket),
+                                         near ? std::nullopt : OpenSix(context, port));
+}

@@ -1,0 +1,173 @@
+#include "platform/desktop/asio/asio_transport.h"
+
+#include "platform/desktop/asio/asio_datagrams.h"
+#include "platform/desktop/asio/asio_network.h"
+#include "platform/session/session_direct_play.h"
+
+#include <poll.h>
+#include <sys/random.h>
+
+#include <chrono>
+#include <thread>
+
+namespace {
+
+using session::StreamState;
+using Tcp = asio::ip::tcp;
+
+class AsioStream : public session::Stream {
+public:
+  AsioStream(Tcp::socket socket, StreamState state) : socket_(std::move(socket)), state_(state) {
+    std::error_code ignored;
+    socket_.set_option(Tcp::no_delay(true), ignored);
+  }
+
+  StreamState GetState() override {
+    if (state_ == StreamState::Connecting) LookAtConnect();
+    return state_;
+  }
+
+  std::size_t Receive(std::span<std::uint8_t> into) override {
+    if (GetState() != StreamState::Open) return 0;
+    std::error_code error;
+    const std::size_t count = socket_.read_some(asio::buffer(into.data(), into.size()), error);
+    if (error && error != asio::error::would_block) state_ = StreamState::Closed;
+    return error ? 0 : count;
+  }
+
+  std::size_t Send(session::ByteView bytes) override {
+    if (GetState() != StreamState::Open) return 0;
+    std::error_code error;
+    const std::size_t count = socket_.write_some(asio::buffer(bytes.data(), bytes.size()), error);
+    if (error && error != asio::error::would_block) state_ = StreamState::Closed;
+    return error ? 0 : count;
+  }
+
+private:
+  void LookAtConnect() {
+    pollfd look{socket_.native_handle(), POLLOUT, 0};
+    if (::poll(&look, 1, 0) <= 0) return;
+    int failure = 0;
+    socklen_t size = sizeof failure;
+    getsockopt(socket_.native_handle(), SOL_SOCKET, SO_ERROR, &failure, &size);
+    state_ = failure == 0              ? StreamState::Open
+             : failure == ECONNREFUSED ? StreamState::Refused
+                                       : StreamState::Closed;
+  }
+
+  Tcp::socket socket_;
+  StreamState state_;
+};
+
+class AsioListener : public session::Listener {
+public:
+  explicit AsioListener(Tcp::acceptor acceptor) : acceptor_(std::move(acceptor)) {}
+
+  std::unique_ptr<session::Stream> Accept() override {
+    std::error_code error;
+    Tcp::socket socket = acceptor_.accept(error);
+    if (error) return nullptr;
+    socket.non_blocking(true, error);
+    return std::make_unique<AsioStream>(std::move(socket), StreamState::Open);
+  }
+
+private:
+  Tcp::acceptor acceptor_;
+};
+
+class AsioLookup : public session::Lookup {
+public:
+  AsioLookup(asio::io_context &context, const std::string &name) : resolver_(context) {
+    resolver_.async_resolve(
+        name, "", [found = found_](std::error_code error, const Tcp::resolver::results_type &all) {
+          found->done = true;
+          if (error) return;
+          for (const auto &each : all)
+            found->addresses.push_back(PlainAddress(each.endpoint().address()).to_string());
+        });
+  }
+  bool Done() override { return found_->done; }
+  std::vector<std::string> Addresses() override { return found_->addresses; }
+
+private:
+  /// Outlives the lookup: the answer may come when nobody wants it any more.
+  struct Found {
+    bool done = false;
+    std::vector<std::string> addresses;
+  };
+  std::shared_ptr<Found> found_ = std::make_shared<Found>();
+  Tcp::resolver resolver_;
+};
+
+/// A socket that takes connections; nothing if the port can't be had.
+std::unique_ptr<session::Listener> ListenAt(asio::io_context &context, const Tcp::endpoint &at) {
+  std::error_code error;
+  Tcp::acceptor acceptor(context);
+  acceptor.open(at.protocol(), error);
+  if (!error && at.protocol() == Tcp::v6()) acceptor.set_option(asio::ip::v6_only(false), error);
+  // A port whose last connection has just ended can be had again; one that another program listens on can't.
+  if (!error) acceptor.set_option(Tcp::acceptor::reuse_address(true), error);
+  if (!error) acceptor.bind(at, error);
+  if (!error) acceptor.listen(asio::socket_base::max_listen_connections, error);
+  if (!error) acceptor.non_blocking(true, error);
+  if (error) return nullptr;
+  return std::make_unique<AsioListener>(std::move(acceptor));
+}
+
+} // namespace
+
+void AsioTransport::Poll() {
+  context_.restart();
+  context_.poll();
+}
+
+std::unique_ptr<session::Listener> AsioTransport::Listen(session::Reach reach, std::uint16_t port) {
+  if (reach == session::Reach::ThisComputer) {
+    return ListenAt(context_, {asio::ip::address_v4::loopback(), port});
+  }
+  // One socket takes both kinds of addresses; where the system has no IPv6, IPv4 alone.
+  if (auto both = ListenAt(context_, {asio::ip::address_v6::any(), port})) return both;
+  return ListenAt(context_, {asio::ip::address_v4::any(), port});
+}
+
+std::unique_ptr<session::DatagramPort> AsioTransport::OpenDatagrams(session::Reach reach,
+                                                                    std::uint16_t port) {
+  return OpenAsioDatagrams(context_, reach, port);
+}
+
+std::unique_ptr<session::Stream> AsioTransport::Connect(const session::Endpoint &to) {
+  std::error_code error;
+  const auto address = asio::ip::make_address(to.Address, error);
+  Tcp::socket socket(context_);
+  const Tcp::endpoint at(address, to.Port);
+  if (!error) socket.open(at.protocol(), error);
+  if (!error) socket.non_blocking(true, error);
+  if (error) return std::make_unique<AsioStream>(Tcp::socket(context_), StreamState::Closed);
+  // The system's own call, since the library's waits for the end of the handshake even here.
+  if (::connect(socket.native_handle(), at.data(), static_cast<socklen_t>(at.size())) == 0) {
+    return std::make_unique<AsioStream>(std::move(socket), StreamState::Open);
+  }
+  const StreamState state = errno == EINPROGRESS    ? StreamState::Connecting
+                            : errno == ECONNREFUSED ? StreamState::Refused
+                                                    : StreamState::Closed;
+  return std::make_unique<AsioStream>(std::move(socket), state);
+}
+
+std::unique_ptr<session::Lookup> AsioTransport::LookUp(const std::string &name) {
+  return std::make_unique<AsioLookup>(context_, name);
+}
+
+void AsioTransport::FillRandom(std::span<std::uint8_t> bytes) {
+  if (getrandom(bytes.data(), bytes.size(), 0) != static_cast<ssize_t>(bytes.size())) {
+    throw std::runtime_error("the system gives no random bytes");
+  }
+}
+
+bool AsioTransport::Rest(std::int32_t milliseconds) {
+  std::this_thread::sleep_for(std::chrono::milliseconds(milliseconds));
+  return true;
+}
+
+std::shared_ptr<DirectPlay4> CreateAsioDirectPlay(Machine &machine) {
+  return std::make_shared<session::SessionDirectPlay>(machine, std::make_shared<AsioTransport>());
+}

@@ -1,0 +1,23 @@
+#pragma once
+
+// Streams and datagrams on real sockets. Every socket is non-blocking and looked at when it is polled;
+// nothing runs by itself but the search for a name.
+
+#include "platform/session/transport.h"
+
+#include <asio.hpp>
+
+class AsioTransport : public session::Transport {
+public:
+  void Poll() override;
+  std::unique_ptr<session::Listener> Listen(session::Reach reach, std::uint16_t port) override;
+  std::unique_ptr<session::DatagramPort> OpenDatagrams(session::Reach reach, std::uint16_t port) override;
+  std::unique_ptr<session::Stream> Connect(const session::Endpoint &to) override;
+  std::unique_ptr<session::Lookup> LookUp(const std::string &name) override;
+  void FillRandom(std::span<std::uint8_t> bytes) override;
+  void WakeAt(std::optional<std::int32_t>) override {} // whoever pumps looks often enough
+  bool Rest(std::int32_t milliseconds) override;
+
+private:
+  asio::io_context context_;
+};
