@@ -8,13 +8,13 @@
 namespace {
 
 // The shape in plan, scene units from the piece's middle; it points toward -z.
-constexpr double TailZ = -4.6;
-constexpr double NeckZ = -16.0;
-constexpr double BarbZ = -14.6; ///< the barbs reach a little back
-constexpr double TipZ = -24.0;
-constexpr double ShaftHalf = 1.5;
-constexpr double TailHalf = 1.0;
-constexpr double BarbHalf = 4.6;
+constexpr double TailZ = -4.2;
+constexpr double NeckZ = -14.4;
+constexpr double BarbZ = -13.0; ///< the barbs reach a little back
+constexpr double TipZ = -25.5;
+constexpr double ShaftHalf = 1.7;
+constexpr double TailHalf = 1.2;
+constexpr double BarbHalf = 5.0;
 
 constexpr double BaseY = -0.43; ///< just above the markings
 constexpr double EdgeY = -0.33;

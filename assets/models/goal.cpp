@@ -9,15 +9,17 @@
 namespace {
 
 constexpr double HalfWidth = 14.0;     ///< from the middle to each upright
-constexpr double UprightHeight = 33.0; ///< above the bar
+constexpr double UprightHeight = 32.5; ///< above the bar
 constexpr double TubeRadius = 0.62;
 constexpr double StemRadius = 0.95;
-constexpr double StemBack = 6.0;     ///< how far the stem stands behind the bar
-constexpr double FloorBelow = 169.8; ///< from the bar down to the stadium's floor
+constexpr double StemBack = 4.5;   ///< how far the stem stands behind the bar
+constexpr double StemFoot = -23.6; ///< where the stem ends, a little below the table's edge
+constexpr double EdgeZ = 7.0;      ///< of the table's far edge, from the bar
 constexpr int Sides = 14;
 
 constexpr Paint Yellow{1.0, 0.93, 1.0, 0.0};
 constexpr Paint Amber{1.0, 0.74, 1.0, 0.0};
+constexpr Paint Steel{0.34, 0.26, 1.0, 0.0};
 constexpr Paint Ribbon{1.0, 0.10, 1.0, 0.0};
 constexpr Paint RibbonShade{0.75, 0.03, 1.0, 0.0};
 
@@ -61,9 +63,14 @@ Mesh MakeGoal() {
     neck.push_back(
         {0.0, -StemBack * 0.75 * (1.0 - std::cos(angle)), -StemBack * (0.25 + 0.75 * std::sin(angle))});
   }
-  neck.push_back({0.0, -FloorBelow, -StemBack});
+  neck.push_back({0.0, StemFoot, -StemBack});
   Tube(mesh, neck, StemRadius, Sides, Amber);
-  Lathe(mesh, {0.0, -FloorBelow, -StemBack}, {{4.0, 0.0, Amber * 0.6}, {3.6, 1.0, Amber}, {0.0, 1.4, Amber}},
-        24, false);
+
+  // It rides along the table's edge on a runner, as a clamp holds a lamp to a desk.
+  Tube(mesh, {{0.0, StemFoot + 0.9, -StemBack}, {0.0, StemFoot + 0.9, EdgeZ + 0.6}}, 0.75, 10, Steel);
+  Box(mesh, {-3.4, StemFoot - 0.2, EdgeZ - 0.5}, {3.4, StemFoot + 2.9, EdgeZ - 0.05}, Steel);
+  Lathe(mesh, {0.0, StemFoot, -StemBack},
+        {{0.0, -1.5, Steel}, {1.5, -1.0, Steel}, {1.7, 0.9, Steel}, {1.3, 1.8, Steel}, {0.9, 2.0, Steel}},
+        Sides, true);
   return mesh;
 }

@@ -15,6 +15,7 @@ constexpr double GoalLineZ = -4.0 * Spacing;
 constexpr int YardLines = 9; ///< from the goal line to the start, the goal line not counted
 
 constexpr Paint Yellow{1.0, 0.92, 1.0, 0.0};
+constexpr Paint Ink{0.30, 0.16, 1.0, 0.0};
 
 void Band(Mesh &mesh, double x0, double x1, double z0, double z1) {
   mesh.FlatQuad({x0, PaintY, z0}, {x1, PaintY, z0}, {x1, PaintY, z1}, {x0, PaintY, z1}, {0.0, 1.0, 0.0},
@@ -28,10 +29,21 @@ double LineWidth(double z) { return 1.0 + 0.9 * (NearZ - z) / (NearZ - FarZ); }
 void Words(Mesh &mesh, const char *text, double middleX, double footZ, double height, double width,
            double stroke) {
   // Who looks toward the far edge has +x at the left hand.
-  Lettering lettering{{0.0, PaintY, footZ}, {-1.0, 0.0, 0.0}, {0.0, 0.0, -1.0}, width, height,
-                      width * 0.35,         stroke};
+  Lettering lettering{
+      {0.0, PaintY, footZ}, {-1.0, 0.0, 0.0}, {0.0, 0.0, -1.0}, width, height, width * 0.35, stroke};
   lettering.origin.x = middleX + LineLength(text, lettering) / 2.0;
   AddLetters(mesh, text, lettering, {0.0, 1.0, 0.0}, Yellow);
+}
+
+/// The table's near edge is a ruler, with a stroke every second unit and a long one every tenth.
+void AddRuler(Mesh &mesh) {
+  constexpr double TopY = -0.5, EdgeZ = 88.03; // a little in front of the wood
+  for (int x = -86; x <= 86; x += 2) {
+    const bool isLong = x % 10 == 0;
+    const double half = isLong ? 0.10 : 0.07, depth = isLong ? 0.62 : 0.36;
+    mesh.FlatQuad({x - half, TopY, EdgeZ}, {x + half, TopY, EdgeZ}, {x + half, TopY - depth, EdgeZ},
+                  {x - half, TopY - depth, EdgeZ}, {0.0, 0.0, 1.0}, Ink);
+  }
 }
 
 } // namespace
@@ -67,5 +79,6 @@ Mesh MakeLines() {
 
   Words(mesh, "END", 44.0, -70.6, 13.5, 12.5, 3.0);
   Words(mesh, "ZONE", -47.0, -70.6, 13.5, 12.5, 3.0);
+  AddRuler(mesh);
   return mesh;
 }

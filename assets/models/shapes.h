@@ -18,7 +18,7 @@ struct ProfilePoint {
   Paint paint;
 };
 
-/// Turns a profile round the y axis through `centre`. The surface faces left of the way along the profile
+/// Turns a profile round the y axis through `centre`. The surface faces right of the way along the profile
 /// (out to the right, y up) and is smooth along it where `smooth` is set.
 void Lathe(Mesh &mesh, const Point &centre, const std::vector<ProfilePoint> &profile, int segments,
            bool smooth);

@@ -23,9 +23,10 @@ constexpr Paint Concrete{0.78, 0.74, 0.78, 0.0};
 constexpr Paint Shade{0.26, 0.23, 0.34, 0.0};
 constexpr Paint White{0.97, 0.95, 0.93, 0.0};
 constexpr Paint Steel{0.36, 0.38, 0.48, 0.0};
-constexpr Paint Lamp{1.0, 0.98, 0.86, 0.0};
-constexpr Paint Track{0.70, 0.30, 0.22, 0.10};
-constexpr Paint FloorGrass{0.26, 0.45, 0.22, 0.15};
+constexpr Paint Lamp{1.9, 1.8, 1.5, 0.0};
+constexpr Paint Track{0.60, 0.27, 0.23, 0.0};
+constexpr Paint LightGrass{0.33, 0.58, 0.30, 0.08};
+constexpr Paint DarkGrass{0.27, 0.50, 0.28, 0.08};
 constexpr Paint Banner{0.12, 0.20, 0.45, 0.0};
 
 /// A place on the plan: where a level that lies `out` from the middle passes, and which way is outward.
@@ -136,31 +137,47 @@ void Boards(Mesh &mesh, double out, double low, double high, int phase, double l
   Ring(mesh, {out, low}, {out + 0.4, high}, colour, colour);
 }
 
+/// Brightness of the floor at a place: the table keeps the light from the middle.
+double FloorLight(double x, double z) {
+  constexpr double ShiftX = 14.0, ShiftZ = -22.0; // the light comes from above the start
+  const double away =
+      std::hypot(std::max(std::abs(x - ShiftX) - 60.0, 0.0), std::max(std::abs(z - ShiftZ) - 60.0, 0.0));
+  return 0.50 + 0.40 * SmoothStep(0.0, 62.0, away);
+}
+
 void AddFloor(Mesh &mesh) {
-  // Rings from the middle out; the table's shadow darkens the inner ones.
-  struct Zone {
-    double from, to;
-    Paint paint;
-    double light;
-  };
-  // Inside of CornerAt there are no round corners: one square in the middle.
-  const Paint inner = FloorGrass * 0.45;
-  mesh.FlatQuad({-CornerAt, Floor, -CornerAt}, {CornerAt, Floor, -CornerAt}, {CornerAt, Floor, CornerAt},
-                {-CornerAt, Floor, CornerAt}, {0.0, 1.0, 0.0}, inner);
-  const auto zone = [&](double from, double to, const Paint &first, const Paint &second) {
-    Ring(mesh, {from, Floor}, {to, Floor}, first, second);
-  };
-  zone(CornerAt, 116.0, inner, FloorGrass * 0.85);
-  constexpr double TrackIn = 116.0, TrackOut = 152.0;
-  constexpr int Lanes = 6;
-  const double lane = (TrackOut - TrackIn) / Lanes;
-  for (int i = 0; i < Lanes; ++i) {
-    const double from = TrackIn + i * lane;
-    zone(from, from + 0.7, White * 0.9, White * 0.9);
-    zone(from + 0.7, from + lane, Track, Track);
+  constexpr double Edge = 116.0; // of the grass; inside it the floor is a plain square, cut at its corners
+  constexpr int Stripes = 12, Parts = 12;
+  const Paint paints[] = {LightGrass, DarkGrass};
+  for (int stripe = 0; stripe < Stripes; ++stripe) {
+    for (int part = 0; part < Parts; ++part) {
+      const auto corner = [&](int right, int far) {
+        const double x = CornerAt * (2.0 * (part + right) / Parts - 1.0);
+        const double z = CornerAt * (2.0 * (stripe + far) / Stripes - 1.0);
+        return mesh.Add({{x, Floor, z}, {0.0, 1.0, 0.0}, paints[stripe % 2] * FloorLight(x, z)});
+      };
+      mesh.Quad(corner(0, 0), corner(1, 0), corner(1, 1), corner(0, 1));
+    }
   }
-  zone(TrackOut, TrackOut + 0.7, White * 0.9, White * 0.9);
-  zone(TrackOut + 0.7, 158.0, Concrete * 0.7, Concrete * 0.55);
+  const auto zone = [&](double from, double to, const Paint &paint) {
+    const auto lit = [&](double out) {
+      return [=](int column) {
+        const Station station = At(column, out);
+        return paint * FloorLight(station.x, station.z);
+      };
+    };
+    Ring(mesh, {from, Floor}, {to, Floor}, lit(from), lit(to));
+  };
+  zone(CornerAt, Edge, LightGrass);
+  constexpr double TrackOut = 152.0, LineWidth = 0.45;
+  constexpr int Lanes = 6;
+  constexpr double Lane = (TrackOut - Edge) / Lanes;
+  for (int i = 0; i < Lanes; ++i) {
+    zone(Edge + i * Lane, Edge + i * Lane + LineWidth, White);
+    zone(Edge + i * Lane + LineWidth, Edge + (i + 1) * Lane, Track);
+  }
+  zone(TrackOut, TrackOut + LineWidth, White);
+  zone(TrackOut + LineWidth, 158.0, Concrete * 0.75);
 }
 
 /// A floodlight mast that leans over the rim, with its bank of lamps turned to the table.
@@ -227,9 +244,9 @@ Mesh MakeStadium() {
   Boards(mesh, 205.6, -46.0, -40.0, 5, 0.85);
 
   // The two tiers that the table's height looks at.
-  Deck(mesh, {206.0, -39.5}, {252.0, 6.0}, 0.95, 0.45);
-  Ring(mesh, {252.0, 6.0}, {252.0, 15.0}, Shade, Shade * 0.7);
-  Ring(mesh, {252.0, 15.0}, {232.0, 17.0}, Shade * 0.7, Shade);
+  Deck(mesh, {206.0, -39.5}, {254.0, 9.5}, 0.95, 0.5);
+  Ring(mesh, {254.0, 9.5}, {254.0, 14.0}, Shade, Shade * 0.7);
+  Ring(mesh, {254.0, 14.0}, {232.0, 16.8}, Shade * 0.7, Shade);
   Ring(mesh, {231.4, 16.6}, {231.8, 22.6}, Banner, Banner);
   Ring(mesh, {231.4, 22.6}, {232.4, 23.2}, White, White);
   Deck(mesh, {232.4, 23.0}, {276.0, 48.0}, 1.0, 0.72);

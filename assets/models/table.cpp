@@ -21,8 +21,9 @@ constexpr int ArchCells = 14;
 constexpr Paint Turf{1.0, 1.0, 1.0, 1.0};
 constexpr Paint LightWood{0.93, 0.72, 0.47, 0.0};
 constexpr Paint DarkWood{0.55, 0.34, 0.19, 0.0};
-constexpr Paint Zenith{0.93, 0.92, 1.0, 1.0};
-constexpr Paint Horizon{1.0, 0.88, 0.80, 1.0};
+// Brighter than the picture itself: what hangs over the stadium is seen from its unlit side.
+constexpr Paint Zenith{1.20, 1.18, 1.26, 1.0};
+constexpr Paint Horizon{1.32, 1.20, 1.12, 1.0};
 
 double Coordinate(int i, int cells, double half) { return half * (2.0 * i / cells - 1.0); }
 
