@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <vector>
 
 namespace textures {
 namespace {
@@ -19,6 +20,22 @@ template <class Painter> Canvas Painted(int size, Painter painter) {
     }
   }
   return canvas;
+}
+
+/// Round heaps: 1 in the middle of a heap, falling to 0 halfway to the next. Repeats after `cells` heaps.
+double Puffs(double u, double v, int cells, std::uint32_t seed) {
+  const double x = u * cells, y = v * cells;
+  const int left = static_cast<int>(std::floor(x)), top = static_cast<int>(std::floor(y));
+  double nearest = 2;
+  for (int row = top - 1; row <= top + 1; ++row) {
+    for (int column = left - 1; column <= left + 1; ++column) {
+      const auto wrap = [&](int at) { return static_cast<std::uint32_t>((at % cells + cells) % cells); };
+      const double dx = column + Hash(wrap(column), wrap(row), seed) - x;
+      const double dy = row + Hash(wrap(column), wrap(row), seed + 500) - y;
+      nearest = std::min(nearest, dx * dx + dy * dy);
+    }
+  }
+  return 1 - std::min(1.0, std::sqrt(nearest));
 }
 
 } // namespace
@@ -39,18 +56,34 @@ Canvas Grass() {
 }
 
 Canvas Sky() {
-  // One repeat is 333 scene units of the sky over the stadium.
-  constexpr Paint Lilac{0.70, 0.60, 0.88}, Rose{0.92, 0.74, 0.86}, Peach{1.0, 0.86, 0.76},
-      White{1.0, 0.985, 0.97}, Under{0.80, 0.70, 0.86};
-  return Painted(1024, [&](double u, double v, int, int) {
-    Paint paint = Mix(Lilac, Rose, Cloud(u, v, 2, 2, 40));
-    const double wander = 0.05 * Cloud(u, v, 4, 3, 60);
-    const double cumulus = Cloud(u + wander, v + wander, 4, 6, 21);
-    const double cover = Step(0.50, 0.66, cumulus);
-    // The side of a cloud that looks to the light is peach and white, the other one lilac.
-    const double lit = Step(-0.05, 0.06, cumulus - Cloud(u + wander - 0.016, v + wander - 0.02, 4, 6, 21));
-    const Paint cloud = Mix(Mix(Under, Peach, lit), White, 0.75 * lit * Step(0.56, 0.74, cumulus));
-    return Mix(paint, cloud, 0.92 * cover);
+  // One repeat is 333 scene units of the sky over the stadium: heaps of cloud in the light of a low sun.
+  constexpr int Size = 1024;
+  constexpr Paint Lilac{0.66, 0.58, 0.90}, Rose{0.90, 0.72, 0.86}, Peach{1.0, 0.83, 0.70},
+      White{1.0, 0.985, 0.95}, Under{0.78, 0.66, 0.85};
+  constexpr double Cover = 0.505; // density from which on there is cloud
+  std::vector<double> density;
+  density.reserve(static_cast<std::size_t>(Size) * Size);
+  for (int y = 0; y < Size; ++y) {
+    for (int x = 0; x < Size; ++x) {
+      const double u = (x + 0.5) / Size, v = (y + 0.5) / Size;
+      const double wu = u + 0.05 * (Noise(u, v, 6, 61) - 0.5), wv = v + 0.05 * (Noise(u, v, 6, 62) - 0.5);
+      const double puffs = 0.6 * Puffs(wu, wv, 7, 31) + 0.4 * Puffs(wu, wv, 15, 32);
+      density.push_back(0.74 * Cloud(wu, wv, 3, 6, 21) + 0.26 * puffs);
+    }
+  }
+  const auto at = [&](int x, int y) {
+    const auto wrap = [](int place) { return static_cast<std::size_t>((place % Size + Size) % Size); };
+    return density[wrap(y) * Size + wrap(x)];
+  };
+  return Painted(Size, [&](double u, double v, int x, int y) {
+    const Paint clear = Mix(Lilac, Rose, Step(0.25, 0.75, Cloud(u, v, 3, 3, 40)));
+    const double here = at(x, y);
+    const double cover = Step(Cover - 0.02, Cover + 0.07, here);
+    // The side of a heap that looks to the sun is peach and white, its thick middle lilac.
+    const double lit =
+        Step(-0.10, 0.14, here - at(x - 20, y - 26)) * (1 - 0.3 * Step(Cover + 0.12, Cover + 0.26, here));
+    const Paint cloud = Mix(Mix(Under, Peach, Step(0.05, 0.65, lit)), White, Step(0.45, 0.95, lit));
+    return Mix(clear, cloud, 0.95 * cover);
   });
 }
 
@@ -96,26 +129,53 @@ Canvas Crowd() {
 }
 
 Canvas Paper() {
-  // One repeat is five scene units of a sheet of ruled paper, laid over the folded piece at a slant.
-  constexpr Paint White{0.995, 0.985, 0.955}, Rule{0.42, 0.62, 0.90}, Margin{0.92, 0.36, 0.36},
-      Pencil{0.36, 0.36, 0.42};
-  constexpr int Rules = 4;
-  Canvas canvas = Painted(512, [&](double u, double v, int, int) {
-    const double fibre = 0.975 + 0.04 * (Cloud(u, v, 16, 4, 5) - 0.5);
+  // The sheet lies over the folded piece at a slant: a repeat is PerP units long along the piece's right
+  // leg's normal (p) and PerQ units along its left leg's (q). Places below are told in the piece's own x and
+  // z.
+  constexpr int Size = 512, Rules = 12;
+  constexpr double Scale = 0.19, Top = 0.34; // repeats to the unit; height of the piece's top
+  const double alongP = Scale, alongQ = -Scale / std::sqrt(3.0), alongY = 2 * Scale / std::sqrt(6.0);
+  constexpr double MarginU = 0.86; // falls once on the piece, near its middle
+  constexpr Paint White{0.985, 0.975, 0.945}, Rule{0.40, 0.60, 0.92}, Margin{0.93, 0.33, 0.36},
+      Pencil{0.26, 0.26, 0.33};
+  Canvas canvas = Painted(Size, [&](double u, double v, int, int) {
+    const double fibre = 0.97 + 0.05 * (Cloud(u, v, 16, 4, 5) - 0.5);
     Paint paint{White.r * fibre, White.g * fibre, White.b * fibre};
-    const double line = std::abs(v * Rules - std::floor(v * Rules) - 0.5) / Rules;
-    paint = Mix(paint, Rule, 0.9 * (1 - Step(0.010, 0.016, line)));
-    paint = Mix(paint, Margin, 0.9 * (1 - Step(0.009, 0.015, std::abs(u - 0.16))));
+    const double rule = std::abs(v * Rules - std::floor(v * Rules) - 0.5) / Rules;
+    paint = Mix(paint, Rule, 0.85 * (1 - Step(0.0050, 0.0095, rule)));
+    for (const double margin : {MarginU, MarginU + 0.045})
+      paint = Mix(paint, Margin, 0.9 * (1 - Step(0.006, 0.011, std::abs(u - margin))));
     return paint;
   });
-  // A face that somebody drew during a lesson.
-  const auto stroke = [&](double x, double y) { canvas.Blob(x, y, 4.2, 4.2, Pencil, 0.8); };
-  for (double turn = 0; turn < 2 * Pi; turn += 0.02)
-    stroke(330 + 60 * std::cos(turn), 250 + 60 * std::sin(turn));
-  for (double turn = 0.4; turn < Pi - 0.4; turn += 0.02)
-    stroke(330 + 36 * std::cos(turn), 254 + 34 * std::sin(turn));
-  for (const double eye : {-20.0, 20.0}) {
-    for (double y = -6; y < 6; y += 1) stroke(330 + eye, 232 + y);
+
+  // What somebody drew during a lesson: a face and a star. A pencil's line wavers in place and strength.
+  int dots = 0;
+  const auto dot = [&](double x, double z) {
+    const double p = (x - z) / std::sqrt(2.0), q = (x + z) / std::sqrt(2.0);
+    const double u = alongP * p, v = alongQ * q + alongY * Top;
+    const double strength = 0.55 + 0.3 * Hash(static_cast<std::uint32_t>(++dots), 0, 77);
+    canvas.Blob(u * Size, v * Size, 0.055 * alongP * Size, -0.055 * alongQ * Size, Pencil, strength);
+  };
+  const auto line = [&](double x0, double z0, double x1, double z1) {
+    for (double share = 0; share <= 1; share += 0.02) {
+      const double waver = 0.03 * std::sin(share * 9 + x0);
+      dot(x0 + (x1 - x0) * share + waver, z0 + (z1 - z0) * share - waver);
+    }
+  };
+  const auto arc = [&](double x, double z, double radius, double from, double to) {
+    for (double turn = from; turn < to; turn += 0.03)
+      dot(x + radius * std::cos(turn), z + radius * (1 + 0.05 * std::sin(3 * turn)) * std::sin(turn));
+  };
+  constexpr double FaceX = -1.75, FaceZ = 1.15;
+  arc(FaceX, FaceZ, 0.82, 0, 2 * Pi + 0.2);
+  arc(FaceX, FaceZ + 0.02, 0.50, 0.35, Pi - 0.35);
+  line(FaceX - 0.27, FaceZ - 0.34, FaceX - 0.25, FaceZ - 0.12);
+  line(FaceX + 0.27, FaceZ - 0.34, FaceX + 0.25, FaceZ - 0.12);
+  constexpr double StarX = 2.35, StarZ = 1.45, StarReach = 0.62;
+  for (int i = 0; i < 5; ++i) {
+    const double from = Pi * 0.8 * i - Pi / 2, to = Pi * 0.8 * (i + 1) - Pi / 2;
+    line(StarX + StarReach * std::cos(from), StarZ + StarReach * std::sin(from),
+         StarX + StarReach * std::cos(to), StarZ + StarReach * std::sin(to));
   }
   return canvas;
 }
