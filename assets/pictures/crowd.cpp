@@ -9,8 +9,8 @@ constexpr std::array Shirts = {"#e9484d", "#f6b83c", "#3f7fd6", "#f4efe6",
                                "#8e5bc0", "#2fa39a", "#f07f3a", "#d9588f"};
 constexpr std::array Faces = {"#f6cfa6", "#e3a877", "#b97a4d", "#8a5433", "#f9dcc0"};
 constexpr std::array Hairs = {"#3a2a24", "#6b4128", "#d9a441", "#20232b", "#a5502b"};
-// Height of a row, of a figure's head above its shoulders and its radius, in widths of a figure.
-constexpr double RowHeight = 1.0, HeadRadius = 0.33;
+// In widths of a figure.
+constexpr double RowHeight = 1.0, HeadRadius = 0.33, Jitter = 0.12;
 // One in so many holds both arms up.
 constexpr unsigned Cheering = 6;
 
@@ -23,7 +23,7 @@ std::string SetCrowd(const Element &element) {
   std::minstd_rand draw(static_cast<unsigned>(element.Number("seed", 1)));
   const auto oneOf = [&](const auto &choices) { return choices[(draw() >> 8) % choices.size()]; };
   const auto jitter = [&] {
-    return (static_cast<double>((draw() >> 8) % 1000) / 1000.0 - 0.5) * 0.24 * person;
+    return (static_cast<double>((draw() >> 8) % 1000) / 500.0 - 1.0) * Jitter * person;
   };
 
   std::string svg;

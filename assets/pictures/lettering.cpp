@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <cmath>
 #include <stdexcept>
+#include <utility>
 #include <vector>
 
 namespace {
@@ -27,7 +28,7 @@ struct Word {
 using Line = std::vector<Word>;
 
 struct Style {
-  double unit, stretch, pen, contrast, space, slant, serif;
+  double unit, stretch, pen, contrast, space, serif;
   bool snap;
   std::string ends;
 };
@@ -53,7 +54,7 @@ double Width(const Line &line, const Style &style) {
 /// the pen is drawn that much wider.
 std::string LinePath(const GlyphLine &line, double radius, double x, double y, const Style &style) {
   const auto place = [&](double px, double py) {
-    return Decimal((x + (px + style.slant * py) * style.unit * style.stretch) / style.contrast) + " " +
+    return Decimal((x + px * style.unit * style.stretch) / style.contrast) + " " +
            Decimal(y - py * style.unit);
   };
   const std::size_t count = line.points.size();
@@ -136,9 +137,9 @@ private:
 
   void SetDot(const GlyphPoint &dot, double x, double baseline, bool accent) {
     const double width = style_.pen * style_.unit * style_.stretch;
-    dots_ += "<ellipse cx=\"" + Decimal(x + (dot.x + style_.slant * dot.y) * style_.unit * style_.stretch) +
-             "\" cy=\"" + Decimal(baseline - dot.y * style_.unit) + "\" rx=\"" + Decimal(DotRadius * width) +
-             "\" ry=\"" + Decimal(DotRadius * (width + width / style_.contrast) / 2.0) + "\" fill=\"" +
+    dots_ += "<ellipse cx=\"" + Decimal(x + dot.x * style_.unit * style_.stretch) + "\" cy=\"" +
+             Decimal(baseline - dot.y * style_.unit) + "\" rx=\"" + Decimal(DotRadius * width) + "\" ry=\"" +
+             Decimal(DotRadius * (width + width / style_.contrast) / 2.0) + "\" fill=\"" +
              (accent ? accent_ : ink_) + "\"/>";
   }
 
@@ -202,15 +203,9 @@ std::vector<Line> BreakIntoLines(const Line &words, double width, const Style &s
 }
 
 Style ReadStyle(const Element &element) {
-  return {element.Number("cap") / CapitalHeight,
-          element.Number("stretch", 1.0),
-          element.Number("pen"),
-          element.Number("contrast", 1.0),
-          element.Number("space", 0.0),
-          element.Number("slant", 0.0),
-          element.Number("serif", 0.0),
-          element.Text("snap", "0") == "1",
-          element.Text("ends", "square")};
+  return {element.Number("cap") / CapitalHeight, element.Number("stretch", 1.0), element.Number("pen"),
+          element.Number("contrast", 1.0),       element.Number("space", 0.0),   element.Number("serif", 0.0),
+          element.Text("snap", "0") == "1",      element.Text("ends", "square")};
 }
 
 /// Where a line starts and what is added between its words and its letters.

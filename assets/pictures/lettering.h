@@ -19,7 +19,6 @@
 /// - leading: from line to line, gap: added between paragraphs, both in pixels
 /// - align: "left", "center", "right" or "justify"
 /// - ends: "round" or "square" ends and corners of strokes
-/// - slant: how far a unit of height leans to the right
 /// - serif: half the length of the slabs at the ends of upright strokes, none unless told
 /// - ink, accent: colours
 /// - snap: "1" puts each letter on whole pixels, for small texts
