@@ -1,0 +1,241 @@
+// The lobby and the address lookup, driven by the launch window's buttons.
+
+#include "front/run_program.h"
+#include "net/address_lookup.h"
+#include "net/frm_new_net.h"
+#include "platform/headless/headless_machine.h"
+#include "platform/headless/wire.h"
+#include "platform/session/session_direct_play.h"
+
+#include <gtest/gtest.h>
+
+namespace {
+
+/// A launch window on a computer of its own, with a session of another computer to be found or not.
+struct Lobby {
+  Lobby()
+      : machine(SNAPWEDGE_GAME_DIR), program(machine), wire([this] { return machine.Now(); }, 1),
+        window(machine, program) {
+    machine.MakeDirectPlay = [this] {
+      return std::make_shared<session::SessionDirectPlay>(machine, wire.Plug("10.0.0.1"));
+    };
+    machine.NextArrival = [this] { return wire.NextArrival("10.0.0.1"); };
+    // The dialog that asks for an address is left blank.
+    machine.Player = [this] {
+      if (Window *dialog = machine.Shown.empty() ? nullptr : machine.Shown.back();
+          dialog && dialog != &window) {
+        for (Control *control : dialog->Controls) {
+          auto *button = dynamic_cast<CommandButton *>(control);
+          if (button && button->Default) machine.Press(*button);
+        }
+      }
+    };
+    window.Form_Load();
+  }
+
+  /// Which of Connect, Refresh, Create, Join and Cancel are on.
+  std::string Buttons() const {
+    std::string on;
+    for (const CommandButton *button :
+         {&window.cmdConnect, &window.Command4, &window.cmdCreate, &window.cmdJoin, &window.Command5}) {
+      if (button->Enabled) on += (on.empty() ? "" : " ") + button->Caption;
+    }
+    return on;
+  }
+
+  void Wait(std::int32_t milliseconds) {
+    const std::int32_t end = machine.ClockIn(milliseconds);
+    while (!machine.ClockReached(end)) machine.WaitUntil(end);
+  }
+
+  HeadlessMachine machine;
+  Program program;
+  FaultyWire wire;
+  frmNewNet window;
+};
+
+constexpr const char *NetworkTitle = "Error initializing DirectPlay.";
+
+TEST(LobbyTest, ConnectCreateCancelAndBackAgain) {
+  Lobby lobby;
+  EXPECT_EQ(lobby.Buttons(), "Connect");
+  for (int time = 0; time < 2; ++time) {
+    lobby.window.cmdConnect_Click();
+    EXPECT_EQ(lobby.Buttons(), "Refresh Create Join");
+    EXPECT_TRUE(lobby.window.lstSessions.List.empty());
+    lobby.window.Command4_Click();
+    EXPECT_EQ(lobby.Buttons(), "Refresh Create Join");
+    lobby.machine.After(500, [&] {
+      EXPECT_EQ(lobby.Buttons(), "Cancel");
+      EXPECT_EQ(lobby.window.Caption, "Polling...");
+      EXPECT_FALSE(lobby.window.Command1.Enabled);
+      EXPECT_EQ(lobby.program.IsHost, True);
+      lobby.machine.Press(lobby.window.Command5);
+    });
+    lobby.window.cmdCreate_Click();
+    EXPECT_EQ(lobby.Buttons(), "Connect");
+    EXPECT_EQ(lobby.window.Caption, LaunchCaption);
+    EXPECT_EQ(lobby.window.Cancelled, False);
+    EXPECT_EQ(lobby.program.IsHost, False);
+    EXPECT_EQ(lobby.program.MyTurn, False);
+    EXPECT_TRUE(lobby.window.Command1.Enabled);
+  }
+  EXPECT_TRUE(lobby.machine.Boxes.empty());
+}
+
+TEST(LobbyTest, FailuresHaveTheirBoxesAndLeadBackToTheStart) {
+  struct Row {
+    const char *name;
+    void (*act)(Lobby &);
+    const char *text;
+  };
+  const Row rows[] = {
+      {"join without a row", [](Lobby &l) { l.window.cmdJoin_Click(); }, "You must select a game to join."},
+      {"create without a name",
+       [](Lobby &l) {
+         l.window.txtName.Text = "";
+         l.window.cmdCreate_Click();
+       },
+       "An error was encountered while attempting to create a DirectPlay session.  Please make sure that you "
+       "entered a "
+       "Session Name and that you have the latest DirectX Drivers installed."},
+      {"connect without a method",
+       [](Lobby &l) {
+         l.window.lstConnections.ListIndex = -1;
+         l.window.cmdConnect_Click();
+       },
+       "Error Initializing DirectPlay.  Please make sure that you have the latest DirectX7 Drivers "
+       "installed."},
+      {"create without rounds",
+       [](Lobby &l) {
+         l.window.Text1.Text = "0";
+         l.window.cmdCreate_Click();
+       },
+       "Please enter a whole number from 1 to 99."},
+  };
+  for (const Row &row : rows) {
+    SCOPED_TRACE(row.name);
+    Lobby lobby;
+    lobby.window.cmdConnect_Click();
+    row.act(lobby);
+    ASSERT_EQ(lobby.machine.Boxes.size(), 1U);
+    EXPECT_EQ(lobby.machine.Boxes[0].Text, row.text);
+    const bool rounds = std::string(row.name) == "create without rounds";
+    EXPECT_EQ(lobby.machine.Boxes[0].Title, rounds ? "Rounds to Play:" : NetworkTitle);
+    EXPECT_EQ(lobby.Buttons(), rounds ? "Refresh Create Join" : "Connect");
+    EXPECT_EQ(lobby.program.IsHost, False);
+    EXPECT_EQ(lobby.program.MyTurn, False);
+  }
+}
+
+TEST(LobbyTest, AHostsSessionIsListedAndGoneAfterItsCancel) {
+  Lobby lobby;
+  HeadlessMachine other(SNAPWEDGE_GAME_DIR);
+  session::SessionDirectPlay host(other, lobby.wire.Plug("10.0.0.2"));
+  host.InitializeConnection(host.GetDPEnumConnections("", 1)->GetAddress(2));
+  DirectPlaySessionData data;
+  data.SetGuidApplication("{7AB2F242-475F-11D4-AF9B-00C04F361528}");
+  data.SetSessionName("SNWG77");
+  data.SetMaxPlayers(2);
+  data.SetRounds(3);
+  host.Open(data, DPOPEN_CREATE);
+  const std::int32_t me = host.CreatePlayer("Bramble", "Player1", 0, 0);
+  // The other computer's program runs beside this one's.
+  const auto beside = lobby.machine.OnPump([&] {
+    other.SetNow(lobby.machine.Now());
+    host.GetMessageCount(me);
+  });
+  lobby.window.cmdConnect_Click();
+  ASSERT_EQ(lobby.window.lstSessions.List, std::vector<std::string>{"SNWG77 (1/2)"});
+  EXPECT_EQ(lobby.program.Sessions->GetItem(1).GetRounds(), 3);
+  host.Close();
+  lobby.window.lstSessions.ListIndex = 0;
+  lobby.window.cmdJoin_Click();
+  ASSERT_EQ(lobby.machine.Boxes.size(), 1U) << "a session that has gone can't be joined";
+  EXPECT_EQ(lobby.machine.Boxes[0].Text, "You must select a game to join.");
+  EXPECT_EQ(lobby.Buttons(), "Connect");
+}
+
+/// A sockets library that fails where a test wants it to.
+struct FakeSockets : Sockets {
+  int start = 0, cleanup = 0, name = 0;
+  std::uint16_t sockets = 100, version = 0x0101;
+  bool resolves = true;
+  hostent_record entry{4, {std::string("\xC0\xA8\x01\x07", 4), std::string("\x0A\x00\x00\x01", 4)}};
+
+  int WSAStartup(std::uint16_t, WSADATA &data) override {
+    data.wVersion = version;
+    data.iMaxSockets = sockets;
+    return start;
+  }
+  int WSACleanup() override { return cleanup; }
+  std::int32_t WSAGetLastError() override { return 10050; }
+  int gethostname(std::string &host, int) override {
+    host = " desk ";
+    return name;
+  }
+  const hostent_record *gethostbyname(const std::string &host) override {
+    EXPECT_EQ(host, "desk");
+    return resolves ? &entry : nullptr;
+  }
+};
+
+TEST(AddressLookupTest, EveryAnswerAndEveryFailureHasItsBoxes) {
+  using Texts = std::vector<std::string>;
+  const std::string told = "Your IP address is: ";
+  const std::string error =
+      "An error occurred while attempting to locate IP address.  Please make sure that you are "
+      "connected to a LAN or the Internet.";
+  struct Row {
+    const char *name;
+    std::function<void(FakeSockets &)> arrange;
+    Texts texts;
+  };
+  const Row rows[] = {
+      {"the first of two", [](FakeSockets &) {}, {told + "192.168.1.7"}},
+      {"loopback",
+       [](FakeSockets &s) {
+         s.entry = {4, {std::string("\x7F\x00\x00\x01", 4)}};
+       },
+       {error}},
+      {"IPv6",
+       [](FakeSockets &s) {
+         s.entry = {16, {std::string("\x20\x01\x0D\xB8\0\0\0\0\0\0\0\0\0\0\0\x2A", 16)}};
+       },
+       {told + "2001:db8::2a"}},
+      {"no start",
+       [](FakeSockets &s) { s.start = 1; },
+       {"The 32-bit Windows Socket is not responding.", told}},
+      {"no sockets",
+       [](FakeSockets &s) { s.sockets = 0; },
+       {"This application requires a minimum of 1 supported sockets.", told}},
+      {"an old version",
+       [](FakeSockets &s) { s.version = 0x0001; },
+       {"Sockets version 1.0 is not supported by 32-bit Windows Sockets.", told}},
+      {"no name",
+       [](FakeSockets &s) { s.name = -1; },
+       {"Windows Sockets error  10050 has occurred. Unable to successfully get Host Name.", told}},
+      {"no answer",
+       [](FakeSockets &s) { s.resolves = false; },
+       {"Windows Sockets are not responding. Unable to successfully get Host Name.", told}},
+      {"no address", [](FakeSockets &s) { s.entry.h_addr_list.clear(); }, {error}},
+      {"no clean end",
+       [](FakeSockets &s) { s.cleanup = 1; },
+       {"Socket error occurred in Cleanup.", told + "192.168.1.7"}},
+  };
+  for (const Row &row : rows) {
+    SCOPED_TRACE(row.name);
+    HeadlessMachine machine(SNAPWEDGE_GAME_DIR);
+    auto sockets = std::make_unique<FakeSockets>();
+    row.arrange(*sockets);
+    machine.SocketsLibrary = std::move(sockets);
+    TellLocalAddress(machine);
+    Texts texts;
+    for (const MessageBox &box : machine.Boxes) texts.push_back(box.Text);
+    EXPECT_EQ(texts, row.texts);
+    const MessageBox &last = machine.Boxes.back();
+    EXPECT_EQ(last.Title, last.Critical ? "Error:" : "IP Address:");
+  }
+}
+
+} // namespace
