@@ -1,0 +1,208 @@
+// The real machine: what its windows show, what comes back from them, the pointer, and sound. Runs on a
+// virtual display.
+
+#include "platform/desktop/desktop_machine.h"
+#include "platform/desktop/open_al_sound.h"
+
+#include <AL/al.h>
+#include <QLabel>
+#include <QLineEdit>
+#include <QListWidget>
+#include <QPushButton>
+#include <QTest>
+#include <gtest/gtest.h>
+
+#include <chrono>
+#include <thread>
+
+namespace {
+
+/// One application serves all tests of the program.
+DesktopMachine &TheMachine() {
+  static int count = 1;
+  static char name[] = "test";
+  static char *arguments[] = {name, nullptr};
+  static DesktopMachine machine(count, arguments);
+  return machine;
+}
+
+QWidget *WidgetOf(const char *name) {
+  for (QWidget *window : QApplication::topLevelWidgets()) {
+    if (auto *widget = window->findChild<QWidget *>(name)) return widget;
+  }
+  return nullptr;
+}
+
+void PumpFor(DesktopMachine &machine, std::int32_t milliseconds) {
+  const std::int32_t end = machine.ClockIn(milliseconds);
+  while (!machine.ClockReached(end)) machine.WaitUntil(end);
+}
+
+/// A window with one control of the kinds that carry text.
+struct Form {
+  explicit Form(DesktopMachine &on) : machine(on) {
+    window.Name = "Form";
+    window.Caption = "Form";
+    window.Width = 300;
+    window.Height = 200;
+    label.Name = "label";
+    label.Place = {10, 10, 200, 20};
+    label.Caption = "before";
+    box.Name = "box";
+    box.Place = {10, 40, 100, 24};
+    button.Name = "button";
+    button.Place = {10, 80, 100, 24};
+    button.Caption = "Press";
+    list.Name = "list";
+    list.Place = {10, 120, 100, 60};
+    list.List = {"one", "two"};
+    window.Controls = {&label, &box, &button, &list};
+    machine.Show(window);
+    PumpFor(machine, 50);
+  }
+  ~Form() { machine.Hide(window); }
+
+  DesktopMachine &machine;
+  Window window;
+  Label label;
+  TextBox box;
+  CommandButton button;
+  ListBox list;
+};
+
+TEST(DesktopMachineTest, PropertiesReachTheScreenAtThePump) {
+  Form form(TheMachine());
+  form.label.Caption = "after & on";
+  form.label.Visible = false;
+  form.box.Text = "typed by the game";
+  form.button.Enabled = false;
+  form.list.List.emplace_back("three");
+  form.list.ListIndex = 2;
+  form.machine.Pump();
+  EXPECT_EQ(qobject_cast<QLabel *>(WidgetOf("label"))->text(), "after & on");
+  EXPECT_FALSE(WidgetOf("label")->isVisible());
+  EXPECT_EQ(qobject_cast<QLineEdit *>(WidgetOf("box"))->text(), "typed by the game");
+  EXPECT_FALSE(WidgetOf("button")->isEnabled());
+  EXPECT_EQ(qobject_cast<QListWidget *>(WidgetOf("list"))->currentRow(), 2);
+}
+
+TEST(DesktopMachineTest, HandlersRunInThePumpAndMayThrow) {
+  Form form(TheMachine());
+  int clicks = 0;
+  form.button.Click = [&] {
+    ++clicks;
+    if (clicks == 2) throw ProgramEnd{7};
+  };
+  QTest::mouseClick(WidgetOf("button"), Qt::LeftButton);
+  EXPECT_EQ(clicks, 0) << "Qt's own handler must not call the game";
+  form.machine.Pump();
+  EXPECT_EQ(clicks, 1);
+  QTest::mouseClick(WidgetOf("button"), Qt::LeftButton);
+  EXPECT_THROW(form.machine.Pump(), ProgramEnd);
+  form.machine.Pump();
+  std::int16_t lastKey = 0;
+  form.box.KeyPress = [&](std::int16_t key) { lastKey = key; };
+  QTest::keyClicks(WidgetOf("box"), "hi");
+  QTest::keyClick(WidgetOf("box"), Qt::Key_Return);
+  form.machine.Pump();
+  EXPECT_EQ(form.box.Text, "hi");
+  EXPECT_EQ(lastKey, KeyCodes::Enter);
+}
+
+TEST(DesktopMachineTest, AModalWindowKeepsTheOthersWaiting) {
+  Form form(TheMachine());
+  int clicks = 0;
+  form.button.Click = [&] { ++clicks; };
+  Window card;
+  card.Name = "Card";
+  card.Width = 100;
+  card.Height = 80;
+  const auto poll = form.machine.OnPump([&, tries = 0]() mutable {
+    if (!card.Visible || ++tries < 5) return;
+    if (tries == 5) QTest::mouseClick(WidgetOf("button"), Qt::LeftButton);
+    if (tries == 8) form.machine.Hide(card);
+  });
+  form.machine.ShowModal(card);
+  PumpFor(form.machine, 30);
+  EXPECT_EQ(clicks, 0);
+  EXPECT_FALSE(card.Visible);
+}
+
+TEST(DesktopMachineTest, AMissingPictureIsNamed) {
+  Window window;
+  window.Width = window.Height = 50;
+  window.Picture = "no-such-picture";
+  try {
+    TheMachine().Show(window);
+    FAIL() << "it must not be passed over";
+  } catch (const std::runtime_error &error) {
+    EXPECT_NE(std::string(error.what()).find("no-such-picture"), std::string::npos);
+  }
+  EXPECT_FALSE(window.Visible);
+}
+
+TEST(DesktopMachineTest, AWaitEndsOnTimeAndSleeps) {
+  DesktopMachine &machine = TheMachine();
+  using Clock = std::chrono::steady_clock;
+  const auto start = Clock::now();
+  const std::clock_t processor = std::clock();
+  PumpFor(machine, 200);
+  const double wall = std::chrono::duration<double>(Clock::now() - start).count();
+  EXPECT_GE(wall, 0.199);
+  EXPECT_LT(static_cast<double>(std::clock() - processor) / CLOCKS_PER_SEC, wall / 2);
+}
+
+/// The source that was made last, as OpenAL knows it.
+ALuint LastSource() {
+  constexpr ALuint Most = 1000;
+  ALuint last = 0;
+  for (ALuint source = 1; source < Most; ++source) {
+    if (alIsSource(source)) last = source;
+  }
+  return last;
+}
+
+ALint OffsetOf(ALuint source) {
+  ALint offset = 0;
+  alGetSourcei(source, AL_SAMPLE_OFFSET, &offset);
+  return offset;
+}
+
+TEST(DesktopSoundTest, StopKeepsThePositionAndPlayDoesNotRestart) {
+  const auto sound = OpenDefaultSound();
+  const auto crowd =
+      sound->CreateSoundBufferFromFile(std::filesystem::path(SNAPWEDGE_GAME_DIR) / "crowd.daw", {}, {});
+  const ALuint source = LastSource();
+  ASSERT_NE(source, 0U);
+  const auto wait = [] { std::this_thread::sleep_for(std::chrono::milliseconds(250)); };
+  crowd->Play(DSBPLAY_LOOPING);
+  wait();
+  const ALint first = OffsetOf(source);
+  EXPECT_GT(first, 0);
+  crowd->Play(DSBPLAY_LOOPING);
+  wait();
+  const ALint second = OffsetOf(source);
+  EXPECT_GT(second, first) << "a second call must not start it over";
+  crowd->Stop();
+  const ALint stopped = OffsetOf(source);
+  EXPECT_GE(stopped, second);
+  wait();
+  EXPECT_EQ(OffsetOf(source), stopped);
+  crowd->Play(DSBPLAY_DEFAULT);
+  wait();
+  EXPECT_GT(OffsetOf(source), stopped) << "it goes on from where it stood";
+}
+
+TEST(DesktopSoundTest, AFileThatIsNoSoundIsNamed) {
+  const auto sound = OpenDefaultSound();
+  for (const char *file : {"no-such.daw", "table.dax"}) {
+    try {
+      sound->CreateSoundBufferFromFile(std::filesystem::path(SNAPWEDGE_GAME_DIR) / file, {}, {});
+      ADD_FAILURE() << file;
+    } catch (const SoundError &error) {
+      EXPECT_NE(std::string(error.what()).find(file), std::string::npos);
+    }
+  }
+}
+
+} // namespace

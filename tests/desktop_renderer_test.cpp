@@ -1,0 +1,131 @@
+// Pictures of the real scene: repeatable, still where nothing moves, and with everything in them that a
+// player needs.
+
+#include "platform/desktop/renderer/renderer.h"
+#include "tests/game_kit.h"
+
+#include <QGuiApplication>
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+
+namespace {
+
+constexpr QSize CanvasSize(417, 361);
+
+/// The play window's scene with a renderer before it.
+struct Picture {
+  explicit Picture(Quality quality) : renderer(quality) { game.SetUp(); }
+
+  QImage Draw() {
+    renderer.Draw(game.window.RMCanvas1, CanvasSize);
+    return renderer.Picture().copy();
+  }
+
+  static QGuiApplication &Application() {
+    static int count = 1;
+    static char name[] = "test";
+    static char *arguments[] = {name, nullptr};
+    static QGuiApplication application(count, arguments);
+    return application;
+  }
+
+  QGuiApplication &application = Application();
+  Game game;
+  Renderer renderer;
+};
+
+int Differing(const QImage &a, const QImage &b, int tolerance = 0) {
+  int count = 0;
+  for (int y = 0; y < a.height(); ++y) {
+    for (int x = 0; x < a.width(); ++x) {
+      const QColor p = a.pixelColor(x, y), q = b.pixelColor(x, y);
+      const int most = std::max(
+          {std::abs(p.red() - q.red()), std::abs(p.green() - q.green()), std::abs(p.blue() - q.blue())});
+      if (most > tolerance) ++count;
+    }
+  }
+  return count;
+}
+
+TEST(RendererTest, TheSameSceneGivesTheSamePictureToTheBit) {
+  for (const Quality quality : {Quality::Full, Quality::Low}) {
+    Picture one(quality), two(quality);
+    EXPECT_EQ(Differing(one.Draw(), two.Draw()), 0);
+  }
+}
+
+TEST(RendererTest, NothingIsDrawnAgainThatDoesNotShow) {
+  Picture picture(Quality::Low);
+  picture.Draw();
+  auto &window = picture.game.window;
+  EXPECT_FALSE(picture.renderer.Draw(window.RMCanvas1, CanvasSize));
+  window.LookCam();
+  window.PieceFrame->SetPosition(window.RMCanvas1.SceneFrame, 0, 0, 85);
+  EXPECT_FALSE(picture.renderer.Draw(window.RMCanvas1, CanvasSize)) << "a move to the same place is none";
+  window.AimFrame->AddRotation(D3DRMCOMBINE_BEFORE, 0, 1, 0, 0.01f);
+  EXPECT_TRUE(picture.renderer.Draw(window.RMCanvas1, CanvasSize)) << "the arrow has turned";
+  EXPECT_TRUE(picture.renderer.Draw(window.RMCanvas1, CanvasSize * 2));
+}
+
+TEST(RendererTest, AMovedPieceChangesThePictureWhereItIsAndNowhereElse) {
+  Picture picture(Quality::Full);
+  auto &window = picture.game.window;
+  const QImage before = picture.Draw();
+  window.PieceFrame->SetPosition(window.RMCanvas1.SceneFrame, 0, 0, 83);
+  const QImage after = picture.Draw();
+  EXPECT_GT(Differing(before, after), 100);
+  const QRect sky(0, 0, CanvasSize.width(), CanvasSize.height() / 4);
+  EXPECT_EQ(Differing(before.copy(sky), after.copy(sky)), 0);
+}
+
+TEST(RendererTest, PieceArrowTableAndPostsStandOutFromTheRest) {
+  // How much of the picture changes when a thing is taken away.
+  Picture picture(Quality::Low);
+  auto &window = picture.game.window;
+  const QImage whole = picture.Draw();
+  struct Row {
+    const char *name;
+    Ref<Direct3DRMFrame3> frame;
+    Ref<Direct3DRMMeshBuilder3> mesh;
+    int pixels;
+  };
+  for (const Row &row : {Row{"piece", window.PieceFrame, window.PieceMesh, 400},
+                         Row{"arrow", window.ArrowFrame, window.ArrowMesh, 300},
+                         Row{"posts", window.GoalFrame, window.GoalMesh, 200},
+                         Row{"table", window.TableFrame, window.TableMesh, 15000},
+                         Row{"stadium", window.StadiumFrame, window.StadiumMesh, 15000}}) {
+    SCOPED_TRACE(row.name);
+    row.frame->DeleteVisual(row.mesh);
+    EXPECT_GT(Differing(whole, picture.Draw(), 40), row.pixels);
+    row.frame->AddVisual(row.mesh);
+  }
+}
+
+TEST(RendererTest, ASlowMoveOfTheCameraShowsNoFlicker) {
+  Picture picture(Quality::Full);
+  auto &window = picture.game.window;
+  QImage last[3];
+  int flips = 0;
+  constexpr int Pictures = 60;
+  for (int i = 0; i < Pictures; ++i) {
+    window.CameraFrame->SetPosition(window.RMCanvas1.SceneFrame, 0.02f * static_cast<float>(i), 10, 120);
+    window.LookCam();
+    last[0] = last[1];
+    last[1] = last[2];
+    last[2] = picture.Draw();
+    if (last[0].isNull()) continue;
+    // A surface that fights with another one jumps to and fro; one that only passes goes on.
+    for (int y = 0; y < CanvasSize.height(); ++y) {
+      for (int x = 0; x < CanvasSize.width(); ++x) {
+        const int a = qGray(last[0].pixel(x, y)), b = qGray(last[1].pixel(x, y)),
+                  c = qGray(last[2].pixel(x, y));
+        if (std::abs(b - a) > 70 && std::abs(b - c) > 70 && std::abs(a - c) < 16) ++flips;
+      }
+    }
+  }
+  const int pixels = Pictures * CanvasSize.width() * CanvasSize.height();
+  EXPECT_LT(flips, pixels / 5000);
+}
+
+} // namespace
