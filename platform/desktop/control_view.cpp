@@ -64,10 +64,10 @@ public:
     // A click on a label is a click on what lies under it.
     widget_->setAttribute(Qt::WA_TransparentForMouseEvents);
     if (model.Border) {
-      constexpr int Indent = 3; // pixels
+      constexpr int Indent = 4; // pixels
       widget_->setFrameStyle(QFrame::Box | QFrame::Plain);
       widget_->setAutoFillBackground(true);
-      widget_->setContentsMargins(Indent, 0, Indent, 0);
+      widget_->setIndent(Indent);
     }
   }
 
