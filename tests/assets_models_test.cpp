@@ -223,6 +223,7 @@ TEST(AssetsModelsTest, NothingStandsBetweenACameraAndThePiece) {
       for (float z = -95; z <= 88; z += 30.5f)
         for (const float y : {0.0f, 50.0f})
           EXPECT_FALSE(hidden(place, {x, y, z})) << place.x << " " << place.z;
+    if (std::abs(place.x) == 88) continue; // the win camera: no fall is watched from there
     // A fall: only the table's thin legs may come between, for a moment.
     int seen = 0, all = 0;
     for (float side = -88; side <= 88; side += 8)

@@ -13,7 +13,7 @@ constexpr double UprightHeight = 32.5; ///< above the bar
 constexpr double TubeRadius = 0.62;
 constexpr double StemRadius = 0.95;
 constexpr double StemBack = 4.5;   ///< how far the stem stands behind the bar
-constexpr double StemFoot = -23.6; ///< where the stem ends, a little below the table's edge
+constexpr double StemFoot = -24.6; ///< where the stem ends, a little below the table's edge
 constexpr double EdgeZ = 7.0;      ///< of the table's far edge, from the bar
 constexpr int Sides = 14;
 
@@ -68,7 +68,7 @@ Mesh MakeGoal() {
 
   // It rides along the table's edge on a runner, as a clamp holds a lamp to a desk.
   Tube(mesh, {{0.0, StemFoot + 0.9, -StemBack}, {0.0, StemFoot + 0.9, EdgeZ + 0.6}}, 0.75, 10, Steel);
-  Box(mesh, {-3.4, StemFoot - 0.2, EdgeZ - 0.5}, {3.4, StemFoot + 2.9, EdgeZ - 0.05}, Steel);
+  Box(mesh, {-3.4, StemFoot - 0.2, EdgeZ - 0.5}, {3.4, StemFoot + 3.8, EdgeZ - 0.05}, Steel);
   Lathe(mesh, {0.0, StemFoot, -StemBack},
         {{0.0, -1.5, Steel}, {1.5, -1.0, Steel}, {1.7, 0.9, Steel}, {1.3, 1.8, Steel}, {0.9, 2.0, Steel}},
         Sides, true);

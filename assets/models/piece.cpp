@@ -15,7 +15,7 @@ constexpr double Underside = -0.43;
 constexpr double TopEdge = 0.27;  ///< height of the top along its border
 constexpr double Swelling = 0.07; ///< of the top in its middle
 constexpr double FlapLift = 0.05; ///< of the flap's sheet above the top
-constexpr double FlapCurl = 0.13; ///< how much further its free edge stands up
+constexpr double FlapCurl = 0.10; ///< how much further its free edge stands up
 
 constexpr Paint Paper{1.0, 1.0, 1.0, 1.0};
 constexpr Paint LayerLight{0.97, 0.96, 0.94, 0.35};

@@ -92,13 +92,14 @@ void Ring(Mesh &mesh, const Level &low, const Level &high, const Paint &lowPaint
       mesh, low, high, [&](int) { return lowPaint; }, [&](int) { return highPaint; });
 }
 
-/// Blocks of seats where supporters of one side sit together.
+/// Blocks of seats where supporters of one side sit together, in the colours of their side. Brighter than the
+/// picture itself, since the haze takes much of it away.
 Paint Supporters(int column) {
-  static const Paint tints[] = {{1.0, 1.0, 1.0, 1.0},
-                                {1.0, 0.86, 0.80, 1.0},
-                                {0.86, 0.92, 1.0, 1.0},
-                                {1.0, 0.97, 0.80, 1.0},
-                                {1.0, 1.0, 1.0, 1.0}};
+  static const Paint tints[] = {{1.32, 1.30, 1.32, 1.0},
+                                {1.42, 1.02, 0.94, 1.0},
+                                {1.00, 1.16, 1.46, 1.0},
+                                {1.44, 1.34, 0.92, 1.0},
+                                {1.32, 1.30, 1.32, 1.0}};
   return tints[(column * 7 + column / 3) % 5];
 }
 
@@ -220,8 +221,8 @@ void AddFlag(Mesh &mesh, double turn, const Paint &paint) {
 void AddLegs(Mesh &mesh) {
   for (const double x : {-83.0, 83.0}) {
     for (const double z : {-83.0, 83.0}) {
-      Tube(mesh, {{x, -2.6, z}, {x, Floor + 1.0, z}}, 1.5, 10, Steel);
-      Lathe(mesh, {x, Floor, z}, {{3.2, 0.0, Shade}, {2.6, 2.4, Shade}, {0.0, 2.6, Shade}}, 12, false);
+      Tube(mesh, {{x, -2.6, z}, {x, Floor + 1.0, z}}, 1.1, 10, Steel);
+      Lathe(mesh, {x, Floor, z}, {{2.6, 0.0, Shade}, {2.1, 2.0, Shade}, {0.0, 2.6, Shade}}, 12, false);
     }
   }
 }
