@@ -31,7 +31,7 @@ struct Golden {
 
 std::vector<Golden> AllFrames() {
   const std::string guid = "7ab2f242475f11d4af9b00c04f361528";
-  const std::string intro = "534e47570100" + guid;
+  const std::string intro = "534e57470100" + guid;
   const session::Token secret{1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12, 13, 14, 15, 16};
   const std::string secretHex = "0102030405060708090a0b0c0d0e0f10";
   return {
@@ -103,7 +103,9 @@ TEST(SessionFrameTest, WhateverComesIsAFrameOrRefused) {
       if (std::holds_alternative<session::StrangerFrame>(frame)) continue;
       // What was understood is exactly what was there; only a question's filling says nothing.
       const Bytes again = session::EncodeDatagram(frame);
-      if (!std::holds_alternative<session::AskFrame>(frame)) ASSERT_EQ(Hex(again), Hex(bytes));
+      if (!std::holds_alternative<session::AskFrame>(frame)) {
+        ASSERT_EQ(Hex(again), Hex(bytes));
+      }
       ++taken;
     } catch (const session::MalformedError &) {
       ++refused;

@@ -3,6 +3,8 @@
 
 #include "tests/session_kit.h"
 
+#include <algorithm>
+
 using namespace kit;
 using session::AnyFrame;
 using session::Bytes;
@@ -175,12 +177,12 @@ TEST(SessionHostileTest, AJoinerThatOnlyBreaksFramesIsGivenUp) {
   BadJoiner first(lobby.network, lobby.id);
   first.MakePlayer();
   int connections = 1;
-  first.Send({1, 0, 0, 0, 77});
+  first.Send(Bytes{1, 0, 0, 0, 77});
   for (; connections < 100; ++connections) {
     Stranger next(lobby.network, "10.0.0.9");
     next.Send(Frame(session::ResumeFrame{Game, lobby.id, first.secret, 1}));
     if (next.Received().empty()) break;
-    next.Send({1, 0, 0, 0, 77});
+    next.Send(Bytes{1, 0, 0, 0, 77});
   }
   EXPECT_LE(connections, session::MostBrokenFrames);
   EXPECT_EQ(TakeAll(*lobby.host, lobby.player), (std::vector<std::string>{"joined", "lost"}));

@@ -183,6 +183,7 @@ AnyFrame ReadBody(FrameType type, ByteReader &in) {
 
 Bytes EncodeDatagram(const AnyFrame &frame) {
   Bytes body;
+  body.reserve(AskBytes);
   std::visit(Encoder{body}, frame);
   return body;
 }

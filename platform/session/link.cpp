@@ -22,6 +22,10 @@ void Link::Send(DataKind kind, const Bytes &payload, std::int32_t now) {
 bool Link::Attach(std::unique_ptr<Connection> connection, std::uint32_t peerNext, std::int32_t now) {
   const std::uint32_t oldest = unacknowledged_.empty() ? nextOut_ : unacknowledged_.front().number;
   if (state_ == State::Lost || peerNext < oldest || !CanAcknowledge(peerNext)) return false;
+  if (++fruitless_ > MostFruitlessResumes) {
+    Lose();
+    return false;
+  }
   Acknowledged(peerNext);
   connection_ = std::move(connection);
   connection_->EndHandshake();
@@ -37,7 +41,7 @@ bool Link::Attach(std::unique_ptr<Connection> connection, std::uint32_t peerNext
 
 void Link::Poll(std::int32_t now) {
   if (!connection_) {
-    if (state_ == State::Broken && Since(*troubleSince_, now) >= GiveUpMs) Lose();
+    if (state_ == State::Broken && Since(brokenAt_, now) >= GiveUpMs) Lose();
     return;
   }
   const bool came = connection_->Fill(now);
@@ -68,7 +72,7 @@ void Link::Poll(std::int32_t now) {
 void Link::Break(std::int32_t now) {
   connection_.reset();
   state_ = State::Broken;
-  if (!troubleSince_) troubleSince_ = now;
+  brokenAt_ = now;
   // Lost only by a `Poll` after this one, so that everybody sees the break first.
 }
 
@@ -110,7 +114,7 @@ void Link::Handle(const AnyFrame &frame, std::int32_t now) {
   } else {
     throw MalformedError("frame has no place in a running session");
   }
-  troubleSince_.reset();
+  fruitless_ = 0;
 }
 
 void Link::HandleData(const DataFrame &frame) {
@@ -167,7 +171,7 @@ std::optional<std::int32_t> Link::NextDeadline() const {
     const std::int32_t silence = Later(connection_->Heard(), SilenceMs);
     return Since(sign, silence) < 0 ? silence : sign;
   }
-  if (state_ == State::Broken) return Later(*troubleSince_, GiveUpMs);
+  if (state_ == State::Broken) return Later(brokenAt_, GiveUpMs);
   return std::nullopt;
 }
 

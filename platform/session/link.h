@@ -89,9 +89,10 @@ private:
   bool ackDue_ = false;
   bool playerCame_ = false;
   bool leaving_ = false;
-  std::optional<std::int32_t> troubleSince_; ///< first break after which nothing has been heard
+  std::int32_t brokenAt_ = 0; ///< when the last connection broke
   std::int32_t attached_ = 0;
   int resumes_ = -1;
+  int fruitless_ = 0; ///< connections in a row that broke before anything came
   int brokenFrames_ = 0;
   int dropped_ = 0;
 };

@@ -47,6 +47,7 @@ constexpr std::int32_t PlayerMs = 10000;    ///< a joiner's time to make its pla
 constexpr std::int32_t SearchMs = 1000;     ///< a search waits so long for answers
 constexpr std::int32_t AskAgainMs = 300;    ///< and repeats its question in these steps
 constexpr std::int32_t FarewellMs = 300;    ///< what was sent has so long to go out at the end
+constexpr int MostFruitlessResumes = 10;    ///< in a row, that broke before any frame came
 constexpr int RefusalsThatEnd = 3;          ///< in a row: no program listens there any more
 
 } // namespace session
