@@ -26,7 +26,7 @@ constexpr Paint RibbonShade{0.75, 0.03, 1.0, 0.0};
 /// A ribbon that waves out to +x from the head of an upright.
 void AddRibbon(Mesh &mesh, const Point &head) {
   constexpr int Steps = 8;
-  constexpr double Length = 5.2, Height = 1.5, Wave = 0.55;
+  constexpr double Length = 7.0, Height = 2.2, Wave = 0.7;
   for (const double face : {1.0, -1.0}) {
     int before[2] = {0, 0};
     for (int i = 0; i <= Steps; ++i) {

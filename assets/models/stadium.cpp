@@ -25,8 +25,8 @@ constexpr Paint White{0.97, 0.95, 0.93, 0.0};
 constexpr Paint Steel{0.36, 0.38, 0.48, 0.0};
 constexpr Paint Lamp{1.9, 1.8, 1.5, 0.0};
 constexpr Paint Track{0.60, 0.27, 0.23, 0.0};
-constexpr Paint LightGrass{0.33, 0.58, 0.30, 0.08};
-constexpr Paint DarkGrass{0.27, 0.50, 0.28, 0.08};
+constexpr Paint LightGrass{0.31, 0.62, 0.26, 0.06};
+constexpr Paint DarkGrass{0.25, 0.53, 0.25, 0.06};
 constexpr Paint Banner{0.12, 0.20, 0.45, 0.0};
 
 /// A place on the plan: where a level that lies `out` from the middle passes, and which way is outward.
@@ -170,7 +170,7 @@ void AddFloor(Mesh &mesh) {
     Ring(mesh, {from, Floor}, {to, Floor}, lit(from), lit(to));
   };
   zone(CornerAt, Edge, LightGrass);
-  constexpr double TrackOut = 152.0, LineWidth = 0.45;
+  constexpr double TrackOut = 152.0, LineWidth = 0.7;
   constexpr int Lanes = 6;
   constexpr double Lane = (TrackOut - Edge) / Lanes;
   for (int i = 0; i < Lanes; ++i) {
@@ -210,11 +210,11 @@ void AddFlag(Mesh &mesh, double turn, const Paint &paint) {
   const Point base{foot.x, 56.5, foot.z};
   const Point along{-foot.outZ, 0.0, foot.outX};
   const Point facing{-foot.outX, 0.0, -foot.outZ};
-  const Point top = base + Point{0.0, 8.0, 0.0};
+  const Point top = base + Point{0.0, 9.5, 0.0};
   Tube(mesh, {base, top}, 0.22, 4, White);
-  const Point tip = top + along * 6.5 + Point{0.0, -2.2, 0.0};
+  const Point tip = top + along * 8.5 + Point{0.0, -2.6, 0.0};
   for (const double side : {1.0, -1.0})
-    mesh.FlatTriangle(top, top - Point{0.0, 4.0, 0.0}, tip, facing * side, paint);
+    mesh.FlatTriangle(top, top - Point{0.0, 5.2, 0.0}, tip, facing * side, paint);
 }
 
 /// The desk's legs, down to the floor.
@@ -235,17 +235,17 @@ Mesh MakeStadium() {
   AddLegs(mesh);
 
   Boards(mesh, 158.0, Floor, -142.0, 1, 0.6);
-  Deck(mesh, {159.0, -142.0}, {190.0, -104.0}, 0.62, 0.34);
+  Deck(mesh, {159.0, -142.0}, {190.0, -104.0}, 0.52, 0.30);
   Ring(mesh, {190.0, -104.0}, {190.0, -97.0}, Shade, Shade * 0.8);
   Ring(mesh, {190.0, -97.0}, {183.0, -96.0}, Shade * 0.8, Shade);
   Boards(mesh, 182.6, -96.0, -90.0, 3, 0.7);
-  Deck(mesh, {183.0, -89.5}, {214.0, -54.0}, 0.75, 0.42);
+  Deck(mesh, {183.0, -89.5}, {214.0, -54.0}, 0.60, 0.34);
   Ring(mesh, {214.0, -54.0}, {214.0, -47.0}, Shade, Shade * 0.8);
   Ring(mesh, {214.0, -47.0}, {206.0, -46.0}, Shade * 0.8, Shade);
   Boards(mesh, 205.6, -46.0, -40.0, 5, 0.85);
 
   // The two tiers that the table's height looks at.
-  Deck(mesh, {206.0, -39.5}, {254.0, 9.5}, 0.95, 0.5);
+  Deck(mesh, {206.0, -39.5}, {254.0, 9.5}, 0.90, 0.52);
   Ring(mesh, {254.0, 9.5}, {254.0, 14.0}, Shade, Shade * 0.7);
   Ring(mesh, {254.0, 14.0}, {232.0, 16.8}, Shade * 0.7, Shade);
   Ring(mesh, {231.4, 16.6}, {231.8, 22.6}, Banner, Banner);
@@ -262,7 +262,7 @@ Mesh MakeStadium() {
     AddMast(mesh, side * SideColumns + StraightParts - 0.3);
   }
   static const Paint flags[] = {
-      {0.93, 0.18, 0.16, 0.0}, {0.98, 0.80, 0.15, 0.0}, {0.16, 0.38, 0.75, 0.0}, White};
+      {1.25, 0.20, 0.16, 0.0}, {1.35, 1.05, 0.15, 0.0}, {0.16, 0.45, 1.15, 0.0}, White};
   for (int i = 0; i < Columns; ++i) AddFlag(mesh, i + 0.5, flags[i % 4]);
 
   // The name of the game along the front of the upper tier, on each side.
