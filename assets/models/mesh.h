@@ -20,8 +20,8 @@ double Length(const Point &a);
 Point Normalized(const Point &a); ///< (0, 1, 0) for a vector too short to have a direction
 Point Mix(const Point &a, const Point &b, double share);
 
-/// Colour of a vertex, parts from 0 to 1. It tints what the game lays over the mesh, be it a texture or a
-/// material.
+/// Colour of a vertex, parts from 0 to 1, above 1 for what shines. It tints what the game lays over the mesh,
+/// be it a texture or a material.
 struct Paint {
   double r = 1.0, g = 1.0, b = 1.0;
   double texture = 1.0; ///< how much of the texture shows: 1 all of it, 0 the plain paint

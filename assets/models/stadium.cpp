@@ -18,7 +18,6 @@ constexpr int StraightParts = 6;   ///< of each side
 constexpr int CornerParts = 7;     ///< of each corner
 constexpr int Columns = 4 * (StraightParts + CornerParts);
 
-constexpr Paint Crowd{1.0, 1.0, 1.0, 1.0};
 constexpr Paint Concrete{0.78, 0.74, 0.78, 0.0};
 constexpr Paint Shade{0.26, 0.23, 0.34, 0.0};
 constexpr Paint White{0.97, 0.95, 0.93, 0.0};
@@ -34,12 +33,12 @@ struct Station {
   double x, z, outX, outZ;
 };
 
-/// `turn` counts columns round the stadium, from the far side's left end on; fractions lie between.
+/// `turn` counts columns round the stadium, from the far side's end at -x on; fractions lie between.
 Station At(double turn, double out) {
   const double wrapped = turn - Columns * std::floor(turn / Columns);
   const int side = static_cast<int>(wrapped / (StraightParts + CornerParts)) % 4;
   const double rest = wrapped - side * (StraightParts + CornerParts);
-  double x, z, outX, outZ; // for the far side, with +x to the right and outward along -z
+  double x, z, outX, outZ; // for the far side, with outward along -z
   if (rest <= StraightParts) {
     x = -CornerAt + 2.0 * CornerAt * rest / StraightParts;
     z = -out;

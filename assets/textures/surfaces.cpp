@@ -89,7 +89,7 @@ Canvas Sky() {
 
 Canvas Crowd() {
   // One repeat is 100 scene units of the stands, seen from above: rows of people in mixed colours.
-  constexpr int Size = 1024, Rows = 40, Seats = 64;
+  constexpr int Size = 1024, Rows = 48, Seats = 68;
   constexpr Paint Shirts[] = {{0.86, 0.26, 0.22}, {0.95, 0.78, 0.22}, {0.24, 0.48, 0.84}, {0.96, 0.94, 0.90},
                               {0.50, 0.32, 0.72}, {0.92, 0.50, 0.20}, {0.28, 0.66, 0.40}, {0.80, 0.30, 0.56},
                               {0.20, 0.24, 0.36}, {0.93, 0.86, 0.70}};
@@ -98,7 +98,7 @@ Canvas Crowd() {
       {0.16, 0.10, 0.08}, {0.40, 0.24, 0.12}, {0.86, 0.72, 0.40}, {0.93, 0.30, 0.24}, {0.96, 0.96, 0.94}};
   Canvas canvas = Painted(Size, [](double u, double v, int, int) {
     const double step = std::abs(v * Rows - std::floor(v * Rows) - 0.5) * 2;
-    const double shade = 0.30 + 0.10 * step + 0.05 * Noise(u, v, 64, 4);
+    const double shade = 0.22 + 0.10 * step + 0.05 * Noise(u, v, 64, 4);
     return Paint{shade, shade * 0.92, shade * 1.12};
   });
   constexpr double Pitch = static_cast<double>(Size) / Rows, Place = static_cast<double>(Size) / Seats;
@@ -107,7 +107,7 @@ Canvas Crowd() {
       const auto draw = [&](std::uint32_t what) {
         return Hash(static_cast<std::uint32_t>(seat), static_cast<std::uint32_t>(row), what);
       };
-      if (draw(1) < 0.06) continue; // an empty seat
+      if (draw(1) < 0.04) continue; // an empty seat
       const double x = (seat + 0.5 + 0.28 * (draw(2) - 0.5) + (row % 2) * 0.5) * Place;
       const double y = (row + 0.5 + 0.24 * (draw(3) - 0.5)) * Pitch;
       // Friends come in the same colour.
@@ -115,23 +115,24 @@ Canvas Crowd() {
       const Paint &shirt = Shirts[static_cast<std::size_t>(taste * 9.999)];
       const Paint &skin = Skins[static_cast<std::size_t>(draw(5) * draw(5) * 3.999)];
       const Paint &hair = Hairs[static_cast<std::size_t>(draw(6) * 4.999)];
-      canvas.Blob(x + 1.2, y + 4.6, 7.2, 8.4, {0.12, 0.10, 0.18}, 0.5);
-      canvas.Blob(x, y + 3.0, 6.6, 7.4, shirt);
+      canvas.Blob(x + 1.2, y + 4.6, 7.6, 8.4, {0.10, 0.08, 0.16}, 0.6);
+      canvas.Blob(x, y + 7.0, 5.2, 4.6, {shirt.r * 0.62, shirt.g * 0.62, shirt.b * 0.68});
+      canvas.Blob(x, y + 2.6, 6.4, 5.8, shirt);
       if (draw(7) < 0.3) {
         canvas.Blob(x - 6.4, y - 3.5, 2.1, 4.2, skin);
         canvas.Blob(x + 6.4, y - 3.5, 2.1, 4.2, skin);
       }
-      canvas.Blob(x, y - 4.2, 4.3, 4.6, skin);
-      canvas.Blob(x, y - 6.0, 4.3, 3.2, hair);
+      canvas.Blob(x, y - 5.2, 3.7, 4.0, skin);
+      canvas.Blob(x, y - 7.4, 3.7, 2.2, hair);
     }
   }
   return canvas;
 }
 
 Canvas Paper() {
-  // The sheet lies over the folded piece at a slant: a repeat is PerP units long along the piece's right
-  // leg's normal (p) and PerQ units along its left leg's (q). Places below are told in the piece's own x and
-  // z.
+  // The sheet lies over the folded piece at a slant: u runs along p, the direction of the piece's left leg,
+  // and v against q, that of its right leg, shortened by the slant. Places below are told in the piece's own
+  // x and z.
   constexpr int Size = 512, Rules = 12;
   constexpr double Scale = 0.19, Top = 0.34; // repeats to the unit; height of the piece's top
   const double alongP = Scale, alongQ = -Scale / std::sqrt(3.0), alongY = 2 * Scale / std::sqrt(6.0);
