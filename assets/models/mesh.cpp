@@ -78,14 +78,22 @@ void Mesh::Quad(int a, int b, int c, int d) {
   Triangle(a, c, d);
 }
 
+void Mesh::Quad(const Vertex &a, const Vertex &b, const Vertex &c, const Vertex &d) {
+  const int first = Add(a), second = Add(b), third = Add(c), fourth = Add(d);
+  Quad(first, second, third, fourth);
+}
+
 void Mesh::FlatQuad(const Point &a, const Point &b, const Point &c, const Point &d, const Point &normal,
                     const Paint &paint) {
-  Quad(Add({a, normal, paint}), Add({b, normal, paint}), Add({c, normal, paint}), Add({d, normal, paint}));
+  Quad(Vertex{a, normal, paint}, Vertex{b, normal, paint}, Vertex{c, normal, paint},
+       Vertex{d, normal, paint});
 }
 
 void Mesh::FlatTriangle(const Point &a, const Point &b, const Point &c, const Point &normal,
                         const Paint &paint) {
-  Triangle(Add({a, normal, paint}), Add({b, normal, paint}), Add({c, normal, paint}));
+  const int first = Add({a, normal, paint}), second = Add({b, normal, paint}),
+            third = Add({c, normal, paint});
+  Triangle(first, second, third);
 }
 
 void Mesh::Write(const std::filesystem::path &path, const std::string &name,

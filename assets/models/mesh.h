@@ -49,6 +49,8 @@ public:
   /// area are dropped.
   void Triangle(int a, int b, int c);
   void Quad(int a, int b, int c, int d); ///< corners in order round the face
+  /// A quad with corners of its own.
+  void Quad(const Vertex &a, const Vertex &b, const Vertex &c, const Vertex &d);
   /// A face of its own with one normal; the front lies on the side of `normal`.
   void FlatQuad(const Point &a, const Point &b, const Point &c, const Point &d, const Point &normal,
                 const Paint &paint);

@@ -76,8 +76,8 @@ void Ring(Mesh &mesh, const Level &low, const Level &high, const PaintAt &lowPai
   const Point slope = Normalized({-(high.y - low.y), high.out - low.out, 0.0});
   const auto vertex = [&](double turn, const Level &level, const Paint &paint) {
     const Station station = At(turn, level.out);
-    return mesh.Add(
-        {{station.x, level.y, station.z}, {station.outX * slope.x, slope.y, station.outZ * slope.x}, paint});
+    return Vertex{
+        {station.x, level.y, station.z}, {station.outX * slope.x, slope.y, station.outZ * slope.x}, paint};
   };
   for (int column = 0; column < Columns; ++column) {
     const Paint below = lowPaint(column), above = highPaint(column);
@@ -120,9 +120,9 @@ void Deck(Mesh &mesh, const Level &low, const Level &high, double lowLight, doub
         StairWidth / 2.0 * (column % (StraightParts + CornerParts) < StraightParts ? 1.0 : 1.25);
     const auto vertex = [&](double turn, const Level &level, double light) {
       const Station station = At(turn, level.out);
-      return mesh.Add({{station.x, level.y + Lift, station.z},
-                       {station.outX * slope.x, slope.y, station.outZ * slope.x},
-                       Concrete * light});
+      return Vertex{{station.x, level.y + Lift, station.z},
+                    {station.outX * slope.x, slope.y, station.outZ * slope.x},
+                    Concrete * light};
     };
     mesh.Quad(vertex(column - half, low, lowLight), vertex(column + half, low, lowLight),
               vertex(column + half, high, highLight), vertex(column - half, high, highLight));
@@ -154,7 +154,7 @@ void AddFloor(Mesh &mesh) {
       const auto corner = [&](int right, int far) {
         const double x = CornerAt * (2.0 * (part + right) / Parts - 1.0);
         const double z = CornerAt * (2.0 * (stripe + far) / Stripes - 1.0);
-        return mesh.Add({{x, Floor, z}, {0.0, 1.0, 0.0}, paints[stripe % 2] * FloorLight(x, z)});
+        return Vertex{{x, Floor, z}, {0.0, 1.0, 0.0}, paints[stripe % 2] * FloorLight(x, z)};
       };
       mesh.Quad(corner(0, 0), corner(1, 0), corner(1, 1), corner(0, 1));
     }
