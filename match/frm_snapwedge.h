@@ -246,8 +246,12 @@ public:
   void ReplayKick(const ReceivedShot &shot);
   void ShowOtherResult(std::int16_t MES); ///< the card of the other side's result, until its "Continue"
   void CanIContinue();                    ///< waits for the other computer's "Continue"
+  void AwaitOver(); ///< the host's match is over: reads on until the joiner's is over too
   void Text2_KeyPress(std::int16_t KeyCode);
   [[noreturn]] void OtherSideLeft(); ///< tells that the other player has gone, and ends the program
+
+  Flag LastWait = False;      ///< the host waits for the match's last possession: after it nobody shoots any more
+  Flag OtherSideOver = False; ///< the joiner has said that its last possession is over
 
   // front/end_cards.cpp
   void ShowHome(); ///< the card of a match that side A has won; returns when it has been closed

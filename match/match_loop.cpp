@@ -72,6 +72,7 @@ void frmSnapwedge::PlayRounds() {
       Busy = True;
       if (!program.IsHost) Round = static_cast<std::int16_t>(Round + 1);
       PostScore();
+      if (program.IsHost && Round >= program.Rounds) LastWait = True;
       while (!program.MyTurn) Frame("C");
     }
     if (program.GameMode == "Human") {
@@ -84,6 +85,8 @@ void frmSnapwedge::PlayRounds() {
     while (program.MyTurn) Frame("A");
     SendOver();
   }
+  // What the joiner's last possession is worth may still be on its way.
+  if (network && program.IsHost) AwaitOver();
 }
 
 void frmSnapwedge::EndMatch() {
@@ -101,6 +104,11 @@ void frmSnapwedge::EndMatch() {
   } else {
     program.PlayOnce(program.SndYeah);
     ShowTie();
+  }
+  if (program.GameMode == "INET") {
+    // The other computer may still be waiting for what this one sent last, over a line that is down just now.
+    machine.Hide(*this);
+    while (!program.DP->Delivered()) machine.WaitUntil(machine.ClockIn(NetworkLookMs));
   }
   throw ProgramEnd{};
 }

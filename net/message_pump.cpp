@@ -77,6 +77,8 @@ void frmSnapwedge::CheckMessages() {
     }
   } else if (tag == "RESULT") {
     if (const auto result = ReadResult(*message)) ShowOtherResult(*result);
+  } else if (tag == "OVER") {
+    if (NothingFollows(*message)) OtherSideOver = True;
   } else if (tag == "END") {
     if (NothingFollows(*message)) OtherSideLeft();
   }
@@ -109,6 +111,9 @@ void frmSnapwedge::ShowOtherResult(std::int16_t MES) {
   card.Visible = false;
   RMCanvas1.SetFocus();
   Busy = False;
+  // The pause in which this card was waited for ends with it. The next shot may lie in the queue already, and it must
+  // not begin inside the one that this result belongs to.
+  FrameEnd = machine.timeGetTime();
 }
 
 void frmSnapwedge::CanIContinue() {
@@ -123,6 +128,13 @@ void frmSnapwedge::CanIContinue() {
     } else {
       machine.WaitUntil(machine.ClockIn(NetworkLookMs));
     }
+  }
+}
+
+void frmSnapwedge::AwaitOver() {
+  while (!OtherSideOver) {
+    CheckMessages();
+    if (!OtherSideOver) machine.WaitUntil(machine.ClockIn(NetworkLookMs));
   }
 }
 

@@ -136,6 +136,9 @@ public:
   virtual void Send(std::int32_t from, std::int32_t to, std::int32_t flags,
                     const DirectPlayMessage &message) = 0;
 
+  /// Whether all that was sent has reached the other computer, or never will.
+  virtual bool Delivered() = 0;
+
   /// Leaves the session at once; nobody can join it any more. What was sent before still goes out, so far as
   /// it can without waiting longer than a moment.
   virtual void Close() = 0;

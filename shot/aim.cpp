@@ -126,7 +126,8 @@ void frmSnapwedge::ReadShotPlace() {
 }
 
 Flag frmSnapwedge::MouseGate() {
-  const bool open = !AnyPictures() && !Busy && (program.GameMode == "Human" || program.MyTurn) && !NoShot;
+  const bool open =
+      !AnyPictures() && !Busy && (program.GameMode == "Human" || program.MyTurn) && !NoShot && !LastWait;
   return open ? True : False;
 }
 

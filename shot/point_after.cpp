@@ -41,11 +41,14 @@ void frmSnapwedge::MPAT() {
   while (KickMode) {
     BeginStep(program.FlickMs);
     (this->*work)();
+    // A kick that fired by itself is over now, and its button may still be held: its release is no flick.
+    if (!KickMode) Busy = True;
     machine.Pump();
     machine.Show(*this);
     RMCanvas1.Update();
     WaitForStepEnd();
   }
+  Busy = False;
 }
 
 void frmSnapwedge::HumanKickFrame() {

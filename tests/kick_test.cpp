@@ -157,6 +157,19 @@ TEST(KickTest, TheKickerAimsWithTheMouseAndOverchargesToThirty) {
   EXPECT_EQ(game.window.MouseMode, 0);
 }
 
+TEST(KickTest, AButtonHeldBeyondAnOverchargedKickShootsNothing) {
+  Game game;
+  game.SetUp();
+  PlayPointAfter(game, [&](int frame) {
+    if (frame == 3) game.machine.PressMouse(1);
+    // Let go in the very frame that the kick has ended in.
+    if (game.window.MouseMode == 1) game.machine.After(4520 + 3000, [&] { game.machine.ReleaseMouse(1); });
+  });
+  EXPECT_EQ(game.Cards, (std::vector<std::int16_t>{3, 2}));
+  EXPECT_EQ(game.window.Shots, 3);
+  EXPECT_EQ(game.window.Player, 2);
+}
+
 TEST(KickTest, AReleaseWithoutForceIsNoKick) {
   Game game;
   game.SetUp();

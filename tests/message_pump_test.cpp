@@ -65,6 +65,7 @@ public:
   void Send(std::int32_t, std::int32_t, std::int32_t, const DirectPlayMessage &message) override {
     Sent.push_back(dynamic_cast<const FakeMessage &>(message).Tag());
   }
+  bool Delivered() override { return true; }
   void Close() override {}
 
   std::deque<std::shared_ptr<FakeMessage>> Incoming;

@@ -1,4 +1,5 @@
 // What a picture of the scene costs, at each level of quality: middle values of wall and processor time.
+//   bench_draw [measured|full|low]
 
 #include "match/frm_snapwedge.h"
 #include "platform/desktop/renderer/renderer.h"
@@ -11,6 +12,8 @@
 #include <algorithm>
 #include <chrono>
 #include <cstdio>
+#include <string_view>
+#include <utility>
 #include <vector>
 
 namespace {
@@ -63,7 +66,10 @@ int main(int argc, char **argv) {
   program.SoundOn = False;
   frmSnapwedge window(machine, program);
   window.SetUp();
-  Bench(window, "measured", Quality::Measured);
-  Bench(window, "full", Quality::Full);
-  Bench(window, "low", Quality::Low);
+  const std::string_view only = argc > 1 ? argv[1] : "";
+  for (const auto &[name, quality] : {std::pair{"measured", Quality::Measured},
+                                      {"full", Quality::Full},
+                                      {"low", Quality::Low}}) {
+    if (only.empty() || only == name) Bench(window, name, quality);
+  }
 }

@@ -46,6 +46,11 @@ public:
   /// Whether there is nobody, or no more, to wait for after `SayBye`.
   bool ByeIsOver() const;
 
+  /// Whether the other side has acknowledged everything, or never will.
+  bool AllDelivered() const {
+    return unacknowledged_.empty() || state_ == State::Lost || state_ == State::Waiting;
+  }
+
   /// When `Poll` has something to do even if nothing arrives.
   std::optional<std::int32_t> NextDeadline() const;
 

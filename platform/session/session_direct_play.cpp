@@ -62,6 +62,14 @@ Guid ExpectGuid(const DirectPlaySessionData &description) {
   return *guid;
 }
 
+/// While it lives no window gets events: a second press of a button must not begin anew what the first has
+/// begun.
+struct StillWindows {
+  explicit StillWindows(Machine &machine) : scope(machine, nobody) {}
+  Window nobody;
+  Machine::ModalScope scope;
+};
+
 } // namespace
 
 SessionDirectPlay::SessionDirectPlay(Machine &machine, std::shared_ptr<Transport> transport)
@@ -138,6 +146,7 @@ SessionDirectPlay::GetDPEnumSessions(const DirectPlaySessionData &wanted, std::i
   } running{search_};
   search_ = std::make_unique<Search>(*transport_, *reach_, std::move(host), game, machine_.timeGetTime());
   Poll();
+  const StillWindows still(machine_);
   while (!search_->Done()) machine_.WaitUntil(machine_.ClockIn(LookMs));
   return std::make_shared<EnumSessions>(search_->Found());
 }
@@ -173,6 +182,7 @@ void SessionDirectPlay::Join(const DirectPlaySessionData &description) {
   session_ = std::move(opened);
   const std::int32_t end = machine_.ClockIn(OpenMs);
   Poll();
+  const StillWindows still(machine_);
   while (!joined.Joined() && joined.Failure().empty() && !machine_.ClockReached(end)) {
     machine_.WaitUntil(machine_.ClockIn(LookMs));
     if (!session_) throw DirectPlayError("session: closed while it was being joined");
@@ -222,6 +232,11 @@ void SessionDirectPlay::Send(std::int32_t from, std::int32_t, std::int32_t,
   const Bytes payload = fields->Encode();
   if (payload.size() > LargestPayload) throw DirectPlayError("message: is too long");
   session_->GetLink().Send(DataKind::Game, payload, machine_.timeGetTime());
+}
+
+bool SessionDirectPlay::Delivered() {
+  Poll();
+  return !session_ || session_->GetLink().AllDelivered();
 }
 
 void SessionDirectPlay::Close() {

@@ -29,9 +29,9 @@ public:
 
   void Play() {
     LookAround();
+    QuitInFlight();
     AgainstTheComputer();
     TwoPeople();
-    QuitInFlight();
     for (const char *station : {"launch", "controls", "background", "readme", "aim", "meter", "flight",
                                 "point-after", "kick", "card-touchdown", "computer", "end-card"}) {
       if (!album_.Has(station)) throw GaveUp(std::string("station not reached: ") + station);
