@@ -63,39 +63,3 @@ void FrameBuffer::Read(QImage &picture) {
   gl_.glPixelStorei(GL_PACK_ALIGNMENT, 4);
   gl_.glReadPixels(0, 0, size_.width(), size_.height(), GL_BGRA, GL_UNSIGNED_INT_8_8_8_8_REV, picture.bits());
 }
-
-ShadowMap::ShadowMap(QOpenGLFunctions_3_3_Core &gl, int size) : gl_(gl), size_(size) {
-  gl_.glGenTextures(1, &texture_);
-  gl_.glBindTexture(GL_TEXTURE_2D, texture_);
-  gl_.glTexImage2D(GL_TEXTURE_2D, 0, GL_DEPTH_COMPONENT24, size, size, 0, GL_DEPTH_COMPONENT, GL_UNSIGNED_INT,
-                   nullptr);
-  gl_.glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MIN_FILTER, GL_LINEAR);
-  gl_.glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MAG_FILTER, GL_LINEAR);
-  gl_.glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_COMPARE_MODE, GL_COMPARE_REF_TO_TEXTURE);
-  gl_.glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_COMPARE_FUNC, GL_LEQUAL);
-  gl_.glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_WRAP_S, GL_CLAMP_TO_EDGE);
-  gl_.glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_WRAP_T, GL_CLAMP_TO_EDGE);
-  gl_.glGenFramebuffers(1, &buffer_);
-  gl_.glBindFramebuffer(GL_FRAMEBUFFER, buffer_);
-  gl_.glFramebufferTexture2D(GL_FRAMEBUFFER, GL_DEPTH_ATTACHMENT, GL_TEXTURE_2D, texture_, 0);
-  gl_.glDrawBuffer(GL_NONE);
-  gl_.glReadBuffer(GL_NONE);
-  RequireComplete(gl_);
-}
-
-ShadowMap::~ShadowMap() {
-  gl_.glDeleteFramebuffers(1, &buffer_);
-  gl_.glDeleteTextures(1, &texture_);
-}
-
-void ShadowMap::Begin() {
-  constexpr float Slope = 2.0f, Constant = 4.0f; ///< offset that keeps a surface out of its own shadow
-  gl_.glBindFramebuffer(GL_FRAMEBUFFER, buffer_);
-  gl_.glViewport(0, 0, size_, size_);
-  gl_.glEnable(GL_DEPTH_TEST);
-  gl_.glClear(GL_DEPTH_BUFFER_BIT);
-  gl_.glEnable(GL_POLYGON_OFFSET_FILL);
-  gl_.glPolygonOffset(Slope, Constant);
-}
-
-void ShadowMap::End() { gl_.glDisable(GL_POLYGON_OFFSET_FILL); }

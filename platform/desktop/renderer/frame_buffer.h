@@ -1,6 +1,6 @@
 #pragma once
 
-// What is drawn into: the picture, and the depths that the key light sees.
+// What is drawn into.
 
 #include <QImage>
 #include <QOpenGLFunctions_3_3_Core>
@@ -24,23 +24,4 @@ private:
   int samples_;
   GLuint drawn_ = 0, color_ = 0, depth_ = 0;
   GLuint resolved_ = 0, resolvedColor_ = 0;
-};
-
-/// A square of depths that is looked up with a comparison.
-class ShadowMap {
-public:
-  ShadowMap(QOpenGLFunctions_3_3_Core &gl, int size);
-  ~ShadowMap();
-  ShadowMap(const ShadowMap &) = delete;
-  ShadowMap &operator=(const ShadowMap &) = delete;
-
-  void Begin();
-  void End();
-  GLuint Texture() const { return texture_; }
-  int Size() const { return size_; }
-
-private:
-  QOpenGLFunctions_3_3_Core &gl_;
-  int size_;
-  GLuint buffer_ = 0, texture_ = 0;
 };

@@ -7,7 +7,7 @@
 
 namespace {
 
-constexpr GLuint PositionSlot = 0, NormalSlot = 1, CoordinateSlot = 2, FillSlot = 3, KeySlot = 4;
+constexpr GLuint PositionSlot = 0, NormalSlot = 1, CoordinateSlot = 2, ShadeSlot = 3, LitSlot = 4;
 constexpr GLenum AnisotropyParameter = 0x84FE; ///< of EXT_texture_filter_anisotropic
 constexpr std::size_t FacesInCluster = 192;
 
@@ -18,17 +18,12 @@ struct GpuVertex {
 
 const void *Offset(std::size_t bytes) { return reinterpret_cast<const void *>(bytes); }
 
-void Widen(Bounds &box, const Vector &v) {
-  box.Low = {std::min(box.Low.x, v.x), std::min(box.Low.y, v.y), std::min(box.Low.z, v.z)};
-  box.High = {std::max(box.High.x, v.x), std::max(box.High.y, v.y), std::max(box.High.z, v.z)};
-}
-
 /// Faces in an order in which neighbours follow each other: halved again and again across the longer side.
 void SortByPlace(std::vector<std::uint32_t> &faces, std::size_t first, std::size_t count,
                  const std::vector<Vector> &middles) {
   if (count <= FacesInCluster) return;
-  Bounds box{middles[faces[first]], middles[faces[first]]};
-  for (std::size_t i = first; i < first + count; ++i) Widen(box, middles[faces[i]]);
+  Bounds box(middles[faces[first]]);
+  for (std::size_t i = first; i < first + count; ++i) box.Widen(middles[faces[i]]);
   const float x = box.High.x - box.Low.x, y = box.High.y - box.Low.y, z = box.High.z - box.Low.z;
   const auto key = [&](std::uint32_t face) {
     const Vector &m = middles[face];
@@ -45,26 +40,7 @@ void SortByPlace(std::vector<std::uint32_t> &faces, std::size_t first, std::size
   SortByPlace(faces, first + half, count - half, middles);
 }
 
-bool SameTurn(const Transform &a, const Transform &b) {
-  return a.Right == b.Right && a.Up == b.Up && a.Direction == b.Direction;
-}
-
 } // namespace
-
-bool Outside(const Bounds &box, const QMatrix4x4 &toClip) {
-  int beyond[6] = {};
-  for (int corner = 0; corner < 8; ++corner) {
-    const QVector4D p =
-        toClip * QVector4D(corner & 1 ? box.High.x : box.Low.x, corner & 2 ? box.High.y : box.Low.y,
-                           corner & 4 ? box.High.z : box.Low.z, 1.0f);
-    const float parts[] = {p.x(), p.y(), p.z()};
-    for (int axis = 0; axis < 3; ++axis) {
-      if (parts[axis] < -p.w()) ++beyond[2 * axis];
-      if (parts[axis] > p.w()) ++beyond[2 * axis + 1];
-    }
-  }
-  return std::ranges::find(beyond, 8) != std::end(beyond);
-}
 
 GpuMesh::GpuMesh(Gl &gl) : gl_(gl) {
   gl_.glGenVertexArrays(1, &array_);
@@ -80,10 +56,10 @@ GpuMesh::GpuMesh(Gl &gl) : gl_(gl) {
   gl_.glVertexAttribPointer(CoordinateSlot, 2, GL_FLOAT, GL_FALSE, 0, nullptr);
   gl_.glBindBuffer(GL_ARRAY_BUFFER, light_);
   constexpr GLsizei LightStride = sizeof(VertexLight);
-  gl_.glVertexAttribPointer(FillSlot, 4, GL_FLOAT, GL_FALSE, LightStride,
-                            Offset(offsetof(VertexLight, Fill)));
-  gl_.glVertexAttribPointer(KeySlot, 3, GL_FLOAT, GL_FALSE, LightStride, Offset(offsetof(VertexLight, Key)));
-  for (const GLuint slot : {PositionSlot, NormalSlot, CoordinateSlot, FillSlot, KeySlot}) {
+  gl_.glVertexAttribPointer(ShadeSlot, 4, GL_FLOAT, GL_FALSE, LightStride,
+                            Offset(offsetof(VertexLight, Shade)));
+  gl_.glVertexAttribPointer(LitSlot, 3, GL_FLOAT, GL_FALSE, LightStride, Offset(offsetof(VertexLight, Lit)));
+  for (const GLuint slot : {PositionSlot, NormalSlot, CoordinateSlot, ShadeSlot, LitSlot}) {
     gl_.glEnableVertexAttribArray(slot);
   }
 }
@@ -104,10 +80,10 @@ void GpuMesh::Upload(const Direct3DRMMeshBuilder3 &mesh, const Transform &place)
     coordinateRevision_ = mesh.TextureCoordinateRevision();
     UploadCoordinates(mesh.Data());
   }
-  if (reshaped || litWith_ != mesh.Material().get() || !SameTurn(litAt_, place)) {
+  if (reshaped || litWith_ != mesh.Material().get() || litAt_ != place) {
     litAt_ = place;
     litWith_ = mesh.Material().get();
-    UploadLight(mesh.Data(), place, litWith_ ? litWith_->Emissive : ColorValue{});
+    UploadLight(mesh, place);
   }
 }
 
@@ -132,11 +108,11 @@ void GpuMesh::UploadGeometry(const MeshData &data) {
   std::map<std::tuple<std::uint32_t, float, float, float>, std::uint32_t> known;
   std::vector<GpuVertex> vertices;
   std::vector<std::uint32_t> indices;
-  box_ = {data.Positions[data.Indices.front()], data.Positions[data.Indices.front()]};
+  box_ = Bounds(data.Positions[data.Indices.front()]);
   for (std::size_t i = 0; i < faceCount; ++i) {
     if (i % FacesInCluster == 0) {
       const Vector &first = data.Positions[data.Indices[3 * faces[i]]];
-      clusters_.push_back({{first, first}, static_cast<GLsizei>(indices.size()), 0});
+      clusters_.push_back({Bounds(first), static_cast<GLsizei>(indices.size()), 0});
     }
     const FaceColor &color = data.FaceColors[faces[i]];
     for (std::size_t corner = 0; corner < 3; ++corner) {
@@ -148,13 +124,13 @@ void GpuMesh::UploadGeometry(const MeshData &data) {
         vertices.push_back({data.Positions[index], data.Normals[index]});
       }
       indices.push_back(entry->second);
-      Widen(clusters_.back().Box, data.Positions[index]);
+      clusters_.back().Box.Widen(data.Positions[index]);
     }
     clusters_.back().Count += 3;
   }
   for (const Cluster &cluster : clusters_) {
-    Widen(box_, cluster.Box.Low);
-    Widen(box_, cluster.Box.High);
+    box_.Widen(cluster.Box.Low);
+    box_.Widen(cluster.Box.High);
   }
   gl_.glBindVertexArray(array_);
   gl_.glBindBuffer(GL_ARRAY_BUFFER, positions_);
@@ -173,20 +149,26 @@ void GpuMesh::UploadCoordinates(const MeshData &data) {
                    coordinates.data(), GL_DYNAMIC_DRAW);
 }
 
-void GpuMesh::UploadLight(const MeshData &data, const Transform &place, const ColorValue &emissive) {
+void GpuMesh::UploadLight(const Direct3DRMMeshBuilder3 &mesh, const Transform &place) {
+  const MeshData &data = mesh.Data();
+  const ColorValue emissive = mesh.Material() ? mesh.Material()->Emissive : ColorValue{};
+  const bool pictured = mesh.Texture() != nullptr;
+  const QMatrix4x4 toWorld = MatrixOf(place);
+  const auto turned = [&](const Vector &v) {
+    const QVector3D to = toWorld.mapVector(QVector3D(v.x, v.y, v.z));
+    return Vector{to.x(), to.y(), to.z()};
+  };
   std::vector<VertexLight> light;
   light.reserve(corners_.size());
   for (const Corner &corner : corners_) {
-    const Vector &n = data.Normals[corner.Index];
-    const Vector normal{place.Right.x * n.x + place.Up.x * n.y + place.Direction.x * n.z,
-                        place.Right.y * n.x + place.Up.y * n.y + place.Direction.y * n.z,
-                        place.Right.z * n.x + place.Up.z * n.y + place.Direction.z * n.z};
     FaceColor color = corner.Color;
     if (!data.VertexColors.empty()) {
       const FaceColor &own = data.VertexColors[corner.Index];
       color = {color.Red * own.Red, color.Green * own.Green, color.Blue * own.Blue, own.Alpha};
     }
-    light.push_back(LightOf(normal, color, emissive));
+    const Vector from = turned(data.Positions[corner.Index]);
+    const Vector at{from.x + place.Origin.x, from.y + place.Origin.y, from.z + place.Origin.z};
+    light.push_back(LightOf(at, turned(data.Normals[corner.Index]), color, emissive, pictured));
   }
   gl_.glBindBuffer(GL_ARRAY_BUFFER, light_);
   gl_.glBufferData(GL_ARRAY_BUFFER, static_cast<GLsizeiptr>(light.size() * sizeof(VertexLight)), light.data(),
@@ -213,29 +195,4 @@ void GpuMesh::Draw(const QMatrix4x4 &toClip) {
     count += cluster.Count;
   }
   flush();
-}
-
-GpuStore::~GpuStore() {
-  for (const auto &[texture, name] : textures_) gl_.glDeleteTextures(1, &name);
-}
-
-GpuMesh &GpuStore::Mesh(const Ref<Direct3DRMMeshBuilder3> &mesh) {
-  auto &entry = meshes_[mesh];
-  if (!entry) entry = std::make_unique<GpuMesh>(gl_);
-  return *entry;
-}
-
-GLuint GpuStore::Texture(const Ref<Direct3DRMTexture> &texture) {
-  auto &name = textures_[texture];
-  if (name != 0) return name;
-  const ImageData &image = texture->Image();
-  gl_.glGenTextures(1, &name);
-  gl_.glBindTexture(GL_TEXTURE_2D, name);
-  gl_.glTexImage2D(GL_TEXTURE_2D, 0, GL_RGBA8, image.Width, image.Height, 0, GL_RGBA, GL_UNSIGNED_BYTE,
-                   image.Pixels.data());
-  gl_.glGenerateMipmap(GL_TEXTURE_2D);
-  gl_.glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MIN_FILTER, GL_LINEAR_MIPMAP_LINEAR);
-  gl_.glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MAG_FILTER, GL_LINEAR);
-  if (anisotropy_ > 1.0f) gl_.glTexParameterf(GL_TEXTURE_2D, AnisotropyParameter, anisotropy_);
-  return name;
 }

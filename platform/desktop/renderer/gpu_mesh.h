@@ -1,25 +1,15 @@
 #pragma once
 
-// Meshes and textures on the graphics card, uploaded when they have changed and kept until then.
+// A mesh on the graphics card, uploaded when it has changed and kept until then.
 
 #include "platform/desktop/renderer/light.h"
-#include "scene/graph/frame.h"
+#include "platform/desktop/renderer/placed.h"
 
-#include <QMatrix4x4>
 #include <QOpenGLFunctions_3_3_Core>
 
-#include <memory>
-#include <unordered_map>
+#include <vector>
 
 using Gl = QOpenGLFunctions_3_3_Core;
-
-/// A box around vertices, in their mesh's coordinates.
-struct Bounds {
-  Vector Low, High;
-};
-
-/// Whether a box lies outside what shows: all of its corners beyond one plane.
-bool Outside(const Bounds &box, const QMatrix4x4 &toClip);
 
 /// One mesh as drawn.
 class GpuMesh {
@@ -52,7 +42,7 @@ private:
 
   void UploadGeometry(const MeshData &data);
   void UploadCoordinates(const MeshData &data);
-  void UploadLight(const MeshData &data, const Transform &place, const ColorValue &emissive);
+  void UploadLight(const Direct3DRMMeshBuilder3 &mesh, const Transform &place);
 
   Gl &gl_;
   GLuint array_ = 0;
@@ -64,26 +54,4 @@ private:
   std::uint64_t coordinateRevision_ = ~0ULL;
   Transform litAt_;
   const Direct3DRMMaterial2 *litWith_ = nullptr;
-};
-
-/// Everything that has been uploaded, by the object that it was made of.
-class GpuStore {
-public:
-  explicit GpuStore(Gl &gl) : gl_(gl) {}
-  ~GpuStore();
-  GpuStore(const GpuStore &) = delete;
-  GpuStore &operator=(const GpuStore &) = delete;
-
-  GpuMesh &Mesh(const Ref<Direct3DRMMeshBuilder3> &mesh);
-  GLuint Texture(const Ref<Direct3DRMTexture> &texture);
-
-  /// Sharpness of textures seen at flat angles: 1 for none.
-  void SetAnisotropy(float samples) { anisotropy_ = samples; }
-
-private:
-  Gl &gl_;
-  float anisotropy_ = 1.0f;
-  // The references keep the keys alive: an address can't come to mean another object.
-  std::unordered_map<Ref<Direct3DRMMeshBuilder3>, std::unique_ptr<GpuMesh>> meshes_;
-  std::unordered_map<Ref<Direct3DRMTexture>, GLuint> textures_;
 };

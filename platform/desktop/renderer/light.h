@@ -1,22 +1,26 @@
 #pragma once
 
 // The light of the scene, worked out for a vertex: a warm key light from above and behind the start, the cool
-// sky, and what the ground throws back. It depends on the normal alone, so it is worked out when a mesh turns
-// and not for every picture.
+// sky, and what the ground throws back. It doesn't depend on the camera, so it is worked out when a mesh
+// moves and not for every picture.
 
 #include "scene/graph/frame.h"
 
-/// Light that falls on a vertex, times its own colour. Parts may be above 1.
+/// The colour that a vertex shows, or by which its texture is multiplied: with a gamma of 2, as colours are
+/// stored. Parts may be above 1.
 struct VertexLight {
-  float Fill[3];      ///< of sky and ground, and the surface's own glow
+  float Shade[3];     ///< in the shadow
   float TextureShare; ///< 1 shows all of the texture, 0 none
-  float Key[3];       ///< of the key light: what a shadow takes away
+  float Lit[3];       ///< in the key light
 };
 
 /// Toward the key light, unit length.
 Vector KeyLight();
 
+/// @param place     in the scene: the light is brightest over the field
 /// @param normal    unit length, in the scene
 /// @param color     of face and vertex, as stored
 /// @param emissive  of the material
-VertexLight LightOf(const Vector &normal, const FaceColor &color, const ColorValue &emissive);
+/// @param pictured  whether a texture follows
+VertexLight LightOf(const Vector &place, const Vector &normal, const FaceColor &color,
+                    const ColorValue &emissive, bool pictured);

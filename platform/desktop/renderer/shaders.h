@@ -2,13 +2,24 @@
 
 // The shading programs. What a computer without a graphics card would have to do at every fragment is done at
 // the vertices, and what doesn't change from picture to picture isn't done here at all.
+//
+// Colours are worked with as they are stored, that is with a gamma of 2. Light times texture needs no
+// conversion then: the root of a product is the product of the roots.
+
+#include <QOpenGLShaderProgram>
+
+#include <string>
+
+/// Compiles and links a program.
+/// @throws RendererError  with what the driver says
+void BuildProgram(QOpenGLShaderProgram &program, const char *vertex, const std::string &fragment);
 
 inline constexpr const char *SurfaceVertexShader = R"(#version 330 core
 layout(location = 0) in vec3 position;
 layout(location = 1) in vec3 normal;
 layout(location = 2) in vec2 coordinate;
-layout(location = 3) in vec4 fill; // its fourth part: how much of the texture shows
-layout(location = 4) in vec3 key;
+layout(location = 3) in vec4 shade; // in the shadow; its fourth part: how much of the texture shows
+layout(location = 4) in vec3 lit;   // in the key light
 uniform mat4 toWorld;
 uniform mat4 toClip;
 uniform mat4 toShadow;
@@ -17,20 +28,23 @@ uniform vec3 keyDirection;
 uniform vec3 specular;
 uniform float fogDensity;
 out vec2 surfaceCoordinate;
-out vec4 fillLight;
-out vec3 keyLight;
+out vec4 shadeLight;
+out vec3 litLight;
 out vec3 shadowPlace;
 out float fog;
+// A surface that takes shadows is drawn by two programs, each where the other has left room.
+invariant gl_Position;
 const float Sharpness = 24.0;
 void main() {
   vec4 place = toWorld * vec4(position, 1.0);
   vec3 toEye = camera - place.xyz;
   float distance = length(toEye);
-  fillLight = fill;
-  keyLight = key;
+  shadeLight = shade;
+  litLight = lit;
   if (specular.r + specular.g + specular.b > 0.0) {
     vec3 between = normalize(keyDirection + toEye / distance);
-    keyLight += specular * pow(max(dot(normalize(mat3(toWorld) * normal), between), 0.0), Sharpness);
+    float mirrored = pow(max(dot(normalize(mat3(toWorld) * normal), between), 0.0), Sharpness);
+    litLight = sqrt(lit * lit + specular * mirrored);
   }
   surfaceCoordinate = coordinate;
   shadowPlace = (toShadow * place).xyz;
@@ -40,35 +54,35 @@ void main() {
 }
 )";
 
-// SHADOW_TAPS is defined in front of it: 0, the surface takes no shadow; 1, one look; 9, nine looks for a
-// soft edge. PICTURED is 1 for a surface with a texture.
+// SHADOW_TAPS is defined in front of it: 0, the surface takes no shadow; 1, one look; 8, looks around a
+// circle for a soft edge. PICTURED is 1 for a surface with a texture.
 inline constexpr const char *SurfaceFragmentShader = R"(
 uniform sampler2D picture;
 uniform sampler2DShadow shadows;
-uniform float shadowTexel;
+uniform float softness; // radius of a shadow's soft edge, in parts of the map
 uniform vec3 fogColor;
 in vec2 surfaceCoordinate;
-in vec4 fillLight;
-in vec3 keyLight;
+in vec4 shadeLight;
+in vec3 litLight;
 in vec3 shadowPlace;
 in float fog;
 out vec4 result;
+#if SHADOW_TAPS > 1
+float Look(float x, float y) { return texture(shadows, shadowPlace + vec3(x, y, 0.0) * softness); }
+#endif
 void main() {
-  float lit = 1.0;
+  vec3 light = litLight;
 #if SHADOW_TAPS == 1
-  lit = texture(shadows, shadowPlace);
-#elif SHADOW_TAPS == 4
-  lit = 0.25 * (texture(shadows, shadowPlace + vec3(-0.7, -0.7, 0.0) * shadowTexel) +
-                texture(shadows, shadowPlace + vec3(0.7, -0.7, 0.0) * shadowTexel) +
-                texture(shadows, shadowPlace + vec3(-0.7, 0.7, 0.0) * shadowTexel) +
-                texture(shadows, shadowPlace + vec3(0.7, 0.7, 0.0) * shadowTexel));
+  light = mix(shadeLight.rgb, litLight, texture(shadows, shadowPlace));
+#elif SHADOW_TAPS == 8
+  float share = Look(0.35, 0.15) + Look(-0.15, 0.35) + Look(-0.35, -0.15) + Look(0.15, -0.35) +
+                Look(0.60, -0.70) + Look(0.70, 0.60) + Look(-0.60, 0.70) + Look(-0.70, -0.60);
+  light = mix(shadeLight.rgb, litLight, 0.125 * share);
 #endif
-  vec3 light = fillLight.rgb + keyLight * lit;
 #if PICTURED
-  vec3 texel = texture(picture, surfaceCoordinate).rgb;
-  light *= mix(vec3(1.0), texel * texel, fillLight.a); // a gamma of 2
+  light *= mix(vec3(1.0), texture(picture, surfaceCoordinate).rgb, shadeLight.a);
 #endif
-  result = vec4(sqrt(mix(light, fogColor, fog)), 1.0);
+  result = vec4(mix(light, fogColor, fog), 1.0);
 }
 )";
 
@@ -81,4 +95,22 @@ void main() { gl_Position = toShadow * toWorld * vec4(position, 1.0); }
 
 inline constexpr const char *ShadowFragmentShader = R"(#version 330 core
 void main() {}
+)";
+
+// What shows where nothing stands: it is drawn last and lies behind everything.
+inline constexpr const char *BackdropVertexShader = R"(#version 330 core
+layout(location = 0) in vec3 direction;
+layout(location = 1) in vec3 color;
+uniform mat4 toClip; // without the camera's place
+out vec3 glow;
+void main() {
+  glow = color;
+  gl_Position = (toClip * vec4(direction, 0.0)).xyww;
+}
+)";
+
+inline constexpr const char *BackdropFragmentShader = R"(#version 330 core
+in vec3 glow;
+out vec4 result;
+void main() { result = vec4(glow, 1.0); }
 )";

@@ -1,0 +1,158 @@
+#include "platform/desktop/renderer/painter.h"
+
+#include "platform/desktop/renderer/shaders.h"
+
+#include <algorithm>
+#include <cmath>
+#include <optional>
+#include <string>
+
+namespace {
+
+constexpr float ViewAngle = 54.0f; ///< degrees from the picture's bottom to its top
+constexpr float NearPlane = 1.0f;  ///< scene units
+constexpr float FogColor[] = {0.84f, 0.71f, 0.81f};
+constexpr float FogDistance = 900.0f; ///< scene units at which about a third of a colour is left
+
+/// Left-handed, with the view along +z, and upside down: rows are read back from the bottom.
+QMatrix4x4 Projection(float aspect, float back) {
+  const float focus = 1.0f / std::tan(ViewAngle * 3.14159265f / 360.0f);
+  QMatrix4x4 projection;
+  projection.fill(0);
+  projection(0, 0) = focus / aspect;
+  projection(1, 1) = -focus;
+  projection(2, 2) = (back + NearPlane) / (back - NearPlane);
+  projection(2, 3) = -2 * back * NearPlane / (back - NearPlane);
+  projection(3, 2) = 1;
+  return projection;
+}
+
+/// The pixels that a box covers at most; none if it lies outside.
+std::optional<QRect> Covered(const Bounds &box, const QMatrix4x4 &toClip, QSize size) {
+  const QRect whole(QPoint(0, 0), size);
+  if (Outside(box, toClip)) return {};
+  QRectF around;
+  for (int corner = 0; corner < 8; ++corner) {
+    const Vector v = box.Corner(corner);
+    const QVector4D p = toClip * QVector4D(v.x, v.y, v.z, 1.0f);
+    if (p.w() < NearPlane) return whole;
+    const QRectF pixel((static_cast<qreal>(p.x() / p.w()) * 0.5 + 0.5) * size.width() - 1.0,
+                       (static_cast<qreal>(p.y() / p.w()) * 0.5 + 0.5) * size.height() - 1.0, 2.0, 2.0);
+    around = corner == 0 ? pixel : around.united(pixel);
+  }
+  const QRect rect = around.intersected(QRectF(whole)).toAlignedRect().intersected(whole);
+  if (rect.isEmpty()) return {};
+  return rect;
+}
+
+} // namespace
+
+Painter::Painter(Gl &gl, const PaintQuality &quality)
+    : gl_(gl), quality_(quality), store_(gl, quality.Anisotropy), shadows_(gl, quality.ShadowSize),
+      backdrop_(gl) {}
+
+Painter::~Painter() = default;
+
+void Painter::Paint(std::span<const Placed> placed, const Transform &camera, float back, QImage &picture) {
+  const QSize size = picture.size();
+  if (!target_ || target_->Size() != size)
+    target_ = std::make_unique<FrameBuffer>(gl_, size, quality_.Samples);
+
+  std::vector<Item> items, grounds;
+  for (const Placed &each : placed) {
+    GpuMesh &mesh = store_.Mesh(*each.Mesh);
+    mesh.Upload(**each.Mesh, each.Place);
+    items.push_back({each, &mesh, Moved(mesh.Box(), each.Place)});
+  }
+  // What is small lies in front of what is large: what it hides needn't be shaded.
+  std::ranges::stable_sort(items, {}, [](const Item &item) { return item.Box.Extent(); });
+  std::ranges::copy_if(items, std::back_inserter(grounds), IsGround);
+
+  gl_.glEnable(GL_DEPTH_TEST);
+  gl_.glDisable(GL_CULL_FACE);
+  shadows_.Update(items, grounds);
+
+  const QMatrix4x4 projection =
+      Projection(static_cast<float>(size.width()) / static_cast<float>(size.height()), back);
+  toClip_ = projection * MatrixOf(camera).inverted();
+  camera_ = QVector3D(camera.Origin.x, camera.Origin.y, camera.Origin.z);
+  bound_ = nullptr;
+  target_->Begin(FogColor[0], FogColor[1], FogColor[2]);
+  gl_.glActiveTexture(GL_TEXTURE1);
+  gl_.glBindTexture(GL_TEXTURE_2D, shadows_.Map());
+  gl_.glActiveTexture(GL_TEXTURE0);
+  gl_.glDepthFunc(GL_LESS);
+  gl_.glEnable(GL_CULL_FACE); // faces show their front only, which is clockwise; the picture is upside down
+  gl_.glFrontFace(GL_CCW);
+  bool groundDrawn = false;
+  for (const Item &item : items) {
+    if (!IsGround(item)) {
+      DrawItem(item, 0);
+    } else if (!groundDrawn) {
+      groundDrawn = true;
+      DrawGrounds(grounds, size);
+    }
+  }
+  gl_.glDisable(GL_CULL_FACE);
+  backdrop_.Draw(toClip_);
+  target_->Read(picture);
+}
+
+void Painter::DrawGrounds(std::span<const Item> grounds, QSize size) {
+  // First where shadows can lie. The second time those pixels are taken, and the rest is filled.
+  gl_.glEnable(GL_SCISSOR_TEST);
+  for (const ShadowRegion &region : shadows_.Regions()) {
+    const auto covered = Covered(region.Ground, toClip_, size);
+    if (!covered) continue;
+    gl_.glScissor(covered->x(), covered->y(), covered->width(), covered->height());
+    softness_ = Shadows::InMap(region.Softness);
+    bound_ = nullptr;
+    for (const Item &ground : grounds) DrawItem(ground, quality_.ShadowTaps);
+  }
+  gl_.glDisable(GL_SCISSOR_TEST);
+  for (const Item &ground : grounds) DrawItem(ground, 0);
+}
+
+void Painter::DrawItem(const Item &item, int taps) {
+  const QMatrix4x4 toClip = toClip_ * item.Where.ToWorld;
+  if (Outside(item.Mesh->Box(), toClip)) return;
+  const auto &material = (*item.Where.Mesh)->Material();
+  const auto &texture = (*item.Where.Mesh)->Texture();
+  const ColorValue specular = material ? material->Specular : ColorValue{};
+  QOpenGLShaderProgram &surface = SurfaceProgram(taps, texture != nullptr);
+  if (bound_ != &surface) {
+    bound_ = &surface;
+    surface.bind();
+    SetScene(surface);
+  }
+  surface.setUniformValue("toWorld", item.Where.ToWorld);
+  surface.setUniformValue("specular", QVector3D(specular.Red, specular.Green, specular.Blue));
+  if (texture) gl_.glBindTexture(GL_TEXTURE_2D, store_.Texture(texture));
+  item.Mesh->Draw(toClip);
+}
+
+/// The program for surfaces of one kind: a test that never changes isn't made at every fragment.
+QOpenGLShaderProgram &Painter::SurfaceProgram(int taps, bool pictured) {
+  auto &program = surfaces_[{taps, pictured}];
+  if (!program) {
+    program = std::make_unique<QOpenGLShaderProgram>();
+    const std::string kind = "#version 330 core\n#define SHADOW_TAPS " + std::to_string(taps) +
+                             "\n#define PICTURED " + std::to_string(pictured) + "\n";
+    BuildProgram(*program, SurfaceVertexShader, kind + SurfaceFragmentShader);
+  }
+  return *program;
+}
+
+/// What is the same for every mesh of a picture.
+void Painter::SetScene(QOpenGLShaderProgram &surface) {
+  const Vector key = KeyLight();
+  surface.setUniformValue("toClip", toClip_);
+  surface.setUniformValue("toShadow", Shadows::ToMap());
+  surface.setUniformValue("camera", camera_);
+  surface.setUniformValue("keyDirection", QVector3D(key.x, key.y, key.z));
+  surface.setUniformValue("fogDensity", 1.0f / FogDistance);
+  surface.setUniformValue("fogColor", QVector3D(FogColor[0], FogColor[1], FogColor[2]));
+  surface.setUniformValue("picture", 0);
+  surface.setUniformValue("shadows", 1);
+  surface.setUniformValue("softness", softness_);
+}

@@ -1,0 +1,51 @@
+#pragma once
+
+// Draws the meshes of a graph, from the nearest thing to the farthest place, with shadows on the ground.
+
+#include "platform/desktop/renderer/backdrop.h"
+#include "platform/desktop/renderer/frame_buffer.h"
+#include "platform/desktop/renderer/gpu_store.h"
+#include "platform/desktop/renderer/shadows.h"
+
+#include <map>
+#include <memory>
+#include <span>
+
+/// What a level of quality gives.
+struct PaintQuality {
+  int Samples;    ///< of a pixel, 0 for one
+  int ShadowSize; ///< pixels of the shadow map's sides
+  int ShadowTaps; ///< looks at the shadow map for a pixel: 1 or 8
+  float Anisotropy;
+};
+
+class Painter {
+public:
+  Painter(Gl &gl, const PaintQuality &quality);
+  ~Painter();
+  Painter(const Painter &) = delete;
+  Painter &operator=(const Painter &) = delete;
+
+  /// @param camera  where it stands; it looks along its z
+  /// @param back    distance of the far clipping plane, scene units
+  /// @param picture is drawn into, Format_RGB32
+  void Paint(std::span<const Placed> placed, const Transform &camera, float back, QImage &picture);
+
+private:
+  void DrawItem(const Item &item, int taps);
+  void DrawGrounds(std::span<const Item> grounds, QSize size);
+  QOpenGLShaderProgram &SurfaceProgram(int taps, bool pictured);
+  void SetScene(QOpenGLShaderProgram &surface);
+
+  Gl &gl_;
+  PaintQuality quality_;
+  GpuStore store_;
+  Shadows shadows_;
+  Backdrop backdrop_;
+  std::unique_ptr<FrameBuffer> target_;
+  std::map<std::pair<int, bool>, std::unique_ptr<QOpenGLShaderProgram>> surfaces_;
+  QOpenGLShaderProgram *bound_ = nullptr;
+  QMatrix4x4 toClip_;
+  QVector3D camera_;
+  float softness_ = 0; ///< of the shadows that are drawn now, in parts of the map
+};

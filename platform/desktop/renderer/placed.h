@@ -1,0 +1,38 @@
+#pragma once
+
+// The meshes of a graph, each where it hangs.
+
+#include "scene/graph/frame.h"
+
+#include <QMatrix4x4>
+
+#include <vector>
+
+/// A box around vertices.
+struct Bounds {
+  Vector Low, High;
+
+  explicit Bounds(const Vector &v = {}) : Low(v), High(v) {}
+  void Widen(const Vector &v);
+  Vector Corner(int number) const; ///< 0 to 7
+  float Extent() const;            ///< its longest side
+};
+
+/// One mesh where it hangs.
+struct Placed {
+  const Ref<Direct3DRMMeshBuilder3> *Mesh;
+  const Direct3DRMFrame3 *Frame;
+  Transform Place; ///< of the frame, in the scene
+  QMatrix4x4 ToWorld;
+};
+
+/// Everything that hangs under a frame.
+std::vector<Placed> Collect(const Direct3DRMFrame3 &frame);
+
+QMatrix4x4 MatrixOf(const Transform &t);
+
+/// A box around a box that is moved and turned.
+Bounds Moved(const Bounds &box, const Transform &t);
+
+/// Whether a box lies outside what shows: all of its corners beyond one plane.
+bool Outside(const Bounds &box, const QMatrix4x4 &toClip);

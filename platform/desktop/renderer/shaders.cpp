@@ -1,0 +1,10 @@
+#include "platform/desktop/renderer/shaders.h"
+
+#include "platform/desktop/renderer/renderer.h"
+
+void BuildProgram(QOpenGLShaderProgram &program, const char *vertex, const std::string &fragment) {
+  if (!program.addShaderFromSourceCode(QOpenGLShader::Vertex, vertex) ||
+      !program.addShaderFromSourceCode(QOpenGLShader::Fragment, fragment.c_str()) || !program.link()) {
+    throw RendererError("a shading program can't be built: " + program.log().toStdString());
+  }
+}

@@ -1,0 +1,157 @@
+#include "platform/desktop/renderer/shadows.h"
+
+#include "platform/desktop/renderer/renderer.h"
+#include "platform/desktop/renderer/shaders.h"
+
+#include <algorithm>
+
+namespace {
+
+constexpr float Reach = 118.0f;  ///< scene units from the middle that the map covers
+constexpr float Height = 120.0f; ///< of what throws shadows
+
+/// A mesh of a larger extent is a place, not a thing, and throws no shadow.
+constexpr float LargestThing = 60.0f;
+constexpr float LargestGround = 260.0f;
+
+constexpr float Softness = 0.22f; ///< scene units, of a thing on the ground
+constexpr float SoftnessPerRise = 0.022f;
+constexpr float LargestSoftness = 1.6f;
+constexpr float Margin = 0.5f; ///< scene units around a shadow
+
+QMatrix4x4 ToLight() {
+  const Vector key = KeyLight();
+  const QVector3D z(-key.x, -key.y, -key.z);
+  const QVector3D x = QVector3D::crossProduct(QVector3D(0, 0, 1), z).normalized();
+  const QVector3D y = QVector3D::crossProduct(z, x);
+  const QMatrix4x4 turn(x.x(), x.y(), x.z(), 0, y.x(), y.y(), y.z(), 0, z.x(), z.y(), z.z(), 0, 0, 0, 0, 1);
+  QMatrix4x4 scale;
+  scale.scale(1.0f / Reach, 1.0f / Reach, 1.0f / (Reach + Height));
+  return scale * turn;
+}
+
+/// Where the shadow of a box falls on a level ground.
+Bounds Fallen(const Bounds &box, float ground) {
+  const Vector key = KeyLight();
+  const auto fallen = [&](int number) {
+    const Vector corner = box.Corner(number);
+    const float road = std::max(corner.y - ground, 0.0f) / key.y;
+    return Vector{corner.x - key.x * road, ground, corner.z - key.z * road};
+  };
+  Bounds around(fallen(0));
+  for (int corner = 1; corner < 8; ++corner) around.Widen(fallen(corner));
+  return around;
+}
+
+bool Overlap(const Bounds &a, const Bounds &b) {
+  return a.Low.x < b.High.x && b.Low.x < a.High.x && a.Low.z < b.High.z && b.Low.z < a.High.z;
+}
+
+} // namespace
+
+bool IsGround(const Item &item) {
+  const float extent = item.Box.Extent();
+  return extent > LargestThing && extent < LargestGround && item.Box.High.y - item.Box.Low.y < LargestThing;
+}
+
+Shadows::Shadows(Gl &gl, int size) : gl_(gl), size_(size) {
+  BuildProgram(program_, ShadowVertexShader, ShadowFragmentShader);
+  gl_.glGenTextures(1, &map_);
+  gl_.glBindTexture(GL_TEXTURE_2D, map_);
+  gl_.glTexImage2D(GL_TEXTURE_2D, 0, GL_DEPTH_COMPONENT24, size, size, 0, GL_DEPTH_COMPONENT, GL_UNSIGNED_INT,
+                   nullptr);
+  gl_.glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MIN_FILTER, GL_LINEAR);
+  gl_.glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MAG_FILTER, GL_LINEAR);
+  gl_.glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_COMPARE_MODE, GL_COMPARE_REF_TO_TEXTURE);
+  gl_.glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_COMPARE_FUNC, GL_LEQUAL);
+  gl_.glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_WRAP_S, GL_CLAMP_TO_EDGE);
+  gl_.glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_WRAP_T, GL_CLAMP_TO_EDGE);
+  gl_.glGenFramebuffers(1, &buffer_);
+  gl_.glBindFramebuffer(GL_FRAMEBUFFER, buffer_);
+  gl_.glFramebufferTexture2D(GL_FRAMEBUFFER, GL_DEPTH_ATTACHMENT, GL_TEXTURE_2D, map_, 0);
+  gl_.glDrawBuffer(GL_NONE);
+  gl_.glReadBuffer(GL_NONE);
+  if (gl_.glCheckFramebufferStatus(GL_FRAMEBUFFER) != GL_FRAMEBUFFER_COMPLETE) {
+    throw RendererError("this OpenGL can't draw shadows.");
+  }
+  gl_.glClear(GL_DEPTH_BUFFER_BIT);
+}
+
+Shadows::~Shadows() {
+  program_.removeAllShaders();
+  gl_.glDeleteFramebuffers(1, &buffer_);
+  gl_.glDeleteTextures(1, &map_);
+}
+
+QMatrix4x4 Shadows::ToMap() {
+  QMatrix4x4 toTexture;
+  toTexture.translate(0.5f, 0.5f, 0.5f);
+  toTexture.scale(0.5f);
+  return toTexture * ToLight();
+}
+
+float Shadows::InMap(float length) { return length / (2.0f * Reach); }
+
+void Shadows::Update(std::span<const Item> items, std::span<const Item> grounds) {
+  regions_.clear();
+  std::vector<Caster> casters;
+  if (!grounds.empty()) {
+    Bounds ground = grounds.front().Box;
+    for (const Item &each : grounds) {
+      ground.Widen(each.Box.Low);
+      ground.Widen(each.Box.High);
+    }
+    for (const Item &item : items) {
+      const bool isGround = std::ranges::any_of(
+          grounds, [&](const Item &each) { return each.Where.Frame == item.Where.Frame; });
+      const float rise = item.Box.Low.y - ground.High.y;
+      if (isGround || item.Box.Extent() > LargestThing || item.Box.High.y < ground.High.y) continue;
+      Bounds fallen = Fallen(item.Box, ground.High.y);
+      const float softness = std::min(Softness + SoftnessPerRise * std::max(rise, 0.0f), LargestSoftness);
+      const float around = softness + Margin;
+      fallen.Low = {fallen.Low.x - around, ground.High.y - Margin, fallen.Low.z - around};
+      fallen.High = {fallen.High.x + around, ground.High.y + Margin, fallen.High.z + around};
+      if (!Overlap(fallen, ground)) continue;
+      regions_.push_back({fallen, softness});
+      casters.push_back({item.Mesh, item.Where.ToWorld, (*item.Where.Mesh)->GeometryRevision()});
+    }
+  }
+  if (casters != drawn_) DrawMap(casters);
+  drawn_ = std::move(casters);
+}
+
+void Shadows::DrawMap(const std::vector<Caster> &casters) {
+  gl_.glBindFramebuffer(GL_FRAMEBUFFER, buffer_);
+  gl_.glViewport(0, 0, size_, size_);
+  gl_.glEnable(GL_SCISSOR_TEST);
+  for (const QRect &part : used_) {
+    gl_.glScissor(part.x(), part.y(), part.width(), part.height());
+    gl_.glClear(GL_DEPTH_BUFFER_BIT);
+  }
+  gl_.glDisable(GL_SCISSOR_TEST);
+  used_.clear();
+  for (const ShadowRegion &region : regions_) used_.push_back(InPixels(region.Ground));
+
+  gl_.glEnable(GL_DEPTH_CLAMP); // a thing above the light's own place throws its shadow too
+  gl_.glDepthFunc(GL_LESS);
+  program_.bind();
+  const QMatrix4x4 toLight = ToLight();
+  program_.setUniformValue("toShadow", toLight);
+  for (const Caster &caster : casters) {
+    program_.setUniformValue("toWorld", caster.ToWorld);
+    caster.Mesh->Draw(toLight * caster.ToWorld);
+  }
+  gl_.glDisable(GL_DEPTH_CLAMP);
+}
+
+QRect Shadows::InPixels(const Bounds &ground) const {
+  const QMatrix4x4 toMap = ToMap();
+  QRectF around;
+  for (int corner = 0; corner < 8; ++corner) {
+    const Vector v = ground.Corner(corner);
+    const QVector3D p = toMap.map(QVector3D(v.x, v.y, v.z)) * static_cast<float>(size_);
+    const QRectF pixel(static_cast<qreal>(p.x()) - 1.0, static_cast<qreal>(p.y()) - 1.0, 2.0, 2.0);
+    around = corner == 0 ? pixel : around.united(pixel);
+  }
+  return around.toAlignedRect().intersected(QRect(0, 0, size_, size_));
+}
