@@ -67,9 +67,8 @@ int main(int argc, char **argv) {
   frmSnapwedge window(machine, program);
   window.SetUp();
   const std::string_view only = argc > 1 ? argv[1] : "";
-  for (const auto &[name, quality] : {std::pair{"measured", Quality::Measured},
-                                      {"full", Quality::Full},
-                                      {"low", Quality::Low}}) {
+  for (const auto &[name, quality] :
+       {std::pair{"measured", Quality::Measured}, {"full", Quality::Full}, {"low", Quality::Low}}) {
     if (only.empty() || only == name) Bench(window, name, quality);
   }
 }
