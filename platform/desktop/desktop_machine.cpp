@@ -42,6 +42,7 @@ DesktopMachine::DesktopMachine(int &argc, char **argv) {
   application_ = std::make_unique<QApplication>(argc, argv);
   application_->setQuitOnLastWindowClosed(false);
   application_->setApplicationDisplayName({});
+  application_->setDesktopFileName("org.snapwedge.Snapwedge");
   application_->setWindowIcon(QIcon(QString::fromStdString((AppPath() / "pictures" / "icon.png").string())));
   application_->installEventFilter(&pointer_);
 }
