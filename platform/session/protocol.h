@@ -29,11 +29,12 @@ constexpr std::size_t MostIncoming = 1024 * 1024;         ///< received and not 
 constexpr std::size_t MostReadAtOnce = 64 * 1024;         ///< from one connection in one poll
 constexpr std::size_t MostOutgoingMessages = 4096;        ///< unacknowledged
 constexpr std::size_t MostIncomingMessages = 4096;        ///< received and not yet taken by the game
-constexpr std::size_t MostPending = 8;                    ///< connections whose handshake isn't done
-constexpr std::size_t MostSessionsFound = 64;             ///< rows of a search
-constexpr int MostDatagramsAtOnce = 32;                   ///< taken in one poll
-constexpr int MostAcceptedAtOnce = 8;                     ///< connections taken in one poll
-constexpr int MostBrokenFrames = 5;                       ///< from one peer, before it is given up
+constexpr std::size_t MostPending =
+    16; ///< connections that haven't introduced themselves, and as many candidates
+constexpr std::size_t MostSessionsFound = 64; ///< rows of a search
+constexpr int MostDatagramsAtOnce = 32;       ///< taken in one poll
+constexpr int MostAcceptedAtOnce = 16;        ///< connections taken in one poll
+constexpr int MostBrokenFrames = 5;           ///< from one peer, before it is given up
 
 // Times, ms.
 constexpr std::int32_t SignOfLifeMs = 2000; ///< longest pause between two frames of a sender
