@@ -177,7 +177,7 @@ std::optional<std::int32_t> Link::NextDeadline() const {
   if (connection_) {
     const std::int32_t sign = Later(connection_->Sent(), SignOfLifeMs);
     const std::int32_t silence = Later(connection_->Heard(), SilenceMs);
-    return Since(sign, silence) < 0 ? silence : sign;
+    return connection_->Unsent() > 0 || Since(sign, silence) < 0 ? silence : sign;
   }
   if (state_ == State::Broken) return Later(brokenAt_, GiveUpMs);
   return std::nullopt;
