@@ -175,7 +175,7 @@ void HostSession::PollCandidates(std::int32_t now) {
     return;
   }
   std::erase_if(candidates_, [&](const Candidate &each) {
-    return each.Line.GetState() == Link::State::Lost || Since(each.Welcomed, now) >= PlayerMs;
+    return each.Line.GetState() == Link::State::Lost || Since(each.Welcomed, now) >= GiveUpMs;
   });
 }
 
@@ -199,7 +199,7 @@ std::optional<std::int32_t> HostSession::NextDeadline() const {
     if (!deadline || Since(moment, *deadline) > 0) deadline = moment;
   };
   for (const Candidate &each : candidates_) {
-    earlier(Later(each.Welcomed, PlayerMs));
+    earlier(Later(each.Welcomed, GiveUpMs));
     if (const auto line = each.Line.NextDeadline()) earlier(*line);
   }
   for (const auto &connection : pending_) earlier(Later(connection->Begun(), PendingMs));
