@@ -287,11 +287,13 @@ TEST(SessionHostileTest, AFloodOfAnswersHidesNobody) {
     while (datagrams->Receive(from, data)) {
       const auto ask = std::get<session::AskFrame>(session::DecodeDatagram(data));
       session::AnswerFrame answer{Game, ask.Nonce, 100, 1, 2, 0, 5, "fake"};
-      for (int i = 0; i < 200; ++i, ++answer.Session) {
-        datagrams->Send(from, session::EncodeDatagram(answer));
-      }
       for (const std::uint16_t rounds : std::initializer_list<std::uint16_t>{0, 100, 65535}) {
         answer.Rounds = rounds;
+        ++answer.Session;
+        datagrams->Send(from, session::EncodeDatagram(answer));
+      }
+      answer.Rounds = 5;
+      for (int i = 0; i < 200; ++i, ++answer.Session) {
         datagrams->Send(from, session::EncodeDatagram(answer));
       }
     }
