@@ -23,6 +23,7 @@ namespace {
 
 constexpr QSize CanvasSize(417, 361);
 constexpr int Gap = 6;                                  // pixels between pictures
+constexpr int NameHeight = 18;                          // pixels for the name above each
 constexpr const char *DenseWindows = "--dense-windows"; // what the program calls itself with for these
 
 std::filesystem::path GameDirectory() {
@@ -38,19 +39,18 @@ void WriteSheet(Pictures pictures, int columns, const std::string &file) {
     picture.setDevicePixelRatio(1.0); // a pixel of a dense picture is a pixel of the sheet
     cell = cell.expandedTo(picture.size());
   }
+  cell.rheight() += NameHeight;
   const int rows = (static_cast<int>(pictures.size()) + columns - 1) / columns;
   QImage sheet(columns * (cell.width() + Gap) + Gap, rows * (cell.height() + Gap) + Gap,
                QImage::Format_RGB32);
   sheet.fill(QColor(40, 40, 44));
   QPainter painter(&sheet);
+  painter.setPen(Qt::white);
   for (int i = 0; i < static_cast<int>(pictures.size()); ++i) {
     const auto &[name, picture] = pictures[static_cast<std::size_t>(i)];
     const QPoint at(Gap + i % columns * (cell.width() + Gap), Gap + i / columns * (cell.height() + Gap));
-    painter.drawImage(at, picture);
-    painter.setPen(Qt::black);
-    painter.drawText(at + QPoint(7, 15), QString::fromStdString(name));
-    painter.setPen(Qt::white);
-    painter.drawText(at + QPoint(6, 14), QString::fromStdString(name));
+    painter.drawText(at + QPoint(2, NameHeight - 5), QString::fromStdString(name));
+    painter.drawImage(at + QPoint(0, NameHeight), picture);
   }
   painter.end();
   if (!sheet.save(QString::fromStdString(file))) throw std::runtime_error("can't write " + file);
@@ -237,11 +237,19 @@ private:
   void RenderPlay() {
     frmSnapwedge play(machine_, program_);
     play.SetUp();
+    play.Round = 1;
+    play.TurnColor();
     play.ProgressBar1.Value = 64;
+    play.AimFrame->AddRotation(D3DRMCOMBINE_BEFORE, 0, 1, 0, 0.08f);
+    play.RMCanvas1.Update();
     Take(play);
     play.ProgressBar1.Value = 0;
+    play.ArrowFrame->DeleteVisual(play.ArrowMesh);
+    play.PieceFrame->SetPosition(play.RMCanvas1.SceneFrame, 12, 0, -86.5f);
+    play.PieceFrame->AddRotation(D3DRMCOMBINE_BEFORE, 0, 1, 0, 2.2f);
+    play.lblPlayer1.Caption = "Home Team Score: 6";
     play.Picture3.Visible = true;
-    play.Text1.Text = "Nice one!";
+    play.WinCam();
     Take(play);
   }
 
