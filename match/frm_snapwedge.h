@@ -246,14 +246,14 @@ public:
   void ReplayKick(const ReceivedShot &shot);
   void ShowOtherResult(std::int16_t MES); ///< the card of the other side's result, until its "Continue"
   void CanIContinue();                    ///< waits for the other computer's "Continue"
-  void AwaitOver(); ///< the host's match is over: reads on until the joiner's is over too
+  void AwaitOver(); ///< this side's match is over: reads on until the other side's is over too
   void Text2_KeyPress(std::int16_t KeyCode);
   [[noreturn]] void OtherSideLeft(); ///< tells that the other player has gone, and ends the program
 
   Flag Replaying = False; ///< a flick of the other side is being replayed, its cards and its kick included
   Flag ReplayingKick = False; ///< a kick of the other side is being replayed, its card included
   Flag LastWait = False; ///< the host waits for the match's last possession: after it nobody shoots any more
-  Flag OtherSideOver = False;       ///< the joiner has said that its last possession is over
+  Flag OtherSideOver = False;       ///< the other side has said what its last possession was worth
   std::int32_t DroppedMessages = 0; ///< messages of the other side that broke a rule
 
   // front/end_cards.cpp

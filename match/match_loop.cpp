@@ -85,8 +85,8 @@ void frmSnapwedge::PlayRounds() {
     while (program.MyTurn) Frame("A");
     SendOver();
   }
-  // What the joiner's last possession is worth may still be on its way.
-  if (network && program.IsHost) AwaitOver();
+  // What the other side's last possession is worth may still be on its way.
+  if (network) AwaitOver();
 }
 
 void frmSnapwedge::EndMatch() {

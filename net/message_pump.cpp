@@ -86,6 +86,8 @@ void frmSnapwedge::CheckMessages() {
       if (score->Home > AwayScore) AwayScore = score->Home;
       if (score->Away > HomeScore) HomeScore = score->Away;
       PostScore();
+      // The host tells a score of the last round when its own last possession is over, not before.
+      if (!program.IsHost && score->Round == program.Rounds) OtherSideOver = True;
     }
   } else if (tag == "RESULT") {
     const auto result = ReadResult(*message);
@@ -93,7 +95,7 @@ void frmSnapwedge::CheckMessages() {
     if (taken) ShowOtherResult(*result);
   } else if (tag == "OVER") {
     taken = NothingFollows(*message);
-    if (taken) OtherSideOver = True;
+    if (taken && program.IsHost) OtherSideOver = True;
   } else if (tag == "END") {
     taken = NothingFollows(*message);
     if (taken) OtherSideLeft();

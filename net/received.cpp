@@ -77,11 +77,10 @@ std::optional<ReceivedVersion> ReadVersion(DirectPlayMessage &message) {
 
 std::optional<ReceivedScore> ReadScore(DirectPlayMessage &message, std::int16_t roundsBegun) {
   return Guarded([&]() -> std::optional<ReceivedScore> {
-    const ReceivedScore score{message.ReadLong(), message.ReadLong()};
-    const std::int32_t round = message.ReadLong();
+    const ReceivedScore score{message.ReadLong(), message.ReadLong(), message.ReadLong()};
     const std::int32_t most = PointsInRound * roundsBegun;
     if (!message.AtEnd() || score.Home < 0 || score.Away < 0 || score.Home > most || score.Away > most ||
-        round < 0 || round > MostRounds) {
+        score.Round < 0 || score.Round > MostRounds) {
       return std::nullopt;
     }
     return score;

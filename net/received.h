@@ -25,6 +25,7 @@ struct ReceivedVersion {
 
 struct ReceivedScore {
   std::int32_t Home, Away; ///< 0 to what a side can score in the rounds that have begun
+  std::int32_t Round;      ///< the sender's, 0 to 99
 };
 
 // Each reads the fields behind the tag. Nothing if a field is missing, surplus, of another type or outside
