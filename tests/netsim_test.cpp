@@ -11,30 +11,35 @@ TEST(NetworkSimulationTest, BothSidesAgreeWhateverTheLineDoes) {
     std::uint32_t seed;
     int matches, rounds;
   };
-  int shots = 0, points = 0, reconnects = 0;
-  for (const Row &row : {Row{1, 120, 1}, Row{90000, 12, 3}}) {
+  int shots = 0, points = 0, reconnects = 0, quits = 0;
+  for (const Row &row : {Row{1, 40, 1}, Row{90000, 4, 3}}) {
     for (int i = 0; i < row.matches; ++i) {
       const std::uint32_t seed = row.seed + static_cast<std::uint32_t>(i);
       SCOPED_TRACE(seed);
       const SimulatedMatch match = Simulate(SNAPWEDGE_GAME_DIR, seed, row.rounds);
       EXPECT_EQ(match.Disagreement, "");
+      shots += static_cast<int>(match.Host.Flicks.size());
+      points += match.Host.Home + match.Host.Away;
+      reconnects += match.Reconnects > 0 ? 1 : 0;
+      if (match.Host.Quit || match.Joiner.Quit) {
+        ++quits;
+        continue;
+      }
       EXPECT_EQ(match.Host.Rounds, row.rounds) << "the host's number counts on both";
       EXPECT_EQ(match.Joiner.Rounds, row.rounds);
-      shots += match.Host.Shots;
-      points += match.Host.Home + match.Host.Away;
-      reconnects += match.Line.Connects > 2 ? 1 : 0;
     }
   }
-  EXPECT_GT(shots, 400) << "the players do play";
-  EXPECT_GT(points, 300) << "and score";
-  EXPECT_GT(reconnects, 10) << "over lines that break";
+  EXPECT_GT(shots, 150) << "the players do play";
+  EXPECT_GT(points, 150) << "and score";
+  EXPECT_GT(reconnects, 5) << "over lines that break";
+  EXPECT_GT(quits, 0) << "and some have enough";
 }
 
 TEST(NetworkSimulationTest, ASeedPlaysTheSameMatchAgain) {
   const SimulatedMatch first = Simulate(SNAPWEDGE_GAME_DIR, 7, 2), again = Simulate(SNAPWEDGE_GAME_DIR, 7, 2);
-  EXPECT_EQ(first.Host.PathHash, again.Host.PathHash);
+  EXPECT_EQ(first.Host.Flicks, again.Host.Flicks);
   EXPECT_EQ(first.VirtualMs, again.VirtualMs);
-  EXPECT_NE(first.Host.PathHash, Simulate(SNAPWEDGE_GAME_DIR, 8, 2).Host.PathHash);
+  EXPECT_NE(first.Host.Flicks, Simulate(SNAPWEDGE_GAME_DIR, 8, 2).Host.Flicks);
 }
 
 } // namespace

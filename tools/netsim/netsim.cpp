@@ -26,7 +26,7 @@ int main(int argc, char **argv) {
   }
   const auto game = std::filesystem::weakly_canonical("/proc/self/exe").parent_path().parent_path() / "game";
   const auto start = std::chrono::steady_clock::now();
-  long bad = 0, loss = 0, breaks = 0, cuts = 0, reconnects = 0, shots = 0, points = 0;
+  long bad = 0, loss = 0, breaks = 0, cuts = 0, reconnects = 0, quits = 0, flicks = 0, kicks = 0, points = 0;
   double virtualSeconds = 0;
   for (long i = 0; i < matches; ++i) {
     const auto own = static_cast<std::uint32_t>(seed + i);
@@ -35,14 +35,16 @@ int main(int argc, char **argv) {
       loss += match.Line.Lost > 0;
       breaks += match.Break;
       cuts += match.Line.CutStreams > 0;
-      reconnects += match.Line.Connects > 1 ? 1 : 0;
-      shots += match.Host.Shots;
+      reconnects += match.Reconnects > 0;
+      quits += match.Host.Quit || match.Joiner.Quit;
+      flicks += static_cast<long>(match.Host.Flicks.size());
+      kicks += static_cast<long>(match.Host.Kicks.size());
       points += match.Host.Home + match.Host.Away;
       virtualSeconds += match.VirtualMs / 1000.0;
       if (match.Disagreement.empty()) continue;
-      std::printf("seed %u: %s (host %d:%d in %d shots, joiner %d:%d in %d)\n", own,
-                  match.Disagreement.c_str(), match.Host.Home, match.Host.Away, match.Host.Shots,
-                  match.Joiner.Home, match.Joiner.Away, match.Joiner.Shots);
+      std::printf("seed %u: %s (host %d:%d in %zu flicks, joiner %d:%d in %zu)\n", own,
+                  match.Disagreement.c_str(), match.Host.Home, match.Host.Away, match.Host.Flicks.size(),
+                  match.Joiner.Home, match.Joiner.Away, match.Joiner.Flicks.size());
     } catch (const std::exception &error) {
       std::printf("seed %u: %s\n", own, error.what());
     }
@@ -54,9 +56,9 @@ int main(int argc, char **argv) {
   };
   std::printf(
       "%ld matches, %ld disagreements; loss in %.0f %%, breaks in %.0f %%, cut connections in %.0f %%, "
-      "more than one connect in %.0f %%; %ld shots, %ld points; %.0f s of play in %.1f s, %.1f matches a "
-      "second\n",
-      matches, bad, share(loss), share(breaks), share(cuts), share(reconnects), shots, points, virtualSeconds,
-      took.count(), static_cast<double>(matches) / took.count());
+      "reconnects in %.0f %%, Esc in %.0f %%; %ld flicks, %ld kicks, %ld points; %.0f s of play in %.1f s, "
+      "%.1f matches a second\n",
+      matches, bad, share(loss), share(breaks), share(cuts), share(reconnects), share(quits), flicks, kicks,
+      points, virtualSeconds, took.count(), static_cast<double>(matches) / took.count());
   return bad == 0 ? 0 : 1;
 }

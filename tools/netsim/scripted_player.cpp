@@ -8,7 +8,8 @@ namespace {
 constexpr float TouchdownPlan[] = {96, 24, 16};
 constexpr std::uint64_t HashStart = 0xCBF29CE484222325ULL;
 constexpr std::uint64_t HashPrime = 0x100000001B3ULL;
-constexpr int ThinkMs = 120; ///< shortest pause between two acts
+constexpr float KickFrom = 80.0f; ///< place of the posts, scene units
+constexpr int ThinkMs = 120;      ///< shortest pause between two acts
 
 void AddToHash(std::uint64_t &hash, float value) {
   unsigned char bytes[sizeof value];
@@ -20,7 +21,9 @@ void AddToHash(std::uint64_t &hash, float value) {
 
 void ScriptedPlayer::Look() {
   if (machine_.Shown.empty()) return;
-  if (!machine_.Boxes.empty() && machine_.Boxes.back().Title == "Game Over:") seen_.LeftBy = "Game Over:";
+  Listen();
+  if (!machine_.Boxes.empty() && machine_.Boxes.back().Title == "Game Over:")
+    seen_.Box = machine_.Boxes.back().Text;
   Window &top = *machine_.Shown.back();
   if (top.Name == "frmHome" || top.Name == "frmAway" || top.Name == "frmTie") {
     if (seen_.EndCard.empty()) actAt_ = machine_.ClockIn(Between(300, 4000));
@@ -29,7 +32,6 @@ void ScriptedPlayer::Look() {
       seen_.Rounds = table->Round;
       seen_.Home = table->HomeScore;
       seen_.Away = table->AwayScore;
-      seen_.Shots = static_cast<int>(std::ranges::count(machine_.Sounds, "play swoosh.daw"));
     }
     if (machine_.ClockReached(actAt_)) machine_.ClickOn(top);
     return;
@@ -77,6 +79,13 @@ void ScriptedPlayer::Play(frmSnapwedge &table) {
     machine_.ReleaseMouse(1);
     return;
   }
+  if (quitAt_ && machine_.ClockReached(*quitAt_) && machine_.Focus == &table.RMCanvas1) {
+    seen_.Quit = true;
+    const bool inFlight = table.NoShot && !table.KickMode;
+    if (inFlight && !seen_.Flicks.empty()) seen_.Flicks.pop_back(); // seen to its end over there alone
+    machine_.PressKey(KeyCodes::Escape);
+    return;
+  }
   switch (Between(0, 19)) {
   case 0:
     machine_.PressKey(KeyCodes::S);
@@ -87,6 +96,21 @@ void ScriptedPlayer::Play(frmSnapwedge &table) {
     return;
   case 2:
     machine_.PressKey(KeyCodes::Tilde);
+    return;
+  case 3:
+    if (!orbits_ && !table.MouseGate()) break;
+    orbits_ = !orbits_;
+    if (orbits_) {
+      machine_.PressMouse(2);
+      machine_.MoveMouse(Between(-60, 60), Between(-30, 30));
+    } else {
+      machine_.ReleaseMouse(2);
+    }
+    return;
+  case 4:
+    if (table.MouseGate()) break;
+    machine_.PressMouse(1); // out of turn, and maybe let go in turn
+    holding_ = true;
     return;
   default:
     break;
@@ -100,11 +124,19 @@ void ScriptedPlayer::Play(frmSnapwedge &table) {
     attempt_ = 0;
     planned_ = Between(0, 2) > 0;
   }
-  if (table.KickMode) {
+  if (table.KickMode && planned_) {
+    // The posts are in the middle when the piece arrives, if they were at their far right when it left.
+    Vector goal;
+    table.GoalFrame->GetPosition(table.RMCanvas1.SceneFrame, goal);
+    actAt_ = machine_.Now();
+    if (table.GoalSpeed < 0.0f || goal.x < KickFrom) return;
+    release_ = 88;
+  } else if (table.KickMode) {
     release_ = static_cast<float>(8 * Between(0, 13));
     machine_.MoveMouse(Between(-40, 40), 0);
   } else if (planned_) {
     release_ = TouchdownPlan[std::min(attempt_, 2)];
+    if (attempt_ == 0) machine_.MoveMouse(Between(-8, 8), 0); // to one side it touches the bonus area
   } else {
     release_ = static_cast<float>(8 * Between(0, 13));
     machine_.MoveMouse(Between(-30, 30), Between(-20, 20));
@@ -118,19 +150,29 @@ void ScriptedPlayer::Play(frmSnapwedge &table) {
   }
 }
 
+void ScriptedPlayer::Listen() {
+  for (; heard_ < machine_.Sounds.size(); ++heard_) {
+    if (machine_.Sounds[heard_] == "play swoosh.daw") seen_.Flicks.push_back(HashStart);
+  }
+}
+
 void ScriptedPlayer::SeePicture() {
   auto *table = dynamic_cast<frmSnapwedge *>(machine_.FindWindow("frmSnapwedge"));
   if (!table) return;
-  const bool flies = table->NoShot && !table->KickMode;
-  if (flies) {
-    Vector place;
-    table->PieceFrame->GetPosition(table->RMCanvas1.SceneFrame, place);
-    // The S key draws pictures of its own, in which the piece hasn't moved.
-    if (!wasFlying_ || !(place == lastPlace_)) {
-      if (seen_.PathHash == 0) seen_.PathHash = HashStart;
-      for (const float part : {place.x, place.y, place.z}) AddToHash(seen_.PathHash, part);
-    }
-    lastPlace_ = place;
+  Listen();
+  Vector place;
+  table->PieceFrame->GetPosition(table->RMCanvas1.SceneFrame, place);
+  if (table->KickMode) {
+    if (!tee_) tee_ = place;
+    const bool first = !kicked_ && place.y != tee_->y;
+    if (first) seen_.Kicks.push_back(place.y);
+    kicked_ = kicked_ || first;
+    return;
   }
-  wasFlying_ = flies;
+  tee_.reset();
+  kicked_ = false;
+  // The S key draws pictures of its own, in which the piece hasn't moved.
+  if (!table->NoShot || seen_.Flicks.empty() || place == lastPlace_) return;
+  for (const float part : {place.x, place.y, place.z}) AddToHash(seen_.Flicks.back(), part);
+  lastPlace_ = place;
 }

@@ -8,6 +8,7 @@
 #include "platform/headless/headless_machine.h"
 #include "tools/netsim/simulation.h"
 
+#include <optional>
 #include <random>
 
 class ScriptedPlayer {
@@ -18,12 +19,16 @@ public:
     machine.OnDraw = [this](Canvas &) { SeePicture(); };
   }
 
+  /// Presses Esc at the table, at that moment of the virtual clock or soon after.
+  void QuitAt(std::int32_t moment) { quitAt_ = moment; }
+
   const SeenMatch &Seen() const { return seen_; }
 
 private:
   void Look();
   void UseLobby(frmNewNet &lobby);
   void Play(frmSnapwedge &table);
+  void Listen();
   void SeePicture();
   int Between(int low, int high) {
     return low + static_cast<int>(random_() % static_cast<unsigned>(high - low + 1));
@@ -35,10 +40,14 @@ private:
   std::mt19937 random_;
   SeenMatch seen_;
   std::int32_t actAt_ = 0; ///< virtual moment of the next act
-  bool holding_ = false;   ///< the left button is down
-  float release_ = 0;      ///< level of the meter at which it is let go
+  std::optional<std::int32_t> quitAt_;
+  bool holding_ = false; ///< the left button is down
+  bool orbits_ = false;  ///< the right button is down
+  float release_ = 0;    ///< level of the meter at which it is let go
   int attempt_ = 0;
-  bool planned_ = false; ///< this possession goes by the plan of a Touchdown
-  bool wasFlying_ = false;
-  Vector lastPlace_;
+  bool planned_ = false;      ///< this possession goes by the plan of a Touchdown
+  std::size_t heard_ = 0;     ///< sounds heard so far
+  Vector lastPlace_;          ///< of the piece in a flight
+  std::optional<Vector> tee_; ///< where the piece stands before a kick
+  bool kicked_ = false;
 };

@@ -10,7 +10,9 @@
 
 namespace {
 
-constexpr std::int64_t LongestMatchMs = 4L * 3600 * 1000; ///< of the virtual clock, for any number of rounds
+// Longest match on the virtual clock, all breaks and pauses included.
+constexpr std::int32_t LongestRoundMs = 300000;
+constexpr std::int32_t LongestRestMs = 300000;
 
 /// One computer with its program and its player.
 struct Computer {
@@ -19,13 +21,21 @@ struct Computer {
       : address(std::move(at)), machine(game), program(machine), player(machine, host, rounds, seed),
         wire(line), fibre([this] { RunProgram(machine, program); }) {
     machine.MakeDirectPlay = [this] {
-      return std::make_shared<session::SessionDirectPlay>(machine, wire.Plug(address));
+      const auto made = std::make_shared<session::SessionDirectPlay>(machine, wire.Plug(address));
+      play = made;
+      return made;
     };
     machine.NextArrival = [this] { return wire.NextArrival(address); };
     machine.Sleeper = [this](std::int32_t moment) {
       wake = moment;
+      CountReconnects();
       fibre.Pause();
     };
+  }
+
+  void CountReconnects() {
+    const auto open = play.lock();
+    if (open && open->Opened()) reconnects = std::max(reconnects, open->Opened()->GetLink().Resumes());
   }
 
   /// When it has something to do at the latest; what arrives meanwhile counts too.
@@ -36,16 +46,37 @@ struct Computer {
   Program program;
   ScriptedPlayer player;
   FaultyWire &wire;
+  std::weak_ptr<session::SessionDirectPlay> play;
+  int reconnects = 0;
   std::int32_t wake = 0;
   Fibre fibre;
 };
 
+/// Whether two lists of the same shots are the same as far as both go.
+template <class Shot>
+std::string CompareShots(const std::string &what, const std::vector<Shot> &host,
+                         const std::vector<Shot> &joiner) {
+  const auto [first, second] = std::ranges::mismatch(host, joiner);
+  if (first == host.end() || second == joiner.end()) return {};
+  return what + " " + std::to_string(first - host.begin() + 1) + " differs";
+}
+
 std::string Compare(const SeenMatch &host, const SeenMatch &joiner) {
-  if (!host.LeftBy.empty() || !joiner.LeftBy.empty()) return "a side left: " + host.LeftBy + joiner.LeftBy;
+  if (const auto flick = CompareShots("flick", host.Flicks, joiner.Flicks); !flick.empty()) return flick;
+  if (const auto kick = CompareShots("kick", host.Kicks, joiner.Kicks); !kick.empty()) return kick;
+  if (host.Quit || joiner.Quit) {
+    // Who is left is told, unless the match is over there already: the host waits for the joiner, the joiner
+    // for nobody.
+    const auto fits = [](const SeenMatch &side, bool mayBeOver) {
+      return side.Quit || side.Box == "Away Team Disconnected!" || (mayBeOver && !side.EndCard.empty());
+    };
+    return fits(host, false) && fits(joiner, true) ? "" : "a side wasn't told that the other has left";
+  }
+  if (!host.Box.empty() || !joiner.Box.empty()) return "a box ended it: " + host.Box + joiner.Box;
   if (host.Rounds != joiner.Rounds) return "rounds differ";
   if (host.Home != joiner.Away || host.Away != joiner.Home) return "scores aren't mirrored";
-  if (host.Shots != joiner.Shots) return "numbers of shots differ";
-  if (host.PathHash != joiner.PathHash) return "paths differ";
+  if (host.Flicks.size() != joiner.Flicks.size()) return "numbers of flicks differ";
+  if (host.Kicks.size() != joiner.Kicks.size()) return "numbers of kicks differ";
   const auto mirrored = [](const std::string &card) {
     return card == "frmHome" ? "frmAway" : card == "frmAway" ? "frmHome" : card;
   };
@@ -68,10 +99,8 @@ SimulatedMatch Simulate(const std::filesystem::path &game, std::uint32_t seed, i
   FaultyWire::Quality &line = wire.Line();
   line.LatencyMs = between(1, 150);
   line.JitterMs = between(0, 80);
-  match.Loss = between(0, 1) == 1;
-  if (match.Loss) line.Loss = 0.01 * between(1, 12);
-  match.Break = between(0, 2) == 0;
-  if (match.Break) {
+  if (between(0, 1) == 1) line.Loss = 0.01 * between(1, 12);
+  if (between(0, 2) == 0) {
     // One after the other, with time between them to come together again: thirty seconds without a line end a
     // match.
     std::int32_t at = between(8000, 40000);
@@ -81,7 +110,7 @@ SimulatedMatch Simulate(const std::filesystem::path &game, std::uint32_t seed, i
       at = end + between(15000, 40000);
     }
   }
-  match.Cut = between(0, 3) == 0;
+  bool cut = between(0, 3) == 0; // still to come
   const std::int32_t cutAt = between(10000, 60000);
 
   Computer host(game, wire, "10.0.0.1", true, rounds, random());
@@ -91,16 +120,20 @@ SimulatedMatch Simulate(const std::filesystem::path &game, std::uint32_t seed, i
   joiner.machine.DrawMs = between(0, 1) * between(0, 60);
   host.machine.Seed = random();
   joiner.machine.Seed = random();
+  // Somebody has enough in a match of eight, sometimes both.
+  for (Computer *computer : {&host, &joiner}) {
+    if (between(0, 15) == 0) computer->player.QuitAt(between(5000, 60000));
+  }
 
-  bool cut = false;
+  const std::int32_t longest = LongestRestMs + rounds * LongestRoundMs;
   while (!host.fibre.Done() || !joiner.fibre.Done()) {
     Computer *next = &host;
     if (host.fibre.Done() || (!joiner.fibre.Done() && joiner.NextMoment() < host.NextMoment()))
       next = &joiner;
     now = std::max(now, next->NextMoment());
-    if (now > LongestMatchMs) throw std::runtime_error("the match doesn't end");
-    if (match.Cut && !cut && now >= cutAt) {
-      cut = true;
+    if (now > longest) throw std::runtime_error("the match doesn't end");
+    if (cut && now >= cutAt) {
+      cut = false;
       wire.CutConnections();
     }
     next->machine.SetNow(now);
@@ -109,6 +142,8 @@ SimulatedMatch Simulate(const std::filesystem::path &game, std::uint32_t seed, i
   match.Host = host.player.Seen();
   match.Joiner = joiner.player.Seen();
   match.Line = wire.Counted();
+  match.Break = !line.Breaks.empty() && line.Breaks.front().From < now;
+  match.Reconnects = std::max(host.reconnects, joiner.reconnects);
   match.VirtualMs = now;
   match.Disagreement = Compare(match.Host, match.Joiner);
   return match;

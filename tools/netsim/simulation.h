@@ -9,21 +9,24 @@
 #include <cstdint>
 #include <filesystem>
 #include <string>
+#include <vector>
 
 /// How one side saw the match.
 struct SeenMatch {
   int Rounds = 0;
   int Home = 0, Away = 0;
   std::string EndCard;
-  int Shots = 0;              ///< flicks that flew, own and replayed
-  std::uint64_t PathHash = 0; ///< of every place of the piece in them
-  std::string LeftBy;         ///< title of the box that ended it, if one did
+  std::vector<std::uint64_t> Flicks; ///< own and replayed: hash of every place of the piece in each
+  std::vector<float> Kicks;          ///< height of the piece after a kick's first step, which tells its force
+  bool Quit = false;                 ///< this player pressed Esc
+  std::string Box;                   ///< text of the box that ended it, if one did
 };
 
 struct SimulatedMatch {
   SeenMatch Host, Joiner;
   FaultyWire::Counters Line;
-  bool Loss = false, Break = false, Cut = false; ///< what the line was set to do
+  bool Break = false; ///< the line broke before the match was over
+  int Reconnects = 0; ///< connections that took over from a broken one
   std::int32_t VirtualMs = 0;
   std::string Disagreement; ///< empty if both sides agree
 };
