@@ -120,9 +120,10 @@ void ScriptedPlayer::Play(frmSnapwedge &table) {
     return;
   }
   if (!table.MouseGate()) return;
-  if (table.Shots == 3 && !table.KickMode) {
-    attempt_ = 0;
-    planned_ = Between(0, 2) > 0;
+  if (!aimed_) {
+    aimed_ = true;
+    Aim(table);
+    return;
   }
   if (table.KickMode && planned_) {
     // The posts are in the middle when the piece arrives, if they were at their far right when it left.
@@ -131,23 +132,32 @@ void ScriptedPlayer::Play(frmSnapwedge &table) {
     actAt_ = machine_.Now();
     if (table.GoalSpeed < 0.0f || goal.x < KickFrom) return;
     release_ = 88;
-  } else if (table.KickMode) {
-    release_ = static_cast<float>(8 * Between(0, 13));
-    machine_.MoveMouse(Between(-40, 40), 0);
   } else if (planned_) {
     release_ = TouchdownPlan[std::min(attempt_, 2)];
-    if (attempt_ == 0) machine_.MoveMouse(Between(-8, 8), 0); // to one side it touches the bonus area
   } else {
     release_ = static_cast<float>(8 * Between(0, 13));
-    machine_.MoveMouse(Between(-30, 30), Between(-20, 20));
   }
   if (!table.KickMode) ++attempt_;
+  aimed_ = false;
   machine_.PressMouse(1);
   if (release_ == 0.0f) {
     machine_.ReleaseMouse(1); // a click shorter than a frame
   } else {
     holding_ = true;
   }
+}
+
+/// Moves the mouse, which turns the aim in the frames until the shot.
+void ScriptedPlayer::Aim(const frmSnapwedge &table) {
+  if (table.Shots == 3 && !table.KickMode) {
+    attempt_ = 0;
+    planned_ = Between(0, 2) > 0;
+    if (planned_) machine_.MoveMouse(Between(-4, 8), 0); // a little to the right it touches the bonus area
+  }
+  if (table.KickMode) planned_ = Between(0, 2) > 0;
+  if (planned_) return;
+  const int reach = Between(0, 9) == 0 ? 500 : 40;
+  machine_.MoveMouse(Between(-reach, reach), Between(-20, 20));
 }
 
 void ScriptedPlayer::Listen() {

@@ -28,6 +28,7 @@ private:
   void Look();
   void UseLobby(frmNewNet &lobby);
   void Play(frmSnapwedge &table);
+  void Aim(const frmSnapwedge &table);
   void Listen();
   void SeePicture();
   int Between(int low, int high) {
@@ -45,6 +46,7 @@ private:
   bool orbits_ = false;  ///< the right button is down
   float release_ = 0;    ///< level of the meter at which it is let go
   int attempt_ = 0;
+  bool aimed_ = false;        ///< for the next shot
   bool planned_ = false;      ///< this possession goes by the plan of a Touchdown
   std::size_t heard_ = 0;     ///< sounds heard so far
   Vector lastPlace_;          ///< of the piece in a flight
