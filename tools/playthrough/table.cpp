@@ -175,6 +175,7 @@ int Table::Watch(int level) {
 }
 
 int Table::SeeCard(int code) {
+  CardsSeen.push_back(code);
   Pause(Milliseconds(100));
   Station(CardNames[code]);
   for (const auto end = Clock::now() + CardPatience; Clock::now() < end; Pause(LookAgain)) {

@@ -70,11 +70,15 @@ public:
   /// Takes the picture of a card and waits until it has gone. Returns its code.
   int SeeCard(int code);
 
+  std::vector<int> CardsSeen; ///< codes of the cards so far; may be cleared
+
   /// One possession. Plays the shots of the plan until it ends; a Touchdown's kick is played too.
   void Possess(const std::vector<int> &plan);
 
   /// Waits until that side is on turn or the match is over; sees the cards that come.
   void WaitForTurn(bool home);
+
+  ::Window Window() const { return window_; }
 
   void Station(const std::string &name) { album_.Take(seat_, prefix_ + name); }
 

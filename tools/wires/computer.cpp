@@ -1,0 +1,133 @@
+#include "tools/wires/computer.h"
+
+#include "tools/wires/writing.h"
+
+#include <X11/keysym.h>
+
+#include <chrono>
+
+namespace {
+
+using Clock = std::chrono::steady_clock;
+
+constexpr Milliseconds LookAgain(40);
+constexpr Milliseconds SearchTakes(2000); ///< until the list is there
+constexpr Milliseconds CardsPatience(90000);
+constexpr Milliseconds ChatPatience(60000);
+constexpr int Searches = 5; ///< before a game counts as not to be found
+
+// Buttons of the launch window and the first row of its list, twips.
+constexpr int LeftButtons = 6060;
+constexpr int RightButtons = 8040;
+constexpr int ConnectTop = 3240;
+constexpr int JoinTop = 3780;    ///< and Create
+constexpr int RefreshTop = 4260; ///< and Cancel
+constexpr int RowLeft = 5700;
+constexpr int RowTop = 4920;
+
+constexpr double Listed = 0.5; ///< mean difference of colour parts from an empty list
+
+} // namespace
+
+void Computer::Start(const std::string &rounds) {
+  table_.reset();
+  game_ = std::make_unique<GameProcess>(
+      std::vector<std::string>{"ip", "netns", "exec", name_, program_.string()}, display_);
+  launch_ = OpenLaunchWindow(seat_);
+  EnterRounds(seat_, launch_, rounds);
+}
+
+void Computer::Search(int buttonX, int buttonY) {
+  ClickTwips(seat_, launch_, buttonX, buttonY);
+  seat_.WaitFor("Locate Session");
+  Pause(Milliseconds(300));
+  seat_.Press(XK_Return); // left blank: the local network
+  Pause(SearchTakes);
+}
+
+void Computer::Connect() { Search(LeftButtons, ConnectTop); }
+
+void Computer::Create() {
+  ClickTwips(seat_, launch_, RightButtons, JoinTop);
+  seat_.WaitFor("Polling...");
+}
+
+void Computer::Cancel() {
+  ClickTwips(seat_, launch_, RightButtons, RefreshTop);
+  OpenLaunchWindow(seat_);
+}
+
+void Computer::FindGame() {
+  const auto list = [&] { return seat_.Look(launch_, 356, 324, 240, 36); };
+  const Image empty = list();
+  Connect();
+  for (int i = 0; i < Searches; ++i) {
+    if (MeanDifference(empty, list()) > Listed) return;
+    Search(LeftButtons, RefreshTop);
+  }
+  throw GaveUp("no game is listed");
+}
+
+void Computer::Join() {
+  ClickTwips(seat_, launch_, RowLeft, RowTop);
+  Pause(Milliseconds(200));
+  Picture("found");
+  ClickTwips(seat_, launch_, LeftButtons, JoinTop);
+}
+
+void Computer::SitDown() { table_.emplace(seat_, program_.parent_path() / "pictures", album_, who_); }
+
+void Computer::AnswerBox(const std::string &title, Milliseconds patience) {
+  seat_.WaitFor(title, patience);
+  Pause(Milliseconds(400));
+  Picture("box");
+  seat_.Press(XK_Return);
+}
+
+void Computer::ExpectNobodyGone() {
+  if (Sees("Game Over:")) throw GaveUp(who_ + " is told that the other player has gone");
+}
+
+void Computer::Watch(const std::atomic<std::size_t> &wanted) {
+  for (const auto end = Clock::now() + CardsPatience; table_->CardsSeen.size() < wanted; Pause(LookAgain)) {
+    if (const int card = table_->CardUp()) table_->SeeCard(card);
+    if (Clock::now() > end) throw GaveUp(who_ + " misses a card");
+  }
+}
+
+Image Computer::Line(int x, int y, int width, int height) {
+  return WritingOn(seat_.Look(table_->Window(), x, y, width, height));
+}
+
+Image Computer::Say(const std::string &line) {
+  seat_.Press(XK_grave);
+  seat_.Type(line);
+  Pause(Milliseconds(300));
+  Picture("chat-typed");
+  const Image typed = Line(115, 424, 400, 19);
+  seat_.Press(XK_Return);
+  return typed;
+}
+
+Image Computer::WaitForChat() {
+  for (const auto end = Clock::now() + ChatPatience; Clock::now() < end; Pause(LookAgain)) {
+    const Image line = Line(117, 34, 400, 19);
+    if (line.Width == 0) continue;
+    Picture("chat-came");
+    return line;
+  }
+  throw GaveUp(who_ + " gets no chat line");
+}
+
+Image Computer::HomeScore() { return LastWord(Line(104, 4, 140, 19)); }
+Image Computer::AwayScore() { return LastWord(Line(394, 4, 144, 19)); }
+Image Computer::Round() { return Line(278, 1, 81, 14); }
+
+void Computer::ClickOn(const std::string &title) { seat_.Click(seat_.WaitFor(title), 150, 110); }
+
+void Computer::TurnAim(int pixels) {
+  seat_.MoveBy(pixels, 0);
+  Pause(Milliseconds(300));
+}
+
+void Computer::PressEscape() { seat_.Press(XK_Escape); }

@@ -1,0 +1,283 @@
+// Plays the real program on two computers against each other, by mouse and keys on their displays, over the
+// wire between the network namespaces "host" and "joiner". A third player sits beside the joiner. Fails if
+// the two screens don't tell the same story.
+//   wires SCENE GAME PICTURES_DIRECTORY HOST_DISPLAY JOINER_DISPLAY THIRD_DISPLAY
+
+#include "tools/wires/computer.h"
+#include "tools/wires/writing.h"
+
+#include <X11/Xlib.h>
+
+#include <cstdlib>
+#include <future>
+#include <iostream>
+#include <limits>
+#include <map>
+#include <thread>
+
+namespace {
+
+namespace fs = std::filesystem;
+
+using Clock = std::chrono::steady_clock;
+using Seconds = std::chrono::seconds;
+
+const std::vector<int> ScoringPlan = {96, 24, 16}; ///< comes to rest with a corner over the edge
+const std::vector<int> ShortPlan = {40, 40, 40};   ///< stays on the table
+
+constexpr int BonusAim = 5; ///< pixels to the right: the first shot touches the bonus area
+
+constexpr Seconds LineDown(15);
+constexpr Seconds ShortAbsence(20);
+constexpr Seconds ComingTogetherTakes(5);
+constexpr Seconds LongAbsence(60);
+constexpr Seconds LeavingTakes(15); ///< until the other player is told, on a line that holds
+constexpr Seconds GivingUpTakes(45);
+
+const std::string Won = "Home Team Wins!!";
+const std::string Lost = "Away Team Wins!!";
+const std::string Tied = "It's All Tied Up!";
+const std::string GameOver = "Game Over:";
+const std::string NetworkError = "Error initializing DirectPlay.";
+
+void Tell(const std::string &what) { std::cout << "-- " << what << std::endl; }
+
+void Expect(bool fits, const std::string &what) {
+  if (!fits) throw GaveUp("not so: " + what);
+  Tell(what);
+}
+
+void Wire(const std::string &act) {
+  Tell("the line: " + act);
+  if (std::system(("tools/wires/line " + act).c_str()) != 0) throw GaveUp("can't " + act + " the line");
+}
+
+class Scenes {
+public:
+  Scenes(const fs::path &game, const fs::path &pictures, char **displays)
+      : host_("host", game, pictures, displays[0], "host-"),
+        joiner_("joiner", game, pictures, displays[1], "joiner-"),
+        third_("joiner", game, pictures, displays[2], "third-") {}
+
+  void Play(const std::string &name) {
+    const std::map<std::string, void (Scenes::*)()> scenes = {
+        {"match", &Scenes::Match},   {"leave", &Scenes::Leave}, {"killed", &Scenes::Killed},
+        {"pulled", &Scenes::Pulled}, {"full", &Scenes::Full},   {"cancelled", &Scenes::Cancelled},
+        {"rounds", &Scenes::Rounds}};
+    const auto scene = scenes.find(name);
+    if (scene == scenes.end()) throw GaveUp("no such scene");
+    try {
+      (this->*scene->second)();
+    } catch (const GaveUp &) {
+      host_.Picture("gave-up");
+      joiner_.Picture("gave-up");
+      throw;
+    }
+  }
+
+private:
+  void OpenGame(const std::string &hostRounds, const std::string &joinerRounds) {
+    host_.Start(hostRounds);
+    joiner_.Start(joinerRounds);
+    host_.Connect();
+    host_.Create();
+    joiner_.FindGame();
+  }
+
+  void Meet(const std::string &hostRounds, const std::string &joinerRounds) {
+    OpenGame(hostRounds, joinerRounds);
+    joiner_.Join();
+    SitDown();
+  }
+
+  void SitDown() {
+    auto other = std::async(std::launch::async, [&] { joiner_.SitDown(); });
+    host_.SitDown();
+    other.get();
+    Pause(Milliseconds(1000));
+  }
+
+  /// One shoots, and the other must see the same cards, however late.
+  void Shoot(Computer &shooter, Computer &other, const std::vector<int> &plan) {
+    std::vector<int> &cards = shooter.AtTable().CardsSeen;
+    std::vector<int> &otherCards = other.AtTable().CardsSeen;
+    cards.clear();
+    otherCards.clear();
+    std::atomic<std::size_t> wanted = std::numeric_limits<std::size_t>::max();
+    auto watching = std::async(std::launch::async, [&] { other.Watch(wanted); });
+    try {
+      shooter.AtTable().Possess(plan);
+    } catch (...) {
+      wanted = 0;
+      throw;
+    }
+    wanted = cards.size();
+    watching.get();
+    Expect(!cards.empty() && cards == otherCards, "both have seen the same cards");
+  }
+
+  /// A match of one round on a bad line that is down for a while; each side sees itself as the Home Team.
+  void Match() {
+    Meet("1", "3"); // the host's number counts
+    host_.AtTable().Station("aim");
+    joiner_.AtTable().Station("waits");
+    const Image nothing = host_.HomeScore();
+    Expect(SameLetters(nothing, joiner_.AwayScore()), "nobody has a point");
+
+    host_.TurnAim(BonusAim);
+    Shoot(host_, joiner_, {ScoringPlan.front()});
+    Wire("break");
+    auto mending = std::async(std::launch::async, [] {
+      std::this_thread::sleep_for(LineDown);
+      Wire("mend");
+    });
+    // The host plays on by itself. Its cards reach the joiner all at once and only flash up there.
+    host_.AtTable().Possess({ScoringPlan.begin() + 1, ScoringPlan.end()});
+    const Image typed = host_.Say("your turn");
+    host_.Picture("line-down");
+    joiner_.Picture("line-down");
+    mending.get();
+
+    // The line comes behind all that the host did, so it's the joiner's turn then.
+    const Image came = joiner_.WaitForChat();
+    Expect(SameLetters(came, BeginningOf(typed, came)), "the chat line has come as it was typed");
+    joiner_.AtTable().WaitForTurn(true);
+    Expect(SameLetters(host_.HomeScore(), joiner_.AwayScore()),
+           "the joiner has made up for all that it missed");
+    Shoot(joiner_, host_, ShortPlan);
+
+    const std::string hostCard = WaitForEndCard(host_);
+    const std::string joinerCard = WaitForEndCard(joiner_);
+    Pause(Milliseconds(500));
+    host_.Picture("end");
+    joiner_.Picture("end");
+    Expect(!SameLetters(host_.HomeScore(), nothing), "the host has scored");
+    Expect(SameLetters(host_.HomeScore(), joiner_.AwayScore()), "the host's points stand on both screens");
+    Expect(SameLetters(host_.AwayScore(), joiner_.HomeScore()), "the joiner's points stand on both screens");
+    Expect(hostCard == Won && joinerCard == Lost,
+           "the host's card: " + hostCard + " The joiner's: " + joinerCard);
+    host_.ClickOn(hostCard);
+    joiner_.ClickOn(joinerCard);
+    host_.WaitForEnd();
+    joiner_.WaitForEnd();
+    Tell("both programs have ended by themselves");
+  }
+
+  static std::string WaitForEndCard(Computer &side) {
+    for (const auto end = Clock::now() + GivingUpTakes; Clock::now() < end; Pause(Milliseconds(100))) {
+      for (const std::string &title : {Won, Lost, Tied}) {
+        if (side.Sees(title)) return title;
+      }
+    }
+    throw GaveUp("the match has no end card");
+  }
+
+  void ExpectGone(Computer &stayed, Seconds patience, const std::string &how) {
+    stayed.AnswerBox(GameOver, patience);
+    stayed.WaitForEnd();
+    Tell(how + ": the other side is told, and its program has ended");
+  }
+
+  /// Esc, by the one who waits and by the one whose turn it is.
+  void Leave() {
+    Meet("1", "1");
+    joiner_.PressEscape();
+    ExpectGone(host_, LeavingTakes, "the joiner presses Esc");
+    joiner_.WaitForEnd();
+    Meet("1", "1");
+    host_.PressEscape();
+    ExpectGone(joiner_, LeavingTakes, "the host presses Esc");
+    host_.WaitForEnd();
+  }
+
+  void Killed() {
+    Meet("1", "1");
+    host_.Kill();
+    ExpectGone(joiner_, LeavingTakes, "the host's program is killed");
+    Meet("1", "1");
+    joiner_.Kill();
+    ExpectGone(host_, GivingUpTakes, "the joiner's program is killed");
+  }
+
+  /// A short absence is made up for, a long one ends the match.
+  void Pulled() {
+    Meet("1", "1");
+    Wire("break");
+    std::this_thread::sleep_for(ShortAbsence);
+    Wire("mend");
+    std::this_thread::sleep_for(ComingTogetherTakes);
+    Shoot(host_, joiner_, ShortPlan);
+    host_.ExpectNobodyGone();
+    joiner_.ExpectNobodyGone();
+    Tell("after 20 s without a line the match goes on");
+    Wire("break");
+    auto mending = std::async(std::launch::async, [] {
+      std::this_thread::sleep_for(LongAbsence);
+      Wire("mend");
+    });
+    ExpectGone(host_, LongAbsence, "a line that stays down, the host");
+    ExpectGone(joiner_, LongAbsence, "a line that stays down, the joiner");
+    mending.get();
+  }
+
+  /// A third player has found the game before the second took its place.
+  void Full() {
+    OpenGame("1", "1");
+    third_.Start("1");
+    third_.FindGame();
+    joiner_.Join();
+    SitDown();
+    third_.Join();
+    third_.AnswerBox(NetworkError, LeavingTakes);
+    Tell("a third player gets the box");
+    Shoot(host_, joiner_, ShortPlan);
+    Tell("and the two play on");
+    Part();
+  }
+
+  void Cancelled() {
+    OpenGame("1", "1");
+    host_.Cancel();
+    joiner_.Join();
+    joiner_.AnswerBox(NetworkError, LeavingTakes);
+    Tell("who joins a game that its host has cancelled gets the box");
+    host_.Kill();
+    joiner_.Kill();
+  }
+
+  void Rounds() {
+    Meet("3", "7");
+    Pause(Milliseconds(2000));
+    host_.Picture("rounds");
+    joiner_.Picture("rounds");
+    Expect(SameLetters(host_.Round(), joiner_.Round()), "both play the host's three rounds");
+    Part();
+  }
+
+  void Part() {
+    host_.Kill();
+    joiner_.Kill();
+    third_.Kill();
+  }
+
+  Computer host_, joiner_, third_;
+};
+
+} // namespace
+
+int main(int argc, char **argv) {
+  if (argc != 7) {
+    std::cerr << "usage: wires SCENE GAME PICTURES_DIRECTORY HOST_DISPLAY JOINER_DISPLAY THIRD_DISPLAY"
+              << std::endl;
+    return 2;
+  }
+  XInitThreads();
+  const std::string scene = argv[1];
+  try {
+    Tell("scene: " + scene);
+    Scenes(fs::absolute(argv[2]), argv[3], argv + 4).Play(scene);
+  } catch (const GaveUp &error) {
+    std::cerr << "wires: " << scene << ": " << error.what() << std::endl;
+    return 1;
+  }
+}
