@@ -21,6 +21,7 @@ struct Box {
 };
 constexpr Box Meter{536, 32, 17, 409};
 constexpr Box HomeArrow{248, 6, 17, 17};
+constexpr Box Field{112, 250, 318, 168}; ///< the part of the canvas without sky and cards
 constexpr int CardLeft = 432;
 constexpr int CardWidth = 200;
 constexpr int CardHeight = 173;
@@ -30,6 +31,9 @@ constexpr double SameCard = 25.0; ///< mean difference of colour parts, up to wh
 constexpr int MeterStep = 8;
 constexpr int OtherPixel = 60; ///< difference of colour parts, from which a pixel of the meter has changed
 constexpr Milliseconds LookAgain(40);
+constexpr double SamePicture = 0.02; ///< mean difference of colour parts, up to which nothing has moved
+constexpr Milliseconds AtRest(800);  ///< a picture that stands so long is no flight
+constexpr Milliseconds FlightPatience(30000);
 constexpr Milliseconds CardPatience(30000);
 constexpr Milliseconds TurnPatience(120000);
 constexpr int TwipsPerPixel = 15;
@@ -159,19 +163,25 @@ void Table::Shoot(int level) {
   seat_.Button(1, false);
 }
 
-int Table::Watch(int level) {
-  // A step takes 20 ms at the least, and a slow machine may take half as long again.
-  const Milliseconds flight(level * 10 / 6 * 20 * 3 / 2 + 600);
+int Table::Watch() {
+  const auto field = [&] { return seat_.Look(window_, Field.X, Field.Y, Field.Width, Field.Height); };
   const auto start = Clock::now();
+  auto moved = start;
+  Image last = field();
   bool seen = false;
-  for (; Clock::now() < start + flight; Pause(LookAgain)) {
+  for (; Clock::now() < start + FlightPatience; Pause(LookAgain)) {
     if (!seen && Clock::now() > start + Milliseconds(350)) {
       seen = true;
       Station("flight");
     }
     if (const int card = CardUp()) return SeeCard(card);
+    // The camera follows the piece: as long as it flies the whole field moves.
+    Image now = field();
+    if (MeanDifference(now, last) > SamePicture) moved = Clock::now();
+    last = std::move(now);
+    if (Clock::now() > moved + AtRest) return 0;
   }
-  return 0;
+  throw GaveUp("the piece doesn't come to rest");
 }
 
 int Table::SeeCard(int code) {
@@ -204,7 +214,7 @@ void Table::Possess(const std::vector<int> &plan) {
   constexpr int Touchdown = 3, Bonus = 5;
   for (const int level : plan) {
     Shoot(level);
-    const int card = Watch(level);
+    const int card = Watch();
     if (card == Touchdown) PlayPointAfter();
     if (card != 0 && card != Bonus) return;
     Pause(Milliseconds(200));

@@ -63,9 +63,9 @@ public:
   /// itself.
   void Shoot(int level);
 
-  /// Watches what follows from a shot of that level, with a picture of the flight and of each card. Returns
-  /// the last card's code, 0 for none.
-  int Watch(int level);
+  /// Watches what follows from a shot, with a picture of the flight and of its card. Returns the card's code,
+  /// 0 if the piece has come to rest without one.
+  int Watch();
 
   /// Takes the picture of a card and waits until it has gone. Returns its code.
   int SeeCard(int code);
