@@ -159,6 +159,47 @@ TEST(SessionLobbyTest, ASessionThatWasCancelledCantBeJoined) {
   EXPECT_NO_THROW(Join(*joiner, network.Search(*joiner).at(0)));
 }
 
+TEST(SessionLobbyTest, AHostOfAnotherVersionIsNeitherListedNorJoined) {
+  Network network;
+  auto host = network.Program("10.0.0.1");
+  const auto joiner = network.Program("10.0.0.2");
+  Host(*host);
+  const auto row = network.Search(*joiner).at(0);
+  host.reset();
+  // The program that is there now answers every question in its own version, and refuses who calls.
+  constexpr std::size_t VersionInDatagram = 5;
+  const auto transport = network.wire.Plug("10.0.0.1");
+  const auto listener = transport->Listen(session::Reach::Network, session::DefaultPort);
+  const auto datagrams = transport->OpenDatagrams(session::Reach::Network, session::DefaultPort);
+  ASSERT_TRUE(listener && datagrams);
+  int questions = 0;
+  std::vector<std::unique_ptr<session::Stream>> calls;
+  const auto answering = network.machine.OnPump([&] {
+    session::Endpoint from;
+    session::Bytes data;
+    while (datagrams->Receive(from, data)) {
+      const session::AnyFrame question = session::DecodeDatagram(data);
+      session::AnswerFrame answer;
+      answer.Game = std::get<session::AskFrame>(question).Game;
+      answer.Nonce = std::get<session::AskFrame>(question).Nonce;
+      answer.CurrentPlayers = 1;
+      answer.MaxPlayers = 2;
+      answer.Rounds = 1;
+      answer.Name = "newer";
+      session::Bytes bytes = session::EncodeDatagram(answer);
+      if (++questions > 1) ++bytes.at(VersionInDatagram);
+      datagrams->Send(from, bytes);
+    }
+    if (auto call = listener->Accept()) calls.push_back(std::move(call));
+    for (const auto &call : calls)
+      call->Send(session::EncodeFrame(session::RefuseFrame{session::RefuseReason::OtherVersion}));
+  });
+  EXPECT_EQ(Names(network.Search(*joiner)), std::vector<std::string>{"newer"})
+      << "the answer is right but for that";
+  EXPECT_TRUE(network.Search(*joiner).empty());
+  EXPECT_THROW(joiner->Open(row, DPOPEN_JOIN), DirectPlayError);
+}
+
 TEST(SessionLobbyTest, AHostThatDoesNotAnswerIsGivenUp) {
   Network network;
   const auto host = network.Program("10.0.0.1");
