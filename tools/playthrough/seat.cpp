@@ -60,6 +60,18 @@ Image LoadImage(const std::filesystem::path &file) {
   return image;
 }
 
+void SaveImage(const Image &image, const std::filesystem::path &file) {
+  std::vector<unsigned char> bytes;
+  bytes.reserve(image.Pixels.size() * 3);
+  for (const Pixel &pixel : image.Pixels) {
+    for (const int part : {pixel.Red, pixel.Green, pixel.Blue})
+      bytes.push_back(static_cast<unsigned char>(part));
+  }
+  if (!stbi_write_png(file.c_str(), image.Width, image.Height, 3, bytes.data(), 3 * image.Width)) {
+    throw GaveUp("can't write " + file.string());
+  }
+}
+
 Seat::Seat(const std::string &display) : display_(XOpenDisplay(display.empty() ? nullptr : display.c_str())) {
   if (!display_) throw GaveUp("there is no display");
   XSetErrorHandler(PassOver);
@@ -126,19 +138,10 @@ Image Seat::Look(::Window window, int x, int y, int width, int height) {
   return Read(DefaultRootWindow(display_), rootX, rootY, width, height);
 }
 
-void Seat::TakePicture(const std::filesystem::path &file) {
+Image Seat::Screen() {
   const int screen = DefaultScreen(display_);
-  const Image image = Read(DefaultRootWindow(display_), 0, 0, DisplayWidth(display_, screen),
-                           DisplayHeight(display_, screen));
-  std::vector<unsigned char> bytes;
-  bytes.reserve(image.Pixels.size() * 3);
-  for (const Pixel &pixel : image.Pixels) {
-    for (const int part : {pixel.Red, pixel.Green, pixel.Blue})
-      bytes.push_back(static_cast<unsigned char>(part));
-  }
-  if (!stbi_write_png(file.c_str(), image.Width, image.Height, 3, bytes.data(), 3 * image.Width)) {
-    throw GaveUp("can't write " + file.string());
-  }
+  return Read(DefaultRootWindow(display_), 0, 0, DisplayWidth(display_, screen),
+              DisplayHeight(display_, screen));
 }
 
 void Seat::MoveTo(::Window window, int x, int y) {

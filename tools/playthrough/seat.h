@@ -37,6 +37,7 @@ struct Image {
 double MeanDifference(const Image &a, const Image &b);
 
 Image LoadImage(const std::filesystem::path &file);
+void SaveImage(const Image &image, const std::filesystem::path &file); ///< as PNG
 
 using Milliseconds = std::chrono::milliseconds;
 
@@ -58,8 +59,7 @@ public:
   /// The pixels of a rectangle of a window's client area.
   Image Look(::Window window, int x, int y, int width, int height);
 
-  /// Writes the whole screen to a PNG file.
-  void TakePicture(const std::filesystem::path &file);
+  Image Screen(); ///< all of it
 
   void MoveTo(::Window window, int x, int y);
   void MoveBy(int dx, int dy);

@@ -33,6 +33,7 @@ constexpr int OtherPixel = 60; ///< difference of colour parts, from which a pix
 constexpr Milliseconds LookAgain(40);
 constexpr double SamePicture = 0.02; ///< mean difference of colour parts, up to which nothing has moved
 constexpr Milliseconds AtRest(800);  ///< a picture that stands so long is no flight
+constexpr Milliseconds MeterPatience(10000);
 constexpr Milliseconds FlightPatience(30000);
 constexpr Milliseconds CardPatience(30000);
 constexpr Milliseconds TurnPatience(120000);
@@ -73,10 +74,10 @@ void GameProcess::WaitForEnd() {
   throw GaveUp("the program doesn't end");
 }
 
-void Album::Take(Seat &seat, const std::string &station) {
+void Album::Keep(const Image &screen, const std::string &station) {
   stations_.push_back(station);
   const std::string number = std::to_string(100 + stations_.size()).substr(1);
-  seat.TakePicture(directory_ / (number + "-" + station + ".png"));
+  SaveImage(screen, directory_ / (number + "-" + station + ".png"));
   std::cout << number << ' ' << station << std::endl;
 }
 
@@ -152,15 +153,17 @@ bool Table::HomeOnTurn() {
 
 void Table::Shoot(int level) {
   seat_.Button(1, true);
-  bool half = album_.Has(prefix_ + "meter");
-  for (const auto end = Clock::now() + Milliseconds(2000); Clock::now() < end;) {
+  std::optional<Image> half;
+  int highest = 0;
+  for (const auto end = Clock::now() + MeterPatience; Clock::now() < end;) {
     const int now = MeterLevel();
-    if (now >= level - MeterStep / 2) break;
-    if (half || now < 40) continue;
-    half = true;
-    Station("meter");
+    highest = std::max(highest, now);
+    const bool fired = now < highest / 2; // by itself
+    if (now >= level - MeterStep / 2 || fired) break;
+    if (!half && now >= 40) half = seat_.Screen();
   }
   seat_.Button(1, false);
+  if (half && !album_.Has(prefix_ + "meter")) album_.Keep(*half, prefix_ + "meter");
 }
 
 int Table::Watch() {

@@ -4,7 +4,7 @@
 
 #include "tools/playthrough/seat.h"
 
-#include <functional>
+#include <optional>
 #include <string>
 #include <sys/types.h>
 #include <vector>
@@ -31,7 +31,8 @@ private:
 class Album {
 public:
   explicit Album(std::filesystem::path directory) : directory_(std::move(directory)) {}
-  void Take(Seat &seat, const std::string &station);
+  void Take(Seat &seat, const std::string &station) { Keep(seat.Screen(), station); }
+  void Keep(const Image &screen, const std::string &station); ///< a picture taken before
   bool Has(const std::string &station) const;
 
 private:

@@ -113,11 +113,22 @@ private:
     }
     wanted = cards.size();
     watching.get();
-    Expect(!cards.empty() && cards == otherCards, "both have seen the same cards");
+    Expect(cards == otherCards, "both have seen the same cards");
+  }
+
+  /// A hand on a busy machine may let go too late, and a match without a point would prove little.
+  void Match() {
+    constexpr int Attempts = 3;
+    for (int i = 0; i < Attempts; ++i) {
+      if (PlayMatch()) return;
+      Tell("the host hasn't scored: once more");
+    }
+    throw GaveUp("the host never scores");
   }
 
   /// A match of one round on a bad line that is down for a while; each side sees itself as the Home Team.
-  void Match() {
+  /// Returns whether the host has scored.
+  bool PlayMatch() {
     Meet("1", "3"); // the host's number counts
     host_.AtTable().Station("aim");
     joiner_.AtTable().Station("waits");
@@ -132,7 +143,9 @@ private:
       Wire("mend");
     });
     // The host plays on by itself. Its cards reach the joiner all at once and only flash up there.
-    host_.AtTable().Possess({ScoringPlan.begin() + 1, ScoringPlan.end()});
+    if (host_.AtTable().HomeOnTurn()) {
+      host_.AtTable().Possess({ScoringPlan.begin() + 1, ScoringPlan.end()});
+    }
     const Image typed = host_.Say("your turn");
     host_.Picture("line-down");
     joiner_.Picture("line-down");
@@ -141,26 +154,28 @@ private:
     // The line comes behind all that the host did, so it's the joiner's turn then.
     const Image came = joiner_.WaitForChat();
     Expect(SameLetters(came, BeginningOf(typed, came)), "the chat line has come as it was typed");
-    joiner_.AtTable().WaitForTurn(true);
+    Expect(joiner_.AtTable().HomeOnTurn(), "it is the joiner's turn");
     Expect(SameLetters(host_.HomeScore(), joiner_.AwayScore()),
            "the joiner has made up for all that it missed");
     Shoot(joiner_, host_, ShortPlan);
+    Expect(!joiner_.AtTable().CardsSeen.empty(), "the joiner's possession has ended in a card");
 
     const std::string hostCard = WaitForEndCard(host_);
     const std::string joinerCard = WaitForEndCard(joiner_);
     Pause(Milliseconds(500));
     host_.Picture("end");
     joiner_.Picture("end");
-    Expect(!SameLetters(host_.HomeScore(), nothing), "the host has scored");
+    const bool scored = !SameLetters(host_.HomeScore(), nothing);
     Expect(SameLetters(host_.HomeScore(), joiner_.AwayScore()), "the host's points stand on both screens");
     Expect(SameLetters(host_.AwayScore(), joiner_.HomeScore()), "the joiner's points stand on both screens");
-    Expect(hostCard == Won && joinerCard == Lost,
+    Expect(scored ? hostCard == Won && joinerCard == Lost : hostCard == joinerCard,
            "the host's card: " + hostCard + " The joiner's: " + joinerCard);
     host_.ClickOn(hostCard);
     joiner_.ClickOn(joinerCard);
     host_.WaitForEnd();
     joiner_.WaitForEnd();
     Tell("both programs have ended by themselves");
+    return scored;
   }
 
   static std::string WaitForEndCard(Computer &side) {
