@@ -16,16 +16,24 @@ constexpr Vowel Eh{560, 1750, 2550};
 constexpr Vowel Oh{480, 880, 2450};
 constexpr Vowel Oo{320, 760, 2300};
 
+/// How hard a throat is pressed: a shout has brighter pulses and rings higher up than talk.
+struct Effort {
+  double Brightness;    ///< Hz, above which the pulses get duller
+  double Second, Third; ///< weights of the higher formants
+};
+constexpr Effort Talk{1400, 0.6, 0.3};
+constexpr Effort Yell{3400, 1.0, 0.8};
+
 /// One voice. Pitch (Hz), loudness (0 to 1) and vowel (0 the first, 1 the second) are told at each moment of
 /// 0 to 1.
-Signal Voice(double seconds, Random &random, const Vowel &from, const Vowel &to,
+Signal Voice(double seconds, Random &random, const Effort &effort, const Vowel &from, const Vowel &to,
              const std::function<double(double)> &pitch, const std::function<double(double)> &loudness) {
   constexpr std::size_t Block = 256; ///< samples for which the formants stand still
   const double throat = random.Between(0.9, 1.15);
   Signal out(Samples(seconds), 0.0);
   double phase = random.Next(), wobble = random.Between(0, 2 * Pi);
   const double wobbleRate = random.Between(4.5, 6.5), wobbleDepth = random.Between(0.006, 0.02);
-  LowPass tilt(1400);
+  LowPass tilt(effort.Brightness);
   BandPass bands[] = {{from.First, 5}, {from.Second, 7}, {from.Third, 8}};
   for (std::size_t i = 0; i < out.size(); ++i) {
     const double at = static_cast<double>(i) / static_cast<double>(out.size());
@@ -46,7 +54,8 @@ Signal Voice(double seconds, Random &random, const Vowel &from, const Vowel &to,
     phase += pitch(at) * (1 + wobbleDepth * std::sin(wobble) + 0.004 * random.Noise()) / Rate;
     phase -= std::floor(phase);
     const double source = tilt(2 * phase - 1) + 0.05 * random.Noise();
-    out[i] = loudness(at) * (bands[0](source) + 0.6 * bands[1](source) + 0.3 * bands[2](source));
+    out[i] = loudness(at) *
+             (bands[0](source) + effort.Second * bands[1](source) + effort.Third * bands[2](source));
   }
   return out;
 }
@@ -93,90 +102,153 @@ Signal Fingers(Random &random) {
   return out;
 }
 
-Signal Shout(double seconds, std::uint32_t seed, int voices, const Vowel &from, const Vowel &to,
-             double lowest, double highest, double rise, double swell, double fall) {
+/// What a crowd shouts together.
+struct Shouting {
+  int Voices;
+  Effort Throats;
+  Vowel From, To;
+  double Lowest, Highest; ///< pitch at the start, Hz
+  double Bend;            ///< share by which the pitch rises, or falls if below 0
+  double Swell, End;      ///< seconds within which all have begun, and fallen silent
+  double AirLow, AirHigh; ///< middle of the breath's two bands, Hz
+};
+
+Signal Shout(double seconds, std::uint32_t seed, const Shouting &what) {
   Random random(seed);
   Signal out(Samples(seconds), 0.0);
-  for (int voice = 0; voice < voices; ++voice) {
-    const double start = random.Between(0.0, swell), length = seconds - start - random.Between(0.0, fall);
-    const double base = random.Between(lowest, highest), bend = rise * random.Between(0.5, 1.4);
+  for (int voice = 0; voice < what.Voices; ++voice) {
+    const double start = random.Between(0.0, what.Swell),
+                 length = seconds - start - random.Between(0.0, what.End);
+    const double base = random.Between(what.Lowest, what.Highest),
+                 bend = what.Bend * random.Between(0.5, 1.4);
     const Signal one = Voice(
-        length, random, from, to, [&](double at) { return base * (1 + bend * std::sin(at * Pi * 0.5)); },
+        length, random, what.Throats, what.From, what.To,
+        [&](double at) { return base * (1 + bend * std::sin(at * Pi * 0.5)); },
         [&](double at) { return std::min(1.0, at * 9) * std::pow(1 - at, 0.8); });
     Add(out, one, start, random.Between(0.3, 1.0));
   }
   out.resize(Samples(seconds));
-  const Signal air = Air(seconds, random, 700, 2100);
+  const Signal air = Air(seconds, random, what.AirLow, what.AirHigh);
   for (std::size_t i = 0; i < out.size(); ++i) {
     const double at = static_cast<double>(i) / static_cast<double>(out.size());
-    out[i] += 1.1 * air[i] * std::min(1.0, at * 5) * (1 - at);
+    out[i] += air[i] * std::min(1.0, at * 5) * (1 - at);
   }
   return out;
 }
 
-void Finish(Signal &signal, double decibels) {
+void Finish(Signal &signal) {
   Reverberate(signal, 1.3, 0.9);
   Fade(signal, 0.03, 0.5);
-  Level(signal, decibels);
+  Level(signal, EventLevel);
   Fade(signal, 0.004, 0.02);
 }
 
-constexpr double EventLevel = -15.0; ///< dB
-constexpr double LoopLevel = -27.0;
+/// Thousands who talk, too far off for a word: bands of noise, each of which comes and goes as fast as
+/// syllables do, while the whole breathes at no measure that an ear could count.
+Signal Babble(double seconds, Random &random) {
+  constexpr int Bands = 14;
+  constexpr double Lowest = 200, Highest = 3800; // Hz
+  constexpr double SyllableRate = 3.5, BreathRate = 0.4;
+  constexpr double SyllableDepth = 34, BreathDepth = 30; // undo the slow filters' loss
+  Signal out(Samples(seconds), 0.0);
+  for (int band = 0; band < Bands; ++band) {
+    const double middle = Lowest * std::pow(Highest / Lowest, band / (Bands - 1.0));
+    const double gain = std::pow(middle / 500, middle < 500 ? 0.3 : -0.45);
+    BandPass voice(middle, 3);
+    LowPass syllable(SyllableRate), smooth(3 * SyllableRate);
+    for (double &sample : out) {
+      const double loud = std::exp(SyllableDepth * smooth(syllable(random.Noise())));
+      sample += gain * loud * voice(random.Noise());
+    }
+  }
+  LowPass breath(BreathRate);
+  for (double &sample : out) sample *= 1 + 0.4 * std::tanh(BreathDepth * breath(random.Noise()));
+  return out;
+}
+
+/// Single people whom one can make out: talk, and now and then a shout.
+Signal Calls(double seconds, Random &random, int people) {
+  const Vowel vowels[] = {Ah, Eh, Oh, Oo};
+  Signal out(Samples(seconds), 0.0);
+  for (int call = 0; call < people; ++call) {
+    const bool yells = call % 3 == 0;
+    const double length = random.Between(0.25, yells ? 0.9 : 1.1),
+                 base = yells ? random.Between(170, 380) : random.Between(105, 260);
+    const Vowel &from = vowels[static_cast<int>(random.Between(0, 3.999))],
+                &to = vowels[static_cast<int>(random.Between(0, 3.999))];
+    const double bend = random.Between(-0.25, 0.3);
+    const Signal one = Voice(
+        length, random, yells ? Yell : Talk, from, to, [&](double at) { return base * (1 + bend * at); },
+        [](double at) { return std::sin(Pi * at); });
+    Add(out, one, random.Between(0, seconds - length), random.Between(0.15, yells ? 0.6 : 0.7));
+  }
+  out.resize(Samples(seconds));
+  return out;
+}
+
+/// A part of the stand draws its breath at something: voices that rise and fall together.
+Signal Wave(Random &random) {
+  constexpr double Seconds = 2.4;
+  constexpr int People = 26;
+  Signal out;
+  for (int person = 0; person < People; ++person) {
+    const double base = random.Between(120, 330), length = random.Between(1.2, 1.9);
+    const Signal one = Voice(
+        length, random, Yell, Oh, Ah, [&](double at) { return base * (1 + 0.2 * std::sin(Pi * at)); },
+        [](double at) { return std::pow(std::sin(Pi * at), 1.5); });
+    Add(out, one, random.Between(0, Seconds - length), random.Between(0.2, 0.6));
+  }
+  return out;
+}
 
 } // namespace
 
 Signal Crowd(double seconds, std::uint32_t seed) {
   constexpr double Overlap = 1.5;
+  constexpr int People = 220, Waves = 3, Handfuls = 3, Whistlers = 3;
   Random random(seed);
   const double whole = seconds + Overlap;
-  Signal out = Air(whole, random, 420, 1300);
-  // The air breathes, at no measure that an ear could count.
-  double breath = 0;
-  LowPass slow(0.5);
-  for (double &sample : out) {
-    breath = slow(random.Noise() * 60);
-    sample *= 0.9 + 0.25 * std::tanh(breath);
+  Signal out;
+  Add(out, Babble(whole, random), 0, 0.6);
+  Add(out, Calls(whole, random, People), 0, 1.2);
+  // In turn, so that something always goes on somewhere.
+  for (int wave = 0; wave < Waves; ++wave) {
+    Add(out, Wave(random), (wave + random.Between(0.1, 0.5)) * seconds / Waves, 0.5);
   }
-  constexpr int Calls = 170;
-  for (int call = 0; call < Calls; ++call) {
-    const double length = random.Between(0.3, 1.1), base = random.Between(105, 290);
-    const Vowel *vowels[] = {&Ah, &Eh, &Oh, &Oo};
-    const Vowel &from = *vowels[static_cast<int>(random.Between(0, 3.999))],
-                &to = *vowels[static_cast<int>(random.Between(0, 3.999))];
-    const double bend = random.Between(-0.2, 0.25);
-    const Signal one = Voice(
-        length, random, from, to, [&](double at) { return base * (1 + bend * at); },
-        [](double at) { return std::sin(Pi * at); });
-    Add(out, one, random.Between(0, whole - length), random.Between(0.15, 0.7));
+  for (int handful = 0; handful < Handfuls; ++handful) {
+    Add(out, Claps(2.5, random, 9), (handful + random.Between(0.0, 0.4)) * seconds / Handfuls, 2.0);
+  }
+  for (int whistler = 0; whistler < Whistlers; ++whistler) {
+    Add(out, Fingers(random), random.Between(0, seconds), random.Between(0.03, 0.07));
   }
   out.resize(Samples(whole));
   CloseLoop(out, Overlap);
-  ReverberateLoop(out, 1.6, 1.0);
-  Level(out, LoopLevel);
+  ReverberateLoop(out, 1.6, 0.5);
+  Level(out, CrowdLevel);
+  BeginAtSilence(out);
   return out;
 }
 
 Signal Cheer() {
-  Signal out = Shout(2.4, 21, 46, Eh, Ah, 150, 330, 0.22, 0.5, 0.5);
-  Finish(out, EventLevel);
+  Signal out = Shout(2.4, 21, {46, Yell, Eh, Ah, 150, 360, 0.22, 0.5, 0.5, 900, 2400});
+  Finish(out);
   return out;
 }
 
 Signal LargeCheer() {
   constexpr double Seconds = 3.0;
-  Signal out = Shout(Seconds, 33, 64, Eh, Ah, 150, 360, 0.28, 0.6, 0.6);
+  Signal out = Shout(Seconds, 33, {64, Yell, Eh, Ah, 150, 400, 0.28, 0.6, 0.6, 900, 2400});
   Random random(5);
   Add(out, Claps(Seconds, random, 22), 0, 0.5);
   for (int i = 0; i < 6; ++i) Add(out, Fingers(random), random.Between(0.3, 2.1), random.Between(0.10, 0.26));
   out.resize(Samples(Seconds));
-  Finish(out, EventLevel);
+  Finish(out);
   return out;
 }
 
 Signal Boo() {
-  Signal out = Shout(2.1, 45, 48, Oo, Oo, 85, 165, -0.28, 0.25, 0.4);
-  Finish(out, EventLevel);
+  Signal out = Shout(2.1, 45, {60, Talk, Oh, Oo, 95, 180, -0.36, 0.25, 0.4, 330, 900});
+  Finish(out);
   return out;
 }
 

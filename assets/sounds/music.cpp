@@ -15,25 +15,27 @@ double Frequency(int note) {
 } ///< of a note by its MIDI number
 
 /// A plucked string: a burst of noise that runs round a line as long as its period and gets duller with each
-/// turn.
+/// turn. The line is a whole number of samples; an all-pass takes up the rest, or high notes would be flat.
 Signal Pluck(int note, double seconds, double brightness, Random &random) {
-  const double period = Rate / Frequency(note);
-  const auto length = static_cast<std::size_t>(period);
-  const double rest = period - static_cast<double>(length);
-  Signal line(length + 1);
+  constexpr double AveragerDelay = 0.5, LeastRest = 0.1; // samples
+  const double period = Rate / Frequency(note) - AveragerDelay;
+  const double whole = std::floor(period - LeastRest), rest = period - whole;
+  const double share = (1 - rest) / (1 + rest);
+  Signal line(static_cast<std::size_t>(whole));
   LowPass pick(900 + 5200 * brightness);
   for (double &sample : line) sample = pick(random.Noise());
+  const double loss = 0.9965 - 0.6 / (whole + 40);
   Signal out(Samples(seconds));
   std::size_t at = 0;
-  double before = 0;
+  double before = 0, dampedBefore = 0, delayed = 0;
   for (double &sample : out) {
-    const std::size_t next = (at + 1) % line.size();
-    sample = line[at] * (1 - rest) + line[next] * rest;
-    const double damped =
-        (0.5 * (line[at] + before)) * (0.9965 - 0.6 / static_cast<double>(line.size() + 40));
-    before = line[at];
-    line[at] = damped;
-    at = next;
+    sample = line[at];
+    const double damped = loss * 0.5 * (sample + before);
+    before = sample;
+    delayed = share * (damped - delayed) + dampedBefore;
+    dampedBefore = damped;
+    line[at] = delayed;
+    at = (at + 1) % line.size();
   }
   Fade(out, 0.001, 0.03);
   return out;
@@ -131,7 +133,7 @@ Signal Theme() {
     for (const double beat : {0.0, 1.5, 2.0}) Add(drums, kick, start + beat * Beat, 0.95);
     for (const double beat : {1.0, 3.0}) Add(drums, snare, start + beat * Beat, 0.7);
     for (int eighth = 0; eighth < 8; ++eighth) {
-      Add(drums, eighth == 7 ? open : hat, start + eighth * Beat / 2, eighth % 2 ? 0.22 : 0.34);
+      Add(drums, eighth == 7 ? open : hat, start + eighth * Beat / 2, eighth % 2 ? 0.34 : 0.5);
       Add(bass, Pluck(root - 12 + (eighth == 6 ? 7 : 0), Beat * 0.48, 0.35, random),
           start + eighth * Beat / 2, 0.9);
     }
@@ -151,20 +153,19 @@ Signal Theme() {
   Signal out;
   Add(out, drums, 0, 0.55);
   Add(out, bass, 0, 0.42);
-  Add(out, rhythm, 0, 0.20);
-  Add(out, lead, 0, 0.34);
+  Add(out, rhythm, 0, 0.18);
+  Add(out, lead, 0, 0.42);
   // What rings past the last bar rings into the first.
   const std::size_t length = Samples(Bars * Bar);
   for (std::size_t i = length; i < out.size(); ++i) out[i - length] += out[i];
   out.resize(length);
   ReverberateLoop(out, 0.9, 0.28);
-  constexpr double LoopLevel = -26.0; ///< dB
-  Level(out, LoopLevel);
+  Level(out, ThemeLevel);
   return out;
 }
 
 Signal Sting() {
-  constexpr double Seconds = 1.5, EventLevel = -15.0;
+  constexpr double Seconds = 1.5;
   Random random(9);
   Signal out;
   Add(out, Chord(40, 0.2, random), 0.0, 0.9);

@@ -67,6 +67,11 @@ void CloseLoop(Signal &signal, double seconds) {
   signal.resize(length);
 }
 
+void BeginAtSilence(Signal &signal) {
+  const auto quietest = std::ranges::min_element(signal, {}, [](double sample) { return std::abs(sample); });
+  std::ranges::rotate(signal, quietest);
+}
+
 namespace {
 
 /// One row of echoes: delays of no common measure, each fed back through a dull wall.
@@ -107,11 +112,16 @@ void Level(Signal &signal, double decibels) {
   mean /= static_cast<double>(signal.size());
   for (double &sample : signal) sample -= mean;
 
-  const std::size_t window = std::min(Samples(0.5), signal.size());
+  // The head makes high tones about 4 dB louder.
+  constexpr double HighFrom = 1000, HighGain = 0.58; // Hz; 1.58 is 4 dB
+  LowPass low(HighFrom);
+  Signal heard = signal;
+  for (double &sample : heard) sample += HighGain * (sample - low(sample));
+  const std::size_t window = std::min(Samples(0.5), heard.size());
   double power = 0, loudest = 0;
-  for (std::size_t i = 0; i < signal.size(); ++i) {
-    power += signal[i] * signal[i];
-    if (i >= window) power -= signal[i - window] * signal[i - window];
+  for (std::size_t i = 0; i < heard.size(); ++i) {
+    power += heard[i] * heard[i];
+    if (i >= window) power -= heard[i - window] * heard[i - window];
     if (i + 1 >= window) loudest = std::max(loudest, power);
   }
   const double gain = std::pow(10.0, decibels / 20) / std::sqrt(loudest / static_cast<double>(window));

@@ -62,14 +62,17 @@ void Fade(Signal &signal, double inSeconds, double outSeconds);
 /// Makes a loop: the end is laid over the beginning and fades into it. The signal gets shorter by that time.
 void CloseLoop(Signal &signal, double seconds);
 
+/// Turns a loop round so that it begins where it is nearest to silence: its first start doesn't click.
+void BeginAtSilence(Signal &signal);
+
 /// Adds the echoes of a large place.
 void Reverberate(Signal &signal, double seconds, double share);
 
 /// The same for a loop: what rings on at the end rings into the beginning.
 void ReverberateLoop(Signal &signal, double seconds, double share);
 
-/// Brings a sound to a loudness (dB of its loudest half second, of full scale) and rounds peaks off below -1
-/// dB.
+/// Brings a sound to a loudness as an ear has it (dB of its loudest half second, of full scale) and rounds
+/// peaks off below -1 dB.
 void Level(Signal &signal, double decibels);
 
 void Write(const Signal &signal, const std::filesystem::path &file);

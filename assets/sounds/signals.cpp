@@ -7,8 +7,6 @@
 namespace sounds {
 namespace {
 
-constexpr double EventLevel = -16.0; ///< dB
-
 /// A pea whistle: two tones that beat, chopped by the ball, with the breath around them.
 Signal Blast(double seconds, double trill, Random &random) {
   Signal out(Samples(seconds));
