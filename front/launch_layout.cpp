@@ -14,12 +14,10 @@ constexpr float SmallPoints = 8.25f;
 
 const std::string Rules =
     "Players must get part of the snapwedge to hang over the far edge of the field without falling off, in "
-    "order to "
-    "score a Touchdown (6 points).  Each player has 3 chances and must score a Touchdown on the 3rd attempt "
-    "only.  "
-    "Players are awarded 3 points for reaching the circular bonus area (located near the goal post) on their "
-    "1st "
-    "attempt.  1 point is awarded for completing a field goal following a Touchdown.  Good Luck!";
+    "order to score a Touchdown (6 points).  Each player has 3 chances and must score a Touchdown on the 3rd "
+    "attempt only.  Players are awarded 3 points for reaching the circular bonus area (located near the goal "
+    "post) on their 1st attempt.  1 point is awarded for completing a field goal following a Touchdown.  "
+    "Good Luck!";
 
 void Put(Control &control, const std::string &name, int left, int top, int width, int height) {
   control.Name = name;
@@ -102,6 +100,7 @@ void frmNewNet::LayOutLeft() {
     box->Value = 1;
     box->HasBackColor = true;
     box->BackColor = DarkGrey;
+    box->ForeColor = LightGreen;
   }
   Put(Label12, "Label12", 480, 5160, 2295, 255, "Computer Skill Level:", Align::Right);
   Put(Combo1, "Combo1", 3000, 5160, 1095, 315);

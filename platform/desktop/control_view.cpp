@@ -64,10 +64,11 @@ public:
     // A click on a label is a click on what lies under it.
     widget_->setAttribute(Qt::WA_TransparentForMouseEvents);
     if (model.Border) {
-      constexpr int Indent = 4; // pixels
+      constexpr int Margin = 1; // pixel
       widget_->setFrameStyle(QFrame::Box | QFrame::Plain);
       widget_->setAutoFillBackground(true);
-      widget_->setIndent(Indent);
+      widget_->setMargin(Margin);
+      widget_->setIndent(0); // nine lines fill the frame from top to bottom
     }
   }
 
@@ -122,6 +123,23 @@ public:
   ButtonView(DesktopMachine &machine, Window &window, CommandButton &model, QWidget &parent)
       : View(machine, window, model, parent) {
     QObject::connect(widget_, &QPushButton::clicked, [this] { Press(); });
+    // The toolkit's own grey is too pale to read what the button will do once it can be pressed.
+    QPalette palette = widget_->palette();
+    const QColor text = palette.color(QPalette::Active, QPalette::ButtonText),
+                 back = palette.color(QPalette::Active, QPalette::Button);
+    palette.setColor(QPalette::Disabled, QPalette::ButtonText,
+                     QColor((text.red() + back.red()) / 2, (text.green() + back.green()) / 2,
+                            (text.blue() + back.blue()) / 2));
+    widget_->setPalette(palette);
+  }
+
+  void ChooseMnemonic(QString &taken) override {
+    for (const QChar letter : Text(model_.Caption).toUpper()) {
+      if (!letter.isLetter() || taken.contains(letter)) continue;
+      mnemonic_ = letter;
+      taken += letter;
+      return;
+    }
   }
 
   bool PressedBy(bool enter, bool escape) override {
@@ -133,8 +151,11 @@ public:
 
 protected:
   void CarryOverOwn() override {
-    // An ampersand would mark a mnemonic, and no caption of the game has one.
-    const QString caption = Text(model_.Caption).replace("&", "&&");
+    QString caption = Text(model_.Caption).replace("&", "&&");
+    if (!mnemonic_.isNull()) {
+      const auto at = caption.indexOf(mnemonic_, 0, Qt::CaseInsensitive);
+      if (at >= 0) caption.insert(at, '&');
+    }
     if (widget_->text() != caption) widget_->setText(caption);
   }
 
@@ -144,6 +165,8 @@ private:
       if (model_.Enabled && model_.Click) model_.Click();
     });
   }
+
+  QChar mnemonic_; ///< Alt and this letter press the button; it is underlined
 };
 
 class CheckBoxView : public View<CheckBox, QCheckBox> {
@@ -398,7 +421,7 @@ void ControlView::CarryOver() {
     if (control_.HasBackColor) {
       for (const auto group : {QPalette::Active, QPalette::Inactive, QPalette::Disabled}) {
         palette.setColor(group, QPalette::Base, Convert(control_.BackColor));
-        palette.setColor(group, QPalette::Text, Qt::black);
+        palette.setColor(group, QPalette::Text, Convert(foreColor_));
       }
     }
     widget->setPalette(palette);

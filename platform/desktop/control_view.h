@@ -25,6 +25,9 @@ public:
 
   virtual void TakeFocus() { Widget()->setFocus(); }
 
+  /// Picks the letter that, with Alt, presses the button: the first of its caption that isn't taken yet.
+  virtual void ChooseMnemonic(QString & /*taken*/) {}
+
   /// Presses the button if Enter or Esc is its key; returns whether it is.
   virtual bool PressedBy(bool /*enter*/, bool /*escape*/) { return false; }
 

@@ -1,6 +1,7 @@
 #include "platform/desktop/desktop_machine.h"
 
 #include "platform/desktop/desktop_direct_x.h"
+#include "platform/desktop/plain_box.h"
 #include "platform/desktop/renderer/renderer.h"
 #include "platform/desktop/window_view.h"
 #include "scene/graph/rm_canvas.h"
@@ -149,17 +150,25 @@ void DesktopMachine::MsgBox(const MessageBox &box) {
   Window record;
   const ModalScope scope(*this, record);
   pointer_.LetGo();
+  bool answered = false;
+  const auto answer = [&] {
+    answered = true;
+    Post(record, [] {});
+  };
+  if (PlainBox::Needed()) {
+    PlainBox plain(box, answer);
+    plain.show();
+    plain.requestActivate();
+    while (!answered) Wait();
+    return;
+  }
   QWidget *parent = QApplication::activeWindow();
   QMessageBox shown(box.Critical ? QMessageBox::Critical : QMessageBox::NoIcon,
                     QString::fromStdString(box.Title), QString::fromStdString(box.Text), QMessageBox::Ok,
                     parent);
   shown.setTextFormat(Qt::PlainText);
   shown.setWindowModality(Qt::ApplicationModal);
-  bool answered = false;
-  QObject::connect(&shown, &QMessageBox::finished, [&](int) {
-    answered = true;
-    Post(record, [] {});
-  });
+  QObject::connect(&shown, &QMessageBox::finished, answer);
   shown.show();
   shown.raise();
   shown.activateWindow();

@@ -29,8 +29,10 @@ WindowView::WindowView(DesktopMachine &machine, Window &window)
   setWindowTitle(QString::fromStdString(window.Caption));
   if (!window.Picture.empty()) background_ = LoadPicture(machine, *this, window.Picture);
   QWidget *last = nullptr;
+  QString mnemonics;
   for (Control *control : window.Controls) {
     views_.push_back(MakeView(machine, window, *control, *this));
+    views_.back()->ChooseMnemonic(mnemonics);
     QWidget *widget = views_.back()->Widget();
     if (widget->focusPolicy() == Qt::NoFocus) continue;
     if (last) setTabOrder(last, widget);
