@@ -1,6 +1,7 @@
 // The real machine: what its windows show, what comes back from them, the pointer, and sound. Runs on a
 // virtual display.
 
+#include "front/information_windows.h"
 #include "platform/desktop/desktop_machine.h"
 #include "platform/desktop/open_al_sound.h"
 
@@ -10,9 +11,12 @@
 #include <QListWidget>
 #include <QPushButton>
 #include <QTest>
+#include <QTextBlock>
+#include <QTextBrowser>
 #include <gtest/gtest.h>
 
 #include <chrono>
+#include <fstream>
 #include <thread>
 
 namespace {
@@ -128,6 +132,50 @@ TEST(DesktopMachineTest, AModalWindowKeepsTheOthersWaiting) {
   EXPECT_FALSE(card.Visible);
 }
 
+/// The lines of a text that aren't empty, without blanks at their ends.
+std::vector<std::string> Lines(std::istream &stream) {
+  std::vector<std::string> lines;
+  for (std::string line; std::getline(stream, line);) {
+    line.erase(line.find_last_not_of(' ') + 1);
+    if (!line.empty()) lines.push_back(line);
+  }
+  return lines;
+}
+
+TEST(DesktopMachineTest, TheReadMeStandsInItsWindowToTheLetterAndLeavesTheKeyboardToTheButton) {
+  DesktopMachine &machine = TheMachine();
+  std::filesystem::copy_file(std::filesystem::path(SNAPWEDGE_GAME_DIR) / "readme.html",
+                             machine.AppPath() / "readme.html",
+                             std::filesystem::copy_options::overwrite_existing);
+  std::string text, formats;
+  bool buttonHasFocus = false;
+  const auto poll = machine.OnPump([&, looks = 0]() mutable {
+    const auto *box = qobject_cast<QTextBrowser *>(WidgetOf("RichTextBox1"));
+    if (!box) return;
+    ++looks;
+    if (looks == 5) {
+      text = box->toPlainText().toStdString();
+      for (const char *words : {"Welcome", "2. Controls:", "a. Creating A Session:", "Note:", "SNWG is"}) {
+        const QTextCharFormat format = box->document()->find(words).charFormat();
+        formats += (format.foreground().color().name() + " " + QString::number(format.fontPointSize()) +
+                    (format.fontWeight() == QFont::Bold ? " bold\n" : "\n"))
+                       .toStdString();
+      }
+      QTest::mouseClick(box->viewport(), Qt::LeftButton);
+    }
+    if (looks == 10) buttonHasFocus = WidgetOf("Command1")->hasFocus();
+    if (looks == 11) QTest::mouseClick(WidgetOf("Command1"), Qt::LeftButton);
+  });
+  ShowReadMe(machine);
+  std::istringstream shown(text);
+  std::ifstream expected(SNAPWEDGE_TESTS_DIR "/readme.txt");
+  const std::vector<std::string> shownLines = Lines(shown), expectedLines = Lines(expected);
+  ASSERT_EQ(shownLines.size(), expectedLines.size());
+  for (std::size_t i = 0; i < shownLines.size(); ++i) EXPECT_EQ(shownLines[i], expectedLines[i]);
+  EXPECT_EQ(formats, "#008080 20 bold\n#000000 12 bold\n#000000 10 bold\n#000000 12 bold\n#000000 12\n");
+  EXPECT_TRUE(buttonHasFocus);
+}
+
 TEST(DesktopMachineTest, AMissingPictureIsNamed) {
   Window window;
   window.Width = window.Height = 50;
@@ -182,7 +230,7 @@ TEST(DesktopSoundTest, StopKeepsThePositionAndPlayDoesNotRestart) {
   crowd->Play(DSBPLAY_LOOPING);
   wait();
   const ALint second = OffsetOf(source);
-  EXPECT_GT(second, first) << "a second call must not start it over";
+  EXPECT_GT(second, first + first / 2) << "a second call must not start it over";
   crowd->Stop();
   const ALint stopped = OffsetOf(source);
   EXPECT_GE(stopped, second);
