@@ -27,8 +27,8 @@ double RootMeanSquare(const std::vector<double> &samples, std::size_t first, std
   return std::sqrt(std::inner_product(begin, end, begin, 0.0) / static_cast<double>(count));
 }
 
-/// One channel, the mean of all.
-std::vector<double> Read(const char *path, int &rate) {
+/// One channel, the mean of all; `peak` is that of the loudest.
+std::vector<double> Read(const char *path, int &rate, double &peak) {
   SF_INFO info{};
   const std::unique_ptr<SNDFILE, int (*)(SNDFILE *)> file(sf_open(path, SFM_READ, &info), sf_close);
   if (!file || info.frames < 1) {
@@ -39,6 +39,7 @@ std::vector<double> Read(const char *path, int &rate) {
   const auto channels = static_cast<std::size_t>(info.channels);
   std::vector<double> all(static_cast<std::size_t>(info.frames) * channels);
   sf_readf_double(file.get(), all.data(), info.frames);
+  for (const double sample : all) peak = std::max(peak, std::abs(sample));
   std::vector<double> mixed;
   for (std::size_t i = 0; i < all.size(); i += channels) {
     mixed.push_back(std::accumulate(&all[i], &all[i] + channels, 0.0) / info.channels);
@@ -48,14 +49,11 @@ std::vector<double> Read(const char *path, int &rate) {
 
 bool Report(const char *path, bool recording) {
   int rate = 0;
-  const std::vector<double> samples = Read(path, rate);
-  if (samples.empty()) return false;
   double peak = 0;
+  const std::vector<double> samples = Read(path, rate, peak);
+  if (samples.empty()) return false;
   std::vector<double> steps;
-  for (std::size_t i = 0; i < samples.size(); ++i) {
-    peak = std::max(peak, std::abs(samples[i]));
-    if (i > 0) steps.push_back(std::abs(samples[i] - samples[i - 1]));
-  }
+  for (std::size_t i = 1; i < samples.size(); ++i) steps.push_back(std::abs(samples[i] - samples[i - 1]));
   const double level = Decibels(RootMeanSquare(samples, 0, samples.size()));
   const double mean =
       std::accumulate(samples.begin(), samples.end(), 0.0) / static_cast<double>(samples.size());
