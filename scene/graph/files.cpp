@@ -23,6 +23,7 @@
 #include <fstream>
 #include <iterator>
 #include <map>
+#include <memory>
 
 namespace {
 
@@ -97,6 +98,20 @@ MeshData ParseMesh(const std::filesystem::path &file) {
   return data;
 }
 
+/// Whether a bitmap file reaches to the end of its pixels: the decoder fills up what was cut off.
+bool IsWhole(const std::vector<char> &bytes, const ImageData &image) {
+  constexpr std::size_t PixelsAt = 10, DepthAt = 28; // places in the header
+  const auto number = [&](std::size_t at, std::size_t count) {
+    std::size_t value = 0;
+    for (std::size_t i = count; i > 0; --i)
+      value = value << 8 | static_cast<unsigned char>(bytes[at + i - 1]);
+    return value;
+  };
+  // A row is filled up to whole groups of 32 bits.
+  const std::size_t row = (static_cast<std::size_t>(image.Width) * number(DepthAt, 2) + 31) / 32 * 4;
+  return bytes.size() >= number(PixelsAt, 4) + row * static_cast<std::size_t>(image.Height);
+}
+
 ImageData ParseImage(const std::filesystem::path &file) {
   const std::vector<char> bytes = ReadAll(file);
   ImageData image;
@@ -105,9 +120,10 @@ ImageData ParseImage(const std::filesystem::path &file) {
       stbi_load_from_memory(reinterpret_cast<const stbi_uc *>(bytes.data()), static_cast<int>(bytes.size()),
                             &image.Width, &image.Height, &channels, STBI_rgb_alpha);
   if (!pixels) Refuse(file, std::string("not a bitmap: ") + stbi_failure_reason());
+  const std::unique_ptr<stbi_uc, decltype(&stbi_image_free)> owner(pixels, stbi_image_free);
+  if (!IsWhole(bytes, image)) Refuse(file, "not a whole bitmap: its end is missing");
   const auto count = static_cast<std::size_t>(image.Width) * static_cast<std::size_t>(image.Height) * 4;
   image.Pixels.assign(pixels, pixels + count);
-  stbi_image_free(pixels);
   return image;
 }
 
