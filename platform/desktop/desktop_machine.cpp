@@ -85,7 +85,7 @@ void DesktopMachine::CarryOver() {
     if (view->isActiveWindow()) active = view.get();
   }
   const bool held = active && active->Model().CapturesPointer && Receives(active->Model());
-  pointer_.Hold(held ? active : nullptr);
+  pointer_.Hold(held ? active->AnyCanvas() : nullptr);
 }
 
 void DesktopMachine::Collect() {
