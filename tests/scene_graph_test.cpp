@@ -404,4 +404,15 @@ TEST_F(GraphTest, AFileThatIsNoModelOrNoPictureIsNamed) {
   }
 }
 
+TEST_F(GraphTest, AnImageThatWasGivenBackIsReadAgain) {
+  const auto texture = canvas.RootObject->LoadTexture(fs::path(SNAPWEDGE_GAME_DIR) / "loose.dab");
+  const std::vector<std::uint8_t> pixels = texture->Image()->Pixels;
+  ASSERT_FALSE(pixels.empty());
+  const std::weak_ptr<const ImageData> image = texture->Image();
+  texture->GiveBack();
+  ForgetFiles();
+  EXPECT_TRUE(image.expired());
+  EXPECT_EQ(texture->Image()->Pixels, pixels);
+}
+
 } // namespace

@@ -18,7 +18,7 @@ Ref<Direct3DRMMaterial2> Direct3DRM3::CreateMaterial(float power) {
 }
 
 Ref<Direct3DRMTexture> Direct3DRM3::LoadTexture(const std::filesystem::path &file) {
-  return std::make_shared<Direct3DRMTexture>(ReadImageFile(file));
+  return std::make_shared<Direct3DRMTexture>(file);
 }
 
 Ref<Direct3DRMWrap> Direct3DRM3::CreateWrap(std::int32_t type, const Ref<Direct3DRMFrame3> &reference,

@@ -1,4 +1,4 @@
-// The files of models and textures, each read once a process and shared by everybody after that.
+// The files of models and textures, each read once and shared by everybody after that.
 
 #include "scene/graph/mesh_builder.h"
 #include "scene/graph/scene_error.h"
@@ -127,21 +127,27 @@ ImageData ParseImage(const std::filesystem::path &file) {
   return image;
 }
 
+/// What a file held when it was read.
+template <class Data> struct Entry {
+  std::filesystem::file_time_type Time;
+  std::uintmax_t Size;
+  Ref<const Data> Content;
+};
+
+template <class Data> std::map<std::filesystem::path, Entry<Data>> &Entries() {
+  static std::map<std::filesystem::path, Entry<Data>> entries;
+  return entries;
+}
+
 /// What `parse` made of the file when it was read first. A file that has changed since is read again.
 template <class Data>
 Ref<const Data> ReadOnce(const std::filesystem::path &file, Data (*parse)(const std::filesystem::path &)) {
-  struct Entry {
-    std::filesystem::file_time_type Time;
-    std::uintmax_t Size;
-    Ref<const Data> Content;
-  };
-  static std::map<std::filesystem::path, Entry> entries;
   std::error_code error;
   const auto time = std::filesystem::last_write_time(file, error);
   if (error) Refuse(file, "can't be found");
   const auto size = std::filesystem::file_size(file, error);
   if (error) Refuse(file, "not a file");
-  Entry &entry = entries[file];
+  Entry<Data> &entry = Entries<Data>()[file];
   if (!entry.Content || entry.Time != time || entry.Size != size) {
     entry = {time, size, std::make_shared<const Data>(parse(file))};
   }
@@ -156,4 +162,9 @@ Ref<const MeshData> ReadMeshFile(const std::filesystem::path &file) {
 
 Ref<const ImageData> ReadImageFile(const std::filesystem::path &file) {
   return ReadOnce<ImageData>(file, ParseImage);
+}
+
+void ForgetFiles() {
+  Entries<MeshData>().clear();
+  Entries<ImageData>().clear();
 }

@@ -1,6 +1,7 @@
 #include "platform/desktop/renderer/renderer.h"
 
 #include "platform/desktop/renderer/painter.h"
+#include "platform/desktop/renderer/spare_memory.h"
 
 #include <QElapsedTimer>
 #include <QOffscreenSurface>
@@ -8,8 +9,10 @@
 #include <QOpenGLVersionFunctionsFactory>
 
 #include <algorithm>
+#include <bit>
 #include <cmath>
 #include <cstring>
+#include <ctime>
 #include <string_view>
 #include <unordered_map>
 
@@ -19,8 +22,8 @@ constexpr PaintQuality FullPaint{.Samples = 4, .ShadowSize = 2048, .ShadowTaps =
 constexpr PaintQuality LowPaint{.Samples = 0, .ShadowSize = 1024, .ShadowTaps = 1, .Anisotropy = 1.0f};
 
 constexpr std::size_t MeasuredPictures = 8;
-constexpr double SlowPicture = 8.0;      ///< ms: a middle picture slower than this chooses the low level
-constexpr double HopelessPicture = 25.0; ///< ms: two of these in a row choose it at once
+constexpr double SlowPicture = 8.0;  ///< ms: a middle picture dearer than this chooses the low level
+constexpr double QuickPicture = 2.0; ///< ms: a low one up to this chooses full, at about three times its cost
 
 /// Movement of a texture, in repeats, that may be held back at the low level: about half a pixel of the sky.
 constexpr float HeldDrift = 0.0012f;
@@ -46,6 +49,7 @@ public:
   explicit Drawing(Quality quality)
       : asked_(quality), level_(quality == Quality::Low ? Quality::Low : Quality::Full) {
     OpenContext();
+    if (asked_ == Quality::Measured && DrawsInSoftware()) level_ = Quality::Low;
     painter_ = std::make_unique<Painter>(*gl_, Paint());
   }
 
@@ -74,10 +78,17 @@ public:
 
     QElapsedTimer timer;
     timer.start();
+    const std::clock_t processor = std::clock();
     if (!context_.makeCurrent(&surface_)) throw RendererError("the OpenGL context has been lost");
     if (picture_.size() != size) picture_ = QImage(size, QImage::Format_RGB32);
     painter_->Paint(placed, canvas.CameraFrame->World(), canvas.Viewport->GetBack(), picture_);
-    Measure(static_cast<double>(timer.nsecsElapsed()) / 1e6);
+    ++pictures_;
+    if (pictures_ == 1) ForgetFiles(); // everything has been uploaded
+    // Shaders are compiled when they are used first, and most are used soon.
+    if (pictures_ > MeasuredPictures && std::has_single_bit(pictures_)) GiveBackSpareMemory();
+    // On many cores a picture can be quick and still take more of them than a game on a desk should.
+    Measure(std::max(static_cast<double>(timer.nsecsElapsed()) / 1e6,
+                     static_cast<double>(std::clock() - processor) * 1e3 / CLOCKS_PER_SEC));
     return true;
   }
 
@@ -159,18 +170,14 @@ private:
 
   /// Chooses the level by the first pictures. The very first uploads everything, so it doesn't count.
   void Measure(double milliseconds) {
-    if (asked_ != Quality::Measured || chosen_) return;
-    if (!firstDrawn_) {
-      firstDrawn_ = true;
-      return;
-    }
+    if (asked_ != Quality::Measured || chosen_ || pictures_ == 1) return;
     measured_.push_back(milliseconds);
-    const bool hopeless = measured_.size() == 2 && std::ranges::min(measured_) > HopelessPicture;
-    if (measured_.size() < MeasuredPictures && !hopeless) return;
+    if (measured_.size() < MeasuredPictures) return;
     chosen_ = true;
     std::ranges::sort(measured_);
-    if (!hopeless && measured_[measured_.size() / 2] <= SlowPicture) return;
-    level_ = Quality::Low;
+    const double middle = measured_[measured_.size() / 2];
+    if (level_ == Quality::Full ? middle <= SlowPicture : middle > QuickPicture) return;
+    level_ = level_ == Quality::Full ? Quality::Low : Quality::Full;
     painter_.reset();
     painter_ = std::make_unique<Painter>(*gl_, Paint());
   }
@@ -183,8 +190,9 @@ private:
   std::unique_ptr<Painter> painter_;
   QImage picture_;
 
-  bool firstDrawn_ = false, chosen_ = false;
-  std::vector<double> measured_; ///< ms of the first pictures
+  std::size_t pictures_ = 0;
+  bool chosen_ = false;
+  std::vector<double> measured_; ///< ms of the first pictures, wall or processor, whichever is more
 
   Ref<Direct3DRM3> drawnRoot_;
   std::uint64_t drawnRevision_ = 0;

@@ -58,8 +58,8 @@ Shadows::Shadows(Gl &gl, int size) : gl_(gl), size_(size) {
   BuildProgram(program_, ShadowVertexShader, ShadowFragmentShader);
   gl_.glGenTextures(1, &map_);
   gl_.glBindTexture(GL_TEXTURE_2D, map_);
-  gl_.glTexImage2D(GL_TEXTURE_2D, 0, GL_DEPTH_COMPONENT24, size, size, 0, GL_DEPTH_COMPONENT, GL_UNSIGNED_INT,
-                   nullptr);
+  gl_.glTexImage2D(GL_TEXTURE_2D, 0, GL_DEPTH_COMPONENT16, size, size, 0, GL_DEPTH_COMPONENT,
+                   GL_UNSIGNED_SHORT, nullptr);
   gl_.glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MIN_FILTER, GL_LINEAR);
   gl_.glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MAG_FILTER, GL_LINEAR);
   gl_.glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_COMPARE_MODE, GL_COMPARE_REF_TO_TEXTURE);
