@@ -293,8 +293,9 @@ Mesh MakeStadium() {
     AddMast(mesh, side * SideColumns + 0.3);
     AddMast(mesh, side * SideColumns + StraightParts - 0.3);
   }
+  // Brighter than life: half of them are seen from their unlit side.
   static const Paint flags[] = {
-      {1.25, 0.20, 0.16, 0.0}, {1.35, 1.05, 0.15, 0.0}, {0.16, 0.45, 1.15, 0.0}, White};
+      {1.45, 0.24, 0.20, 0.0}, {1.50, 1.15, 0.18, 0.0}, {0.22, 0.58, 1.40, 0.0}, {1.35, 1.32, 1.30, 0.0}};
   for (int i = 0; i < Columns; ++i) AddFlag(mesh, i + 0.5, flags[i % 4]);
 
   // The name of the game along the front of the upper tier, on each side.

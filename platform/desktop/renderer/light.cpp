@@ -14,9 +14,9 @@ constexpr float GroundColor[] = {0.28f, 0.26f, 0.26f};
 constexpr float FillInShade = 0.72f;
 
 // A surface that glows has part of its light of itself, and the lights shape it with the rest.
-constexpr float GlowLight = 0.58f;
+constexpr float GlowLight = 0.68f;
 constexpr float GlowTakesFill = 0.5f;
-constexpr float GlowTakesKey = 0.45f;
+constexpr float GlowTakesKey = 0.58f;
 
 // The key light is a pool over the field.
 constexpr float PoolRadius = 60.0f; ///< scene units of full light
