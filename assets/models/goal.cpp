@@ -15,13 +15,24 @@ constexpr double StemRadius = 0.95;
 constexpr double StemBack = 4.5;   ///< how far the stem stands behind the bar
 constexpr double StemFoot = -24.6; ///< where the stem ends, a little below the table's edge
 constexpr double EdgeZ = 7.0;      ///< of the table's far edge, from the bar
-constexpr int Sides = 14;
+constexpr int Sides = 16;
 
 constexpr Paint Yellow{1.0, 0.93, 1.0, 0.0};
 constexpr Paint Amber{1.0, 0.74, 1.0, 0.0};
+constexpr Paint Gleam{1.50, 1.45, 1.0, 0.0};
 constexpr Paint Steel{0.34, 0.26, 1.0, 0.0};
 constexpr Paint Ribbon{1.0, 0.10, 1.0, 0.0};
 constexpr Paint RibbonShade{0.75, 0.03, 1.0, 0.0};
+
+/// Varnish: darker on the side away from the light, with a gleam along the side that mirrors it to the start.
+TubePaint Varnished(const Paint &paint) {
+  return [paint](const Point &normal, const Point &along) {
+    constexpr Point Light{-0.36, 0.86, 0.47}, Mirror{-0.21, 0.53, 0.82};
+    const auto around = [&](const Point &to) { return Dot(normal, Normalized(to - along * Dot(to, along))); };
+    const Paint lit = Mix(paint * 0.62, paint, SmoothStep(-0.8, 0.5, around(Light)));
+    return Mix(lit, Gleam, SmoothStep(0.90, 1.0, around(Mirror)));
+  };
+}
 
 /// A ribbon that waves out to +x from the head of an upright.
 void AddRibbon(Mesh &mesh, const Point &head) {
@@ -49,9 +60,9 @@ void AddRibbon(Mesh &mesh, const Point &head) {
 
 Mesh MakeGoal() {
   Mesh mesh;
-  Tube(mesh, {{-HalfWidth, 0.0, 0.0}, {HalfWidth, 0.0, 0.0}}, TubeRadius, Sides, Yellow);
+  Tube(mesh, {{-HalfWidth, 0.0, 0.0}, {HalfWidth, 0.0, 0.0}}, TubeRadius, Sides, Varnished(Yellow));
   for (const double x : {-HalfWidth, HalfWidth}) {
-    Tube(mesh, {{x, 0.0, 0.0}, {x, UprightHeight, 0.0}}, TubeRadius, Sides, Yellow);
+    Tube(mesh, {{x, 0.0, 0.0}, {x, UprightHeight, 0.0}}, TubeRadius, Sides, Varnished(Yellow));
     Lathe(mesh, {x, UprightHeight - 2.6, 0.0},
           {{TubeRadius * 1.18, -0.9, Ribbon}, {TubeRadius * 1.18, 0.9, Ribbon}}, Sides, true);
     AddRibbon(mesh, {x + TubeRadius, UprightHeight - 2.6, 0.0});
@@ -64,7 +75,7 @@ Mesh MakeGoal() {
         {0.0, -StemBack * 0.75 * (1.0 - std::cos(angle)), -StemBack * (0.25 + 0.75 * std::sin(angle))});
   }
   neck.push_back({0.0, StemFoot, -StemBack});
-  Tube(mesh, neck, StemRadius, Sides, Amber);
+  Tube(mesh, neck, StemRadius, Sides, Varnished(Amber));
 
   // It rides along the table's edge on a runner, as a clamp holds a lamp to a desk.
   Tube(mesh, {{0.0, StemFoot + 0.9, -StemBack}, {0.0, StemFoot + 0.9, EdgeZ + 0.6}}, 0.75, 10, Steel);

@@ -1,5 +1,6 @@
 // The piece: a sheet of notebook paper folded to a thick triangle. Its edges are the rounded folds of several
-// layers, its top swells a little, and over one half of it lies the last flap, whose free edge stands up.
+// layers, its top swells a little, and over one half of it lies the last flap, whose free edge stands up. A
+// thin line of ink all round sets it off from whatever lies behind it.
 
 #include "models.h"
 #include "shapes.h"
@@ -11,15 +12,21 @@ namespace {
 
 constexpr Point Corners[3] = {{0.0, 0.0, -2.5}, {5.0, 0.0, 2.5}, {-5.0, 0.0, 2.5}};
 
-constexpr double Underside = -0.43;
-constexpr double TopEdge = 0.27;  ///< height of the top along its border
-constexpr double Swelling = 0.07; ///< of the top in its middle
+constexpr double InkWidth = 0.11; ///< by which the paper stays inside the corners
+constexpr double InkFoot = -0.425;
+constexpr double InkHead = 0.33;
+
+constexpr double Underside = -0.40;
+constexpr double TopEdge = 0.24;  ///< height of the top along its border
+constexpr double Swelling = 0.08; ///< of the top in its middle
 constexpr double FlapLift = 0.05; ///< of the flap's sheet above the top
-constexpr double FlapCurl = 0.10; ///< how much further its free edge stands up
+constexpr double FlapCurl = 0.11; ///< how much further its free edge stands up
+constexpr double TopInset = 0.20; ///< of the top and the underside from the paper's outline
 
 constexpr Paint Paper{1.0, 1.0, 1.0, 1.0};
 constexpr Paint LayerLight{0.97, 0.96, 0.94, 0.35};
-constexpr Paint LayerDark{0.66, 0.65, 0.68, 0.35};
+constexpr Paint LayerDark{0.46, 0.47, 0.58, 0.2};
+constexpr Paint Ink{0.17, 0.16, 0.28, 0.0};
 
 /// The triangle with each side moved inward by `inset`.
 void Inset(double inset, double y, Point (&out)[3]) {
@@ -70,22 +77,42 @@ double FromBorder(const Point &at) {
   return nearest;
 }
 
+/// The line round the paper: a shell that shows its inner side only, so that one sees of it what reaches
+/// beyond the paper, whichever way the piece is turned. It has the corners that the rules look from.
+void AddInk(Mesh &mesh) {
+  const struct { double inset, y; } levels[] = {{0.03, InkFoot}, {0.0, 0.0}, {0.03, InkHead}};
+  Point ring[3][3];
+  for (int level = 0; level < 3; ++level) Inset(levels[level].inset, levels[level].y, ring[level]);
+  for (int side = 0; side < 3; ++side) {
+    const int next = (side + 1) % 3;
+    const Point along = Normalized(Corners[next] - Corners[side]);
+    const Point in{-along.z, 0.0, along.x};
+    for (int level = 0; level < 2; ++level)
+      mesh.FlatQuad(ring[level][side], ring[level][next], ring[level + 1][next], ring[level + 1][side], in,
+                    Ink);
+  }
+  mesh.FlatTriangle(ring[0][0], ring[0][1], ring[0][2], {0.0, 1.0, 0.0}, Ink);
+  mesh.FlatTriangle(ring[2][0], ring[2][1], ring[2][2], {0.0, -1.0, 0.0}, Ink);
+}
+
 } // namespace
 
 Mesh MakePiece() {
   Mesh mesh;
 
-  // The folds: the outline reaches its corners at y = 0 exactly. Dark hollows part the layers of paper.
+  AddInk(mesh);
+
+  // The folds. Dark hollows part the layers of paper.
   struct Level {
     double inset, y, lean; ///< lean: upward part of the normal
     Paint paint;
   };
   const Level levels[] = {
-      {0.20, TopEdge, 1.6, Paper},     {0.09, 0.24, 0.8, LayerLight},  {0.03, 0.17, 0.3, LayerLight},
-      {0.07, 0.125, 0.0, LayerDark},   {0.01, 0.08, 0.2, LayerLight},  {0.0, 0.0, 0.0, LayerLight},
-      {0.01, -0.05, -0.1, LayerLight}, {0.06, -0.09, 0.0, LayerDark},  {0.02, -0.13, 0.1, LayerLight},
-      {0.02, -0.22, -0.1, LayerLight}, {0.07, -0.26, 0.0, LayerDark},  {0.03, -0.30, 0.0, LayerLight},
-      {0.08, -0.38, -0.7, LayerLight}, {0.20, Underside, -1.6, Paper},
+      {TopInset, TopEdge, 1.6, Paper}, {0.12, 0.232, 1.1, Paper},       {0.05, 0.20, 0.6, LayerLight},
+      {0.03, 0.15, 0.0, LayerLight},   {0.09, 0.11, 0.0, LayerDark},    {0.01, 0.07, 0.3, LayerLight},
+      {0.0, 0.0, 0.0, LayerLight},     {0.01, -0.05, -0.1, LayerLight}, {0.08, -0.09, 0.0, LayerDark},
+      {0.01, -0.13, 0.2, LayerLight},  {0.02, -0.20, -0.1, LayerLight}, {0.09, -0.24, 0.0, LayerDark},
+      {0.03, -0.28, 0.0, LayerLight},  {0.08, -0.36, -0.7, LayerLight}, {TopInset, Underside, -1.6, Paper},
   };
   for (int side = 0; side < 3; ++side) {
     const Point along = Normalized(Corners[(side + 1) % 3] - Corners[side]);
@@ -93,7 +120,7 @@ Mesh MakePiece() {
     int before[2] = {0, 0};
     for (const Level &level : levels) {
       Point ring[3];
-      Inset(level.inset, level.y, ring);
+      Inset(InkWidth + level.inset, level.y, ring);
       const Point normal = Normalized(out + Point{0.0, level.lean, 0.0});
       const int now[2] = {mesh.Add({ring[side], normal, level.paint}),
                           mesh.Add({ring[(side + 1) % 3], normal, level.paint})};
@@ -104,33 +131,36 @@ Mesh MakePiece() {
   }
 
   // The flap's sheet covers the left part: from its corner at the left to a free edge across the top.
-  const Point flap[3] = {{-4.25, 0.0, 2.2}, {0.15, 0.0, -2.0}, {1.25, 0.0, 2.25}};
+  Point top[3], bottom[3];
+  Inset(InkWidth + TopInset, TopEdge, top);
+  Inset(InkWidth + TopInset, Underside, bottom);
+  const Point flap[3] = {top[2], Mix(top[0], top[2], 0.02), Mix(top[2], top[1], 0.64)};
   const Point freeAlong = Normalized(flap[2] - flap[1]);
   const Point freeOut{-freeAlong.z, 0.0, freeAlong.x}; // away from the flap or toward it, see fromFree
   const auto fromFree = [&](const Point &at) {
     const double sign = Dot(flap[0] - flap[1], freeOut) > 0.0 ? 1.0 : -1.0;
     return sign * Dot(at - flap[1], freeOut);
   };
-  const auto topHeight = [](const Point &at) {
-    return TopEdge + Swelling * SmoothStep(0.0, 1.3, FromBorder(at) - 0.2);
+  const auto fromFold = [](const Point &at) { return FromBorder(at) - InkWidth - TopInset; };
+  const auto topHeight = [&](const Point &at) {
+    return TopEdge + Swelling * SmoothStep(0.0, 1.3, fromFold(at));
   };
+  // The paper bends away from the light along its folds.
+  const auto bent = [&](const Point &at) { return 0.84 + 0.16 * SmoothStep(0.0, 0.5, fromFold(at)); };
 
-  Point top[3], bottom[3];
-  Inset(0.20, TopEdge, top);
-  Inset(0.20, Underside, bottom);
-  Sheet(mesh, top, 14, 1.0, [&](const Point &at) {
+  Sheet(mesh, top, 16, 1.0, [&](const Point &at) {
     const double gap = -fromFree(at); // how far right of the flap's free edge
-    const double shade = gap < 0.0 ? 0.6 : 0.6 + 0.4 * SmoothStep(0.0, 0.9, gap);
-    return Vertex{{at.x, topHeight(at), at.z}, {}, Paper * shade};
+    const double shade = 0.42 + 0.58 * SmoothStep(-0.1, 0.85, gap);
+    return Vertex{{at.x, topHeight(at), at.z}, {}, Paper * (shade * bent(at))};
   });
   Sheet(mesh, bottom, 4, -1.0, [](const Point &at) { return Vertex{{at.x, Underside, at.z}, {}, Paper}; });
 
   const auto flapHeight = [&](const Point &at) {
-    const double lift = FlapLift * SmoothStep(0.0, 0.25, FromBorder(at) - 0.2);
+    const double lift = FlapLift * (0.4 + 0.6 * SmoothStep(0.0, 0.25, fromFold(at)));
     return topHeight(at) + lift + FlapCurl * SmoothStep(0.9, 0.0, fromFree(at));
   };
-  Sheet(mesh, flap, 12, 1.0, [&](const Point &at) {
-    return Vertex{{at.x, flapHeight(at), at.z}, {}, Paper};
+  Sheet(mesh, flap, 14, 1.0, [&](const Point &at) {
+    return Vertex{{at.x, flapHeight(at), at.z}, {}, Paper * bent(at)};
   });
   constexpr int EdgeSteps = 10;
   for (int i = 0; i < EdgeSteps; ++i) {

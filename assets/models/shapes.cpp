@@ -38,6 +38,10 @@ void Lathe(Mesh &mesh, const Point &centre, const std::vector<ProfilePoint> &pro
 }
 
 void Tube(Mesh &mesh, const std::vector<Point> &path, double radius, int sides, const Paint &paint) {
+  Tube(mesh, path, radius, sides, [&](const Point &, const Point &) { return paint; });
+}
+
+void Tube(Mesh &mesh, const std::vector<Point> &path, double radius, int sides, const TubePaint &paint) {
   struct Ring {
     Point centre, along;
     double radius, lean; ///< lean: how far the normals turn along the path, for the rounded ends
@@ -65,8 +69,8 @@ void Tube(Mesh &mesh, const std::vector<Point> &path, double radius, int sides, 
     for (int s = 0; s < sides; ++s) {
       const double angle = 2.0 * Pi * s / sides;
       const Point out = side * std::cos(angle) + third * std::sin(angle);
-      current.push_back(
-          mesh.Add({ring.centre + out * ring.radius, Normalized(out + ring.along * ring.lean), paint}));
+      const Point normal = Normalized(out + ring.along * ring.lean);
+      current.push_back(mesh.Add({ring.centre + out * ring.radius, normal, paint(normal, ring.along)}));
     }
     for (std::size_t s = 0; !previous.empty() && s < current.size(); ++s) {
       const std::size_t next = (s + 1) % current.size();

@@ -4,6 +4,7 @@
 
 #include "mesh.h"
 
+#include <functional>
 #include <vector>
 
 constexpr double Pi = 3.14159265358979323846;
@@ -23,7 +24,11 @@ struct ProfilePoint {
 void Lathe(Mesh &mesh, const Point &centre, const std::vector<ProfilePoint> &profile, int segments,
            bool smooth);
 
+/// Paint of a tube where its surface looks along `normal` and it runs along `along`.
+using TubePaint = std::function<Paint(const Point &normal, const Point &along)>;
+
 /// A round tube along a path, with rounded ends.
+void Tube(Mesh &mesh, const std::vector<Point> &path, double radius, int sides, const TubePaint &paint);
 void Tube(Mesh &mesh, const std::vector<Point> &path, double radius, int sides, const Paint &paint);
 
 /// A box between two corners.

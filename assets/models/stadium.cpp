@@ -67,7 +67,8 @@ struct Level {
   double out, y;
 };
 
-using PaintAt = std::function<Paint(int column)>;
+/// Paint of a column at one of its ends, a turn of `column` or one more.
+using PaintAt = std::function<Paint(int column, double turn)>;
 
 /// The surface between two levels, all the way round. It faces left of the way from `low` to `high`, seen
 /// with outward to the right.
@@ -80,15 +81,15 @@ void Ring(Mesh &mesh, const Level &low, const Level &high, const PaintAt &lowPai
         {station.x, level.y, station.z}, {station.outX * slope.x, slope.y, station.outZ * slope.x}, paint};
   };
   for (int column = 0; column < Columns; ++column) {
-    const Paint below = lowPaint(column), above = highPaint(column);
-    mesh.Quad(vertex(column, low, below), vertex(column + 1, low, below), vertex(column + 1, high, above),
-              vertex(column, high, above));
+    const double end = column + 1;
+    mesh.Quad(vertex(column, low, lowPaint(column, column)), vertex(end, low, lowPaint(column, end)),
+              vertex(end, high, highPaint(column, end)), vertex(column, high, highPaint(column, column)));
   }
 }
 
 void Ring(Mesh &mesh, const Level &low, const Level &high, const Paint &lowPaint, const Paint &highPaint) {
   Ring(
-      mesh, low, high, [&](int) { return lowPaint; }, [&](int) { return highPaint; });
+      mesh, low, high, [&](int, double) { return lowPaint; }, [&](int, double) { return highPaint; });
 }
 
 /// Blocks of seats where supporters of one side sit together, in the colours of their side. Brighter than the
@@ -108,7 +109,9 @@ void Deck(Mesh &mesh, const Level &low, const Level &high, double lowLight, doub
   // In two steps, so that the shade under the deck above doesn't reach down to the front rows.
   const Level middle{(low.out + high.out) / 2.0, (low.y + high.y) / 2.0};
   const double middleLight = lowLight * 0.6 + highLight * 0.4;
-  const auto lit = [](double light) { return [light](int column) { return Supporters(column) * light; }; };
+  const auto lit = [](double light) {
+    return [light](int column, double) { return Supporters(column) * light; };
+  };
   Ring(mesh, low, middle, lit(lowLight), lit(middleLight));
   Ring(mesh, middle, high, lit(middleLight), lit(highLight));
 
@@ -133,42 +136,54 @@ void Deck(Mesh &mesh, const Level &low, const Level &high, double lowLight, doub
 void Boards(Mesh &mesh, double out, double low, double high, int phase, double light) {
   static const Paint colours[] = {{0.10, 0.22, 0.52, 0.0}, {0.95, 0.93, 0.90, 0.0}, {0.85, 0.16, 0.14, 0.0},
                                   {0.97, 0.78, 0.16, 0.0}, {0.10, 0.45, 0.42, 0.0}, {0.93, 0.45, 0.13, 0.0}};
-  const auto colour = [&](int column) { return colours[(column * 5 + phase + column / 4) % 6] * light; };
+  const auto colour = [&](int column, double) {
+    return colours[(column * 5 + phase + column / 4) % 6] * light;
+  };
   Ring(mesh, {out, low}, {out + 0.4, high}, colour, colour);
 }
 
-/// Brightness of the floor at a place: the table keeps the light from the middle.
+/// Brightness of the floor at a place: the table keeps the light from the middle, all the softer for its
+/// height.
 double FloorLight(double x, double z) {
-  constexpr double ShiftX = 14.0, ShiftZ = -22.0; // the light comes from above the start
-  const double away =
-      std::hypot(std::max(std::abs(x - ShiftX) - 60.0, 0.0), std::max(std::abs(z - ShiftZ) - 60.0, 0.0));
-  return 0.50 + 0.40 * SmoothStep(0.0, 62.0, away);
+  constexpr double ShiftX = 8.0, ShiftZ = -12.0; // the light comes from above the start
+  constexpr double Roundness = 4.0;              // of the pool of shade: that of the table, well blurred
+  const double away = std::pow(
+      std::pow(std::abs(x - ShiftX), Roundness) + std::pow(std::abs(z - ShiftZ), Roundness), 1.0 / Roundness);
+  return 0.46 + 0.44 * SmoothStep(24.0, 150.0, away);
 }
 
-void AddFloor(Mesh &mesh) {
-  constexpr double Edge = 116.0; // of the grass; inside it the floor is a plain square, cut at its corners
-  constexpr int Stripes = 12, Parts = 12;
+/// The green inside the track: a square with round corners, mown in stripes.
+void AddGreen(Mesh &mesh, double half, double cornerRadius) {
+  constexpr int Stripes = 14, Rows = 3, Parts = 18; // rows of a stripe, parts of a row
   const Paint paints[] = {LightGrass, DarkGrass};
-  for (int stripe = 0; stripe < Stripes; ++stripe) {
+  const double depth = 2.0 * half / (Stripes * Rows);
+  const auto halfWidth = [&](double z) {
+    const double over = std::max(std::abs(z) - (half - cornerRadius), 0.0);
+    return half - cornerRadius + std::sqrt(std::max(cornerRadius * cornerRadius - over * over, 0.0));
+  };
+  for (int row = 0; row < Stripes * Rows; ++row)
     for (int part = 0; part < Parts; ++part) {
       const auto corner = [&](int right, int far) {
-        const double x = CornerAt * (2.0 * (part + right) / Parts - 1.0);
-        const double z = CornerAt * (2.0 * (stripe + far) / Stripes - 1.0);
-        return Vertex{{x, Floor, z}, {0.0, 1.0, 0.0}, paints[stripe % 2] * FloorLight(x, z)};
+        const double z = -half + (row + far) * depth;
+        const double x = halfWidth(z) * (2.0 * (part + right) / Parts - 1.0);
+        return Vertex{{x, Floor, z}, {0.0, 1.0, 0.0}, paints[row / Rows % 2] * FloorLight(x, z)};
       };
       mesh.Quad(corner(0, 0), corner(1, 0), corner(1, 1), corner(0, 1));
     }
-  }
+}
+
+void AddFloor(Mesh &mesh) {
+  constexpr double Edge = 116.0; // of the green
+  AddGreen(mesh, Edge + 0.3, Edge + 0.3 - CornerAt);
   const auto zone = [&](double from, double to, const Paint &paint) {
     const auto lit = [&](double out) {
-      return [=](int column) {
-        const Station station = At(column, out);
+      return [=](int, double turn) {
+        const Station station = At(turn, out);
         return paint * FloorLight(station.x, station.z);
       };
     };
     Ring(mesh, {from, Floor}, {to, Floor}, lit(from), lit(to));
   };
-  zone(CornerAt, Edge, LightGrass);
   constexpr double TrackOut = 152.0, LineWidth = 0.7;
   constexpr int Lanes = 6;
   constexpr double Lane = (TrackOut - Edge) / Lanes;
@@ -226,11 +241,29 @@ void AddLegs(Mesh &mesh) {
   }
 }
 
+/// The boards of the desk, seen from below.
+void AddUnderside(Mesh &mesh) {
+  constexpr double Half = 86.0, BoardY = -4.15;
+  constexpr int Count = 11;
+  constexpr Paint Wood[] = {{0.58, 0.38, 0.23, 0.0}, {0.66, 0.44, 0.27, 0.0}, {0.62, 0.40, 0.23, 0.0}};
+  constexpr Paint Gap{0.30, 0.19, 0.13, 0.0};
+  constexpr Point Down{0.0, -1.0, 0.0};
+  for (int i = 0; i < Count; ++i) {
+    const double from = Half * (2.0 * i / Count - 1.0), to = Half * (2.0 * (i + 1) / Count - 1.0),
+                 seam = to - 0.5;
+    mesh.FlatQuad({-Half, BoardY, from}, {Half, BoardY, from}, {Half, BoardY, seam}, {-Half, BoardY, seam},
+                  Down, Wood[i * 2 % 3]);
+    mesh.FlatQuad({-Half, BoardY, seam}, {Half, BoardY, seam}, {Half, BoardY, to}, {-Half, BoardY, to}, Down,
+                  Gap);
+  }
+}
+
 } // namespace
 
 Mesh MakeStadium() {
   Mesh mesh;
   AddFloor(mesh);
+  AddUnderside(mesh);
   AddLegs(mesh);
 
   Boards(mesh, 158.0, Floor, -142.0, 1, 0.6);
@@ -244,7 +277,7 @@ Mesh MakeStadium() {
   Boards(mesh, 205.6, -46.0, -40.0, 5, 0.85);
 
   // The two tiers that the table's height looks at.
-  Deck(mesh, {206.0, -39.5}, {254.0, 9.5}, 0.90, 0.52);
+  Deck(mesh, {206.0, -39.5}, {254.0, 9.5}, 0.92, 0.42);
   Ring(mesh, {254.0, 9.5}, {254.0, 14.0}, Shade, Shade * 0.7);
   Ring(mesh, {254.0, 14.0}, {232.0, 16.8}, Shade * 0.7, Shade);
   Ring(mesh, {231.4, 16.6}, {231.8, 22.6}, Banner, Banner);
@@ -260,8 +293,9 @@ Mesh MakeStadium() {
     AddMast(mesh, side * SideColumns + 0.3);
     AddMast(mesh, side * SideColumns + StraightParts - 0.3);
   }
+  // Brighter than life: half of them are seen from their unlit side.
   static const Paint flags[] = {
-      {1.25, 0.20, 0.16, 0.0}, {1.35, 1.05, 0.15, 0.0}, {0.16, 0.45, 1.15, 0.0}, White};
+      {1.45, 0.24, 0.20, 0.0}, {1.50, 1.15, 0.18, 0.0}, {0.22, 0.58, 1.40, 0.0}, {1.35, 1.32, 1.30, 0.0}};
   for (int i = 0; i < Columns; ++i) AddFlag(mesh, i + 0.5, flags[i % 4]);
 
   // The name of the game along the front of the upper tier, on each side.

@@ -7,32 +7,40 @@
 
 #include <algorithm>
 #include <cmath>
+#include <vector>
 
 namespace {
 
 constexpr double HalfSide = 88.0;   ///< of the square top
 constexpr double EdgeHeight = 0.9;  ///< of the upright part of the edge
-constexpr double Thickness = 2.8;   ///< at the edge
+constexpr double Thickness = 3.4;   ///< at the edge
 constexpr double Undercut = 2.0;    ///< how far the underside stays behind the top
 constexpr double CrownDepth = 0.15; ///< thickness in the middle, where the sky is highest
 constexpr int TopCells = 7;         ///< odd, so that no seam runs along the middle of the field
-constexpr int ArchCells = 14;
+// Where the sky comes down, behind the rim of the stands: its clouds face the camera there.
+constexpr double SkyShoulder = 28.0;
+constexpr double SkyFoot = 42.0;
 
 constexpr Paint Turf{1.0, 1.0, 1.0, 1.0};
 constexpr Paint LightWood{0.93, 0.72, 0.47, 0.0};
 constexpr Paint DarkWood{0.55, 0.34, 0.19, 0.0};
 // Brighter than the picture itself: what hangs over the stadium is seen from its unlit side.
-constexpr Paint Zenith{1.20, 1.18, 1.26, 1.0};
-constexpr Paint Horizon{1.32, 1.20, 1.12, 1.0};
+constexpr Paint Zenith{1.07, 1.05, 1.12, 1.0};
+constexpr Paint Horizon{1.20, 0.995, 0.87, 0.30};
 
-double Coordinate(int i, int cells, double half) { return half * (2.0 * i / cells - 1.0); }
+/// Cells of equal size over a square.
+std::vector<double> Even(int cells, double half) {
+  std::vector<double> places;
+  for (int i = 0; i <= cells; ++i) places.push_back(half * (2.0 * i / cells - 1.0));
+  return places;
+}
 
-/// A square of cells on which `vertex` tells the vertex at (x, z).
-template <typename VertexAt> void Grid(Mesh &mesh, int cells, double half, VertexAt vertex) {
+/// A square of cells between places along both axes, on which `vertex` tells the vertex at (x, z).
+template <typename VertexAt> void Grid(Mesh &mesh, const std::vector<double> &places, VertexAt vertex) {
+  const int cells = static_cast<int>(places.size()) - 1;
   std::vector<int> numbers;
-  for (int row = 0; row <= cells; ++row)
-    for (int column = 0; column <= cells; ++column)
-      numbers.push_back(mesh.Add(vertex(Coordinate(column, cells, half), Coordinate(row, cells, half))));
+  for (const double z : places)
+    for (const double x : places) numbers.push_back(mesh.Add(vertex(x, z)));
   for (int row = 0; row < cells; ++row)
     for (int column = 0; column < cells; ++column) {
       const std::size_t corner = static_cast<std::size_t>(row * (cells + 1) + column);
@@ -41,30 +49,36 @@ template <typename VertexAt> void Grid(Mesh &mesh, int cells, double half, Verte
     }
 }
 
-double ArchHeight(double x, double z, double half) {
-  const double share = std::min(1.0, (x * x + z * z) / (half * half));
-  const double square =
-      std::max(std::abs(x), std::abs(z)) / half; // all of the border lies at the same height
-  return -CrownDepth - (Thickness - CrownDepth) * std::max(share * 0.8, std::pow(square, 6.0));
+/// Distance from the middle on a plan like that of the stands, a square with round corners.
+double Away(double x, double z) { return std::pow(std::pow(x, 4.0) + std::pow(z, 4.0), 0.25); }
+
+double ArchHeight(double x, double z) {
+  const double away = Away(x, z);
+  const double vault = 0.35 * std::min(1.0, away * away / (SkyShoulder * SkyShoulder));
+  return -CrownDepth - vault - (Thickness - CrownDepth - 0.35) * SmoothStep(SkyShoulder, SkyFoot, away);
 }
 
 } // namespace
 
 Mesh MakeTable() {
   Mesh mesh;
-  Grid(mesh, TopCells, HalfSide, [](double x, double z) {
+  Grid(mesh, Even(TopCells, HalfSide), [](double x, double z) {
     return Vertex{{x, 0.0, z}, {0.0, 1.0, 0.0}, Turf};
   });
 
-  const double half = HalfSide - Undercut;
-  Grid(mesh, ArchCells, half, [half](double x, double z) {
+  std::vector<double> places;
+  for (const double place :
+       {6.0, 14.0, 21.0, 26.0, 29.5, 33.0, 36.0, 39.0, 42.0, 56.0, HalfSide - Undercut}) {
+    places.insert(places.begin(), -place);
+    places.push_back(place);
+  }
+  Grid(mesh, places, [](double x, double z) {
     constexpr double Step = 0.5;
-    const double alongX = ArchHeight(x + Step, z, half) - ArchHeight(x - Step, z, half);
-    const double alongZ = ArchHeight(x, z + Step, half) - ArchHeight(x, z - Step, half);
-    const double share = std::min(1.0, std::hypot(x, z) / half);
-    return Vertex{{x, ArchHeight(x, z, half), z},
+    const double alongX = ArchHeight(x + Step, z) - ArchHeight(x - Step, z);
+    const double alongZ = ArchHeight(x, z + Step) - ArchHeight(x, z - Step);
+    return Vertex{{x, ArchHeight(x, z), z},
                   Normalized({alongX / (2.0 * Step), -1.0, alongZ / (2.0 * Step)}),
-                  Mix(Zenith, Horizon, SmoothStep(0.1, 0.8, share))};
+                  Mix(Zenith, Horizon, SmoothStep(12.0, 38.0, Away(x, z)))};
   });
 
   // The edge: upright below the top, then rounded in to the underside.

@@ -22,108 +22,169 @@ template <class Painter> Canvas Painted(int size, Painter painter) {
   return canvas;
 }
 
-/// Round heaps: 1 in the middle of a heap, falling to 0 halfway to the next. Repeats after `cells` heaps.
-double Puffs(double u, double v, int cells, std::uint32_t seed) {
-  const double x = u * cells, y = v * cells;
-  const int left = static_cast<int>(std::floor(x)), top = static_cast<int>(std::floor(y));
-  double nearest = 2;
-  for (int row = top - 1; row <= top + 1; ++row) {
-    for (int column = left - 1; column <= left + 1; ++column) {
-      const auto wrap = [&](int at) { return static_cast<std::uint32_t>((at % cells + cells) % cells); };
-      const double dx = column + Hash(wrap(column), wrap(row), seed) - x;
-      const double dy = row + Hash(wrap(column), wrap(row), seed + 500) - y;
-      nearest = std::min(nearest, dx * dx + dy * dy);
-    }
-  }
-  return 1 - std::min(1.0, std::sqrt(nearest));
-}
-
 } // namespace
 
 Canvas Grass() {
   // One repeat is 33 scene units: two mown stripes across the field.
-  constexpr Paint Light{0.40, 0.70, 0.29}, Dark{0.28, 0.58, 0.24}, Dry{0.56, 0.68, 0.32};
-  return Painted(512, [&](double u, double v, int x, int y) {
+  constexpr int Size = 1024;
+  constexpr std::uint32_t Blades = 90000;
+  constexpr Paint Light{0.43, 0.73, 0.30}, Dark{0.27, 0.57, 0.24}, Dry{0.56, 0.68, 0.32};
+  // Blade over blade, leaning the way that the mower went. What lies deep between them is dim.
+  std::vector<double> grain(static_cast<std::size_t>(Size) * Size, 0.80);
+  for (std::uint32_t blade = 0; blade < Blades; ++blade) {
+    double x = Size * Hash(blade, 1, 11), y = Size * Hash(blade, 2, 11);
+    const double lean = 0.9 * (Hash(blade, 3, 11) - 0.5), bright = 0.84 + 0.24 * Hash(blade, 4, 11);
+    const double length = 9 + 12 * Hash(blade, 5, 11);
+    const double way = std::sin(2 * Pi * y / Size) > 0 ? 1 : -1;
+    for (double step = 0; step < length; step += 1) {
+      const double share = step / length; // from its foot to its tip
+      const int left = static_cast<int>(std::floor(x));
+      for (int px = left - 1; px <= left + 2; ++px) {
+        const double cover = 1 - Step(0.5, 1.5 - 0.5 * share, std::abs(px + 0.5 - x));
+        const auto wrap = [](int place) { return static_cast<std::size_t>((place % Size + Size) % Size); };
+        double &at = grain[wrap(static_cast<int>(std::floor(y))) * Size + wrap(px)];
+        at += (bright * (0.90 + 0.14 * share) - at) * cover;
+      }
+      x += lean;
+      y -= way;
+    }
+  }
+  return Painted(Size, [&](double u, double v, int x, int y) {
     const double stripe = Step(-0.09, 0.09, std::sin(2 * Pi * v));
     Paint paint = Mix(Dark, Light, stripe);
     paint = Mix(paint, Dry, 0.16 * Step(0.55, 0.85, Cloud(u, v, 5, 3, 3)));
-    // Blades, leaning the way that the mower went.
-    const double blade =
-        Hash(static_cast<std::uint32_t>(x), static_cast<std::uint32_t>(y) / 3U, stripe > 0.5 ? 1 : 2);
-    const double grain = 0.86 + 0.2 * blade + 0.12 * (Cloud(u, v, 24, 3, 9) - 0.5);
-    return Paint{paint.r * grain, paint.g * grain, paint.b * grain};
+    const double here = grain[static_cast<std::size_t>(y) * Size + static_cast<std::size_t>(x)] +
+                        0.10 * (Cloud(u, v, 24, 3, 9) - 0.5);
+    return Paint{paint.r * here, paint.g * here, paint.b * here};
   });
 }
 
 Canvas Sky() {
-  // One repeat is 333 scene units of the sky over the stadium: heaps of cloud in the light of a low sun.
-  constexpr int Size = 1024;
-  constexpr Paint Lilac{0.66, 0.58, 0.90}, Rose{0.90, 0.72, 0.86}, Peach{1.0, 0.83, 0.70},
-      White{1.0, 0.985, 0.95}, Under{0.78, 0.66, 0.85};
-  constexpr double Cover = 0.505; // density from which on there is cloud
-  std::vector<double> density;
-  density.reserve(static_cast<std::size_t>(Size) * Size);
-  for (int y = 0; y < Size; ++y) {
-    for (int x = 0; x < Size; ++x) {
-      const double u = (x + 0.5) / Size, v = (y + 0.5) / Size;
-      const double wu = u + 0.05 * (Noise(u, v, 6, 61) - 0.5), wv = v + 0.05 * (Noise(u, v, 6, 62) - 0.5);
-      const double puffs = 0.6 * Puffs(wu, wv, 7, 31) + 0.4 * Puffs(wu, wv, 15, 32);
-      density.push_back(0.74 * Cloud(wu, wv, 3, 6, 21) + 0.26 * puffs);
+  // One repeat is 333 scene units of the sky over the stadium: heaps of cloud in the light of a low sun. They
+  // are modelled in relief and lit from the start's corner, so that their near side glows.
+  constexpr int Size = 1024, Clouds = 11;
+  constexpr Paint Lilac{0.60, 0.55, 0.88}, Rose{0.74, 0.62, 0.88}, Peach{1.0, 0.86, 0.78},
+      White{1.0, 0.985, 0.955}, Under{0.76, 0.66, 0.87};
+  std::vector<double> relief(static_cast<std::size_t>(Size) * Size);
+  const auto index = [](int x, int y) {
+    const auto wrap = [](int place) { return static_cast<std::size_t>((place % Size + Size) % Size); };
+    return wrap(y) * Size + wrap(x);
+  };
+  const auto heap = [&](double x, double y, double radius) {
+    const int reach = static_cast<int>(radius) + 1;
+    for (int dy = -reach; dy <= reach; ++dy) {
+      for (int dx = -reach; dx <= reach; ++dx) {
+        const double rest = 1 - (dx * dx + dy * dy) / (radius * radius);
+        if (rest <= 0) continue;
+        double &height = relief[index(static_cast<int>(x) + dx, static_cast<int>(y) + dy)];
+        height = std::max(height, radius * std::sqrt(rest));
+      }
+    }
+  };
+  for (std::uint32_t cloud = 0; cloud < Clouds; ++cloud) {
+    // Spread over the repeat by steps that never meet again, then in random heaps: large in the middle.
+    const double x = Size * (cloud * 0.754878 + 0.05 * Hash(cloud, 1, 7)), y = Size * cloud * 0.569840;
+    const double wide = 70 + 80 * Hash(cloud, 2, 7), tall = 0.45 * wide;
+    for (std::uint32_t puff = 0; puff < 34; ++puff) {
+      const double turn = 2 * Pi * Hash(puff, cloud, 8), away = std::sqrt(Hash(puff, cloud, 9));
+      const double radius = wide * (0.16 + 0.26 * (1 - away) + 0.10 * Hash(puff, cloud, 10));
+      heap(x + wide * away * std::cos(turn), y + tall * away * std::sin(turn), radius);
     }
   }
-  const auto at = [&](int x, int y) {
-    const auto wrap = [](int place) { return static_cast<std::size_t>((place % Size + Size) % Size); };
-    return density[wrap(y) * Size + wrap(x)];
+  // The relief frays, and is blurred where it would be too sharp for a sky.
+  const auto blur = [&](int reach) {
+    for (const bool across : {true, false}) {
+      const std::vector<double> from = relief;
+      for (int y = 0; y < Size; ++y) {
+        for (int x = 0; x < Size; ++x) {
+          double sum = 0;
+          for (int i = -reach; i <= reach; ++i) sum += across ? from[index(x + i, y)] : from[index(x, y + i)];
+          relief[index(x, y)] = sum / (2 * reach + 1);
+        }
+      }
+    }
   };
+  for (int y = 0; y < Size; ++y) {
+    for (int x = 0; x < Size; ++x) {
+      relief[index(x, y)] *= 0.62 + 0.76 * Cloud((x + 0.5) / Size, (y + 0.5) / Size, 10, 4, 21);
+    }
+  }
+  blur(4);
+  blur(4);
   return Painted(Size, [&](double u, double v, int x, int y) {
-    const Paint clear = Mix(Lilac, Rose, Step(0.25, 0.75, Cloud(u, v, 3, 3, 40)));
-    const double here = at(x, y);
-    const double cover = Step(Cover - 0.02, Cover + 0.07, here);
-    // The side of a heap that looks to the sun is peach and white, its thick middle lilac.
-    const double lit =
-        Step(-0.10, 0.14, here - at(x - 20, y - 26)) * (1 - 0.3 * Step(Cover + 0.12, Cover + 0.26, here));
-    const Paint cloud = Mix(Mix(Under, Peach, Step(0.05, 0.65, lit)), White, Step(0.45, 0.95, lit));
-    return Mix(clear, cloud, 0.95 * cover);
+    const Paint clear = Mix(Lilac, Rose, Step(0.3, 0.7, Cloud(u, v, 2, 3, 40)));
+    const double here = relief[index(x, y)];
+    const double slopeX = (relief[index(x + 3, y)] - relief[index(x - 3, y)]) / 6;
+    const double slopeY = (relief[index(x, y + 3)] - relief[index(x, y - 3)]) / 6;
+    const double lit = 0.5 - 0.33 * slopeX - 0.42 * slopeY;
+    const Paint cloud = Mix(Mix(Under, Peach, Step(0.15, 0.60, lit)), White, Step(0.50, 0.95, lit));
+    return Mix(clear, cloud, 0.96 * Step(1.5, 20.0, here));
   });
 }
 
 Canvas Crowd() {
   // One repeat is 100 scene units of the stands, seen from above: rows of people in mixed colours.
-  constexpr int Size = 1024, Rows = 48, Seats = 68;
+  constexpr int Size = 1024, Rows = 50, Seats = 56;
   constexpr Paint Shirts[] = {{0.86, 0.26, 0.22}, {0.95, 0.78, 0.22}, {0.24, 0.48, 0.84}, {0.96, 0.94, 0.90},
                               {0.50, 0.32, 0.72}, {0.92, 0.50, 0.20}, {0.28, 0.66, 0.40}, {0.80, 0.30, 0.56},
                               {0.20, 0.24, 0.36}, {0.93, 0.86, 0.70}};
-  constexpr Paint Skins[] = {{0.98, 0.80, 0.64}, {0.88, 0.66, 0.48}, {0.62, 0.42, 0.28}, {0.42, 0.28, 0.18}};
+  constexpr Paint Skins[] = {{1.0, 0.83, 0.68}, {0.92, 0.70, 0.52}, {0.68, 0.46, 0.31}, {0.46, 0.30, 0.20}};
   constexpr Paint Hairs[] = {
-      {0.16, 0.10, 0.08}, {0.40, 0.24, 0.12}, {0.86, 0.72, 0.40}, {0.93, 0.30, 0.24}, {0.96, 0.96, 0.94}};
+      {0.16, 0.10, 0.08}, {0.36, 0.21, 0.11}, {0.88, 0.72, 0.38}, {0.93, 0.26, 0.20}, {0.96, 0.96, 0.94}};
+  constexpr Paint Gloom{0.09, 0.07, 0.14}, Seat{0.40, 0.34, 0.52};
   Canvas canvas = Painted(Size, [](double u, double v, int, int) {
     const double step = std::abs(v * Rows - std::floor(v * Rows) - 0.5) * 2;
-    const double shade = 0.22 + 0.10 * step + 0.05 * Noise(u, v, 64, 4);
+    const double shade = 0.19 + 0.10 * step + 0.05 * Noise(u, v, 64, 4);
     return Paint{shade, shade * 0.92, shade * 1.12};
   });
   constexpr double Pitch = static_cast<double>(Size) / Rows, Place = static_cast<double>(Size) / Seats;
+  const auto limb = [&](double x, double y, double toX, double toY, double width, const Paint &paint) {
+    for (int i = 0; i <= 4; ++i)
+      canvas.Blob(x + (toX - x) * i / 4, y + (toY - y) * i / 4, width, width, paint);
+  };
   for (int row = 0; row < Rows; ++row) {
     for (int seat = 0; seat < Seats; ++seat) {
       const auto draw = [&](std::uint32_t what) {
         return Hash(static_cast<std::uint32_t>(seat), static_cast<std::uint32_t>(row), what);
       };
-      if (draw(1) < 0.04) continue; // an empty seat
-      const double x = (seat + 0.5 + 0.28 * (draw(2) - 0.5) + (row % 2) * 0.5) * Place;
-      const double y = (row + 0.5 + 0.24 * (draw(3) - 0.5)) * Pitch;
+      const double acrossX = (seat + 0.5) / Seats, acrossY = (row + 0.5) / Rows;
+      const double seatX = (seat + 0.5 + (row % 2) * 0.5) * Place, seatY = (row + 0.5) * Pitch;
+      if (draw(1) < 0.03 + 0.5 * Step(0.74, 0.84, Noise(acrossX, acrossY, 11, 55))) { // nobody came
+        canvas.Blob(seatX, seatY + 3.5, 6.4, 3.6, Gloom, 0.8);
+        canvas.Blob(seatX, seatY - 0.5, 6.0, 4.6, Seat);
+        continue;
+      }
+      const double x = seatX + 0.26 * (draw(2) - 0.5) * Place, y = seatY + 0.22 * (draw(3) - 0.5) * Pitch;
       // Friends come in the same colour.
-      const double taste = 0.55 * Noise((seat + 0.5) / Seats, (row + 0.5) / Rows, 9, 70) + 0.45 * draw(4);
+      const double taste = 0.55 * Noise(acrossX, acrossY, 9, 70) + 0.45 * draw(4);
       const Paint &shirt = Shirts[static_cast<std::size_t>(taste * 9.999)];
       const Paint &skin = Skins[static_cast<std::size_t>(draw(5) * draw(5) * 3.999)];
       const Paint &hair = Hairs[static_cast<std::size_t>(draw(6) * 4.999)];
-      canvas.Blob(x + 1.2, y + 4.6, 7.6, 8.4, {0.10, 0.08, 0.16}, 0.6);
-      canvas.Blob(x, y + 7.0, 5.2, 4.6, {shirt.r * 0.62, shirt.g * 0.62, shirt.b * 0.68});
-      canvas.Blob(x, y + 2.6, 6.4, 5.8, shirt);
-      if (draw(7) < 0.3) {
-        canvas.Blob(x - 6.4, y - 3.5, 2.1, 4.2, skin);
-        canvas.Blob(x + 6.4, y - 3.5, 2.1, 4.2, skin);
+      const Paint sleeve = Mix(shirt, Gloom, 0.30);
+      canvas.Blob(x + 0.8, y + 3.6, 9.0, 8.4, Gloom, 0.75);
+      canvas.Blob(x, y + 6.0, 7.6, 5.4, Mix(shirt, Gloom, 0.45));
+      canvas.Blob(x, y + 3.2, 8.0, 5.0, sleeve);
+      canvas.Blob(x, y + 2.4, 6.0, 4.6, shirt);
+      if (draw(7) < 0.20) { // both arms up
+        limb(x - 7.2, y + 1.5, x - 8.2, y - 9.5, 2.0, skin);
+        limb(x + 7.2, y + 1.5, x + 8.2, y - 9.5, 2.0, skin);
+      } else if (draw(7) < 0.32) { // one arm waves
+        const double side = draw(8) < 0.5 ? -1.0 : 1.0;
+        limb(x + side * 7.0, y + 1.5, x + side * 9.5, y - 8.0, 2.0, skin);
       }
-      canvas.Blob(x, y - 5.2, 3.7, 4.0, skin);
-      canvas.Blob(x, y - 7.4, 3.7, 2.2, hair);
+      canvas.Blob(x, y - 4.6, 5.9, 6.2, Gloom, 0.70);
+      canvas.Blob(x, y - 4.4, 4.7, 5.0, skin);
+      canvas.Blob(x, y - 7.2, 4.7, 2.9, hair);
+      if (draw(9) < 0.22) // a scarf
+        canvas.Blob(x, y + 0.6, 5.2, 1.5,
+                    Mix(Shirts[static_cast<std::size_t>(draw(10) * 9.999)], {1, 1, 1}, 0.25));
+      if (draw(11) < 0.022) { // a flag on a stick
+        const Paint &flag = Shirts[static_cast<std::size_t>(draw(12) * 6.999)];
+        limb(x + 8.5, y + 1.0, x + 8.5, y - 21.0, 1.1, {0.9, 0.88, 0.84});
+        for (int i = 0; i < 9; ++i)
+          canvas.Blob(x + 10.5 + i * 1.8, y - 16.5 + 1.6 * std::sin(i * 0.8), 1.9, 5.2,
+                      i % 3 == 1 ? Paint{1, 1, 1} : flag);
+      }
     }
   }
   return canvas;
@@ -133,17 +194,17 @@ Canvas Paper() {
   // The sheet lies over the folded piece at a slant: u runs along p, the direction of the piece's left leg,
   // and v against q, that of its right leg, shortened by the slant. Places below are told in the piece's own
   // x and z.
-  constexpr int Size = 512, Rules = 12;
+  constexpr int Size = 512, Rules = 10;
   constexpr double Scale = 0.19, Top = 0.34; // repeats to the unit; height of the piece's top
   const double alongP = Scale, alongQ = -Scale / std::sqrt(3.0), alongY = 2 * Scale / std::sqrt(6.0);
   constexpr double MarginU = 0.86; // falls once on the piece, near its middle
-  constexpr Paint White{0.985, 0.975, 0.945}, Rule{0.40, 0.60, 0.92}, Margin{0.93, 0.33, 0.36},
+  constexpr Paint White{0.985, 0.975, 0.945}, Rule{0.24, 0.47, 0.90}, Margin{0.92, 0.22, 0.28},
       Pencil{0.26, 0.26, 0.33};
   Canvas canvas = Painted(Size, [&](double u, double v, int, int) {
     const double fibre = 0.97 + 0.05 * (Cloud(u, v, 16, 4, 5) - 0.5);
     Paint paint{White.r * fibre, White.g * fibre, White.b * fibre};
     const double rule = std::abs(v * Rules - std::floor(v * Rules) - 0.5) / Rules;
-    paint = Mix(paint, Rule, 0.85 * (1 - Step(0.0050, 0.0095, rule)));
+    paint = Mix(paint, Rule, 0.9 * (1 - Step(0.0058, 0.0105, rule)));
     for (const double margin : {MarginU, MarginU + 0.045})
       paint = Mix(paint, Margin, 0.9 * (1 - Step(0.006, 0.011, std::abs(u - margin))));
     return paint;

@@ -14,9 +14,9 @@ constexpr float GroundColor[] = {0.28f, 0.26f, 0.26f};
 constexpr float FillInShade = 0.72f;
 
 // A surface that glows has part of its light of itself, and the lights shape it with the rest.
-constexpr float GlowLight = 0.50f;
+constexpr float GlowLight = 0.68f;
 constexpr float GlowTakesFill = 0.5f;
-constexpr float GlowTakesKey = 0.45f;
+constexpr float GlowTakesKey = 0.58f;
 
 // The key light is a pool over the field.
 constexpr float PoolRadius = 60.0f; ///< scene units of full light
@@ -28,6 +28,9 @@ constexpr float PoolEdge = 0.70f;   ///< of the light that is left there
 constexpr float Shoulder = 0.55f;
 /// Part of its brightness that a strong colour takes on in the parts that it lacks, as on film.
 constexpr float Crosstalk = 0.05f;
+/// The same for what is brighter than `Glare`: a gleam is nearly white.
+constexpr float GlareCrosstalk = 0.30f;
+constexpr float Glare = 1.5f;
 
 float Pool(const Vector &place) {
   const float distance = std::sqrt(place.x * place.x + place.z * place.z);
@@ -44,9 +47,10 @@ float HeldBack(float brightness) {
 /// From light to a colour as stored.
 void Store(const float (&light)[3], bool pictured, float (&stored)[3]) {
   const float brightness = 0.3f * light[0] + 0.6f * light[1] + 0.1f * light[2];
+  const float crosstalk = Crosstalk + GlareCrosstalk * std::clamp(brightness - Glare, 0.0f, 1.0f);
   for (int part = 0; part < 3; ++part) {
     const float own = light[part];
-    stored[part] = std::sqrt(pictured ? own : HeldBack(own + Crosstalk * std::max(brightness - own, 0.0f)));
+    stored[part] = std::sqrt(pictured ? own : HeldBack(own + crosstalk * std::max(brightness - own, 0.0f)));
   }
 }
 
@@ -76,6 +80,9 @@ VertexLight LightOf(const Vector &place, const Vector &normal, const FaceColor &
     shade[part] = base * constant * FillInShade;
     lit[part] = base * (constant + KeyColor[part] * pool * facing * (1.0f - GlowTakesKey * glow));
   }
+  // On a steep side the edge of a shadow would smear: only what lies about level takes one.
+  const float level = std::clamp((normal.y - 0.4f) / 0.5f, 0.0f, 1.0f);
+  for (int part = 0; part < 3; ++part) shade[part] = lit[part] + (shade[part] - lit[part]) * level;
   VertexLight light{};
   light.TextureShare = color.Alpha;
   Store(shade, pictured, light.Shade);

@@ -45,6 +45,15 @@ std::optional<QRect> Covered(const Bounds &box, const QMatrix4x4 &toClip, QSize 
   return rect;
 }
 
+/// From the clip space of a picture to that of a part of it.
+QMatrix4x4 ToPart(const QRect &part, QSize whole) {
+  const auto share = [](int length, int of) { return static_cast<float>(length) / static_cast<float>(of); };
+  const float width = share(part.width(), whole.width()), height = share(part.height(), whole.height());
+  const float x = 2.0f * share(part.x(), whole.width()) + width - 1.0f;
+  const float y = 2.0f * share(part.y(), whole.height()) + height - 1.0f;
+  return {1.0f / width, 0, 0, -x / width, 0, 1.0f / height, 0, -y / height, 0, 0, 1, 0, 0, 0, 0, 1};
+}
+
 } // namespace
 
 Painter::Painter(Gl &gl, const PaintQuality &quality)
@@ -62,11 +71,12 @@ void Painter::Paint(std::span<const Placed> placed, const Transform &camera, flo
   for (const Placed &each : placed) {
     GpuMesh &mesh = store_.Mesh(*each.Mesh);
     mesh.Upload(**each.Mesh, each.Place);
-    items.push_back({each, &mesh, Moved(mesh.Box(), each.Place)});
+    items.push_back({each, &mesh, Moved(mesh.Box(), each.Place), false});
   }
   // What is small lies in front of what is large: what it hides needn't be shaded.
   std::ranges::stable_sort(items, {}, [](const Item &item) { return item.Box.Extent(); });
-  std::ranges::copy_if(items, std::back_inserter(grounds), IsGround);
+  MarkGround(items);
+  std::ranges::copy_if(items, std::back_inserter(grounds), &Item::Ground);
 
   gl_.glEnable(GL_DEPTH_TEST);
   gl_.glDisable(GL_CULL_FACE);
@@ -75,6 +85,7 @@ void Painter::Paint(std::span<const Placed> placed, const Transform &camera, flo
   const QMatrix4x4 projection =
       Projection(static_cast<float>(size.width()) / static_cast<float>(size.height()), back);
   toClip_ = projection * MatrixOf(camera).inverted();
+  shown_ = toClip_;
   camera_ = QVector3D(camera.Origin.x, camera.Origin.y, camera.Origin.z);
   bound_ = nullptr;
   target_->Begin(FogColor[0], FogColor[1], FogColor[2]);
@@ -86,9 +97,9 @@ void Painter::Paint(std::span<const Placed> placed, const Transform &camera, flo
   gl_.glFrontFace(GL_CCW);
   bool groundDrawn = false;
   for (const Item &item : items) {
-    if (!IsGround(item)) {
+    if (!item.Ground) {
       DrawItem(item, 0);
-    } else if (!groundDrawn) {
+    } else if (!groundDrawn && IsWide(item)) {
       groundDrawn = true;
       DrawGrounds(grounds, size);
     }
@@ -106,16 +117,19 @@ void Painter::DrawGrounds(std::span<const Item> grounds, QSize size) {
     if (!covered) continue;
     gl_.glScissor(covered->x(), covered->y(), covered->width(), covered->height());
     softness_ = Shadows::InMap(region.Softness);
+    halo_ = Shadows::InMap(region.Halo);
+    shown_ = ToPart(*covered, size) * toClip_;
     bound_ = nullptr;
     for (const Item &ground : grounds) DrawItem(ground, quality_.ShadowTaps);
   }
+  shown_ = toClip_;
   gl_.glDisable(GL_SCISSOR_TEST);
   for (const Item &ground : grounds) DrawItem(ground, 0);
 }
 
 void Painter::DrawItem(const Item &item, int taps) {
-  const QMatrix4x4 toClip = toClip_ * item.Where.ToWorld;
-  if (Outside(item.Mesh->Box(), toClip)) return;
+  const QMatrix4x4 shown = shown_ * item.Where.ToWorld;
+  if (Outside(item.Mesh->Box(), shown)) return;
   const auto &material = (*item.Where.Mesh)->Material();
   const auto &texture = (*item.Where.Mesh)->Texture();
   const ColorValue specular = material ? material->Specular : ColorValue{};
@@ -128,7 +142,7 @@ void Painter::DrawItem(const Item &item, int taps) {
   surface.setUniformValue("toWorld", item.Where.ToWorld);
   surface.setUniformValue("specular", QVector3D(specular.Red, specular.Green, specular.Blue));
   if (texture) gl_.glBindTexture(GL_TEXTURE_2D, store_.Texture(texture));
-  item.Mesh->Draw(toClip);
+  item.Mesh->Draw(shown);
 }
 
 /// The program for surfaces of one kind: a test that never changes isn't made at every fragment.
@@ -155,4 +169,5 @@ void Painter::SetScene(QOpenGLShaderProgram &surface) {
   surface.setUniformValue("picture", 0);
   surface.setUniformValue("shadows", 1);
   surface.setUniformValue("softness", softness_);
+  surface.setUniformValue("halo", halo_);
 }

@@ -15,7 +15,7 @@
 struct PaintQuality {
   int Samples;    ///< of a pixel, 0 for one
   int ShadowSize; ///< pixels of the shadow map's sides
-  int ShadowTaps; ///< looks at the shadow map for a pixel: 1 or 8
+  int ShadowTaps; ///< looks at the shadow map for what lies around a pixel
   float Anisotropy;
 };
 
@@ -46,6 +46,7 @@ private:
   std::map<std::pair<int, bool>, std::unique_ptr<QOpenGLShaderProgram>> surfaces_;
   QOpenGLShaderProgram *bound_ = nullptr;
   QMatrix4x4 toClip_;
+  QMatrix4x4 shown_; ///< the same, or the clip space of the part that is drawn now
   QVector3D camera_;
-  float softness_ = 0; ///< of the shadows that are drawn now, in parts of the map
+  float softness_ = 0, halo_ = 0; ///< of the shadows that are drawn now, in parts of the map
 };

@@ -19,7 +19,7 @@
 namespace {
 
 constexpr PaintQuality FullPaint{.Samples = 4, .ShadowSize = 2048, .ShadowTaps = 8, .Anisotropy = 8.0f};
-constexpr PaintQuality LowPaint{.Samples = 0, .ShadowSize = 1024, .ShadowTaps = 1, .Anisotropy = 1.0f};
+constexpr PaintQuality LowPaint{.Samples = 0, .ShadowSize = 1024, .ShadowTaps = 4, .Anisotropy = 1.0f};
 
 constexpr std::size_t MeasuredPictures = 8;
 constexpr double SlowPicture = 8.0;  ///< ms: a middle picture dearer than this chooses the low level

@@ -54,12 +54,13 @@ void main() {
 }
 )";
 
-// SHADOW_TAPS is defined in front of it: 0, the surface takes no shadow; 1, one look; 8, looks around a
-// circle for a soft edge. PICTURED is 1 for a surface with a texture.
+// SHADOW_TAPS is defined in front of it, the number of looks for the halo of a shadow; 0, the surface takes
+// none. PICTURED is 1 for a surface with a texture.
 inline constexpr const char *SurfaceFragmentShader = R"(
 uniform sampler2D picture;
 uniform sampler2DShadow shadows;
 uniform float softness; // radius of a shadow's soft edge, in parts of the map
+uniform float halo;     // radius up to which a thing keeps light from the ground around it
 uniform vec3 fogColor;
 in vec2 surfaceCoordinate;
 in vec4 shadeLight;
@@ -67,17 +68,31 @@ in vec3 litLight;
 in vec3 shadowPlace;
 in float fog;
 out vec4 result;
-#if SHADOW_TAPS > 1
-float Look(float x, float y) { return texture(shadows, shadowPlace + vec3(x, y, 0.0) * softness); }
+#if SHADOW_TAPS > 0
+float Look(vec2 away) { return texture(shadows, shadowPlace + vec3(away, 0.0)); }
+float Lit() {
+#if SHADOW_TAPS > 4
+  float core = 0.25 * (Look(softness * vec2(0.6, 0.3)) + Look(softness * vec2(-0.3, 0.6)) +
+                       Look(softness * vec2(-0.6, -0.3)) + Look(softness * vec2(0.3, -0.6)));
+#else
+  float core = Look(vec2(0.0));
+#endif
+  // Looks on a spiral, each at the golden angle from the last.
+  const mat2 turn = mat2(-0.737369, 0.675490, -0.675490, -0.737369);
+  vec2 way = vec2(halo, 0.0);
+  float around = 0.0;
+  for (int i = 0; i < SHADOW_TAPS; ++i) {
+    way = turn * way;
+    around += Look(way * sqrt((float(i) + 0.5) / float(SHADOW_TAPS)));
+  }
+  around /= float(SHADOW_TAPS);
+  return core * around * around;
+}
 #endif
 void main() {
   vec3 light = litLight;
-#if SHADOW_TAPS == 1
-  light = mix(shadeLight.rgb, litLight, texture(shadows, shadowPlace));
-#elif SHADOW_TAPS == 8
-  float share = Look(0.35, 0.15) + Look(-0.15, 0.35) + Look(-0.35, -0.15) + Look(0.15, -0.35) +
-                Look(0.60, -0.70) + Look(0.70, 0.60) + Look(-0.60, 0.70) + Look(-0.70, -0.60);
-  light = mix(shadeLight.rgb, litLight, 0.125 * share);
+#if SHADOW_TAPS > 0
+  light = mix(shadeLight.rgb, litLight, Lit());
 #endif
 #if PICTURED
   light *= mix(vec3(1.0), texture(picture, surfaceCoordinate).rgb, shadeLight.a);

@@ -17,6 +17,9 @@ constexpr float LargestGround = 260.0f;
 constexpr float Softness = 0.22f; ///< scene units, of a thing on the ground
 constexpr float SoftnessPerRise = 0.022f;
 constexpr float LargestSoftness = 1.6f;
+constexpr float Halo = 1.5f;
+constexpr float HaloPerRise = 0.02f;
+constexpr float LargestHalo = 3.0f;
 constexpr float Margin = 0.5f; ///< scene units around a shadow
 
 QMatrix4x4 ToLight() {
@@ -49,9 +52,18 @@ bool Overlap(const Bounds &a, const Bounds &b) {
 
 } // namespace
 
-bool IsGround(const Item &item) {
+bool IsWide(const Item &item) {
   const float extent = item.Box.Extent();
   return extent > LargestThing && extent < LargestGround && item.Box.High.y - item.Box.Low.y < LargestThing;
+}
+
+void MarkGround(std::span<Item> items) {
+  for (Item &item : items) {
+    const auto carries = [&](const Item &each) {
+      return IsWide(each) && each.Where.Frame == item.Where.Frame;
+    };
+    item.Ground = IsWide(item) || (item.Box.Extent() <= LargestThing && std::ranges::any_of(items, carries));
+  }
 }
 
 Shadows::Shadows(Gl &gl, int size) : gl_(gl), size_(size) {
@@ -102,17 +114,16 @@ void Shadows::Update(std::span<const Item> items, std::span<const Item> grounds)
       ground.Widen(each.Box.High);
     }
     for (const Item &item : items) {
-      const bool isGround = std::ranges::any_of(
-          grounds, [&](const Item &each) { return each.Where.Frame == item.Where.Frame; });
       const float rise = item.Box.Low.y - ground.High.y;
-      if (isGround || item.Box.Extent() > LargestThing || item.Box.High.y < ground.High.y) continue;
+      if (item.Ground || item.Box.Extent() > LargestThing || item.Box.High.y < ground.High.y) continue;
       Bounds fallen = Fallen(item.Box, ground.High.y);
       const float softness = std::min(Softness + SoftnessPerRise * std::max(rise, 0.0f), LargestSoftness);
-      const float around = softness + Margin;
+      const float halo = std::min(Halo + HaloPerRise * std::max(rise, 0.0f), LargestHalo);
+      const float around = std::max(softness, halo) + Margin;
       fallen.Low = {fallen.Low.x - around, ground.High.y - Margin, fallen.Low.z - around};
       fallen.High = {fallen.High.x + around, ground.High.y + Margin, fallen.High.z + around};
       if (!Overlap(fallen, ground)) continue;
-      regions_.push_back({fallen, softness});
+      regions_.push_back({fallen, softness, halo});
       casters.push_back({item.Mesh, item.Where.ToWorld, (*item.Where.Mesh)->GeometryRevision()});
     }
   }

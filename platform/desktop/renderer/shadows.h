@@ -16,13 +16,15 @@
 struct Item {
   Placed Where;
   GpuMesh *Mesh;
-  Bounds Box; ///< in the scene
+  Bounds Box;  ///< in the scene
+  bool Ground; ///< takes shadows
 };
 
 /// Where on the ground the shadow of one thing lies.
 struct ShadowRegion {
   Bounds Ground;  ///< in the scene
   float Softness; ///< radius of the soft edge, scene units: a thing's shadow blurs as it rises
+  float Halo;     ///< radius of the dimness around the shadow
 };
 
 class Shadows {
@@ -34,8 +36,7 @@ public:
   Shadows(const Shadows &) = delete;
   Shadows &operator=(const Shadows &) = delete;
 
-  /// Finds what throws shadows on these grounds, and draws the map again if any of it has moved. What hangs
-  /// in a ground's own frame is part of the ground.
+  /// Finds what throws shadows on these grounds, and draws the map again if any of it has moved.
   void Update(std::span<const Item> items, std::span<const Item> grounds);
 
   std::span<const ShadowRegion> Regions() const { return regions_; }
@@ -65,5 +66,8 @@ private:
   std::vector<QRect> used_; ///< parts of the map that hold more than the greatest depth
 };
 
-/// Whether a mesh is ground: flat and wide, so that shadows on it show where things are.
-bool IsGround(const Item &item);
+/// Whether a mesh is flat and wide: shadows on it show where things are.
+bool IsWide(const Item &item);
+
+/// Marks what is wide, and what lies on it in the same frame.
+void MarkGround(std::span<Item> items);
