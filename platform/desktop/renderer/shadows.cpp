@@ -104,7 +104,7 @@ QMatrix4x4 Shadows::ToMap() {
 
 float Shadows::InMap(float length) { return length / (2.0f * Reach); }
 
-void Shadows::Update(std::span<const Item> items, std::span<const Item> grounds) {
+bool Shadows::Update(std::span<const Item> items, std::span<const Item> grounds) {
   regions_.clear();
   std::vector<Caster> casters;
   if (!grounds.empty()) {
@@ -127,8 +127,10 @@ void Shadows::Update(std::span<const Item> items, std::span<const Item> grounds)
       casters.push_back({item.Mesh, item.Where.ToWorld, (*item.Where.Mesh)->GeometryRevision()});
     }
   }
-  if (casters != drawn_) DrawMap(casters);
+  const bool moved = casters != drawn_;
+  if (moved) DrawMap(casters);
   drawn_ = std::move(casters);
+  return moved;
 }
 
 void Shadows::DrawMap(const std::vector<Caster> &casters) {
