@@ -42,7 +42,7 @@ void Bench(frmSnapwedge &window, const char *name, Quality quality, bool whole) 
   double processor = 0;
   for (int picture = 0; picture < Pictures; ++picture) {
     window.Wind();
-    window.AimFrame->AddRotation(D3DRMCOMBINE_BEFORE, 0, 1, 0, 0.01f);
+    window.AimFrame->AddRotation(D3DRMCOMBINE_BEFORE, 0, 1, 0, picture % 2 == 0 ? 0.05f : -0.05f);
     // A camera that moves leaves nothing of the last picture.
     if (whole) window.CameraFrame->SetPosition(window.CameraFrame, picture % 2 == 0 ? 0.01f : -0.01f, 0, 0);
     const double before = ProcessorMs();
