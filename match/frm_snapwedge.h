@@ -250,7 +250,7 @@ public:
   void Text2_KeyPress(std::int16_t KeyCode);
   [[noreturn]] void OtherSideLeft(); ///< tells that the other player has gone, and ends the program
 
-  Flag LastWait = False;      ///< the host waits for the match's last possession: after it nobody shoots any more
+  Flag LastWait = False; ///< the host waits for the match's last possession: after it nobody shoots any more
   Flag OtherSideOver = False; ///< the joiner has said that its last possession is over
 
   // front/end_cards.cpp

@@ -111,8 +111,8 @@ void frmSnapwedge::ShowOtherResult(std::int16_t MES) {
   card.Visible = false;
   RMCanvas1.SetFocus();
   Busy = False;
-  // The pause in which this card was waited for ends with it. The next shot may lie in the queue already, and it must
-  // not begin inside the one that this result belongs to.
+  // The pause in which this card was waited for ends with it. The next shot may lie in the queue already, and
+  // it must not begin inside the one that this result belongs to.
   FrameEnd = machine.timeGetTime();
 }
 

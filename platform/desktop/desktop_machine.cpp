@@ -53,6 +53,7 @@ DesktopMachine::DesktopMachine(int &argc, char **argv) {
   if (!ScreenStaysDark()) qInstallMessageHandler(before);
   application_->setQuitOnLastWindowClosed(false);
   application_->setApplicationDisplayName({});
+  application_->setDesktopFileName("org.snapwedge.Snapwedge");
   application_->setWindowIcon(QIcon(QString::fromStdString((AppPath() / "pictures" / "icon.png").string())));
   application_->installEventFilter(&pointer_);
 }
