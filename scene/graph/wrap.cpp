@@ -2,6 +2,7 @@
 
 #include "scene/graph/scene_error.h"
 
+#include <algorithm>
 #include <cmath>
 
 Direct3DRMWrap::Direct3DRMWrap(const Transform &system, const Vector &origin, const Vector &direction,
@@ -38,12 +39,12 @@ Direct3DRMWrap::Direct3DRMWrap(const Transform &system, const Vector &origin, co
 
 void Direct3DRMWrap::Apply(const Ref<Direct3DRMMeshBuilder3> &mesh) const {
   if (!mesh) throw SceneError("no mesh to wrap");
-  std::vector<TextureCoordinate> coordinates;
-  coordinates.reserve(mesh->Data().Positions.size());
-  for (const Vector &v : mesh->Data().Positions) {
+  const std::vector<Vector> &positions = mesh->Data().Positions;
+  std::vector<TextureCoordinate> coordinates(positions.size());
+  std::ranges::transform(positions, coordinates.begin(), [this](const Vector &v) -> TextureCoordinate {
     const double x = v.x - origin_.x, y = v.y - origin_.y, z = v.z - origin_.z;
-    coordinates.push_back({static_cast<float>(su_ * (x * along_.x + y * along_.y + z * along_.z) - ou_),
-                           static_cast<float>(sv_ * (x * across_.x + y * across_.y + z * across_.z) - ov_)});
-  }
+    return {static_cast<float>(su_ * (x * along_.x + y * along_.y + z * along_.z) - ou_),
+            static_cast<float>(sv_ * (x * across_.x + y * across_.y + z * across_.z) - ov_)};
+  });
   mesh->SetTextureCoordinates(std::move(coordinates));
 }
