@@ -250,8 +250,11 @@ public:
   void Text2_KeyPress(std::int16_t KeyCode);
   [[noreturn]] void OtherSideLeft(); ///< tells that the other player has gone, and ends the program
 
+  Flag Replaying = False; ///< a flick of the other side is being replayed, its cards and its kick included
+  Flag ReplayingKick = False; ///< a kick of the other side is being replayed, its card included
   Flag LastWait = False; ///< the host waits for the match's last possession: after it nobody shoots any more
-  Flag OtherSideOver = False; ///< the joiner has said that its last possession is over
+  Flag OtherSideOver = False;       ///< the joiner has said that its last possession is over
+  std::int32_t DroppedMessages = 0; ///< messages of the other side that broke a rule
 
   // front/end_cards.cpp
   void ShowHome(); ///< the card of a match that side A has won; returns when it has been closed

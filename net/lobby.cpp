@@ -165,7 +165,10 @@ void frmNewNet::CheckMessages() {
     program.InMsg = program.DP->Receive(program.FromId, program.ToId, DPRECEIVE_ALL);
     program.MsgCount -= 1;
     Polling = False;
+    if (program.InMsg->GetKind() == DirectPlayMessage::Kind::ConnectionLost)
+      throw DirectPlayError("the joiner has left already");
     machine.Pump();
+    if (Cancelled) return; // the session is closed
   }
 }
 

@@ -9,6 +9,7 @@
 namespace {
 
 constexpr std::int32_t NetworkLookMs = 5; ///< longest time between two looks while waiting for "Continue"
+constexpr float WeakestKick = 1.0f;       ///< a weaker one might never move the piece, and so never end
 
 /// Takes the oldest message and returns its tag; empty for one that begins with no text.
 std::string ReceiveTag(Program &program) {
@@ -55,49 +56,67 @@ void frmSnapwedge::CheckMessages() {
   const auto message = program.InMsg;
   if (message->GetKind() == DirectPlayMessage::Kind::ConnectionLost) OtherSideLeft();
 
+  bool taken = true;
   if (tag == "Flick") {
-    if (const auto shot = ReadShot(*message)) ReplayFlick(*shot);
+    const auto shot = ReadShot(*message);
+    // A shot begins behind the verdict of the one before, and none behind the match's last. The other side
+    // tells its result before its next shot, so in step nothing is ever dropped here.
+    taken = shot && !Replaying && !(LastWait && program.MyTurn);
+    if (taken) ReplayFlick(*shot);
   } else if (tag == "Goal") {
-    if (const auto shot = ReadShot(*message)) ReplayKick(*shot);
+    const auto shot = ReadShot(*message);
+    taken = shot && KickMode && !ReplayingKick && shot->Force >= WeakestKick;
+    if (taken) ReplayKick(*shot);
   } else if (tag == "MESSAGE") {
-    if (const auto line = ReadChat(*message)) {
+    const auto line = ReadChat(*message);
+    taken = line.has_value();
+    if (taken) {
       program.PlayOnce(program.SndWis1);
       Text1.Text = *line;
     }
   } else if (tag == "Version") {
-    if (const auto version = ReadVersion(*message)) {
-      Label5.Caption = "OV:" + version->Build + ":" + std::to_string(version->Number);
-    }
+    const auto version = ReadVersion(*message);
+    taken = version.has_value();
+    if (taken) Label5.Caption = "OV:" + version->Build + ":" + std::to_string(version->Number);
   } else if (tag == "Score") {
-    if (const auto score = ReadScore(*message, program.Rounds)) {
+    const auto score = ReadScore(*message, Round);
+    taken = score.has_value();
+    if (taken) {
       // The other side's own points are this side's Away Team's. A score only ever rises.
       if (score->Home > AwayScore) AwayScore = score->Home;
       if (score->Away > HomeScore) HomeScore = score->Away;
       PostScore();
     }
   } else if (tag == "RESULT") {
-    if (const auto result = ReadResult(*message)) ShowOtherResult(*result);
+    const auto result = ReadResult(*message);
+    taken = result.has_value();
+    if (taken) ShowOtherResult(*result);
   } else if (tag == "OVER") {
-    if (NothingFollows(*message)) OtherSideOver = True;
+    taken = NothingFollows(*message);
+    if (taken) OtherSideOver = True;
   } else if (tag == "END") {
-    if (NothingFollows(*message)) OtherSideLeft();
+    taken = NothingFollows(*message);
+    if (taken) OtherSideLeft();
   }
+  if (!taken) ++DroppedMessages;
 }
 
 void frmSnapwedge::ReplayFlick(const ReceivedShot &shot) {
   ReceivedShot own = shot;
+  Replaying = True;
   Force = shot.Force;
   Player = shot.Player;
   Flick(own.FrameX, own.FrameY, own.FrameZ, Force, own.X1, own.Y1, own.Z1, own.X2, own.Y2, own.Z2, Player);
+  Replaying = False;
 }
 
 void frmSnapwedge::ReplayKick(const ReceivedShot &shot) {
-  // There is a kick in the point-after only, and without a force it would never come down.
-  if (!KickMode || shot.Force <= 0.0f) return;
+  ReplayingKick = True;
   Force = shot.Force;
   Player = shot.Player;
   GetFmain();
   KickFB(KickFrameX, KickFrameY, KickFrameZ, Force, KickX1, KickY1, KickZ1, KickX2, KickY2, KickZ2);
+  ReplayingKick = False;
 }
 
 void frmSnapwedge::ShowOtherResult(std::int16_t MES) {
@@ -121,9 +140,11 @@ void frmSnapwedge::CanIContinue() {
     program.MsgCount = program.DP->GetMessageCount(program.MyPlayerId);
     if (program.MsgCount > 0) {
       const std::string tag = ReceiveTag(program);
-      if (tag == "Continue") return;
-      if (tag == "END" || program.InMsg->GetKind() == DirectPlayMessage::Kind::ConnectionLost)
-        OtherSideLeft();
+      if (program.InMsg->GetKind() == DirectPlayMessage::Kind::ConnectionLost) OtherSideLeft();
+      if (NothingFollows(*program.InMsg)) {
+        if (tag == "Continue") return;
+        if (tag == "END") OtherSideLeft();
+      }
       machine.Pump();
     } else {
       machine.WaitUntil(machine.ClockIn(NetworkLookMs));

@@ -1,5 +1,7 @@
 #include "net/received.h"
 
+#include "platform/plain_text.h"
+
 #include <array>
 #include <cmath>
 
@@ -29,9 +31,6 @@ double Dot(const float *a, const float *b) {
 }
 
 bool IsUnit(const float *vector) { return std::abs(std::sqrt(Dot(vector, vector)) - 1.0) <= VectorTolerance; }
-
-/// Whether a byte of UTF-8 begins a character.
-bool BeginsCharacter(char byte) { return (static_cast<unsigned char>(byte) & 0xC0U) != 0x80U; }
 
 } // namespace
 
@@ -69,17 +68,18 @@ std::optional<ReceivedShot> ReadShot(DirectPlayMessage &message) {
 
 std::optional<ReceivedVersion> ReadVersion(DirectPlayMessage &message) {
   return Guarded([&]() -> std::optional<ReceivedVersion> {
-    ReceivedVersion version{message.ReadString(), message.ReadLong()};
-    if (!message.AtEnd() || version.Build.size() > LongestBuildTag) return std::nullopt;
-    return version;
+    const std::string build = message.ReadString();
+    const std::int32_t number = message.ReadLong();
+    if (!message.AtEnd() || build.size() > LongestBuildTag) return std::nullopt;
+    return ReceivedVersion{PlainText(build, LongestBuildTag), number};
   });
 }
 
-std::optional<ReceivedScore> ReadScore(DirectPlayMessage &message, std::int16_t rounds) {
+std::optional<ReceivedScore> ReadScore(DirectPlayMessage &message, std::int16_t roundsBegun) {
   return Guarded([&]() -> std::optional<ReceivedScore> {
     const ReceivedScore score{message.ReadLong(), message.ReadLong()};
     const std::int32_t round = message.ReadLong();
-    const std::int32_t most = PointsInRound * rounds;
+    const std::int32_t most = PointsInRound * roundsBegun;
     if (!message.AtEnd() || score.Home < 0 || score.Away < 0 || score.Home > most || score.Away > most ||
         round < 0 || round > MostRounds) {
       return std::nullopt;
@@ -100,15 +100,7 @@ std::optional<std::string> ReadChat(DirectPlayMessage &message) {
   return Guarded([&]() -> std::optional<std::string> {
     const std::string sent = message.ReadString();
     if (!message.AtEnd()) return std::nullopt;
-    std::string line;
-    std::size_t characters = 0;
-    for (const char byte : sent) {
-      if (BeginsCharacter(byte) && ++characters > LongestChat) break;
-      // A line break or another control character would not be one line of plain text.
-      const bool control = static_cast<unsigned char>(byte) < 0x20U || byte == 0x7F;
-      line += control ? ' ' : byte;
-    }
-    return line;
+    return PlainText(sent, LongestChat);
   });
 }
 

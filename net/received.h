@@ -24,14 +24,14 @@ struct ReceivedVersion {
 };
 
 struct ReceivedScore {
-  std::int32_t Home, Away; ///< 0 to what a side can score in a whole match
+  std::int32_t Home, Away; ///< 0 to what a side can score in the rounds that have begun
 };
 
 // Each reads the fields behind the tag. Nothing if a field is missing, surplus, of another type or outside
 // its range.
 std::optional<ReceivedShot> ReadShot(DirectPlayMessage &message);
 std::optional<ReceivedVersion> ReadVersion(DirectPlayMessage &message);
-std::optional<ReceivedScore> ReadScore(DirectPlayMessage &message, std::int16_t rounds);
+std::optional<ReceivedScore> ReadScore(DirectPlayMessage &message, std::int16_t roundsBegun);
 std::optional<std::int16_t> ReadResult(DirectPlayMessage &message); ///< 1 to 7
 std::optional<std::string>
 ReadChat(DirectPlayMessage &message);            ///< one line of plain text, at most 200 characters

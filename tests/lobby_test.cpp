@@ -156,6 +156,36 @@ TEST(LobbyTest, AHostsSessionIsListedAndGoneAfterItsCancel) {
   EXPECT_EQ(lobby.Buttons(), "Connect");
 }
 
+TEST(LobbyTest, AJoinerThatHasLeftAgainStartsNoMatch) {
+  for (const bool cancels : {false, true}) {
+    SCOPED_TRACE(cancels ? "the host cancels" : "the host looks");
+    Lobby lobby;
+    const auto guest =
+        std::make_shared<session::SessionDirectPlay>(lobby.machine, lobby.wire.Plug("10.0.0.2"));
+    guest->InitializeConnection(guest->GetDPEnumConnections("", 1)->GetAddress(2));
+    lobby.window.cmdConnect_Click();
+    // All of it happens between two looks of the host, as under a box that it has open.
+    lobby.machine.After(500, [&] {
+      DirectPlaySessionData wanted;
+      wanted.SetGuidApplication("{7AB2F242-475F-11D4-AF9B-00C04F361528}");
+      guest->Open(guest->GetDPEnumSessions(wanted, 0, 1)->GetItem(1), DPOPEN_JOIN);
+      const std::int32_t player = guest->CreatePlayer("Thicket", "Player2", 0, 0);
+      const auto message = guest->CreateMessage();
+      message->WriteString("END");
+      guest->Send(player, DPID_ALLPLAYERS, DPSEND_GUARANTEED, *message);
+      if (!cancels) guest->Close();
+      lobby.Wait(50);
+      if (cancels) lobby.machine.Press(lobby.window.Command5);
+    });
+    lobby.window.cmdCreate_Click();
+    EXPECT_EQ(lobby.machine.Boxes.size(), cancels ? 0U : 1U);
+    EXPECT_EQ(lobby.Buttons(), "Connect");
+    EXPECT_EQ(lobby.window.Caption, LaunchCaption);
+    EXPECT_EQ(lobby.window.Cancelled, False);
+    EXPECT_EQ(lobby.program.IsHost, False);
+  }
+}
+
 /// A sockets library that fails where a test wants it to.
 struct FakeSockets : Sockets {
   int start = 0, cleanup = 0, name = 0;

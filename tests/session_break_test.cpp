@@ -96,6 +96,20 @@ TEST(SessionBreakTest, ASilentLineIsGivenUpAfterFortySeconds) {
   EXPECT_EQ(TakeAll(*pair.joiner, pair.joinerPlayer), std::vector<std::string>{"lost"});
 }
 
+TEST(SessionBreakTest, ASessionKnowsWhenToBeLookedAtNext) {
+  Pair pair;
+  const std::int32_t begun = pair.network.machine.Now();
+  pair.network.wire.Line().Breaks = {{begun + 1000, begun + 25000}};
+  // Under a box that waits for a click nobody looks by himself: a moment that has passed would never come.
+  while (pair.network.machine.Now() < begun + 30000) {
+    pair.network.Run(1);
+    for (const auto &side : {pair.host, pair.joiner}) {
+      ASSERT_GT(side->Opened()->NextDeadline().value(), pair.network.machine.Now());
+    }
+  }
+  EXPECT_EQ(pair.joiner->Opened()->GetLink().Resumes(), 1);
+}
+
 TEST(SessionBreakTest, AnIdleSessionStaysUp) {
   Pair pair;
   pair.network.Run(600000);

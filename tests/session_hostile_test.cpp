@@ -97,19 +97,34 @@ TEST(SessionHostileTest, AStrangersFirstBytesDoNotDisturbTwoWhoPlay) {
   }
 }
 
-TEST(SessionHostileTest, SilentConnectionsDoNotKeepAJoinerOut) {
-  Network network;
-  const auto host = network.Program("10.0.0.1");
-  const auto joiner = network.Program("10.0.0.2");
-  const std::int32_t player = Host(*host);
-  const auto row = network.Search(*joiner).at(0);
-  std::vector<std::unique_ptr<Stranger>> strangers;
-  for (int i = 0; i < 50; ++i) strangers.push_back(std::make_unique<Stranger>(network, "10.0.0.9"));
-  const auto open = std::ranges::count_if(strangers, [](auto &each) { return !each->Closed(); });
-  EXPECT_LE(open, static_cast<std::ptrdiff_t>(session::MostPending));
-  EXPECT_NO_THROW(Join(*joiner, row));
-  network.Run(20);
-  EXPECT_EQ(TakeAll(*host, player), std::vector<std::string>{"joined"});
+TEST(SessionHostileTest, ConnectionsOfOneComputerDoNotKeepAnotherOut) {
+  struct Row {
+    const char *name;
+    bool introduced; ///< each asks to be let in, and goes no further
+  };
+  for (const Row &row : {Row{"silent", false}, Row{"half a handshake", true}}) {
+    SCOPED_TRACE(row.name);
+    Network network;
+    const auto host = network.Program("10.0.0.1");
+    const auto joiner = network.Program("10.0.0.2");
+    const std::int32_t player = Host(*host);
+    const auto found = network.Search(*joiner).at(0);
+    const Bytes join = Frame(session::JoinFrame{Game, IdOf(found)});
+    Stranger early(network, "10.0.0.3"); // on a line so slow that all others overtake it
+    if (row.introduced) early.Send(join);
+    std::vector<std::unique_ptr<Stranger>> strangers;
+    for (int i = 0; i < 100; ++i) {
+      strangers.push_back(std::make_unique<Stranger>(network, "10.0.0.9"));
+      if (row.introduced) strangers.back()->Send(join);
+    }
+    const auto open = std::ranges::count_if(strangers, [](auto &each) { return !each->Closed(); });
+    EXPECT_LT(open, static_cast<std::ptrdiff_t>(session::MostPending));
+    EXPECT_FALSE(early.Closed());
+    EXPECT_NO_THROW(Join(*joiner, found));
+    network.Run(session::PendingMs);
+    EXPECT_EQ(TakeAll(*host, player), std::vector<std::string>{"joined"});
+    for (const auto &each : strangers) EXPECT_TRUE(each->Closed());
+  }
 }
 
 /// A joiner that keeps the protocol until its test begins to break it.
@@ -223,6 +238,76 @@ TEST(SessionHostileTest, APlayerThatNeverAcknowledgesIsGivenUp) {
   message->WriteString(std::string(50000, 'A'));
   for (int i = 0; i < 100; ++i) lobby.host->Send(lobby.player, DPID_ALLPLAYERS, DPSEND_GUARANTEED, *message);
   EXPECT_EQ(TakeAll(*lobby.host, lobby.player), (std::vector<std::string>{"joined", "lost"}));
+}
+
+TEST(SessionHostileTest, APlayerThatOnlySeemsToListenIsGivenUp) {
+  struct Row {
+    const char *name;
+    std::uint32_t thanks; ///< what it acknowledges: how many more than before
+  };
+  for (const Row &row : {Row{"lives and never acknowledges", 0}, Row{"acknowledges and never reads", 1}}) {
+    SCOPED_TRACE(row.name);
+    Lobby lobby;
+    BadJoiner joiner(lobby.network, lobby.id);
+    joiner.MakePlayer();
+    TakeAll(*lobby.host, lobby.player);
+    const auto message = lobby.host->CreateMessage();
+    message->WriteString(std::string(row.thanks * 60000, 'A'));
+    std::uint32_t next = 1;
+    for (int second = 0; second < 40 && !joiner.Closed(); ++second) {
+      if (row.thanks > 0 || second == 0) {
+        lobby.host->Send(lobby.player, DPID_ALLPLAYERS, DPSEND_GUARANTEED, *message);
+      }
+      next += row.thanks;
+      joiner.Send(Frame(session::AckFrame{next}));
+      lobby.network.Run(1000);
+    }
+    EXPECT_TRUE(joiner.Closed());
+    lobby.network.Run(session::GiveUpMs + 100);
+    EXPECT_EQ(TakeAll(*lobby.host, lobby.player), std::vector<std::string>{"lost"});
+    EXPECT_TRUE(lobby.host->Delivered()) << "the end of a match waits for it";
+  }
+}
+
+TEST(SessionHostileTest, AFloodOfAnswersHidesNobody) {
+  Network network;
+  const auto host = network.Program("10.0.0.1");
+  const auto joiner = network.Program("10.0.0.2");
+  Host(*host, "honest");
+  network.wire.Line().LatencyMs = 3; // each way: the flood is first
+  const auto transport = network.wire.Plug("10.0.0.9");
+  const auto datagrams = transport->OpenDatagrams(session::Reach::Network, session::DefaultPort);
+  const auto listener = transport->Listen(session::Reach::Network, session::DefaultPort);
+  std::vector<std::unique_ptr<session::Stream>> calls;
+  std::size_t poured = 0;
+  const Bytes zeros(60000, 0);
+  const auto flood = network.machine.OnPump([&] {
+    session::Endpoint from;
+    Bytes data;
+    while (datagrams->Receive(from, data)) {
+      const auto ask = std::get<session::AskFrame>(session::DecodeDatagram(data));
+      session::AnswerFrame answer{Game, ask.Nonce, 100, 1, 2, 0, 5, "fake"};
+      for (const std::uint16_t rounds : std::initializer_list<std::uint16_t>{0, 100, 65535}) {
+        answer.Rounds = rounds;
+        ++answer.Session;
+        datagrams->Send(from, session::EncodeDatagram(answer));
+      }
+      answer.Rounds = 5;
+      for (int i = 0; i < 200; ++i, ++answer.Session) {
+        datagrams->Send(from, session::EncodeDatagram(answer));
+      }
+    }
+    if (auto call = listener->Accept()) calls.push_back(std::move(call));
+    for (const auto &call : calls) poured += call->Send(zeros);
+  });
+  const auto everywhere = network.Search(*joiner);
+  const auto honest = std::ranges::count(everywhere, "honest", &DirectPlaySessionData::GetSessionName);
+  EXPECT_EQ(honest, 1);
+  EXPECT_EQ(everywhere.size(), 1U + session::PortCount);
+  for (const auto &row : everywhere) EXPECT_EQ(row.GetRounds(), 5);
+  network.Search(*joiner, "10.0.0.9");
+  EXPECT_FALSE(calls.empty());
+  EXPECT_LT(poured, std::size_t{500000}) << "who answers no question is hung up on";
 }
 
 TEST(SessionHostileTest, AQuestionNeverGetsALongerAnswer) {

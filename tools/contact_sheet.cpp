@@ -1,14 +1,18 @@
-// Renders the scene from every place where the camera stands in a match, and all windows' pictures, into
-// sheets of PNG: the same on every day.
+// Renders the scene from every place where the camera stands in a match, all pictures, and all windows as
+// they come to the screen, into sheets of PNG: the same on every day.
 //   contact_sheet DIRECTORY
 
+#include "front/information_windows.h"
+#include "front/picture_window.h"
 #include "match/frm_snapwedge.h"
+#include "net/frm_new_net.h"
+#include "platform/desktop/desktop_machine.h"
 #include "platform/desktop/renderer/renderer.h"
 #include "platform/headless/headless_machine.h"
 
-#include <QGuiApplication>
 #include <QImage>
 #include <QPainter>
+#include <QProcess>
 
 #include <cstdio>
 #include <functional>
@@ -18,26 +22,35 @@
 namespace {
 
 constexpr QSize CanvasSize(417, 361);
-constexpr int Gap = 6; // pixels between pictures
+constexpr int Gap = 6;                                  // pixels between pictures
+constexpr int NameHeight = 18;                          // pixels for the name above each
+constexpr const char *DenseWindows = "--dense-windows"; // what the program calls itself with for these
+
+std::filesystem::path GameDirectory() {
+  return std::filesystem::weakly_canonical("/proc/self/exe").parent_path().parent_path() / "game";
+}
+
+using Pictures = std::vector<std::pair<std::string, QImage>>;
 
 /// Pictures side by side, with their names.
-void WriteSheet(const std::vector<std::pair<std::string, QImage>> &pictures, int columns,
-                const std::string &file) {
+void WriteSheet(Pictures pictures, int columns, const std::string &file) {
   QSize cell;
-  for (const auto &[name, picture] : pictures) cell = cell.expandedTo(picture.size());
+  for (auto &[name, picture] : pictures) {
+    picture.setDevicePixelRatio(1.0); // a pixel of a dense picture is a pixel of the sheet
+    cell = cell.expandedTo(picture.size());
+  }
+  cell.rheight() += NameHeight;
   const int rows = (static_cast<int>(pictures.size()) + columns - 1) / columns;
   QImage sheet(columns * (cell.width() + Gap) + Gap, rows * (cell.height() + Gap) + Gap,
                QImage::Format_RGB32);
   sheet.fill(QColor(40, 40, 44));
   QPainter painter(&sheet);
+  painter.setPen(Qt::white);
   for (int i = 0; i < static_cast<int>(pictures.size()); ++i) {
     const auto &[name, picture] = pictures[static_cast<std::size_t>(i)];
     const QPoint at(Gap + i % columns * (cell.width() + Gap), Gap + i / columns * (cell.height() + Gap));
-    painter.drawImage(at, picture);
-    painter.setPen(Qt::black);
-    painter.drawText(at + QPoint(7, 15), QString::fromStdString(name));
-    painter.setPen(Qt::white);
-    painter.drawText(at + QPoint(6, 14), QString::fromStdString(name));
+    painter.drawText(at + QPoint(2, NameHeight - 5), QString::fromStdString(name));
+    painter.drawImage(at + QPoint(0, NameHeight), picture);
   }
   painter.end();
   if (!sheet.save(QString::fromStdString(file))) throw std::runtime_error("can't write " + file);
@@ -47,16 +60,15 @@ void WriteSheet(const std::vector<std::pair<std::string, QImage>> &pictures, int
 /// The play window's scene, put into the situations of a match.
 class Situations {
 public:
-  explicit Situations(const std::filesystem::path &game)
-      : machine_(game), program_(machine_), window_(machine_, program_) {
+  Situations() : machine_(GameDirectory()), program_(machine_), window_(machine_, program_) {
     program_.GameMode = "Human";
     program_.SoundOn = False;
     window_.SetUp();
   }
 
-  void Render(const std::string &directory, int density) {
-    Renderer renderer(Quality::Full);
-    std::vector<std::pair<std::string, QImage>> pictures;
+  void Render(const std::string &directory, int density, Quality quality) {
+    Renderer renderer(quality);
+    Pictures pictures;
     const auto take = [&](const std::string &name, const std::function<void()> &arrange) {
       Rest();
       arrange();
@@ -104,6 +116,12 @@ public:
       window_.PieceFrame->SetPosition(window_.RMCanvas1.SceneFrame, 10, -40, -90);
       Camera(0, -10, 40);
     });
+    take("fall beside the table", [&] {
+      HideArrow();
+      Put(91, 10, 1.2f);
+      window_.PieceFrame->SetPosition(window_.RMCanvas1.SceneFrame, 91, -25, 10);
+      Camera(130, -10, 120);
+    });
     take("point-after", [&] {
       PutForKick();
       Camera(0, 15, 120);
@@ -115,9 +133,16 @@ public:
       window_.GoalFrame->SetPosition(window_.RMCanvas1.SceneFrame, 30, 20, -95);
       window_.SideCam();
     });
+    take("orbit, low at a near corner", [&] { Camera(130, 5, 130); });
+    take("orbit, high at the far side", [&] {
+      Put(0, -20, 1.1f);
+      Camera(-40, 30, -130);
+    });
     take("without the stadium", [&] { window_.ToggleStadium(); });
     window_.ToggleStadium();
-    WriteSheet(pictures, density == 1 ? 4 : 3, directory + "/scene@" + std::to_string(density) + "x.png");
+    WriteSheet(pictures, density == 1 ? 5 : 3,
+               directory + (quality == Quality::Low ? "/scene-low@" : "/scene@") + std::to_string(density) +
+                   "x.png");
   }
 
 private:
@@ -160,11 +185,11 @@ private:
   frmSnapwedge window_;
 };
 
-void RenderPictures(const std::filesystem::path &game, const std::string &directory, bool dense) {
+void RenderPictures(const std::string &directory, bool dense) {
   const auto sheet = [&](const std::vector<std::string> &names, int columns, const std::string &file) {
-    std::vector<std::pair<std::string, QImage>> pictures;
+    Pictures pictures;
     for (const std::string &name : names) {
-      const auto path = game / "pictures" / (name + (dense ? "@2x.png" : ".png"));
+      const auto path = GameDirectory() / "pictures" / (name + (dense ? "@2x.png" : ".png"));
       const QImage picture(QString::fromStdString(path.string()));
       if (picture.isNull()) throw std::runtime_error("can't read " + path.string());
       pictures.emplace_back(name, picture);
@@ -172,26 +197,112 @@ void RenderPictures(const std::filesystem::path &game, const std::string &direct
     WriteSheet(pictures, columns, directory + "/" + file + (dense ? "@2x.png" : "@1x.png"));
   };
   sheet({"Picture1", "Picture2", "Picture3", "Picture4", "Picture5", "Picture6", "Picture7"}, 4, "cards");
-  sheet({"frmNewNet", "frmSnapwedge", "frmControls", "frmBackground"}, 2, "windows");
-  sheet({"frmHome", "frmAway", "frmTie"}, 3, "pages");
+  if (!dense) sheet({"icon", "icon-48"}, 2, "icon");
 }
+
+/// The real machine, on the game as it was built.
+class GameMachine : public DesktopMachine {
+public:
+  using DesktopMachine::DesktopMachine;
+  std::filesystem::path AppPath() const override { return GameDirectory(); }
+};
+
+/// The windows with their controls, in the density of the screen.
+class Windows {
+public:
+  explicit Windows(GameMachine &machine) : machine_(machine), program_(machine) {
+    program_.GameMode = "Human";
+    program_.SoundOn = False;
+  }
+
+  void Render(const std::string &directory) {
+    frmNewNet launch(machine_, program_);
+    launch.lstConnections.List = {"This Computer", "Internet TCP/IP Connection"};
+    launch.lstConnections.ListIndex = 1;
+    Take(launch);
+    RenderPlay();
+    TakeModal("frmControls", ShowControls);
+    TakeModal("frmBackground", ShowBackground);
+    TakeModal("frmText", ShowReadMe);
+    for (const char *name : {"frmHome", "frmAway", "frmTie"}) {
+      PictureWindow page(machine_, name, name, 300 * TwipsPerPixel, 300 * TwipsPerPixel);
+      Take(page);
+      machine_.Hide(page);
+    }
+    const bool dense = pictures_.front().second.devicePixelRatio() > 1.0;
+    WriteSheet(pictures_, 3, directory + (dense ? "/windows@2x.png" : "/windows@1x.png"));
+  }
+
+private:
+  void RenderPlay() {
+    frmSnapwedge play(machine_, program_);
+    play.SetUp();
+    play.Round = 1;
+    play.TurnColor();
+    play.ProgressBar1.Value = 64;
+    play.AimFrame->AddRotation(D3DRMCOMBINE_BEFORE, 0, 1, 0, 0.08f);
+    play.RMCanvas1.Update();
+    Take(play);
+    play.ProgressBar1.Value = 0;
+    play.ArrowFrame->DeleteVisual(play.ArrowMesh);
+    play.PieceFrame->SetPosition(play.RMCanvas1.SceneFrame, 12, 0, -86.5f);
+    play.PieceFrame->AddRotation(D3DRMCOMBINE_BEFORE, 0, 1, 0, 2.2f);
+    play.lblPlayer1.Caption = "Home Team Score: 6";
+    play.Picture3.Visible = true;
+    play.WinCam();
+    Take(play);
+  }
+
+  /// The window that stands open under this name.
+  static QWidget *Find(const std::string &name) {
+    for (QWidget *widget : QApplication::topLevelWidgets())
+      if (widget->isVisible() && widget->objectName().toStdString() == name) return widget;
+    return nullptr;
+  }
+
+  void Take(Window &window) {
+    if (!window.Visible) machine_.Show(window);
+    machine_.Pump();
+    pictures_.emplace_back(window.Name, Find(window.Name)->grab().toImage());
+  }
+
+  void TakeModal(const std::string &name, void (*show)(Machine &)) {
+    const auto poll = machine_.OnPump([&, taken = false]() mutable {
+      QWidget *widget = Find(name);
+      if (!widget || taken) return;
+      taken = true;
+      pictures_.emplace_back(name, widget->grab().toImage());
+      widget->close();
+    });
+    show(machine_);
+  }
+
+  GameMachine &machine_;
+  Program program_;
+  Pictures pictures_;
+};
 
 } // namespace
 
 int main(int argc, char **argv) {
-  QGuiApplication application(argc, argv);
-  if (argc != 2) {
+  const bool denseWindows = argc == 3 && std::string(argv[2]) == DenseWindows;
+  if (argc != 2 && !denseWindows) {
     std::fprintf(stderr, "usage: contact_sheet DIRECTORY\n");
     return 2;
   }
   try {
     const std::string directory = argv[1];
     std::filesystem::create_directories(directory);
-    const auto game =
-        std::filesystem::weakly_canonical("/proc/self/exe").parent_path().parent_path() / "game";
-    Situations situations(game);
-    for (const int density : {1, 2}) situations.Render(directory, density);
-    for (const bool dense : {false, true}) RenderPictures(game, directory, dense);
+    // The density of the screen is chosen once for a process.
+    qputenv("QT_SCALE_FACTOR", denseWindows ? "2" : "1");
+    GameMachine machine(argc, argv);
+    Windows(machine).Render(directory);
+    if (denseWindows) return 0;
+    Situations situations;
+    for (const int density : {1, 2}) situations.Render(directory, density, Quality::Full);
+    situations.Render(directory, 1, Quality::Low);
+    for (const bool dense : {false, true}) RenderPictures(directory, dense);
+    return QProcess::execute("/proc/self/exe", {QString::fromStdString(directory), DenseWindows});
   } catch (const std::exception &error) {
     std::fprintf(stderr, "contact_sheet: %s\n", error.what());
     return 1;

@@ -25,8 +25,8 @@ constexpr Paint Turf{1.0, 1.0, 1.0, 1.0};
 constexpr Paint LightWood{0.93, 0.72, 0.47, 0.0};
 constexpr Paint DarkWood{0.55, 0.34, 0.19, 0.0};
 // Brighter than the picture itself: what hangs over the stadium is seen from its unlit side.
-constexpr Paint Zenith{1.07, 1.05, 1.12, 1.0};
-constexpr Paint Horizon{1.20, 0.995, 0.87, 0.30};
+constexpr Paint Zenith{1.03, 1.01, 1.08, 1.0};
+constexpr Paint Horizon{1.155, 0.96, 0.84, 0.30};
 
 /// Cells of equal size over a square.
 std::vector<double> Even(int cells, double half) {

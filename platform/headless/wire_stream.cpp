@@ -28,6 +28,8 @@ public:
     return closedAt && now >= *closedAt ? StreamState::Closed : StreamState::Open;
   }
 
+  const std::string &Peer() const override { return circuit_->address[1 - side_]; }
+
   std::size_t Receive(std::span<std::uint8_t> into) override {
     if (circuit_->ended[side_]) return 0;
     WirePipe &pipe = circuit_->to[side_];

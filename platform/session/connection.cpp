@@ -23,13 +23,13 @@ void Connection::WriteBytes(ByteView bytes, std::int32_t now) {
 }
 
 void Connection::Flush() {
-  while (!AllSent()) {
-    const std::size_t count = stream_->Send(ByteView(out_).subspan(outBegin_));
-    if (count == 0) return;
-    outBegin_ += count;
+  std::size_t sent = 0;
+  while (sent < out_.size()) {
+    const std::size_t count = stream_->Send(ByteView(out_).subspan(sent));
+    if (count == 0) break;
+    sent += count;
   }
-  out_.clear();
-  outBegin_ = 0;
+  out_.erase(out_.begin(), out_.begin() + static_cast<std::ptrdiff_t>(sent));
 }
 
 } // namespace session

@@ -42,7 +42,9 @@ public:
   /// From the handshake's end on long frames may come.
   void EndHandshake() { reader_.SetLargest(LargestFrame); }
 
-  bool AllSent() const { return out_.size() == outBegin_; }
+  const std::string &Peer() const { return stream_->Peer(); }
+
+  std::size_t Unsent() const { return out_.size(); } ///< bytes that the network hasn't taken yet
   std::int32_t Begun() const { return begun_; }
   std::int32_t Heard() const { return heard_; } ///< when anything last came
   std::int32_t Sent() const { return sent_; }   ///< when anything was last written
@@ -51,7 +53,6 @@ private:
   std::unique_ptr<Stream> stream_;
   FrameReader reader_{LargestHandshake};
   Bytes out_;
-  std::size_t outBegin_ = 0;
   std::int32_t begun_;
   std::int32_t heard_;
   std::int32_t sent_;

@@ -6,8 +6,6 @@ namespace session {
 
 namespace {
 
-constexpr std::int32_t Places = 2; ///< two computers play
-
 /// Takes the same time wherever the first difference stands.
 bool SameSecret(const Token &a, const Token &b) {
   unsigned difference = 0;
@@ -18,6 +16,16 @@ bool SameSecret(const Token &a, const Token &b) {
 void Refuse(Connection &connection, RefuseReason reason, std::int32_t now) {
   connection.Write(RefuseFrame{reason}, now);
   connection.Flush();
+}
+
+/// Makes room for one more. Whoever means to join goes on at once, so it is the oldest that has to go: the
+/// oldest of the computer that has the most, so that one computer alone can't push the others out.
+template <class Row, class PeerOf> void MakeRoom(Row &row, PeerOf peerOf) {
+  if (row.size() < MostPending) return;
+  const auto crowd = [&](const auto &each) {
+    return std::ranges::count_if(row, [&](const auto &other) { return peerOf(other) == peerOf(each); });
+  };
+  row.erase(std::ranges::max_element(row, {}, crowd));
 }
 
 std::uint8_t Byte(std::int32_t value) { return static_cast<std::uint8_t>(std::clamp(value, 0, 255)); }
@@ -47,11 +55,6 @@ void HostSession::OpenPort(Reach reach) {
                         std::to_string(DefaultPort + PortCount - 1) + " is free");
 }
 
-bool HostSession::IsFull() const {
-  if (description_.GetMaxPlayers() < Places) return true;
-  return link_.IsUp() || link_.PlayerCame();
-}
-
 AnswerFrame HostSession::Answer(std::uint64_t nonce) const {
   AnswerFrame answer;
   answer.Game = game_;
@@ -69,8 +72,8 @@ void HostSession::Poll(std::int32_t now) {
   if (datagrams_) AnswerDatagrams();
   if (listener_) AcceptConnections(now);
   PollPending(now);
+  PollCandidates(now);
   link_.Poll(now);
-  FreePlaceOfAbsentJoiner(now);
   if (link_.GetState() == Link::State::Lost) StopListening();
 }
 
@@ -94,8 +97,7 @@ void HostSession::AcceptConnections(std::int32_t now) {
   for (int i = 0; i < MostAcceptedAtOnce; ++i) {
     auto stream = listener_->Accept();
     if (!stream) return;
-    // Whoever means to join says so at once, so it is the oldest that has to make room.
-    if (pending_.size() == MostPending) pending_.erase(pending_.begin());
+    MakeRoom(pending_, [](const auto &each) { return each->Peer(); });
     pending_.push_back(std::make_unique<Connection>(std::move(stream), now));
   }
 }
@@ -139,29 +141,42 @@ void HostSession::TakeJoiner(std::unique_ptr<Connection> connection, const JoinF
   if (join.Game != game_) return Refuse(*connection, RefuseReason::OtherGame, now);
   if (join.Session != id_ || leaving_) return Refuse(*connection, RefuseReason::NoSuchSession, now);
   if (IsFull()) return Refuse(*connection, RefuseReason::Full, now);
-  link_ = Link(true);
-  transport_.FillRandom(secret_);
-  connection->Write(WelcomeFrame{secret_}, now);
-  link_.Attach(std::move(connection), 1, now);
+  MakeRoom(candidates_, [](const Candidate &each) { return each.Peer; });
+  Candidate &candidate = candidates_.emplace_back();
+  candidate.Peer = connection->Peer();
+  candidate.Welcomed = now;
+  transport_.FillRandom(candidate.Secret);
+  connection->Write(WelcomeFrame{candidate.Secret}, now);
+  candidate.Line.Attach(std::move(connection), 1, now);
 }
 
 void HostSession::Resume(std::unique_ptr<Connection> connection, const ResumeFrame &resume,
                          std::int32_t now) {
   if (resume.Game != game_) return Refuse(*connection, RefuseReason::OtherGame, now);
   if (resume.Session != id_) return Refuse(*connection, RefuseReason::NoSuchSession, now);
-  const bool joined = link_.GetState() == Link::State::Up || link_.GetState() == Link::State::Broken;
-  if (!joined || !SameSecret(resume.Secret, secret_)) {
+  Link *link = link_.PlayerCame() && SameSecret(resume.Secret, secret_) ? &link_ : nullptr;
+  for (Candidate &each : candidates_) {
+    if (SameSecret(resume.Secret, each.Secret)) link = &each.Line;
+  }
+  if (!link || link->GetState() == Link::State::Lost) {
     return Refuse(*connection, RefuseReason::WrongSecret, now);
   }
-  connection->Write(ResumedFrame{link_.NextIn()}, now);
-  link_.Attach(std::move(connection), resume.Next, now);
+  connection->Write(ResumedFrame{link->NextIn()}, now);
+  link->Attach(std::move(connection), resume.Next, now);
 }
 
-/// A joiner that never makes its player would keep everybody else out.
-void HostSession::FreePlaceOfAbsentJoiner(std::int32_t now) {
-  if (link_.PlayerCame() || leaving_ || link_.GetState() == Link::State::Waiting) return;
-  const bool tooLong = link_.IsUp() && Since(link_.AttachedAt(), now) >= PlayerMs;
-  if (tooLong || link_.GetState() == Link::State::Lost) link_ = Link(true);
+void HostSession::PollCandidates(std::int32_t now) {
+  for (Candidate &each : candidates_) {
+    each.Line.Poll(now);
+    if (!each.Line.PlayerCame()) continue;
+    secret_ = each.Secret;
+    link_ = std::move(each.Line);
+    candidates_.clear(); // the others find the session full
+    return;
+  }
+  std::erase_if(candidates_, [&](const Candidate &each) {
+    return each.Line.GetState() == Link::State::Lost || Since(each.Welcomed, now) >= GiveUpMs;
+  });
 }
 
 void HostSession::StopListening() {
@@ -173,6 +188,7 @@ void HostSession::StopListening() {
 void HostSession::SayBye(std::int32_t now) {
   leaving_ = true;
   datagrams_.reset();
+  candidates_.clear();
   if (link_.GetState() == Link::State::Waiting) StopListening();
   link_.SayBye(now);
 }
@@ -182,7 +198,10 @@ std::optional<std::int32_t> HostSession::NextDeadline() const {
   const auto earlier = [&](std::int32_t moment) {
     if (!deadline || Since(moment, *deadline) > 0) deadline = moment;
   };
-  if (link_.IsUp() && !link_.PlayerCame()) earlier(Later(link_.AttachedAt(), PlayerMs));
+  for (const Candidate &each : candidates_) {
+    earlier(Later(each.Welcomed, GiveUpMs));
+    if (const auto line = each.Line.NextDeadline()) earlier(*line);
+  }
   for (const auto &connection : pending_) earlier(Later(connection->Begun(), PendingMs));
   return deadline;
 }

@@ -1,7 +1,7 @@
 #pragma once
 
-// The host's side: it answers searches, takes one joiner in, and goes on with it when it comes back after a
-// break.
+// The host's side: it answers searches, welcomes joiners, plays with the first that makes its player, and
+// goes on with it when it comes back after a break.
 
 #include "platform/direct_play.h"
 #include "platform/session/session.h"
@@ -23,8 +23,16 @@ public:
 private:
   using Pending = std::vector<std::unique_ptr<Connection>>;
 
+  /// A joiner that has been welcomed and hasn't made its player yet. It keeps nobody out.
+  struct Candidate {
+    std::string Peer;
+    Token Secret{};
+    std::int32_t Welcomed = 0;
+    Link Line{true};
+  };
+
   void OpenPort(Reach reach);
-  bool IsFull() const;
+  bool IsFull() const { return description_.GetMaxPlayers() < Places || link_.PlayerCame(); }
   bool TakesJoiner() const { return listener_ && !leaving_ && !IsFull(); }
   AnswerFrame Answer(std::uint64_t nonce) const;
   void AnswerDatagrams();
@@ -33,8 +41,10 @@ private:
   bool Greet(std::unique_ptr<Connection> &connection, std::int32_t now);
   void TakeJoiner(std::unique_ptr<Connection> connection, const JoinFrame &join, std::int32_t now);
   void Resume(std::unique_ptr<Connection> connection, const ResumeFrame &resume, std::int32_t now);
-  void FreePlaceOfAbsentJoiner(std::int32_t now);
+  void PollCandidates(std::int32_t now);
   void StopListening();
+
+  static constexpr std::int32_t Places = 2; ///< two computers play
 
   Transport &transport_;
   Guid game_{};
@@ -43,8 +53,9 @@ private:
   std::uint16_t port_ = 0;
   std::unique_ptr<Listener> listener_;
   std::unique_ptr<DatagramPort> datagrams_;
-  Pending pending_; ///< connections of strangers, the oldest first
-  Token secret_{};  ///< the joiner's
+  Pending pending_;                   ///< connections of strangers, the oldest first
+  std::vector<Candidate> candidates_; ///< the oldest first
+  Token secret_{};                    ///< of the joiner that plays
   bool leaving_ = false;
 };
 

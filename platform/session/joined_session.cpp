@@ -33,8 +33,9 @@ void JoinedSession::Poll(std::int32_t now) {
     if (link_.GetState() != Link::State::Broken) return;
     dialAt_ = now;
   }
-  if (!dial_ && Since(dialAt_, now) >= 0) Dial(now);
   if (dial_) PollDial(now);
+  const bool over = !failure_.empty() || link_.IsUp() || link_.GetState() == Link::State::Lost;
+  if (!dial_ && !over && Since(dialAt_, now) >= 0) Dial(now);
   if (!link_.IsUp()) link_.Poll(now);
 }
 

@@ -7,6 +7,7 @@ void Link::Send(DataKind kind, const Bytes &payload, std::int32_t now) {
   Outgoing out{nextOut_, EncodeFrame(DataFrame{nextOut_, kind, payload})};
   ++nextOut_;
   outgoingBytes_ += out.frame.size();
+  if (unacknowledged_.empty()) thankedAt_ = now;
   unacknowledged_.push_back(std::move(out));
   if (outgoingBytes_ > MostOutgoing || unacknowledged_.size() > MostOutgoingMessages) {
     // The other side has stopped to acknowledge; what it missed can't be kept for ever.
@@ -16,6 +17,8 @@ void Link::Send(DataKind kind, const Bytes &payload, std::int32_t now) {
   if (connection_) {
     connection_->WriteBytes(unacknowledged_.back().frame, now);
     connection_->Flush();
+    // It may acknowledge, by guessing, what it doesn't take off the line.
+    if (connection_->Unsent() > MostOutgoing) Break(now);
   }
 }
 
@@ -26,11 +29,11 @@ bool Link::Attach(std::unique_ptr<Connection> connection, std::uint32_t peerNext
     Lose();
     return false;
   }
-  Acknowledged(peerNext);
+  Acknowledged(peerNext, now);
+  thankedAt_ = now;
   connection_ = std::move(connection);
   connection_->EndHandshake();
   state_ = State::Up;
-  attached_ = now;
   ++resumes_;
   for (const Outgoing &out : unacknowledged_) connection_->WriteBytes(out.frame, now);
   if (leaving_) connection_->Write(ByeFrame{nextOut_}, now);
@@ -63,9 +66,13 @@ void Link::Poll(std::int32_t now) {
     Break(now);
     return;
   }
+  if (!unacknowledged_.empty() && Since(thankedAt_, now) >= GiveUpMs) {
+    Lose(); // it lives, and doesn't take what is sent
+    return;
+  }
   // An acknowledgement never queues up behind one that hasn't gone out yet.
   const bool signDue = Since(connection_->Sent(), now) >= SignOfLifeMs;
-  if ((ackDue_ || signDue) && connection_->AllSent()) WriteAck(now);
+  if ((ackDue_ || signDue) && connection_->Unsent() == 0) WriteAck(now);
   connection_->Flush();
 }
 
@@ -105,7 +112,7 @@ void Link::Handle(const AnyFrame &frame, std::int32_t now) {
     HandleData(*data);
   } else if (const auto *ack = std::get_if<AckFrame>(&frame)) {
     if (!CanAcknowledge(ack->Next)) throw MalformedError("acknowledges what was never sent");
-    Acknowledged(ack->Next);
+    Acknowledged(ack->Next, now);
   } else if (const auto *bye = std::get_if<ByeFrame>(&frame)) {
     if (bye->Next != nextIn_) throw MalformedError("leaves with messages missing");
     WriteAck(now);
@@ -153,8 +160,9 @@ void Link::Deliver(const DataFrame &frame) {
   }
 }
 
-void Link::Acknowledged(std::uint32_t next) {
+void Link::Acknowledged(std::uint32_t next, std::int32_t now) {
   while (!unacknowledged_.empty() && unacknowledged_.front().number < next) {
+    thankedAt_ = now;
     outgoingBytes_ -= unacknowledged_.front().frame.size();
     unacknowledged_.pop_front();
   }
@@ -169,7 +177,7 @@ std::optional<std::int32_t> Link::NextDeadline() const {
   if (connection_) {
     const std::int32_t sign = Later(connection_->Sent(), SignOfLifeMs);
     const std::int32_t silence = Later(connection_->Heard(), SilenceMs);
-    return Since(sign, silence) < 0 ? silence : sign;
+    return connection_->Unsent() > 0 || Since(sign, silence) < 0 ? silence : sign;
   }
   if (state_ == State::Broken) return Later(brokenAt_, GiveUpMs);
   return std::nullopt;

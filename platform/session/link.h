@@ -58,11 +58,10 @@ public:
   std::size_t Waiting() const { return incoming_.size(); }
   std::shared_ptr<SessionMessage> Take(); ///< null if there is none
 
-  bool PlayerCame() const { return playerCame_; }       ///< the other side has made its player
-  std::uint32_t NextIn() const { return nextIn_; }      ///< number of the next message that comes
-  std::int32_t AttachedAt() const { return attached_; } ///< start of the present connection
-  int Resumes() const { return resumes_; }              ///< connections after the first
-  int Dropped() const { return dropped_; }              ///< messages that weren't whole fields
+  bool PlayerCame() const { return playerCame_; }  ///< the other side has made its player
+  std::uint32_t NextIn() const { return nextIn_; } ///< number of the next message that comes
+  int Resumes() const { return resumes_; }         ///< connections after the first
+  int Dropped() const { return dropped_; }         ///< messages that weren't whole fields
 
 private:
   struct Outgoing {
@@ -77,7 +76,7 @@ private:
   void Break(std::int32_t now);
   void Handle(const AnyFrame &frame, std::int32_t now);
   void HandleData(const DataFrame &frame);
-  void Acknowledged(std::uint32_t next);
+  void Acknowledged(std::uint32_t next, std::int32_t now);
   bool CanAcknowledge(std::uint32_t next) const { return next >= 1 && next <= nextOut_; }
   void Deliver(const DataFrame &frame);
   void WriteAck(std::int32_t now);
@@ -87,6 +86,7 @@ private:
   std::unique_ptr<Connection> connection_;
   std::deque<Outgoing> unacknowledged_;
   std::size_t outgoingBytes_ = 0;
+  std::int32_t thankedAt_ = 0; ///< when the oldest of them became the one to be acknowledged next
   std::uint32_t nextOut_ = 1;
   std::deque<Incoming> incoming_;
   std::size_t incomingBytes_ = 0;
@@ -95,7 +95,6 @@ private:
   bool playerCame_ = false;
   bool leaving_ = false;
   std::int32_t brokenAt_ = 0; ///< when the last connection broke
-  std::int32_t attached_ = 0;
   int resumes_ = -1;
   int fruitless_ = 0; ///< connections in a row that broke before anything came
   int brokenFrames_ = 0;

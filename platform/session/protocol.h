@@ -29,21 +29,21 @@ constexpr std::size_t MostIncoming = 1024 * 1024;         ///< received and not 
 constexpr std::size_t MostReadAtOnce = 64 * 1024;         ///< from one connection in one poll
 constexpr std::size_t MostOutgoingMessages = 4096;        ///< unacknowledged
 constexpr std::size_t MostIncomingMessages = 4096;        ///< received and not yet taken by the game
-constexpr std::size_t MostPending = 8;                    ///< connections whose handshake isn't done
-constexpr std::size_t MostSessionsFound = 64;             ///< rows of a search
-constexpr int MostDatagramsAtOnce = 32;                   ///< taken in one poll
-constexpr int MostAcceptedAtOnce = 8;                     ///< connections taken in one poll
-constexpr int MostBrokenFrames = 5;                       ///< from one peer, before it is given up
+constexpr std::size_t MostPending =
+    16; ///< connections that haven't introduced themselves, and as many candidates
+constexpr std::size_t MostSessionsFound = 64; ///< rows of a search
+constexpr int MostDatagramsAtOnce = 32;       ///< taken in one poll
+constexpr int MostAcceptedAtOnce = 16;        ///< connections taken in one poll
+constexpr int MostBrokenFrames = 5;           ///< from one peer, before it is given up
 
 // Times, ms.
 constexpr std::int32_t SignOfLifeMs = 2000; ///< longest pause between two frames of a sender
 constexpr std::int32_t SilenceMs = 10000;   ///< a connection that is silent for so long is broken
-constexpr std::int32_t GiveUpMs = 30000;    ///< a broken connection that isn't resumed in this time is lost
+constexpr std::int32_t GiveUpMs = 30000;    ///< who doesn't come back, take or go on in this time is lost
 constexpr std::int32_t RedialMs = 1000;     ///< from one attempt to connect to the next
 constexpr std::int32_t DialMs = 4000;       ///< an attempt, from the connect to the end of the handshake
 constexpr std::int32_t OpenMs = 5000;       ///< joining a session, in all
 constexpr std::int32_t PendingMs = 5000;    ///< a stranger's time to say who it is
-constexpr std::int32_t PlayerMs = 10000;    ///< a joiner's time to make its player
 constexpr std::int32_t SearchMs = 1000;     ///< a search waits so long for answers
 constexpr std::int32_t AskAgainMs = 300;    ///< and repeats its question in these steps
 constexpr std::int32_t FarewellMs = 300;    ///< what was sent has so long to go out at the end

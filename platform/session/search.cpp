@@ -1,5 +1,6 @@
 #include "platform/session/search.h"
 
+#include "platform/plain_text.h"
 #include "platform/session/joined_session.h"
 
 #include <algorithm>
@@ -25,14 +26,6 @@ std::optional<std::uint16_t> ParsePort(const std::string &text) {
   const auto [stop, error] = std::from_chars(text.data(), end, port);
   if (error != std::errc() || stop != end || port == 0) return std::nullopt;
   return port;
-}
-
-/// One line of plain text, whatever a host calls its session.
-std::string PlainName(std::string name) {
-  for (char &letter : name) {
-    if (static_cast<unsigned char>(letter) < 0x20U || letter == 0x7F) letter = ' ';
-  }
-  return name;
 }
 
 } // namespace
@@ -74,6 +67,12 @@ Search::Search(Transport &transport, Reach reach, std::optional<HostName> host, 
   }
 }
 
+std::vector<DirectPlaySessionData> Search::Sessions() const {
+  std::vector<DirectPlaySessionData> sessions;
+  for (const Found &each : found_) sessions.push_back(each.Data);
+  return sessions;
+}
+
 std::vector<std::uint16_t> Search::Ports() const {
   if (host_ && host_->Port) return {*host_->Port};
   std::vector<std::uint16_t> ports;
@@ -93,7 +92,7 @@ void Search::Poll(std::int32_t now) {
     Ask();
   }
   TakeDatagrams();
-  for (Call &call : calls_) PollCall(call, now);
+  std::erase_if(calls_, [&](Call &call) { return !PollCall(call, now); });
   const bool answered = host_ && host_->Port && !found_.empty();
   done_ = answered || Since(begun_, now) >= SearchMs;
 }
@@ -121,18 +120,21 @@ void Search::Ask() {
   for (const std::uint16_t port : Ports()) datagrams_->SendToAll(port, question);
 }
 
-void Search::PollCall(Call &call, std::int32_t now) {
+/// Returns whether the call may still be answered.
+bool Search::PollCall(Call &call, std::int32_t now) {
   if (!call.asked && call.connection.GetState() == StreamState::Open) {
     call.asked = true;
     call.connection.Write(AskFrame{game_, nonce_}, now);
   }
-  if (!call.asked) return;
+  if (!call.asked) return true;
   try {
     call.connection.Flush();
     call.connection.Fill(now);
-    if (const auto frame = call.connection.Next()) TakeAnswer(*frame, call.host);
+    const auto frame = call.connection.Next();
+    if (frame) TakeAnswer(*frame, call.host);
+    return !frame;
   } catch (const MalformedError &) {
-    // Another kind of program listens there.
+    return false; // another kind of program listens there
   }
 }
 
@@ -153,19 +155,22 @@ void Search::TakeAnswer(const AnyFrame &frame, const Endpoint &from) {
   const auto *answer = std::get_if<AnswerFrame>(&frame);
   // Only who got the question knows its nonce.
   if (!answer || answer->Nonce != nonce_ || answer->Game != game_) return;
-  if (answer->Rounds > MostRounds || answer->CurrentPlayers >= answer->MaxPlayers) return;
+  if (answer->Rounds < 1 || answer->Rounds > MostRounds) return;
+  if (answer->CurrentPlayers >= answer->MaxPlayers) return;
   // A host answers as often as it is asked, over every network that leads to it.
-  if (found_.size() == MostSessionsFound || std::ranges::count(ids_, answer->Session) > 0) return;
-  ids_.push_back(answer->Session);
+  if (found_.size() == MostSessionsFound) return;
+  if (std::ranges::count(found_, answer->Session, &Found::Session) > 0) return;
+  // A computer has no more sessions than ports: one alone can't push the others off the list.
+  if (std::ranges::count(found_, from.Address, &Found::Address) >= PortCount) return;
   DirectPlaySessionData data;
   data.SetGuidApplication(GuidText(answer->Game));
-  data.SetSessionName(PlainName(answer->Name));
+  data.SetSessionName(PlainText(answer->Name, LongestName));
   data.SetCurrentPlayers(answer->CurrentPlayers);
   data.SetMaxPlayers(answer->MaxPlayers);
   data.SetFlags(static_cast<std::int32_t>(answer->Flags));
   data.SetRounds(static_cast<std::int16_t>(answer->Rounds));
   data.SetAddress(SessionAddress{from, answer->Session}.ToText());
-  found_.push_back(std::move(data));
+  found_.push_back({answer->Session, from.Address, std::move(data)});
 }
 
 } // namespace session

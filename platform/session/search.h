@@ -26,7 +26,7 @@ public:
   bool Done() const { return done_; }
   std::int32_t NextDeadline() const;
 
-  const std::vector<DirectPlaySessionData> &Found() const { return found_; }
+  std::vector<DirectPlaySessionData> Sessions() const; ///< in the order in which they were found
 
 private:
   struct Call {
@@ -34,11 +34,16 @@ private:
     Connection connection;
     bool asked = false;
   };
+  struct Found {
+    std::uint64_t Session;
+    std::string Address; ///< of its host
+    DirectPlaySessionData Data;
+  };
 
   std::vector<std::uint16_t> Ports() const;
   void BeginCalls(const std::vector<std::string> &addresses, std::int32_t now);
   void Ask();
-  void PollCall(Call &call, std::int32_t now);
+  bool PollCall(Call &call, std::int32_t now);
   void TakeDatagrams();
   void TakeAnswer(const AnyFrame &frame, const Endpoint &from);
 
@@ -53,8 +58,7 @@ private:
   std::unique_ptr<Lookup> lookup_;
   std::vector<Endpoint> asked_; ///< asked one by one; empty: everybody is asked
   std::vector<Call> calls_;     ///< the same question over TCP, for hosts behind a router
-  std::vector<std::uint64_t> ids_;
-  std::vector<DirectPlaySessionData> found_;
+  std::vector<Found> found_;
   bool done_ = false;
 };
 

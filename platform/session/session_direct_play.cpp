@@ -148,7 +148,7 @@ SessionDirectPlay::GetDPEnumSessions(const DirectPlaySessionData &wanted, std::i
   Poll();
   const StillWindows still(machine_);
   while (!search_->Done()) machine_.WaitUntil(machine_.ClockIn(LookMs));
-  return std::make_shared<EnumSessions>(search_->Found());
+  return std::make_shared<EnumSessions>(search_->Sessions());
 }
 
 void SessionDirectPlay::Open(const DirectPlaySessionData &description, std::int32_t flags) {
@@ -180,13 +180,7 @@ void SessionDirectPlay::Join(const DirectPlaySessionData &description) {
       std::make_unique<JoinedSession>(*transport_, *address, ExpectGuid(description), machine_.timeGetTime());
   const JoinedSession &joined = *opened;
   session_ = std::move(opened);
-  const std::int32_t end = machine_.ClockIn(OpenMs);
-  Poll();
-  const StillWindows still(machine_);
-  while (!joined.Joined() && joined.Failure().empty() && !machine_.ClockReached(end)) {
-    machine_.WaitUntil(machine_.ClockIn(LookMs));
-    if (!session_) throw DirectPlayError("session: closed while it was being joined");
-  }
+  Await([&] { return joined.Joined() || !joined.Failure().empty(); });
   if (!joined.Joined()) {
     const std::string why = joined.Failure().empty() ? "the host does not answer" : joined.Failure();
     throw DirectPlayError("session \"" + description.GetSessionName() + "\": " + why);
@@ -200,8 +194,26 @@ std::int32_t SessionDirectPlay::CreatePlayer(const std::string &, const std::str
   if (player_ != 0) throw DirectPlayError("player: there is one already");
   player_ = isHost_ ? HostPlayer : JoiningPlayer;
   // Who joins later learns of the host by having joined.
-  if (!isHost_) session_->GetLink().Send(DataKind::Player, {}, machine_.timeGetTime());
+  if (isHost_) return player_;
+  session_->GetLink().Send(DataKind::Player, {}, machine_.timeGetTime());
+  // Another joiner may have been quicker. Over a line that is down just now it is only told later.
+  Await([&] { return session_->GetLink().AllDelivered(); });
+  if (session_->GetLink().GetState() == Link::State::Lost) {
+    Close();
+    throw DirectPlayError("player: the host plays with another");
+  }
   return player_;
+}
+
+/// Waits, so long as joining may take, while no window gets events.
+void SessionDirectPlay::Await(const std::function<bool()> &over) {
+  const std::int32_t end = machine_.ClockIn(OpenMs);
+  Poll();
+  const StillWindows still(machine_);
+  while (!over() && !machine_.ClockReached(end)) {
+    machine_.WaitUntil(machine_.ClockIn(LookMs));
+    if (!session_) throw DirectPlayError("session: closed while it was being joined");
+  }
 }
 
 std::int32_t SessionDirectPlay::GetMessageCount(std::int32_t player) {

@@ -39,6 +39,7 @@ private:
   void ExpectConnection() const;
   std::optional<HostName> AskForHost(bool &cancelled);
   void Join(const DirectPlaySessionData &description);
+  void Await(const std::function<bool()> &over);
 
   Machine &machine_;
   std::shared_ptr<Transport> transport_;

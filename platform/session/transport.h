@@ -32,6 +32,9 @@ public:
   virtual ~Stream() = default;
   virtual StreamState GetState() = 0;
 
+  /// Numeric address of the computer at the other end.
+  virtual const std::string &Peer() const = 0;
+
   /// Takes what has come, up to the size of `into`. Returns the number of bytes, 0 if there is nothing.
   virtual std::size_t Receive(std::span<std::uint8_t> into) = 0;
 

@@ -4,10 +4,13 @@
 #include "platform/desktop/asio/asio_network.h"
 #include "platform/session/session_direct_play.h"
 
+#include <netdb.h>
 #include <poll.h>
 #include <sys/random.h>
 
+#include <atomic>
 #include <chrono>
+#include <cstring>
 #include <thread>
 
 namespace {
@@ -17,7 +20,8 @@ using Tcp = asio::ip::tcp;
 
 class AsioStream : public session::Stream {
 public:
-  AsioStream(Tcp::socket socket, StreamState state) : socket_(std::move(socket)), state_(state) {
+  AsioStream(Tcp::socket socket, StreamState state, std::string peer)
+      : socket_(std::move(socket)), state_(state), peer_(std::move(peer)) {
     std::error_code ignored;
     socket_.set_option(Tcp::no_delay(true), ignored);
   }
@@ -26,6 +30,8 @@ public:
     if (state_ == StreamState::Connecting) LookAtConnect();
     return state_;
   }
+
+  const std::string &Peer() const override { return peer_; }
 
   std::size_t Receive(std::span<std::uint8_t> into) override {
     if (GetState() != StreamState::Open) return 0;
@@ -39,7 +45,7 @@ public:
     if (GetState() != StreamState::Open) return 0;
     std::error_code error;
     const std::size_t count = socket_.write_some(asio::buffer(bytes.data(), bytes.size()), error);
-    if (error && error != asio::error::would_block) state_ = StreamState::Closed;
+    // After a failure there may still be something to receive: it is `Receive` that comes to the end.
     return error ? 0 : count;
   }
 
@@ -57,6 +63,7 @@ private:
 
   Tcp::socket socket_;
   StreamState state_;
+  std::string peer_;
 };
 
 class AsioListener : public session::Listener {
@@ -65,26 +72,47 @@ public:
 
   std::unique_ptr<session::Stream> Accept() override {
     std::error_code error;
-    Tcp::socket socket = acceptor_.accept(error);
+    Tcp::endpoint peer;
+    Tcp::socket socket = acceptor_.accept(peer, error);
+    if (!error) socket.non_blocking(true, error);
     if (error) return nullptr;
-    socket.non_blocking(true, error);
-    return std::make_unique<AsioStream>(std::move(socket), StreamState::Open);
+    return std::make_unique<AsioStream>(std::move(socket), StreamState::Open,
+                                        PlainAddress(peer.address()).to_string());
   }
 
 private:
   Tcp::acceptor acceptor_;
 };
 
+std::vector<std::string> AddressesOf(const std::string &name) {
+  addrinfo wanted{};
+  wanted.ai_socktype = SOCK_STREAM;
+  addrinfo *list = nullptr;
+  if (getaddrinfo(name.c_str(), nullptr, &wanted, &list) != 0) return {};
+  const std::unique_ptr<addrinfo, void (*)(addrinfo *)> owner(list, freeaddrinfo);
+  std::vector<std::string> addresses;
+  for (const addrinfo *each = list; each; each = each->ai_next) {
+    Tcp::endpoint endpoint;
+    if (each->ai_addrlen > endpoint.capacity()) continue;
+    std::memcpy(endpoint.data(), each->ai_addr, each->ai_addrlen);
+    addresses.push_back(PlainAddress(endpoint.address()).to_string());
+  }
+  return addresses;
+}
+
+/// Asks the system on a thread of its own, which nobody waits for: where no name server answers it takes the
+/// system half a minute to say so.
 class AsioLookup : public session::Lookup {
 public:
-  AsioLookup(asio::io_context &context, const std::string &name) : resolver_(context) {
-    resolver_.async_resolve(
-        name, "", [found = found_](std::error_code error, const Tcp::resolver::results_type &all) {
-          found->done = true;
-          if (error) return;
-          for (const auto &each : all)
-            found->addresses.push_back(PlainAddress(each.endpoint().address()).to_string());
-        });
+  explicit AsioLookup(const std::string &name) {
+    try {
+      std::thread([name, found = found_] {
+        found->addresses = AddressesOf(name);
+        found->done = true;
+      }).detach();
+    } catch (const std::system_error &) {
+      found_->done = true; // no thread to be had: nobody is found
+    }
   }
   bool Done() override { return found_->done; }
   std::vector<std::string> Addresses() override { return found_->addresses; }
@@ -92,11 +120,10 @@ public:
 private:
   /// Outlives the lookup: the answer may come when nobody wants it any more.
   struct Found {
-    bool done = false;
+    std::atomic<bool> done = false; ///< the thread has written `addresses`, and is over
     std::vector<std::string> addresses;
   };
   std::shared_ptr<Found> found_ = std::make_shared<Found>();
-  Tcp::resolver resolver_;
 };
 
 /// A socket that takes connections; nothing if the port can't be had.
@@ -115,11 +142,6 @@ std::unique_ptr<session::Listener> ListenAt(asio::io_context &context, const Tcp
 }
 
 } // namespace
-
-void AsioTransport::Poll() {
-  context_.restart();
-  context_.poll();
-}
 
 std::unique_ptr<session::Listener> AsioTransport::Listen(session::Reach reach, std::uint16_t port) {
   if (reach == session::Reach::ThisComputer) {
@@ -142,19 +164,19 @@ std::unique_ptr<session::Stream> AsioTransport::Connect(const session::Endpoint 
   const Tcp::endpoint at(address, to.Port);
   if (!error) socket.open(at.protocol(), error);
   if (!error) socket.non_blocking(true, error);
-  if (error) return std::make_unique<AsioStream>(Tcp::socket(context_), StreamState::Closed);
+  if (error) return std::make_unique<AsioStream>(Tcp::socket(context_), StreamState::Closed, to.Address);
   // The system's own call, since the library's waits for the end of the handshake even here.
   if (::connect(socket.native_handle(), at.data(), static_cast<socklen_t>(at.size())) == 0) {
-    return std::make_unique<AsioStream>(std::move(socket), StreamState::Open);
+    return std::make_unique<AsioStream>(std::move(socket), StreamState::Open, to.Address);
   }
   const StreamState state = errno == EINPROGRESS    ? StreamState::Connecting
                             : errno == ECONNREFUSED ? StreamState::Refused
                                                     : StreamState::Closed;
-  return std::make_unique<AsioStream>(std::move(socket), state);
+  return std::make_unique<AsioStream>(std::move(socket), state, to.Address);
 }
 
 std::unique_ptr<session::Lookup> AsioTransport::LookUp(const std::string &name) {
-  return std::make_unique<AsioLookup>(context_, name);
+  return std::make_unique<AsioLookup>(name);
 }
 
 void AsioTransport::FillRandom(std::span<std::uint8_t> bytes) {

@@ -9,7 +9,7 @@
 
 class AsioTransport : public session::Transport {
 public:
-  void Poll() override;
+  void Poll() override {}
   std::unique_ptr<session::Listener> Listen(session::Reach reach, std::uint16_t port) override;
   std::unique_ptr<session::DatagramPort> OpenDatagrams(session::Reach reach, std::uint16_t port) override;
   std::unique_ptr<session::Stream> Connect(const session::Endpoint &to) override;

@@ -11,12 +11,14 @@ constexpr float GroundColor[] = {0.28f, 0.26f, 0.26f};
 
 /// Part of the fill light that reaches what the key light doesn't: where a thing keeps one off it is in the
 /// other's way too.
-constexpr float FillInShade = 0.72f;
+constexpr float FillInShade = 0.66f;
+/// The same for what glows: its markings must show shadows as the turf does.
+constexpr float GlowInShade = 0.48f;
 
 // A surface that glows has part of its light of itself, and the lights shape it with the rest.
-constexpr float GlowLight = 0.68f;
+constexpr float GlowLight = 0.76f;
 constexpr float GlowTakesFill = 0.5f;
-constexpr float GlowTakesKey = 0.58f;
+constexpr float GlowTakesKey = 0.68f;
 
 // The key light is a pool over the field.
 constexpr float PoolRadius = 60.0f; ///< scene units of full light
@@ -77,7 +79,7 @@ VertexLight LightOf(const Vector &place, const Vector &normal, const FaceColor &
     if (glow > 0.0f) base *= own[part];
     const float fill = (GroundColor[part] + (SkyColor[part] - GroundColor[part]) * upward) * pool;
     const float constant = fill * (1.0f - GlowTakesFill * glow) + GlowLight * glow;
-    shade[part] = base * constant * FillInShade;
+    shade[part] = base * constant * (FillInShade + (GlowInShade - FillInShade) * glow);
     lit[part] = base * (constant + KeyColor[part] * pool * facing * (1.0f - GlowTakesKey * glow));
   }
   // On a steep side the edge of a shadow would smear: only what lies about level takes one.

@@ -1,0 +1,99 @@
+// The windows as they come to the screen: every label can be read on what lies behind it.
+
+#include "match/frm_snapwedge.h"
+#include "net/frm_new_net.h"
+#include "platform/desktop/desktop_machine.h"
+
+#include <QLabel>
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cmath>
+#include <optional>
+
+namespace {
+
+/// The real machine, on the game as it was built.
+class GameMachine : public DesktopMachine {
+public:
+  using DesktopMachine::DesktopMachine;
+  std::filesystem::path AppPath() const override { return SNAPWEDGE_GAME_DIR; }
+
+  static GameMachine &Get() {
+    static int count = 1;
+    static char name[] = "test";
+    static char *arguments[] = {name, nullptr};
+    static GameMachine machine(count, arguments);
+    return machine;
+  }
+};
+
+/// As the accessibility guidelines for the web define it, 0 to 1.
+double Luminance(const QColor &color) {
+  const auto linear = [](double value) {
+    return value <= 0.04045 ? value / 12.92 : std::pow((value + 0.055) / 1.055, 2.4);
+  };
+  return 0.2126 * linear(color.redF()) + 0.7152 * linear(color.greenF()) + 0.0722 * linear(color.blueF());
+}
+
+/// The lowest contrast of the label's text to any pixel that it covers; nothing for a text without pixels.
+std::optional<double> LeastContrast(QWidget &window, QLabel &label) {
+  const QRect place(label.mapTo(&window, QPoint()), label.size());
+  const QImage written = window.grab(place).toImage();
+  const QString text = label.text();
+  label.setText(QString());
+  const QImage blank = window.grab(place).toImage();
+  label.setText(text);
+  const double ink = Luminance(label.palette().color(QPalette::WindowText));
+  std::optional<double> least;
+  for (int y = 0; y < blank.height(); ++y) {
+    for (int x = 0; x < blank.width(); ++x) {
+      if (written.pixel(x, y) == blank.pixel(x, y)) continue;
+      const double behind = Luminance(blank.pixelColor(x, y));
+      const double contrast = (std::max(ink, behind) + 0.05) / (std::min(ink, behind) + 0.05);
+      least = std::min(least.value_or(contrast), contrast);
+    }
+  }
+  return least;
+}
+
+/// @return how many labels with a text the window shows
+int ExpectReadableLabels(GameMachine &machine, const Window &window) {
+  constexpr double LeastReadable = 4.5;
+  machine.Pump();
+  int labels = 0;
+  for (QWidget *shown : QApplication::topLevelWidgets()) {
+    if (shown->objectName().toStdString() != window.Name) continue;
+    for (QLabel *label : shown->findChildren<QLabel *>()) {
+      if (!label->isVisible() || label->text().isEmpty()) continue;
+      ++labels;
+      const auto contrast = LeastContrast(*shown, *label);
+      EXPECT_TRUE(contrast.has_value()) << label->objectName().toStdString() << " shows nothing";
+      EXPECT_GE(contrast.value_or(0), LeastReadable) << label->objectName().toStdString();
+    }
+  }
+  return labels;
+}
+
+TEST(DesktopWindowsTest, LabelsOfTheLaunchWindowCanBeRead) {
+  GameMachine &machine = GameMachine::Get();
+  Program program(machine);
+  frmNewNet window(machine, program);
+  machine.Show(window);
+  EXPECT_EQ(ExpectReadableLabels(machine, window), 12);
+}
+
+TEST(DesktopWindowsTest, LabelsOfThePlayWindowCanBeRead) {
+  GameMachine &machine = GameMachine::Get();
+  Program program(machine);
+  frmSnapwedge window(machine, program);
+  window.Label5.Caption = "OV:SW:1"; // what the other program says of itself
+  machine.Show(window);
+  for (const std::int16_t player : {std::int16_t{1}, std::int16_t{2}}) {
+    window.Player = player;
+    window.TurnColor();
+    EXPECT_EQ(ExpectReadableLabels(machine, window), 6);
+  }
+}
+
+} // namespace

@@ -1,0 +1,192 @@
+#include "tests/fuzz/hostile_bytes.h"
+
+#include "platform/headless/wire.h"
+#include "platform/session/frame.h"
+#include "platform/session/session_direct_play.h"
+#include "tests/game_kit.h"
+
+using namespace session;
+
+namespace fuzz {
+
+namespace {
+
+constexpr std::int16_t Rounds = 2;
+constexpr std::int32_t MostPoints =
+    10 * (Rounds + 1);                   ///< a side's own, and a score that claims a round too many
+constexpr std::size_t LongestLine = 800; ///< bytes of a chat line
+constexpr int MostActs = 60;
+constexpr std::size_t LongestPress = 20; ///< frames
+constexpr std::int32_t FrameMs = 25;
+constexpr std::int32_t AnswerMs = 5;
+constexpr std::int32_t KickAgainMs = 2000;
+constexpr std::int32_t PatienceMs = 200000; ///< in which a match ends that the other side has left
+
+enum Act : std::uint8_t {
+  SendMessage, ///< the bytes are a message's fields
+  SendBytes,   ///< the bytes go out as they are
+  Wait,        ///< each byte is a frame
+  Reconnect,   ///< the connection is cut, and the bytes go out on the next
+  Shoot,       ///< this computer's player flicks, so far as it may
+  ActCount,
+};
+
+const std::string GameGuid = "{7AB2F242-475F-11D4-AF9B-00C04F361528}";
+const Guid GameId = *ParseGuid(GameGuid);
+
+/// A match of which this computer is the host, and a joiner that keeps the protocol until it begins to break
+/// it.
+struct Match {
+  explicit Match(ByteView row)
+      : acts(row), game("INET", Rounds), wire([this] { return game.machine.Now(); }, 1),
+        transport(wire.Plug("10.0.0.2")) {
+    game.machine.NextArrival = [this] { return wire.NextArrival("10.0.0.1"); };
+    const auto play = std::make_shared<SessionDirectPlay>(game.machine, wire.Plug("10.0.0.1"));
+    game.program.DP = play;
+    play->InitializeConnection("internet");
+    DirectPlaySessionData data;
+    data.SetGuidApplication(GameGuid);
+    data.SetMaxPlayers(2);
+    data.SetRounds(Rounds);
+    play->Open(data, DPOPEN_CREATE);
+    game.program.MyPlayerId = play->CreatePlayer("Bramble", "Player1", 0, 0);
+    game.program.IsHost = True;
+    id = std::get<AnswerFrame>(Call(AskFrame{GameId, 1})).Session;
+    secret = std::get<WelcomeFrame>(Call(JoinFrame{GameId, id})).Secret;
+    Send(DataFrame{next++, DataKind::Player, {}});
+    Run();
+    game.machine.Player = [this] { Watch(); };
+  }
+
+  /// Lets what was sent arrive and be answered.
+  void Run() {
+    const std::int32_t end = game.machine.ClockIn(AnswerMs);
+    while (!game.machine.ClockReached(end)) game.machine.WaitUntil(end);
+  }
+
+  /// Connects anew, says something and takes the first answer.
+  AnyFrame Call(const AnyFrame &frame) {
+    stream = transport->Connect({"10.0.0.1", DefaultPort});
+    Run();
+    Send(frame);
+    Run();
+    Bytes bytes(1000);
+    bytes.resize(stream->Receive(bytes));
+    reader = FrameReader(LargestFrame);
+    reader.Add(bytes);
+    return reader.Next().value();
+  }
+
+  void Send(const AnyFrame &frame) { stream->Send(EncodeFrame(frame)); }
+
+  /// At every pump: the other player acts, the rules are looked at.
+  void Watch() {
+    RequireRules();
+    if (!game.machine.Shown.empty() && game.machine.Shown.back()->Name.starts_with("frm") &&
+        game.machine.Shown.back() != &game.window) {
+      game.machine.ClickOn(*game.machine.Shown.back()); // an end card
+    }
+    if (!left && introduction.empty()) Listen();
+    if (!game.machine.ClockReached(actAt)) return;
+    if (left) {
+      // In its own kick the game waits for its player, whoever has left.
+      Do(Shoot, Bytes(LongestPress - 1));
+      actAt = game.machine.ClockIn(KickAgainMs);
+      return;
+    }
+    if (!introduction.empty()) stream->Send(std::exchange(introduction, {}));
+    if (acts.size() < 2 || ++done > MostActs) {
+      left = true;
+      Send(ByeFrame{next});
+      stream.reset();
+      game.machine.After(PatienceMs, [] { throw Breach("a match that the other side has left goes on"); });
+      return;
+    }
+    const auto act = static_cast<Act>(acts[0] % ActCount);
+    const std::size_t length = std::min<std::size_t>(acts[1], acts.size() - 2);
+    Do(act, acts.subspan(2, length));
+    acts = acts.subspan(2 + length);
+  }
+
+  /// Acknowledges what has come, and gives a sign of life.
+  void Listen() {
+    Bytes bytes(10000);
+    bytes.resize(stream->Receive(bytes));
+    reader.Add(bytes);
+    const std::uint32_t before = heard;
+    while (const auto frame = reader.Next()) {
+      if (const auto *data = std::get_if<DataFrame>(&*frame)) heard = std::max(heard, data->Number);
+    }
+    if (heard == before && !game.machine.ClockReached(signAt)) return;
+    Send(AckFrame{heard + 1});
+    signAt = game.machine.ClockIn(SignOfLifeMs);
+  }
+
+  void Do(Act act, ByteView bytes) {
+    switch (act) {
+    case SendMessage:
+      Send(DataFrame{next++, DataKind::Game, {bytes.begin(), bytes.end()}});
+      break;
+    case SendBytes:
+      stream->Send(bytes);
+      break;
+    case Wait:
+      actAt = game.machine.ClockIn(FrameMs * static_cast<std::int32_t>(bytes.size()));
+      break;
+    case Reconnect:
+      stream = transport->Connect({"10.0.0.1", DefaultPort});
+      reader = FrameReader(LargestFrame);
+      introduction = EncodeFrame(ResumeFrame{GameId, id, secret, heard + 1});
+      introduction.insert(introduction.end(), bytes.begin(), bytes.end());
+      actAt = game.machine.ClockIn(FrameMs);
+      break;
+    case Shoot:
+      game.machine.PressMouse(1);
+      game.machine.After(FrameMs * static_cast<std::int32_t>(bytes.size() % LongestPress),
+                         [this] { game.machine.ReleaseMouse(1); });
+      break;
+    case ActCount:
+      break;
+    }
+  }
+
+  void RequireRules() {
+    const auto &window = game.window;
+    Require(window.Shots >= 0 && window.Shots <= 3, "attempts left");
+    Require(window.Player >= 0 && window.Player <= 2, "a side");
+    Require(window.Round >= 0 && window.Round <= Rounds, "a round");
+    for (const std::int32_t score : {window.HomeScore, window.AwayScore}) {
+      Require(score >= 0 && score <= MostPoints, "a score");
+    }
+    Require(window.Text1.Text.size() <= LongestLine, "a chat line");
+  }
+
+  ByteView acts;
+  Game game;
+  FaultyWire wire;
+  std::shared_ptr<Transport> transport;
+  std::unique_ptr<Stream> stream;
+  Bytes introduction; ///< goes out as soon as the new connection stands
+  std::uint64_t id = 0;
+  Token secret{};
+  std::uint32_t next = 1;
+  std::uint32_t heard = 0; ///< number of the last message that came
+  FrameReader reader{LargestFrame};
+  std::int32_t signAt = 0;
+  std::int32_t actAt = 0;
+  int done = 0;
+  bool left = false;
+};
+
+} // namespace
+
+void PlayAgainst(ByteView bytes) {
+  Match match(bytes);
+  try {
+    match.game.window.Load();
+  } catch (const ProgramEnd &) {
+    // By the match's end, or by the box that the other side has left.
+  }
+}
+
+} // namespace fuzz

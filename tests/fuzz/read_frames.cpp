@@ -1,0 +1,96 @@
+#include "tests/fuzz/hostile_bytes.h"
+
+#include "net/received.h"
+#include "platform/session/frame.h"
+#include "platform/session/session_message.h"
+
+#include <algorithm>
+#include <cmath>
+
+using namespace session;
+
+namespace fuzz {
+
+namespace {
+
+/// What was understood is exactly what was there.
+void RequireSame(const AnyFrame &frame, ByteView bytes) {
+  // A question's filling says nothing, and of a frame of another version only that is known.
+  if (std::holds_alternative<AskFrame>(frame) || std::holds_alternative<StrangerFrame>(frame)) return;
+  Require(std::ranges::equal(EncodeDatagram(frame), bytes), "a frame comes back from its bytes");
+}
+
+/// Reads a message as each of the game's own, behind its tag.
+void ReadFields(const SessionMessage &message) {
+  constexpr std::int16_t Rounds = 3;
+  const auto behindTag = [&message] {
+    SessionMessage copy = message;
+    try {
+      copy.ReadString();
+    } catch (const DirectPlayError &) {
+      // It has none, and is read all the same.
+    }
+    return copy;
+  };
+  auto copy = behindTag();
+  if (const auto shot = ReadShot(copy)) {
+    Require(shot->Force >= 0 && shot->Force <= 120, "a force");
+    Require(std::abs(shot->FrameX) <= 300 && std::abs(shot->FrameY) <= 300 && std::abs(shot->FrameZ) <= 300,
+            "a place");
+    const double dot = shot->X1 * shot->X2 + shot->Y1 * shot->Y2 + shot->Z1 * shot->Z2;
+    Require(std::abs(dot) <= 0.0011, "a right angle");
+    Require(shot->Player == 1 || shot->Player == 2, "a side");
+  }
+  copy = behindTag();
+  if (const auto score = ReadScore(copy, Rounds)) {
+    Require(score->Home >= 0 && score->Home <= 30 && score->Away >= 0 && score->Away <= 30, "a score");
+  }
+  copy = behindTag();
+  if (const auto result = ReadResult(copy)) Require(*result >= 1 && *result <= 7, "a result");
+  copy = behindTag();
+  if (const auto line = ReadChat(copy)) {
+    Require(line->size() <= 800, "a line of 200 characters");
+    Require(std::ranges::none_of(*line, [](char c) { return static_cast<unsigned char>(c) < 0x20; }),
+            "a line of plain text");
+  }
+  copy = behindTag();
+  if (const auto version = ReadVersion(copy)) Require(version->Build.size() <= 24, "a build tag");
+}
+
+void ReadMessage(ByteView payload) {
+  try {
+    const SessionMessage message = SessionMessage::Decode(payload);
+    Require(std::ranges::equal(message.Encode(), payload), "a message comes back from its bytes");
+    ReadFields(message);
+  } catch (const MalformedError &) {
+    // Refused.
+  }
+}
+
+} // namespace
+
+void ReadFrames(ByteView bytes) {
+  ReadMessage(bytes);
+  try {
+    RequireSame(DecodeDatagram(bytes), bytes);
+  } catch (const MalformedError &) {
+    // Refused.
+  }
+  // The same bytes in pieces, whose sizes they tell themselves.
+  FrameReader reader(LargestFrame);
+  try {
+    while (!bytes.empty()) {
+      const std::size_t piece = std::min<std::size_t>(bytes.size(), 1U + (bytes[0] & 63U));
+      reader.Add(bytes.first(piece));
+      bytes = bytes.subspan(piece);
+      while (const auto frame = reader.Next()) {
+        if (const auto *data = std::get_if<DataFrame>(&*frame)) ReadMessage(data->Payload);
+      }
+      Require(reader.Held() < LargestFrame, "no more is held than a frame");
+    }
+  } catch (const MalformedError &) {
+    // The connection would be closed.
+  }
+}
+
+} // namespace fuzz
