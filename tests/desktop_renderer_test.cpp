@@ -8,6 +8,7 @@
 #include <gtest/gtest.h>
 
 #include <cstdlib>
+#include <random>
 
 namespace {
 
@@ -52,6 +53,47 @@ TEST(RendererTest, TheSameSceneGivesTheSamePictureToTheBit) {
   for (const Quality quality : {Quality::Full, Quality::Low}) {
     Picture one(quality), two(quality);
     EXPECT_EQ(Differing(one.Draw(), two.Draw()), 0);
+  }
+}
+
+TEST(RendererTest, APictureThatIsDrawnInPartsIsTheWholeOne) {
+  for (const Quality quality : {Quality::Full, Quality::Low}) {
+    Picture picture(quality);
+    auto &window = picture.game.window;
+    const auto &scene = window.RMCanvas1.SceneFrame;
+    Renderer afresh(quality);
+    std::mt19937 random(3);
+    const auto any = [&](float low, float high) {
+      return std::uniform_real_distribution<float>(low, high)(random);
+    };
+    for (int i = 0; i < 60; ++i) {
+      SCOPED_TRACE(i);
+      window.Wind();
+      switch (random() % 8) {
+      case 0:
+        window.PieceFrame->SetPosition(scene, any(-80, 80), any(0, 20), any(-80, 80));
+        break;
+      case 1:
+        window.GoalFrame->SetPosition(scene, any(-88, 88), 20, -95);
+        break;
+      case 2:
+        window.CameraFrame->SetPosition(scene, any(-130, 130), any(-10, 30), any(-130, 130));
+        window.LookCam();
+        break;
+      case 3:
+        window.ToggleStadium();
+        break;
+      case 4:
+        window.PieceFrame->AddRotation(D3DRMCOMBINE_BEFORE, 0, 1, 0, any(-1, 1));
+        break;
+      default:
+        window.AimFrame->AddRotation(D3DRMCOMBINE_BEFORE, 0, 1, 0, any(-0.2f, 0.2f));
+      }
+      const QImage parts = picture.Draw();
+      afresh.Draw(window.RMCanvas1, QSize(8, 8)); // of another size, so that nothing stays
+      afresh.Draw(window.RMCanvas1, CanvasSize);
+      ASSERT_EQ(Differing(parts, afresh.Picture()), 0);
+    }
   }
 }
 

@@ -50,6 +50,21 @@ void PickDown(benchmark::State &state) {
 }
 BENCHMARK(PickDown);
 
+/// A ray down on the stands, through a mesh of tens of thousands of faces.
+void PickInTheStadium(benchmark::State &state) {
+  Ready game("Human");
+  game.window.SetUp();
+  const D3DRMRAY down{{0, -1, 0}, {3.0f, 300.0f, -190.0f}};
+  Ref<Direct3DRMPickArray> picked;
+  for (auto _ : state) {
+    game.window.StadiumFrame->RayPick(game.window.RMCanvas1.SceneFrame, down,
+                                      D3DRMRAYPICK_IGNOREFURTHERPRIMITIVES, picked);
+    if (picked->Hits.empty()) state.SkipWithError("the ray has missed the stands");
+  }
+  state.counters["faces"] = static_cast<double>(game.window.StadiumMesh->Data().Indices.size() / 3);
+}
+BENCHMARK(PickInTheStadium);
+
 /// A match of 99 rounds against the computer; the person overcharges every shot.
 void WholeMatch(benchmark::State &state) {
   for (auto _ : state) {

@@ -10,37 +10,48 @@
 #include <QIcon>
 #include <QMessageBox>
 #include <QPushButton>
+#include <QScreen>
 #include <QTimer>
 
 #include <algorithm>
 #include <chrono>
 #include <cstdlib>
+#include <iostream>
 
 namespace {
 
 constexpr std::int32_t NetworkLookMs = 5; ///< longest sleep while something wants to run at every pump
 
-/// Finds out whether Qt would find a display: without one it would end the process by itself.
-void RequireDisplay() {
-  const auto set = [](const char *name) {
-    const char *value = std::getenv(name);
-    return value && *value;
-  };
-  if (!set("DISPLAY") && !set("WAYLAND_DISPLAY") && !set("QT_QPA_PLATFORM")) {
-    throw std::runtime_error(
-        "Snapwedge needs a display, and there is none: neither DISPLAY nor WAYLAND_DISPLAY is set.");
+/// The pointer can be put back to its home through X alone, and a Wayland session has X as well.
+void PreferX() {
+  if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM") && !qEnvironmentVariableIsEmpty("DISPLAY")) {
+    qputenv("QT_QPA_PLATFORM", "xcb");
   }
-  // The pointer can be put back to its home through X alone, and a Wayland session has X as well.
-  if (!set("QT_QPA_PLATFORM") && set("DISPLAY")) qputenv("QT_QPA_PLATFORM", "xcb");
 }
+
+/// Stands in for Qt's own words about a display that can't be used: they are many, and an abort follows.
+void RefuseDisplay(QtMsgType type, const QMessageLogContext &, const QString &) {
+  if (type != QtFatalMsg) return;
+  std::cerr << "Snapwedge can't go on: it needs a display, and none answers:";
+  for (const char *name : {"DISPLAY", "WAYLAND_DISPLAY", "QT_QPA_PLATFORM"}) {
+    std::cerr << ' ' << name << "=\"" << qgetenv(name).toStdString() << '"';
+  }
+  std::cerr << std::endl;
+  std::_Exit(1);
+}
+
+/// Whether the screen has too few colours for Qt to paint anything.
+bool ScreenStaysDark() { return QGuiApplication::primaryScreen()->depth() < 15; }
 
 } // namespace
 
 DesktopMachine::DesktopMachine(int &argc, char **argv) {
-  RequireDisplay();
+  PreferX();
   // Every single motion counts, so that the pointer's offsets add up to what the hand did.
   QCoreApplication::setAttribute(Qt::AA_CompressHighFrequencyEvents, false);
+  const QtMessageHandler before = qInstallMessageHandler(RefuseDisplay);
   application_ = std::make_unique<QApplication>(argc, argv);
+  if (!ScreenStaysDark()) qInstallMessageHandler(before);
   application_->setQuitOnLastWindowClosed(false);
   application_->setApplicationDisplayName({});
   application_->setDesktopFileName("org.snapwedge.Snapwedge");
@@ -76,7 +87,7 @@ void DesktopMachine::CarryOver() {
     if (view->isActiveWindow()) active = view.get();
   }
   const bool held = active && active->Model().CapturesPointer && Receives(active->Model());
-  pointer_.Hold(held ? active : nullptr);
+  pointer_.Hold(held ? active->AnyCanvas() : nullptr);
 }
 
 void DesktopMachine::Collect() {
@@ -145,6 +156,7 @@ void DesktopMachine::DrawCanvas(Canvas &canvas) {
 }
 
 void DesktopMachine::MsgBox(const MessageBox &box) {
+  if (ScreenStaysDark()) std::cerr << box.Title << ' ' << box.Text << std::endl;
   // The record stands for the box among the modal windows: while it is the topmost, no other window gets
   // events.
   Window record;

@@ -17,7 +17,7 @@ class WindowView;
 
 class DesktopMachine : public Machine {
 public:
-  /// @throws std::runtime_error  if there is no display
+  /// Where no display answers it says so and ends the process.
   DesktopMachine(int &argc, char **argv);
   ~DesktopMachine() override;
 

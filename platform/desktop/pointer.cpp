@@ -19,19 +19,21 @@ void Pointer::MoveHome(int gridX, int gridY) {
   place_ = home_;
 }
 
-void Pointer::Hold(QWidget *window) {
-  if (!hidden_) window = nullptr;
-  if (window == window_) return;
-  if (window_) {
-    window_->releaseMouse();
+void Pointer::Hold(QWidget *widget) {
+  if (!hidden_) widget = nullptr;
+  if (widget == widget_) return;
+  if (widget_) {
+    widget_->releaseMouse();
     QGuiApplication::restoreOverrideCursor();
   }
-  window_ = window;
+  widget_ = widget;
   place_ = home_;
-  if (!window_) return;
+  if (!widget_) return;
   // Hidden first: a compositor that keeps programs from moving the pointer allows it for a hidden one.
   QGuiApplication::setOverrideCursor(Qt::BlankCursor);
-  anchor_ = window_->mapToGlobal(window_->rect().center());
+  // A quick motion may leave the window before the pointer is moved back.
+  widget_->grabMouse();
+  anchor_ = widget_->mapToGlobal(widget_->rect().center());
   real_ = QCursor::pos();
   MoveReal();
 }
@@ -42,7 +44,7 @@ void Pointer::MoveReal() {
 }
 
 bool Pointer::eventFilter(QObject *, QEvent *event) {
-  if (event->type() != QEvent::MouseMove || !window_ || !event->spontaneous()) return false;
+  if (event->type() != QEvent::MouseMove || !widget_ || !event->spontaneous()) return false;
   const QPointF seen = static_cast<QMouseEvent *>(event)->globalPosition();
   if (seen == real_) return false; // the same motion, told to another widget
   const QPointF fromAnchor = seen - anchor_;

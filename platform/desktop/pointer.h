@@ -22,17 +22,18 @@ public:
   /// Whether the game wants the pointer hidden. It is hidden only while it is held.
   void SetHidden(bool hidden) { hidden_ = hidden; }
 
-  /// Holds the real pointer over that window, or lets go of it for none.
-  void Hold(QWidget *window);
+  /// Holds the real pointer over that widget, which gets all that mouse and buttons do meanwhile, or lets go
+  /// of it for none.
+  void Hold(QWidget *widget);
   void LetGo() { Hold(nullptr); }
-  bool Held() const { return !window_.isNull(); }
+  bool Held() const { return !widget_.isNull(); }
 
   bool eventFilter(QObject *object, QEvent *event) override;
 
 private:
   void MoveReal();
 
-  QPointer<QWidget> window_;
+  QPointer<QWidget> widget_;
   bool hidden_ = false;
   QPointF place_; ///< the game's pointer
   QPointF home_;

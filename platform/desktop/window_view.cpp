@@ -54,9 +54,7 @@ void WindowView::Open() {
   show();
   raise();
   activateWindow();
-  for (const auto &view : views_) {
-    if (dynamic_cast<CanvasView *>(view->Widget())) view->Widget()->setFocus();
-  }
+  if (CanvasView *canvas = AnyCanvas()) canvas->setFocus();
 }
 
 void WindowView::SetFocusTo(const Control &control) {
@@ -68,6 +66,13 @@ void WindowView::SetFocusTo(const Control &control) {
 CanvasView *WindowView::FindCanvas(const Canvas &canvas) const {
   for (const auto &view : views_) {
     if (&view->Model() == &canvas) return dynamic_cast<CanvasView *>(view->Widget());
+  }
+  return nullptr;
+}
+
+CanvasView *WindowView::AnyCanvas() const {
+  for (const auto &view : views_) {
+    if (auto *canvas = dynamic_cast<CanvasView *>(view->Widget())) return canvas;
   }
   return nullptr;
 }

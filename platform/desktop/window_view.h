@@ -27,6 +27,7 @@ public:
   void Open(); ///< puts the window in the middle of the screen, active
   void SetFocusTo(const Control &control);
   CanvasView *FindCanvas(const Canvas &canvas) const;
+  CanvasView *AnyCanvas() const; ///< the window's canvas, null if it has none
 
 protected:
   void paintEvent(QPaintEvent *event) override;

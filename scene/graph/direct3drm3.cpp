@@ -18,14 +18,15 @@ Ref<Direct3DRMMaterial2> Direct3DRM3::CreateMaterial(float power) {
 }
 
 Ref<Direct3DRMTexture> Direct3DRM3::LoadTexture(const std::filesystem::path &file) {
-  return std::make_shared<Direct3DRMTexture>(ReadImageFile(file));
+  return std::make_shared<Direct3DRMTexture>(file);
 }
 
-Ref<Direct3DRMWrap> Direct3DRM3::CreateWrap(std::int32_t type, const Ref<Direct3DRMFrame3> & /*reference*/,
+Ref<Direct3DRMWrap> Direct3DRM3::CreateWrap(std::int32_t type, const Ref<Direct3DRMFrame3> &reference,
                                             float ox, float oy, float oz, float dx, float dy, float dz,
                                             float ux, float uy, float uz, float ou, float ov, float su,
                                             float sv) {
   if (type != D3DRMWRAP_FLAT) throw SceneError("a wrap can be flat only");
-  return std::make_shared<Direct3DRMWrap>(Vector{ox, oy, oz}, Vector{dx, dy, dz}, Vector{ux, uy, uz}, ou, ov,
-                                          su, sv);
+  const Transform system = reference ? reference->World() : Transform{};
+  return std::make_shared<Direct3DRMWrap>(system, Vector{ox, oy, oz}, Vector{dx, dy, dz}, Vector{ux, uy, uz},
+                                          ou, ov, su, sv);
 }

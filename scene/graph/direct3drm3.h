@@ -27,7 +27,8 @@ public:
 
   /// A flat wrap: its z axis along (dx, dy, dz), its y axis along (ux, uy, uz), with its origin at (ox, oy,
   /// oz). A vertex at (x, y, z) of that system gets u = su * x - ou and v = sv * y - ov. With a zero up
-  /// vector u runs along x and v along z. The reference frame may be none.
+  /// vector u runs along x and v along z. All of it is told in the reference frame as that stands now, and in
+  /// the scene if there is none.
   Ref<Direct3DRMWrap> CreateWrap(std::int32_t type, const Ref<Direct3DRMFrame3> &reference, float ox,
                                  float oy, float oz, float dx, float dy, float dz, float ux, float uy,
                                  float uz, float ou, float ov, float su, float sv);

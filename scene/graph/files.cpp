@@ -1,4 +1,4 @@
-// The files of models and textures, each read once a process and shared by everybody after that.
+// The files of models and textures, each read once and shared by everybody after that.
 
 #include "scene/graph/mesh_builder.h"
 #include "scene/graph/scene_error.h"
@@ -23,6 +23,7 @@
 #include <fstream>
 #include <iterator>
 #include <map>
+#include <memory>
 
 namespace {
 
@@ -97,6 +98,20 @@ MeshData ParseMesh(const std::filesystem::path &file) {
   return data;
 }
 
+/// Whether a bitmap file reaches to the end of its pixels: the decoder fills up what was cut off.
+bool IsWhole(const std::vector<char> &bytes, const ImageData &image) {
+  constexpr std::size_t PixelsAt = 10, DepthAt = 28; // places in the header
+  const auto number = [&](std::size_t at, std::size_t count) {
+    std::size_t value = 0;
+    for (std::size_t i = count; i > 0; --i)
+      value = value << 8 | static_cast<unsigned char>(bytes[at + i - 1]);
+    return value;
+  };
+  // A row is filled up to whole groups of 32 bits.
+  const std::size_t row = (static_cast<std::size_t>(image.Width) * number(DepthAt, 2) + 31) / 32 * 4;
+  return bytes.size() >= number(PixelsAt, 4) + row * static_cast<std::size_t>(image.Height);
+}
+
 ImageData ParseImage(const std::filesystem::path &file) {
   const std::vector<char> bytes = ReadAll(file);
   ImageData image;
@@ -105,27 +120,34 @@ ImageData ParseImage(const std::filesystem::path &file) {
       stbi_load_from_memory(reinterpret_cast<const stbi_uc *>(bytes.data()), static_cast<int>(bytes.size()),
                             &image.Width, &image.Height, &channels, STBI_rgb_alpha);
   if (!pixels) Refuse(file, std::string("not a bitmap: ") + stbi_failure_reason());
+  const std::unique_ptr<stbi_uc, decltype(&stbi_image_free)> owner(pixels, stbi_image_free);
+  if (!IsWhole(bytes, image)) Refuse(file, "not a whole bitmap: its end is missing");
   const auto count = static_cast<std::size_t>(image.Width) * static_cast<std::size_t>(image.Height) * 4;
   image.Pixels.assign(pixels, pixels + count);
-  stbi_image_free(pixels);
   return image;
+}
+
+/// What a file held when it was read.
+template <class Data> struct Entry {
+  std::filesystem::file_time_type Time;
+  std::uintmax_t Size;
+  Ref<const Data> Content;
+};
+
+template <class Data> std::map<std::filesystem::path, Entry<Data>> &Entries() {
+  static std::map<std::filesystem::path, Entry<Data>> entries;
+  return entries;
 }
 
 /// What `parse` made of the file when it was read first. A file that has changed since is read again.
 template <class Data>
 Ref<const Data> ReadOnce(const std::filesystem::path &file, Data (*parse)(const std::filesystem::path &)) {
-  struct Entry {
-    std::filesystem::file_time_type Time;
-    std::uintmax_t Size;
-    Ref<const Data> Content;
-  };
-  static std::map<std::filesystem::path, Entry> entries;
   std::error_code error;
   const auto time = std::filesystem::last_write_time(file, error);
   if (error) Refuse(file, "can't be found");
   const auto size = std::filesystem::file_size(file, error);
   if (error) Refuse(file, "not a file");
-  Entry &entry = entries[file];
+  Entry<Data> &entry = Entries<Data>()[file];
   if (!entry.Content || entry.Time != time || entry.Size != size) {
     entry = {time, size, std::make_shared<const Data>(parse(file))};
   }
@@ -140,4 +162,9 @@ Ref<const MeshData> ReadMeshFile(const std::filesystem::path &file) {
 
 Ref<const ImageData> ReadImageFile(const std::filesystem::path &file) {
   return ReadOnce<ImageData>(file, ParseImage);
+}
+
+void ForgetFiles() {
+  Entries<MeshData>().clear();
+  Entries<ImageData>().clear();
 }

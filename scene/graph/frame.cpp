@@ -212,8 +212,12 @@ void Direct3DRMFrame3::LookAt(const Ref<Direct3DRMFrame3> &target, const Ref<Dir
   WideTransform axes;
   axes.Direction = {toTarget.x / distance, toTarget.y / distance, toTarget.z / distance};
   Wide right = Cross(Widen(ref->World().Up), axes.Direction);
-  // Straight up or down every roll is as good as any other: the frame keeps the one that it has.
-  if (Dot(right, right) < UnitTolerance) right = Widen(World().Right);
+  if (Dot(right, right) < UnitTolerance) {
+    // Straight up or down every roll is as good as any other: the frame keeps the one that it has, unless it
+    // stands on the very axis that would tell it.
+    right = Widen(World().Right);
+    if (std::abs(Dot(right, axes.Direction)) > 0.5) right = Widen(World().Up);
+  }
   const Wide up = Cross(axes.Direction, right);
   const double length = std::sqrt(Dot(up, up));
   axes.Up = {up.x / length, up.y / length, up.z / length};

@@ -56,7 +56,7 @@ struct MeshData {
   std::vector<FaceColor> FaceColors;                 ///< one a face
 };
 
-/// Reads a DirectX mesh file. Files are read once a process.
+/// Reads a DirectX mesh file. Files are read once, until `ForgetFiles`.
 /// @throws SceneError  that names the file and says why
 Ref<const MeshData> ReadMeshFile(const std::filesystem::path &file);
 

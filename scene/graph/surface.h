@@ -6,6 +6,7 @@
 
 #include <cstdint>
 #include <filesystem>
+#include <utility>
 #include <vector>
 
 /// Colour parts from 0 to 1.
@@ -35,15 +36,26 @@ struct ImageData {
   std::vector<std::uint8_t> Pixels;
 };
 
-/// Reads a bitmap. Files are read once a process.
+/// Reads a bitmap. Files are read once, until `ForgetFiles`.
 /// @throws SceneError  that names the file and says why
 Ref<const ImageData> ReadImageFile(const std::filesystem::path &file);
 
 class Direct3DRMTexture {
 public:
-  explicit Direct3DRMTexture(Ref<const ImageData> image) : image_(std::move(image)) {}
-  const ImageData &Image() const { return *image_; }
+  /// @throws SceneError  if the file can't be read
+  explicit Direct3DRMTexture(std::filesystem::path file)
+      : file_(std::move(file)), image_(ReadImageFile(file_)) {}
+
+  /// The image, read again if it was given back.
+  Ref<const ImageData> Image() const { return image_ ? image_ : ReadImageFile(file_); }
+
+  /// Whoever draws has uploaded the image: it needn't be kept in memory twice.
+  void GiveBack() { image_.reset(); }
 
 private:
+  std::filesystem::path file_;
   Ref<const ImageData> image_;
 };
+
+/// Lets go of all that was kept of files, beside what meshes and textures hold themselves.
+void ForgetFiles();

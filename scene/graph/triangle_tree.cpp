@@ -8,6 +8,7 @@ namespace {
 constexpr std::uint32_t FacesInLeaf = 4;
 constexpr std::size_t DeepestTree =
     64; ///< nodes waiting on a walk: more than any tree of 2^32 faces has levels
+constexpr double RoundingSlack = 1e-14; ///< relative; several roundings of a double
 
 std::array<float, 3> Parts(const Vector &v) { return {v.x, v.y, v.z}; }
 
@@ -104,7 +105,8 @@ std::optional<double> TriangleTree::Intersect(std::span<const Vector> positions,
       enter = std::max(enter, from);
       leave = std::min(leave, to);
     }
-    return enter <= leave;
+    // The quotients are rounded: a face on the box's own edge must not be lost by that.
+    return enter <= leave * (1.0 + RoundingSlack);
   };
   std::array<std::uint32_t, DeepestTree> waiting;
   std::size_t count = 0;

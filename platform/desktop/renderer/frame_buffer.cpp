@@ -52,14 +52,17 @@ void FrameBuffer::Begin(float red, float green, float blue) {
   gl_.glClear(GL_COLOR_BUFFER_BIT | GL_DEPTH_BUFFER_BIT);
 }
 
-void FrameBuffer::Read(QImage &picture) {
+void FrameBuffer::Read(QImage &picture, const QRect &part) {
+  const int left = part.x(), top = part.y(), right = left + part.width(), bottom = top + part.height();
   if (samples_ > 0) {
     gl_.glBindFramebuffer(GL_READ_FRAMEBUFFER, drawn_);
     gl_.glBindFramebuffer(GL_DRAW_FRAMEBUFFER, resolved_);
-    gl_.glBlitFramebuffer(0, 0, size_.width(), size_.height(), 0, 0, size_.width(), size_.height(),
-                          GL_COLOR_BUFFER_BIT, GL_NEAREST);
+    gl_.glBlitFramebuffer(left, top, right, bottom, left, top, right, bottom, GL_COLOR_BUFFER_BIT,
+                          GL_NEAREST);
   }
   gl_.glBindFramebuffer(GL_READ_FRAMEBUFFER, samples_ > 0 ? resolved_ : drawn_);
   gl_.glPixelStorei(GL_PACK_ALIGNMENT, 4);
-  gl_.glReadPixels(0, 0, size_.width(), size_.height(), GL_BGRA, GL_UNSIGNED_INT_8_8_8_8_REV, picture.bits());
+  gl_.glPixelStorei(GL_PACK_ROW_LENGTH, size_.width());
+  gl_.glReadPixels(left, top, part.width(), part.height(), GL_BGRA, GL_UNSIGNED_INT_8_8_8_8_REV,
+                   picture.scanLine(top) + static_cast<std::ptrdiff_t>(left) * 4);
 }

@@ -15,7 +15,7 @@ public:
   FrameBuffer &operator=(const FrameBuffer &) = delete;
 
   void Begin(float red, float green, float blue); ///< clears it and draws into it from now on
-  void Read(QImage &picture);                     ///< into a picture of its size, Format_RGB32
+  void Read(QImage &picture, const QRect &part);  ///< into a picture of its size, Format_RGB32
   QSize Size() const { return size_; }
 
 private:

@@ -57,14 +57,16 @@ GLuint GpuStore::Texture(const Ref<Direct3DRMTexture> &texture) {
     gl_.glTexImage2D(GL_TEXTURE_2D, level, GL_RGBA8, image.Width, image.Height, 0, GL_RGBA, GL_UNSIGNED_BYTE,
                      image.Pixels.data());
   };
-  upload(0, texture->Image());
+  const Ref<const ImageData> whole = texture->Image();
+  upload(0, *whole);
   ImageData image;
-  const ImageData *larger = &texture->Image();
+  const ImageData *larger = whole.get();
   for (GLint level = 1; larger->Width > 1 || larger->Height > 1; ++level) {
     image = Halved(*larger);
     larger = &image;
     upload(level, image);
   }
+  texture->GiveBack();
   gl_.glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MIN_FILTER, GL_LINEAR_MIPMAP_LINEAR);
   gl_.glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MAG_FILTER, GL_LINEAR);
   if (anisotropy_ > 1.0f) gl_.glTexParameterf(GL_TEXTURE_2D, AnisotropyParameter, anisotropy_);

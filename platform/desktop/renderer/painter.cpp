@@ -4,13 +4,11 @@
 
 #include <algorithm>
 #include <cmath>
-#include <optional>
 #include <string>
 
 namespace {
 
 constexpr float ViewAngle = 54.0f; ///< degrees from the picture's bottom to its top
-constexpr float NearPlane = 1.0f;  ///< scene units
 constexpr float FogColor[] = {0.84f, 0.71f, 0.81f};
 constexpr float FogDistance = 900.0f; ///< scene units at which about a third of a colour is left
 
@@ -27,33 +25,6 @@ QMatrix4x4 Projection(float aspect, float back) {
   return projection;
 }
 
-/// The pixels that a box covers at most; none if it lies outside.
-std::optional<QRect> Covered(const Bounds &box, const QMatrix4x4 &toClip, QSize size) {
-  const QRect whole(QPoint(0, 0), size);
-  if (Outside(box, toClip)) return {};
-  QRectF around;
-  for (int corner = 0; corner < 8; ++corner) {
-    const Vector v = box.Corner(corner);
-    const QVector4D p = toClip * QVector4D(v.x, v.y, v.z, 1.0f);
-    if (p.w() < NearPlane) return whole;
-    const QRectF pixel((static_cast<qreal>(p.x() / p.w()) * 0.5 + 0.5) * size.width() - 1.0,
-                       (static_cast<qreal>(p.y() / p.w()) * 0.5 + 0.5) * size.height() - 1.0, 2.0, 2.0);
-    around = corner == 0 ? pixel : around.united(pixel);
-  }
-  const QRect rect = around.intersected(QRectF(whole)).toAlignedRect().intersected(whole);
-  if (rect.isEmpty()) return {};
-  return rect;
-}
-
-/// From the clip space of a picture to that of a part of it.
-QMatrix4x4 ToPart(const QRect &part, QSize whole) {
-  const auto share = [](int length, int of) { return static_cast<float>(length) / static_cast<float>(of); };
-  const float width = share(part.width(), whole.width()), height = share(part.height(), whole.height());
-  const float x = 2.0f * share(part.x(), whole.width()) + width - 1.0f;
-  const float y = 2.0f * share(part.y(), whole.height()) + height - 1.0f;
-  return {1.0f / width, 0, 0, -x / width, 0, 1.0f / height, 0, -y / height, 0, 0, 1, 0, 0, 0, 0, 1};
-}
-
 } // namespace
 
 Painter::Painter(Gl &gl, const PaintQuality &quality)
@@ -62,10 +33,12 @@ Painter::Painter(Gl &gl, const PaintQuality &quality)
 
 Painter::~Painter() = default;
 
-void Painter::Paint(std::span<const Placed> placed, const Transform &camera, float back, QImage &picture) {
+bool Painter::Paint(std::span<const Placed> placed, const Transform &camera, float back, QImage &picture) {
   const QSize size = picture.size();
-  if (!target_ || target_->Size() != size)
+  if (!target_ || target_->Size() != size) {
     target_ = std::make_unique<FrameBuffer>(gl_, size, quality_.Samples);
+    damage_.Forget();
+  }
 
   std::vector<Item> items, grounds;
   for (const Placed &each : placed) {
@@ -80,13 +53,20 @@ void Painter::Paint(std::span<const Placed> placed, const Transform &camera, flo
 
   gl_.glEnable(GL_DEPTH_TEST);
   gl_.glDisable(GL_CULL_FACE);
-  shadows_.Update(items, grounds);
+  const bool shadowsMoved = shadows_.Update(items, grounds);
 
   const QMatrix4x4 projection =
       Projection(static_cast<float>(size.width()) / static_cast<float>(size.height()), back);
   toClip_ = projection * MatrixOf(camera).inverted();
-  shown_ = toClip_;
   camera_ = QVector3D(camera.Origin.x, camera.Origin.y, camera.Origin.z);
+  const std::vector<QRect> parts = damage_.Parts(items, shadows_.Regions(), shadowsMoved, toClip_, size);
+  for (const QRect &part : parts) DrawPart(items, grounds, part);
+  for (const QRect &part : parts) target_->Read(picture, part);
+  return !parts.empty();
+}
+
+void Painter::DrawPart(std::span<const Item> items, std::span<const Item> grounds, const QRect &part) {
+  Confine(part);
   bound_ = nullptr;
   target_->Begin(FogColor[0], FogColor[1], FogColor[2]);
   gl_.glActiveTexture(GL_TEXTURE1);
@@ -101,29 +81,33 @@ void Painter::Paint(std::span<const Placed> placed, const Transform &camera, flo
       DrawItem(item, 0);
     } else if (!groundDrawn && IsWide(item)) {
       groundDrawn = true;
-      DrawGrounds(grounds, size);
+      DrawGrounds(grounds, part);
     }
   }
   gl_.glDisable(GL_CULL_FACE);
   backdrop_.Draw(toClip_);
-  target_->Read(picture);
+  gl_.glDisable(GL_SCISSOR_TEST);
 }
 
-void Painter::DrawGrounds(std::span<const Item> grounds, QSize size) {
-  // First where shadows can lie. The second time those pixels are taken, and the rest is filled.
+/// Draws into these pixels alone from now on.
+void Painter::Confine(const QRect &part) {
   gl_.glEnable(GL_SCISSOR_TEST);
+  gl_.glScissor(part.x(), part.y(), part.width(), part.height());
+  shown_ = ToPart(part, target_->Size()) * toClip_;
+}
+
+void Painter::DrawGrounds(std::span<const Item> grounds, const QRect &part) {
+  // First where shadows can lie. The second time those pixels are taken, and the rest is filled.
   for (const ShadowRegion &region : shadows_.Regions()) {
-    const auto covered = Covered(region.Ground, toClip_, size);
-    if (!covered) continue;
-    gl_.glScissor(covered->x(), covered->y(), covered->width(), covered->height());
+    const auto covered = Covered(region.Ground, toClip_, target_->Size());
+    if (!covered || !covered->intersects(part)) continue;
+    Confine(covered->intersected(part));
     softness_ = Shadows::InMap(region.Softness);
     halo_ = Shadows::InMap(region.Halo);
-    shown_ = ToPart(*covered, size) * toClip_;
     bound_ = nullptr;
     for (const Item &ground : grounds) DrawItem(ground, quality_.ShadowTaps);
   }
-  shown_ = toClip_;
-  gl_.glDisable(GL_SCISSOR_TEST);
+  Confine(part);
   for (const Item &ground : grounds) DrawItem(ground, 0);
 }
 

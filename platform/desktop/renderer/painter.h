@@ -3,6 +3,7 @@
 // Draws the meshes of a graph, from the nearest thing to the farthest place, with shadows on the ground.
 
 #include "platform/desktop/renderer/backdrop.h"
+#include "platform/desktop/renderer/damage.h"
 #include "platform/desktop/renderer/frame_buffer.h"
 #include "platform/desktop/renderer/gpu_store.h"
 #include "platform/desktop/renderer/shadows.h"
@@ -28,12 +29,18 @@ public:
 
   /// @param camera  where it stands; it looks along its z
   /// @param back    distance of the far clipping plane, scene units
-  /// @param picture is drawn into, Format_RGB32
-  void Paint(std::span<const Placed> placed, const Transform &camera, float back, QImage &picture);
+  /// @param picture is drawn into, Format_RGB32; holds the last picture, of which what hasn't changed stays
+  /// @return whether anything has changed
+  bool Paint(std::span<const Placed> placed, const Transform &camera, float back, QImage &picture);
+
+  /// The next picture is drawn as a whole.
+  void Forget() { damage_.Forget(); }
 
 private:
+  void DrawPart(std::span<const Item> items, std::span<const Item> grounds, const QRect &part);
+  void Confine(const QRect &part);
   void DrawItem(const Item &item, int taps);
-  void DrawGrounds(std::span<const Item> grounds, QSize size);
+  void DrawGrounds(std::span<const Item> grounds, const QRect &part);
   QOpenGLShaderProgram &SurfaceProgram(int taps, bool pictured);
   void SetScene(QOpenGLShaderProgram &surface);
 
@@ -42,6 +49,7 @@ private:
   GpuStore store_;
   Shadows shadows_;
   Backdrop backdrop_;
+  Damage damage_;
   std::unique_ptr<FrameBuffer> target_;
   std::map<std::pair<int, bool>, std::unique_ptr<QOpenGLShaderProgram>> surfaces_;
   QOpenGLShaderProgram *bound_ = nullptr;

@@ -5,8 +5,12 @@
 #include "scene/graph/frame.h"
 
 #include <QMatrix4x4>
+#include <QRect>
 
+#include <optional>
 #include <vector>
+
+constexpr float NearPlane = 1.0f; ///< scene units from the camera to the nearest that shows
 
 /// A box around vertices.
 struct Bounds {
@@ -36,3 +40,9 @@ Bounds Moved(const Bounds &box, const Transform &t);
 
 /// Whether a box lies outside what shows: all of its corners beyond one plane.
 bool Outside(const Bounds &box, const QMatrix4x4 &toClip);
+
+/// The pixels of a picture that a box covers at most; none if it lies outside.
+std::optional<QRect> Covered(const Bounds &box, const QMatrix4x4 &toClip, QSize size);
+
+/// From the clip space of a picture to that of a part of it.
+QMatrix4x4 ToPart(const QRect &part, QSize whole);

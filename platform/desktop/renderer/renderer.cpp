@@ -1,6 +1,7 @@
 #include "platform/desktop/renderer/renderer.h"
 
 #include "platform/desktop/renderer/painter.h"
+#include "platform/desktop/renderer/spare_memory.h"
 
 #include <QElapsedTimer>
 #include <QOffscreenSurface>
@@ -8,10 +9,10 @@
 #include <QOpenGLVersionFunctionsFactory>
 
 #include <algorithm>
+#include <bit>
 #include <cmath>
-#include <cstring>
+#include <ctime>
 #include <string_view>
-#include <unordered_map>
 
 namespace {
 
@@ -19,25 +20,8 @@ constexpr PaintQuality FullPaint{.Samples = 4, .ShadowSize = 2048, .ShadowTaps =
 constexpr PaintQuality LowPaint{.Samples = 0, .ShadowSize = 1024, .ShadowTaps = 4, .Anisotropy = 1.0f};
 
 constexpr std::size_t MeasuredPictures = 8;
-constexpr double SlowPicture = 8.0;      ///< ms: a middle picture slower than this chooses the low level
-constexpr double HopelessPicture = 25.0; ///< ms: two of these in a row choose it at once
-
-/// Movement of a texture, in repeats, that may be held back at the low level: about half a pixel of the sky.
-constexpr float HeldDrift = 0.0012f;
-
-/// Everything that decides a picture but the texture coordinates, as one number.
-class Signature {
-public:
-  template <class T> void Add(const T &value) {
-    unsigned char bytes[sizeof value];
-    std::memcpy(bytes, &value, sizeof value);
-    for (const unsigned char byte : bytes) hash_ = (hash_ ^ byte) * 0x100000001B3ULL;
-  }
-  std::uint64_t Value() const { return hash_; }
-
-private:
-  std::uint64_t hash_ = 0xCBF29CE484222325ULL;
-};
+constexpr double SlowPicture = 8.0;  ///< ms: a middle picture dearer than this chooses the low level
+constexpr double QuickPicture = 2.0; ///< ms: a low one up to this chooses full, at about three times its cost
 
 } // namespace
 
@@ -46,6 +30,7 @@ public:
   explicit Drawing(Quality quality)
       : asked_(quality), level_(quality == Quality::Low ? Quality::Low : Quality::Full) {
     OpenContext();
+    if (asked_ == Quality::Measured && DrawsInSoftware()) level_ = Quality::Low;
     painter_ = std::make_unique<Painter>(*gl_, Paint());
   }
 
@@ -61,23 +46,26 @@ public:
         drawnRoot_ == canvas.RootObject) {
       return false;
     }
-    const std::vector<Placed> placed = Collect(*canvas.SceneFrame);
-    const std::uint64_t signature = Sign(canvas, placed);
-    if (picture_.size() == size && signature == drawnSignature_ && level_ == Quality::Low &&
-        Drift(placed) < HeldDrift) {
-      return false;
-    }
     drawnRevision_ = canvas.RootObject->Revision();
     drawnRoot_ = canvas.RootObject;
-    drawnSignature_ = signature;
-    RememberCoordinates(placed);
 
     QElapsedTimer timer;
     timer.start();
+    const std::clock_t processor = std::clock();
     if (!context_.makeCurrent(&surface_)) throw RendererError("the OpenGL context has been lost");
     if (picture_.size() != size) picture_ = QImage(size, QImage::Format_RGB32);
-    painter_->Paint(placed, canvas.CameraFrame->World(), canvas.Viewport->GetBack(), picture_);
-    Measure(static_cast<double>(timer.nsecsElapsed()) / 1e6);
+    if (Measuring()) painter_->Forget(); // a part of a picture would tell nothing
+    if (!painter_->Paint(Collect(*canvas.SceneFrame), canvas.CameraFrame->World(), canvas.Viewport->GetBack(),
+                         picture_)) {
+      return false;
+    }
+    ++pictures_;
+    if (pictures_ == 1) ForgetFiles(); // everything has been uploaded
+    // Shaders are compiled when they are used first, and most are used soon.
+    if (pictures_ > MeasuredPictures && std::has_single_bit(pictures_)) GiveBackSpareMemory();
+    // On many cores a picture can be quick and still take more of them than a game on a desk should.
+    Measure(std::max(static_cast<double>(timer.nsecsElapsed()) / 1e6,
+                     static_cast<double>(std::clock() - processor) * 1e3 / CLOCKS_PER_SEC));
     return true;
   }
 
@@ -121,56 +109,18 @@ private:
     return false;
   }
 
-  static std::uint64_t Sign(const RMCanvas &canvas, std::span<const Placed> placed) {
-    Signature signature;
-    signature.Add(canvas.CameraFrame->World());
-    signature.Add(canvas.Viewport->GetBack());
-    for (const Placed &each : placed) {
-      signature.Add(each.Mesh->get());
-      signature.Add((*each.Mesh)->GeometryRevision());
-      signature.Add((*each.Mesh)->Texture().get());
-      signature.Add((*each.Mesh)->Material().get());
-      signature.Add(each.Place);
-    }
-    return signature.Value();
-  }
-
-  /// How far any texture has moved since the last picture, in repeats.
-  float Drift(std::span<const Placed> placed) const {
-    float most = 0;
-    for (const Placed &each : placed) {
-      const auto drawn = drawnCoordinates_.find(each.Mesh->get());
-      if (drawn == drawnCoordinates_.end()) return 1.0f;
-      const auto &[first, last] = drawn->second;
-      const auto &now = (*each.Mesh)->Data().TextureCoordinates;
-      most = std::max({most, std::abs(now.front().u - first.u), std::abs(now.front().v - first.v),
-                       std::abs(now.back().u - last.u), std::abs(now.back().v - last.v)});
-    }
-    return most;
-  }
-
-  void RememberCoordinates(std::span<const Placed> placed) {
-    drawnCoordinates_.clear();
-    for (const Placed &each : placed) {
-      const auto &coordinates = (*each.Mesh)->Data().TextureCoordinates;
-      drawnCoordinates_[each.Mesh->get()] = {coordinates.front(), coordinates.back()};
-    }
-  }
+  bool Measuring() const { return asked_ == Quality::Measured && !chosen_; }
 
   /// Chooses the level by the first pictures. The very first uploads everything, so it doesn't count.
   void Measure(double milliseconds) {
-    if (asked_ != Quality::Measured || chosen_) return;
-    if (!firstDrawn_) {
-      firstDrawn_ = true;
-      return;
-    }
+    if (!Measuring() || pictures_ == 1) return;
     measured_.push_back(milliseconds);
-    const bool hopeless = measured_.size() == 2 && std::ranges::min(measured_) > HopelessPicture;
-    if (measured_.size() < MeasuredPictures && !hopeless) return;
+    if (measured_.size() < MeasuredPictures) return;
     chosen_ = true;
     std::ranges::sort(measured_);
-    if (!hopeless && measured_[measured_.size() / 2] <= SlowPicture) return;
-    level_ = Quality::Low;
+    const double middle = measured_[measured_.size() / 2];
+    if (level_ == Quality::Full ? middle <= SlowPicture : middle > QuickPicture) return;
+    level_ = level_ == Quality::Full ? Quality::Low : Quality::Full;
     painter_.reset();
     painter_ = std::make_unique<Painter>(*gl_, Paint());
   }
@@ -183,14 +133,12 @@ private:
   std::unique_ptr<Painter> painter_;
   QImage picture_;
 
-  bool firstDrawn_ = false, chosen_ = false;
-  std::vector<double> measured_; ///< ms of the first pictures
+  std::size_t pictures_ = 0;
+  bool chosen_ = false;
+  std::vector<double> measured_; ///< ms of the first pictures, wall or processor, whichever is more
 
   Ref<Direct3DRM3> drawnRoot_;
   std::uint64_t drawnRevision_ = 0;
-  std::uint64_t drawnSignature_ = 0;
-  std::unordered_map<const Direct3DRMMeshBuilder3 *, std::pair<TextureCoordinate, TextureCoordinate>>
-      drawnCoordinates_; ///< of the first and the last vertex
 };
 
 Renderer::Renderer(Quality quality) : drawing_(std::make_unique<Drawing>(quality)) {}

@@ -19,7 +19,7 @@ public:
 };
 
 enum class Quality {
-  Measured, ///< begins in full, and stays there if the first pictures come fast enough
+  Measured, ///< begins as the kind of computer suggests, and changes over if the first pictures say so
   Full,     ///< four samples a pixel, soft shadows, sharp textures at flat angles
   Low       ///< one sample a pixel, small shadows
 };

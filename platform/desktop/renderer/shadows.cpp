@@ -70,8 +70,8 @@ Shadows::Shadows(Gl &gl, int size) : gl_(gl), size_(size) {
   BuildProgram(program_, ShadowVertexShader, ShadowFragmentShader);
   gl_.glGenTextures(1, &map_);
   gl_.glBindTexture(GL_TEXTURE_2D, map_);
-  gl_.glTexImage2D(GL_TEXTURE_2D, 0, GL_DEPTH_COMPONENT24, size, size, 0, GL_DEPTH_COMPONENT, GL_UNSIGNED_INT,
-                   nullptr);
+  gl_.glTexImage2D(GL_TEXTURE_2D, 0, GL_DEPTH_COMPONENT16, size, size, 0, GL_DEPTH_COMPONENT,
+                   GL_UNSIGNED_SHORT, nullptr);
   gl_.glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MIN_FILTER, GL_LINEAR);
   gl_.glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MAG_FILTER, GL_LINEAR);
   gl_.glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_COMPARE_MODE, GL_COMPARE_REF_TO_TEXTURE);
@@ -104,7 +104,7 @@ QMatrix4x4 Shadows::ToMap() {
 
 float Shadows::InMap(float length) { return length / (2.0f * Reach); }
 
-void Shadows::Update(std::span<const Item> items, std::span<const Item> grounds) {
+bool Shadows::Update(std::span<const Item> items, std::span<const Item> grounds) {
   regions_.clear();
   std::vector<Caster> casters;
   if (!grounds.empty()) {
@@ -127,8 +127,10 @@ void Shadows::Update(std::span<const Item> items, std::span<const Item> grounds)
       casters.push_back({item.Mesh, item.Where.ToWorld, (*item.Where.Mesh)->GeometryRevision()});
     }
   }
-  if (casters != drawn_) DrawMap(casters);
+  const bool moved = casters != drawn_;
+  if (moved) DrawMap(casters);
   drawn_ = std::move(casters);
+  return moved;
 }
 
 void Shadows::DrawMap(const std::vector<Caster> &casters) {

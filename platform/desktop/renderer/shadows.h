@@ -37,7 +37,8 @@ public:
   Shadows &operator=(const Shadows &) = delete;
 
   /// Finds what throws shadows on these grounds, and draws the map again if any of it has moved.
-  void Update(std::span<const Item> items, std::span<const Item> grounds);
+  /// Returns whether it has.
+  bool Update(std::span<const Item> items, std::span<const Item> grounds);
 
   std::span<const ShadowRegion> Regions() const { return regions_; }
   GLuint Map() const { return map_; }
