@@ -30,7 +30,8 @@ void frmSnapwedge::KickFB(float &ShotX, float &ShotY, float &ShotZ, float &Power
   Vector place;
   AimFrame->GetPosition(scene, place);
 
-  while (place.z > PostsZ && !(place.y < 0.0f)) {
+  // A force so small that its gravity rounds to 0 would keep the piece in the air for ever.
+  while (place.z > PostsZ && !(place.y < 0.0f) && KickDrop > 0.0f) {
     BeginStep(program.FlickMs);
     MoveGoal();
     SideCam();
