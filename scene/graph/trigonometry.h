@@ -12,13 +12,18 @@ struct SineCosine {
   double Cosine;
 };
 
-/// Both for an angle in radians, right to about 1e-15 up to some millions.
+/// Both for an angle in radians, right to about 1e-15 up to a million. A larger one still gives a direction,
+/// the same everywhere.
 inline SineCosine SineAndCosine(double angle) {
+  constexpr double Reach = 1e6;
+  constexpr double FullTurn = 6.28318530717958647693;
   constexpr double QuarterTurns = 0.63661977236758134308; ///< 2 / pi
   // pi / 2 in two parts: the first has trailing zeros, so that its product with a small whole number is
   // exact.
   constexpr double HalfPiHigh = 1.57079632673412561417;
   constexpr double HalfPiLow = 6.07710050650619224932e-11;
+  // The remainder is exact, so every library gives the same.
+  if (std::abs(angle) > Reach) angle = std::fmod(angle, FullTurn);
   const double turns = std::floor(angle * QuarterTurns + 0.5);
   const double x = (angle - turns * HalfPiHigh) - turns * HalfPiLow;
   const double square = x * x;
