@@ -2,6 +2,7 @@
 
 #include <charconv>
 #include <cmath>
+#include <cstdlib>
 #include <istream>
 #include <limits>
 #include <sstream>
@@ -31,7 +32,13 @@ public:
   template <class Number> Number NextNumber(const std::string &what, Number lowest, Number highest) {
     const std::string word = Next(what);
     Number value{};
-    const auto [end, error] = std::from_chars(word.data(), word.data() + word.size(), value);
+    auto [end, error] = std::from_chars(word.data(), word.data() + word.size(), value);
+    if constexpr (std::is_floating_point_v<Number>) {
+      if (error == std::errc::result_out_of_range) { // nearer to 0 than any float, or infinite
+        value = std::strtof(word.c_str(), nullptr);
+        error = {};
+      }
+    }
     if (error != std::errc() || end != word.data() + word.size()) {
       reader_.Refuse(what + " isn't a number that can be used: \"" + word + '"');
     }

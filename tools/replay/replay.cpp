@@ -60,8 +60,8 @@ private:
     if (asked_.Computer) EndComputer();
   }
 
-  /// A frame of a person's turn is over. At most one shot is played from here, so that the match can go on
-  /// around it.
+  /// A frame of a person's turn is over. At most one shot is played from here, and none in the frame in which
+  /// the computer's possession ended, so that the match can go on around it.
   void EndFrame() {
     if (framesLeft_ > 0) --framesLeft_;
     const Stage stage = stage_;
@@ -100,9 +100,10 @@ private:
   void Do(const FlickCommand &flick) {
     if (stage_ != Stage::Between) commands_.Refuse("a flick in the point-after");
     asked_ = {Side(), flick.Force, flick.Turn, FirstAttempt + 3 - window_.Shots, false};
-    watcher_.Begin();
     stage_ = Stage::Flick;
-    Release(flick.Force, flick.Turn);
+    TurnAim(flick.Turn);
+    watcher_.Begin();
+    Release(flick.Force);
     // A Touchdown was told when its point-after began; what has ended then is the kick.
     if (stage_ == Stage::Flick) ReportFlick(window_, asked_, watcher_.Flick());
     if (stage_ == Stage::Kick) ReportKick(window_, asked_, watcher_.Kick());
@@ -119,19 +120,21 @@ private:
 
   void ReleaseKick() {
     kickWaits_ = false;
+    TurnAim(kick_.Turn);
     if (kick_.Force == 0.0f) {
-      Release(kick_.Force, kick_.Turn);
+      Release(kick_.Force);
       ReportNoKick();
       return;
     }
     asked_ = {Side(), kick_.Force, kick_.Turn, 0, false};
     stage_ = Stage::Kick;
-    Release(kick_.Force, kick_.Turn);
+    Release(kick_.Force);
   }
 
-  /// Turns the aim and lets the button go.
-  void Release(float force, float turn) {
-    window_.AimFrame->AddRotation(D3DRMCOMBINE_BEFORE, 0, 1, 0, turn);
+  void TurnAim(float turn) { window_.AimFrame->AddRotation(D3DRMCOMBINE_BEFORE, 0, 1, 0, turn); }
+
+  /// Lets the button go with the meter at `force`.
+  void Release(float force) {
     window_.ShotPending = True;
     window_.Force = force;
     window_.RMCanvas1_MouseUp(1, 0, 0.0f, 0.0f);
@@ -161,6 +164,7 @@ private:
       return;
     stage_ = Stage::Between;
     asked_.Computer = false;
+    played_ = !ComputersTurn();
   }
 
   static constexpr int FirstAttempt = 1;
@@ -175,7 +179,7 @@ private:
   AskedShot asked_;
   KickCommand kick_{};
   bool kickWaits_ = false;
-  bool played_ = false;
+  bool played_ = false; ///< this frame has had its shot
   int framesLeft_ = 0;
 };
 

@@ -1,13 +1,16 @@
 #include "tools/replay/report.h"
 
 #include <charconv>
+#include <cmath>
 #include <iostream>
 #include <sstream>
 
 namespace {
 
-/// The shortest text that reads back as the same 32-bit float.
+/// The shortest text that reads back as the same 32-bit float. A zero keeps its sign even where a number
+/// without a point is read as an integer.
 std::string Number(float value) {
+  if (value == 0.0f && std::signbit(value)) return "-0.0";
   char buffer[32];
   const auto result = std::to_chars(buffer, buffer + sizeof buffer, value);
   return {buffer, result.ptr};

@@ -22,13 +22,12 @@ void Watcher::Begin() {
 void Watcher::SeePicture() {
   // In the flight of a flick the sky moves with every step, and in a fall it stands still. In the flight of a
   // kick the rise changes with every step, and nowhere else.
-  inFlight_ = window_.NoShot && !window_.KickMode && window_.SkyU != lastSkyU_;
-  if (inFlight_) {
+  if (window_.NoShot && !window_.KickMode && window_.SkyU != lastSkyU_) {
     ++flick_.Steps;
     Look(flick_);
   }
-  if (window_.NoShot && window_.KickMode && window_.KickRise != lastKickRise_) {
-    ++kick_.Steps;
+  if (window_.KickMode) {
+    if (window_.NoShot && window_.KickRise != lastKickRise_) ++kick_.Steps;
     Look(kick_);
   }
   lastSkyU_ = window_.SkyU;

@@ -25,9 +25,6 @@ public:
   void SeePicture(); ///< to be called with every picture
   void SeeCards();   ///< to be called at every pump: a card comes and goes without a picture of the scene
 
-  /// Whether the picture seen last was one of a flick's flight.
-  bool InFlight() const { return inFlight_; }
-
   const SeenShot &Flick() const { return flick_; }
   const SeenShot &Kick() const { return kick_; }
 
@@ -37,7 +34,6 @@ private:
   frmSnapwedge &window_;
   SeenShot flick_;
   SeenShot kick_;
-  bool inFlight_ = false;
   float lastSkyU_ = 0;
   float lastKickRise_ = 0;
 };
