@@ -18,6 +18,7 @@ struct Row {
   std::vector<std::int16_t> cards;
   std::int32_t points;
   bool possessionEnds;
+  float tableZ = 0; ///< moves the table, so that its far edge isn't at the far-edge line
 };
 
 /// Plays a flick of force 0, so that the piece is judged where it lies.
@@ -32,22 +33,24 @@ TEST(JudgingTest, EveryOutcomeHasItsCardItsPointsAndItsTurnover) {
       {"bonus area on the second", 0, -79, 0, 2, {}, 0, false},
       {"bonus area on the third", 0, -79, 0, 1, {7}, 0, true},
       {"one corner on the bonus area", 0, -69.5f, 0, 3, {5}, 3, false},
-      {"centre over the bonus area, no corner", 0, -72, HalfTurn / 2, 3, {5}, 3, false},
       {"short of the bonus area", 0, -68, 0, 3, {}, 0, false},
-      {"over the far edge on the first", 0, -87, 0, 3, {6}, 0, true},
+      {"over the far edge on the first", 40, -87, 0, 3, {6}, 0, true},
       {"over the far edge on the second", 0, -87, 0, 2, {6}, 0, true},
-      {"over the far edge on the third, no kick yet", 40, -87.5f, HalfTurn, 2, {6}, 0, true},
-      {"bonus and over the far edge on the first", 6, -84.5f, HalfTurn, 3, {5}, 3, false},
+      {"A and B on the bonus area, C over the far edge", 0, -87, 0, 3, {6}, 0, true},
       {"a corner over the right edge on the first", 86, 0, 0, 3, {}, 0, false},
       {"a corner over the right edge on the third", 86, 0, 0, 1, {7}, 0, true},
       {"a corner over the left edge on the second", -86, 0, 0, 2, {}, 0, false},
       {"A over the side edge hides C past the line", 85, -86, 0, 2, {}, 0, false},
       {"A past the line counts before B", 0, -86, HalfTurn, 2, {6}, 0, true},
+      {"past the line with the table under it", 40, -86, 0, 3, {}, 0, false, -4},
+      {"the same with a later corner over the side edge", 85, -84, HalfTurn * 2 / 3, 2, {6}, 0, true, -4},
+      {"over a far edge that comes before the line", 40, -82, 0, 2, {}, 0, false, 4},
   };
   for (const Row &row : rows) {
     SCOPED_TRACE(row.name);
     Game game;
     game.SetUp();
+    game.window.TableFrame->SetPosition(game.window.TableFrame, 0, 0, row.tableZ);
     game.PutPiece(row.x, row.z, row.shotsBefore, row.pieceTurn);
     game.window.CheckRay();
     game.Flick(0.0f);
@@ -55,6 +58,7 @@ TEST(JudgingTest, EveryOutcomeHasItsCardItsPointsAndItsTurnover) {
     EXPECT_EQ(game.window.HomeScore, row.points);
     EXPECT_EQ(game.window.AwayScore, 0);
     EXPECT_EQ(game.window.Player, row.possessionEnds ? 2 : 1);
+    EXPECT_EQ(game.window.Shots, row.possessionEnds ? 3 : row.shotsBefore - 1);
     EXPECT_EQ(game.window.lblPlayer1.Caption, "Home Team Score: " + std::to_string(row.points));
     EXPECT_FALSE(game.window.AnyPictures());
     EXPECT_FALSE(game.window.Busy);
