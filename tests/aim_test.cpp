@@ -111,14 +111,17 @@ TEST(AimTest, TheCameraStaysInItsBox) {
     bool shift;
     int button;
     int dx, dy;
+    float z = 120; ///< of the camera at first
   };
   for (const Row &row :
-       {Row{"zoom out", true, 0, 0, -90}, Row{"zoom in", true, 0, 0, 90}, Row{"orbit up", false, 2, 0, 70},
-        Row{"orbit down", false, 2, 0, -70}, Row{"orbit right", false, 2, -200, 0},
-        Row{"zoom wins over orbit", true, 2, 300, -90}}) {
+       {Row{"zoom in", true, 0, 0, -90}, Row{"zoom out", true, 0, 0, 90},
+        Row{"zoom out at the far end", true, 0, 0, 90, -120}, Row{"orbit down", false, 2, 0, 70},
+        Row{"orbit up", false, 2, 0, -70}, Row{"orbit left", false, 2, -200, 0},
+        Row{"orbit right", false, 2, 200, 0}, Row{"zoom wins over orbit", true, 2, 300, -90}}) {
     SCOPED_TRACE(row.name);
     Game game;
     game.SetUp();
+    game.window.CameraFrame->SetPosition(game.window.RMCanvas1.SceneFrame, 0, 10, row.z);
     if (row.shift) game.machine.PressKey(KeyCodes::Shift);
     if (row.button) game.machine.PressMouse(static_cast<std::int16_t>(row.button));
     game.Frames(1);
@@ -134,6 +137,23 @@ TEST(AimTest, TheCameraStaysInItsBox) {
     EXPECT_LE(camera.y, 30.0f);
     EXPECT_EQ(Heading(game), 0.0f) << "zoom and orbit leave the aim alone";
   }
+}
+
+TEST(AimTest, TheRightButtonOrbitsInTheCamerasOwnAxes) {
+  Game game;
+  game.SetUp();
+  game.machine.PressMouse(2);
+  game.Frames(1);
+  game.machine.MoveMouse(-50, 30);
+  game.Frames(1);
+  const Vector camera = game.Place(game.window.CameraFrame);
+  EXPECT_NEAR(camera.x, -5.0f, 1e-4f);
+  EXPECT_NEAR(std::hypot(camera.y - 10.0f, camera.z - 120.0f), 3.0f, 1e-3f);
+  EXPECT_LT(camera.y, 10.0f);
+  Vector piece;
+  game.window.PieceFrame->GetPosition(game.window.CameraFrame, piece);
+  EXPECT_NEAR(std::hypot(piece.x, piece.y), 0.0f, 1e-3f) << "it still looks at the piece";
+  EXPECT_GT(piece.z, 0.0f);
 }
 
 TEST(AimTest, ShiftZoomsAlongTheViewAndLetsGo) {
@@ -166,8 +186,10 @@ TEST(AimTest, LosingTheKeyboardPutsTheMeterToRestWithoutAShot) {
   EXPECT_EQ(game.window.ProgressBar1.Value, 0.0f);
   EXPECT_EQ(game.window.Shots, 3);
   EXPECT_FALSE(game.window.ShiftDown);
+  game.machine.After(200, [&] { game.machine.LoseFocus(); });
   game.Shoot(3);
   EXPECT_EQ(game.window.Shots, 2) << "play goes on";
+  EXPECT_NEAR(game.Place(game.window.PieceFrame).z, 85.0f - 9.84f, 0.005f) << "a flight isn't stopped";
 }
 
 TEST(KeysTest, TheStadiumGoesAndComesInEveryPhase) {

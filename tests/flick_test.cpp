@@ -118,18 +118,19 @@ TEST(FlickTest, TheFallDropsThreeAStepForFiftyStepsUnderALowCamera) {
   game.SetUp();
   game.PutPiece(80.0f, 0.0f, 3);
   std::vector<float> heights;
-  float cameraY = 0;
+  Vector camera;
   game.machine.OnDraw = [&](Canvas &) {
     if (!game.window.NoShot || !game.window.PieceSurface.empty()) return;
     heights.push_back(game.Place(game.window.PieceFrame).y);
-    cameraY = game.Place(game.window.CameraFrame).y;
+    camera = game.Place(game.window.CameraFrame);
   };
+  game.window.CameraFrame->SetPosition(game.window.RMCanvas1.SceneFrame, 30, 15, 40);
   const float quarter = static_cast<float>(std::numbers::pi / 2);
   game.Flick(50.0f, -quarter);
   ASSERT_EQ(heights.size(), 50U + 1U)
       << "the first picture of the flight is drawn before the first look down";
   EXPECT_EQ(heights.back(), -147.0f);
-  EXPECT_EQ(cameraY, -10.0f);
+  EXPECT_EQ(camera, (Vector{30, -10, 40}));
   const Vector after = game.Place(game.window.PieceFrame);
   EXPECT_EQ(after.z, 85.0f);
   Vector direction, up;
@@ -142,6 +143,7 @@ TEST(FlickTest, TheFallDropsThreeAStepForFiftyStepsUnderALowCamera) {
 TEST(FlickTest, TheCameraKeepsItsPlaceBehindTheAim) {
   Game game;
   game.SetUp();
+  game.window.Reset(); // the second person's turn is like the first's
   game.machine.MoveMouse(60, 0);
   game.Frames(1);
   Vector before, after;

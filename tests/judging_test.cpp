@@ -4,6 +4,7 @@
 
 #include <gtest/gtest.h>
 
+#include <cmath>
 #include <numbers>
 
 namespace {
@@ -42,6 +43,7 @@ TEST(JudgingTest, EveryOutcomeHasItsCardItsPointsAndItsTurnover) {
       {"a corner over the left edge on the second", -86, 0, 0, 2, {}, 0, false},
       {"A over the side edge hides C past the line", 85, -86, 0, 2, {}, 0, false},
       {"A past the line counts before B", 0, -86, HalfTurn, 2, {6}, 0, true},
+      {"only B past the line", 40, -85, -HalfTurn / 2, 2, {6}, 0, true},
       {"past the line with the table under it", 40, -86, 0, 3, {}, 0, false, -4},
       {"the same with a later corner over the side edge", 85, -84, HalfTurn * 2 / 3, 2, {6}, 0, true, -4},
       {"over a far edge that comes before the line", 40, -82, 0, 2, {}, 0, false, 4},
@@ -53,8 +55,18 @@ TEST(JudgingTest, EveryOutcomeHasItsCardItsPointsAndItsTurnover) {
     game.window.TableFrame->SetPosition(game.window.TableFrame, 0, 0, row.tableZ);
     game.PutPiece(row.x, row.z, row.shotsBefore, row.pieceTurn);
     game.window.CheckRay();
+    bool closeUp = false, winCam = false;
+    game.machine.OnDraw = [&](Canvas &) {
+      Vector behind;
+      game.window.CameraFrame->GetPosition(game.window.PieceFrame, behind);
+      closeUp = closeUp || std::hypot(behind.x, behind.y - 20.0f, behind.z - 20.0f) < 1e-3f;
+      winCam = winCam || game.Place(game.window.CameraFrame) == Vector{row.x < 0 ? -88.0f : 88.0f, 30, -88};
+    };
     game.Flick(0.0f);
     EXPECT_EQ(game.Cards, row.cards);
+    const int card = row.cards.empty() ? 0 : row.cards[0];
+    EXPECT_EQ(closeUp, card == 5 || card == 6);
+    EXPECT_EQ(winCam, card == 6 || card == 7);
     EXPECT_EQ(game.window.HomeScore, row.points);
     EXPECT_EQ(game.window.AwayScore, 0);
     EXPECT_EQ(game.window.Player, row.possessionEnds ? 2 : 1);
@@ -120,12 +132,19 @@ TEST(JudgingTest, ResetPutsEverythingBackAndKeepsWhatOutlivesAPossession) {
   game.window.Force = 40;
   game.window.ProgressBar1.Value = 40;
   game.window.GoalFrame->SetPosition(game.window.RMCanvas1.SceneFrame, 33, 20, -95);
+  game.window.AimFrame->AddRotation(D3DRMCOMBINE_BEFORE, 0, 1, 0, 2.0f);
   game.window.Reset();
   EXPECT_EQ(game.Place(game.window.PieceFrame), (Vector{0, 0, 85}));
   EXPECT_EQ(game.Place(game.window.AimFrame), (Vector{0, 0, 85}));
   EXPECT_EQ(game.Place(game.window.ArrowFrame), (Vector{0, 0, 85}));
   EXPECT_EQ(game.Place(game.window.GoalFrame), (Vector{0, 20, -95}));
   EXPECT_EQ(game.Place(game.window.CameraFrame), (Vector{0, 10, 120}));
+  for (const auto &frame : {game.window.PieceFrame, game.window.AimFrame}) {
+    Vector direction, up;
+    frame->GetOrientation(game.window.RMCanvas1.SceneFrame, direction, up);
+    EXPECT_EQ(direction, (Vector{0, 0, 1}));
+    EXPECT_EQ(up, (Vector{0, 1, 0}));
+  }
   EXPECT_EQ(game.window.Shots, 3);
   EXPECT_EQ(game.window.Force, 0.0f);
   EXPECT_EQ(game.window.ProgressBar1.Value, 0.0f);

@@ -24,7 +24,11 @@ void PlayPointAfter(Game &game, const std::function<void(int frame)> &act) {
 struct SeenKick {
   int steps = 0;
   Vector end;
+  Vector direction, up; ///< of the piece
+  Vector camera;
   float postsX = 0;
+  bool arrow = false;
+  std::int16_t shots = 0;
 };
 
 /// Kicks with that force after so many frames, with the aim turned, and tells how the flight ended.
@@ -49,6 +53,10 @@ SeenKick Kick(Game &game, float force, int wait = 0, float turn = 0) {
     ++seen.steps;
     seen.end = game.Place(game.window.PieceFrame);
     seen.postsX = game.Place(game.window.GoalFrame).x;
+    game.window.PieceFrame->GetOrientation(game.window.RMCanvas1.SceneFrame, seen.direction, seen.up);
+    seen.camera = game.Place(game.window.CameraFrame);
+    seen.arrow = !game.window.ArrowFrame->Visuals().empty();
+    seen.shots = game.window.Shots;
   };
   game.Flick(0.0f);
   game.machine.OnDraw = nullptr;
@@ -77,11 +85,42 @@ TEST(KickTest, EveryForceHasItsStepsHeightAndEnd) {
       EXPECT_NEAR(seen.end.y, row.height, 0.006f);
     }
     EXPECT_NEAR(seen.end.z, row.z, 0.01f);
+    const float tumble =
+        static_cast<float>(row.steps) * row.force / 280.0f; // over its nose, away from the kicker
+    EXPECT_NEAR(seen.direction.y, std::sin(tumble), 1e-4f);
+    EXPECT_NEAR(seen.direction.z, std::cos(tumble), 1e-4f);
+    EXPECT_NEAR(seen.up.x, 1.0f, 1e-5f);
+    EXPECT_EQ(seen.camera, (Vector{100, 20, 0}));
+    EXPECT_FALSE(seen.arrow);
+    EXPECT_EQ(seen.shots, 3);
     EXPECT_EQ(seen.postsX, static_cast<float>(std::min(row.steps, 178 - row.steps)));
     EXPECT_EQ(game.Cards.back(), 2) << "the posts have walked away";
     EXPECT_EQ(game.window.HomeScore, 6);
     EXPECT_EQ(game.window.Player, 2);
   }
+}
+
+TEST(KickTest, TheKickIsSetUpAtTheNearEndWhateverTheFlickLeft) {
+  Game game;
+  game.SetUp();
+  game.window.AimFrame->AddRotation(D3DRMCOMBINE_BEFORE, 0, 1, 0, 0.7f);
+  PlayPointAfter(game, [&](int frame) {
+    if (frame == 0) {
+      EXPECT_EQ(game.Place(game.window.PieceFrame), (Vector{0, 4, 85}));
+      EXPECT_EQ(game.Place(game.window.AimFrame), (Vector{0, 0, 87}));
+      EXPECT_EQ(game.Place(game.window.CameraFrame), (Vector{0, 15, 120}));
+      EXPECT_EQ(game.window.lblPlayer1.Caption, "Home Team Score: 6");
+      EXPECT_EQ(game.window.Label2.Caption, "Shots: 0");
+      EXPECT_EQ(game.window.Shots, 3);
+      EXPECT_FALSE(game.window.ShotPending);
+      EXPECT_EQ(game.window.ArrowFrame->Visuals().size(), 1U);
+    }
+    Vector direction, up;
+    game.window.AimFrame->GetOrientation(game.window.RMCanvas1.SceneFrame, direction, up);
+    EXPECT_EQ(direction, (Vector{0, 0, 1}));
+    if (frame == 2) game.machine.PressMouse(1);
+    if (frame == 8) game.machine.ReleaseMouse(1);
+  });
 }
 
 TEST(KickTest, BoundsOfTheGoalAreStrict) {
@@ -117,6 +156,9 @@ TEST(KickTest, AGoodKickPaysOnePointAndEndsThePossession) {
   EXPECT_FALSE(game.window.KickMode);
   EXPECT_FALSE(game.window.NoShot);
   EXPECT_EQ(game.window.ArrowFrame->Visuals().size(), 1U);
+  Kick(game, 96);
+  EXPECT_EQ(game.Cards, (std::vector<std::int16_t>{3, 1, 3, 2})) << "and the next kick is judged by itself";
+  EXPECT_EQ(game.window.AwayScore, 6);
 }
 
 TEST(KickTest, ThePostsTurnOnlyBeyondTheirBounds) {
@@ -160,11 +202,19 @@ TEST(KickTest, TheKickerAimsWithTheMouseAndOverchargesToThirty) {
 TEST(KickTest, AButtonHeldBeyondAnOverchargedKickShootsNothing) {
   Game game;
   game.SetUp();
+  // Let go in the very frame that the kick has ended in.
+  int releases = 0;
+  game.OnPump = [&] {
+    if (game.Cards.size() != 2 || game.window.KickMode || game.window.Player != 1) return;
+    ++releases;
+    game.machine.ReleaseMouse(1);
+  };
+  game.SoundsSince();
   PlayPointAfter(game, [&](int frame) {
     if (frame == 3) game.machine.PressMouse(1);
-    // Let go in the very frame that the kick has ended in.
-    if (game.window.MouseMode == 1) game.machine.After(4520 + 3000, [&] { game.machine.ReleaseMouse(1); });
   });
+  EXPECT_EQ(releases, 1);
+  EXPECT_EQ(game.SoundsSince(), "play swoosh.daw, play yeah2.daw, play wis2.daw, play boo.daw");
   EXPECT_EQ(game.Cards, (std::vector<std::int16_t>{3, 2}));
   EXPECT_EQ(game.window.Shots, 3);
   EXPECT_EQ(game.window.Player, 2);

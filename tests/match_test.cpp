@@ -109,10 +109,13 @@ TEST(MatchTest, EveryCardHasItsSoundsForEitherSide) {
       const std::int32_t begin = game.machine.Now();
       const long repaints = game.machine.Repaints;
       game.machine.Focus = nullptr;
+      bool upToTheEnd = false;
+      game.machine.After(2999, [&] { upToTheEnd = game.window.Card(code).Visible; });
       game.window.ShowMessage(static_cast<std::int16_t>(code));
       EXPECT_EQ(game.SoundsSince(), turn ? home[code - 1] : away[code - 1]);
       EXPECT_EQ(game.machine.Now() - begin, 3000);
       EXPECT_EQ(game.Cards, std::vector<std::int16_t>{code});
+      EXPECT_TRUE(upToTheEnd);
       EXPECT_GT(game.machine.Repaints, repaints);
       EXPECT_EQ(game.machine.Focus, &game.window.RMCanvas1);
       EXPECT_FALSE(game.window.AnyPictures());
