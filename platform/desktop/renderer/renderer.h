@@ -21,7 +21,7 @@ public:
 enum class Quality {
   Measured, ///< begins as the kind of computer suggests, and changes over if the first pictures say so
   Full,     ///< four samples a pixel, soft shadows, sharp textures at flat angles
-  Low       ///< one sample a pixel, small shadows
+  Low       ///< one sample a pixel with smoothed edges, small shadows
 };
 
 class Renderer {

@@ -129,3 +129,46 @@ in vec3 glow;
 out vec4 result;
 void main() { result = vec4(glow, 1.0); }
 )";
+
+// One triangle over the whole picture.
+inline constexpr const char *SmoothingVertexShader = R"(#version 330 core
+void main() { gl_Position = vec4(vec2(gl_VertexID & 1, gl_VertexID >> 1) * 4.0 - 1.0, 0.0, 1.0); }
+)";
+
+// The direction of an edge comes from the brightness of the four diagonal neighbours. Two looks along it,
+// close by, and two more further out: those count only where they stay between the colours on both sides of
+// the edge.
+inline constexpr const char *SmoothingFragmentShader = R"(#version 330 core
+uniform sampler2D drawn;
+out vec4 result;
+const float LeastContrast = 0.06;    // below it there is no edge ...
+const float RelativeContrast = 0.20; // ... nor below this part of the brightest neighbour
+const float Span = 4.0;              // pixels along the edge from the first look to the last
+const float Strength = 0.7;          // what small lettering stands
+vec3 At(ivec2 place) {
+  return texelFetch(drawn, clamp(place, ivec2(0), textureSize(drawn, 0) - 1), 0).rgb;
+}
+float Brightness(vec3 color) { return dot(color, vec3(0.30, 0.59, 0.11)); }
+void main() {
+  ivec2 place = ivec2(gl_FragCoord.xy);
+  vec3 middle = At(place);
+  float here = Brightness(middle);
+  float a = Brightness(At(place + ivec2(-1, -1))), b = Brightness(At(place + ivec2(1, -1)));
+  float c = Brightness(At(place + ivec2(-1, 1))), d = Brightness(At(place + ivec2(1, 1)));
+  float least = min(here, min(min(a, b), min(c, d)));
+  float most = max(here, max(max(a, b), max(c, d)));
+  result = vec4(middle, 1.0);
+  if (most - least < max(LeastContrast, RelativeContrast * most)) return;
+  vec2 along = vec2((c + d) - (a + b), (a + c) - (b + d));
+  float faint = max((a + b + c + d) * 0.03, 0.008); // keeps faint edges from reaching far
+  along = clamp(along / (min(abs(along.x), abs(along.y)) + faint), -Span, Span);
+  vec2 pixel = 1.0 / vec2(textureSize(drawn, 0));
+  vec2 center = gl_FragCoord.xy * pixel;
+  along *= pixel;
+  vec3 close = 0.5 * (texture(drawn, center - along / 6.0).rgb + texture(drawn, center + along / 6.0).rgb);
+  vec3 wide = 0.5 * close +
+              0.25 * (texture(drawn, center - along / 2.0).rgb + texture(drawn, center + along / 2.0).rgb);
+  float between = Brightness(wide);
+  result.rgb = mix(middle, between < least || between > most ? close : wide, Strength);
+}
+)";
