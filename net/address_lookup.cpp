@@ -114,7 +114,7 @@ std::string LookUpLocalAddress(Machine &machine) {
   }
   if (host->h_addr_list.empty()) throw std::runtime_error("the host has no address");
   const std::string bytes = host->h_addr_list.front().substr(0, static_cast<std::size_t>(host->h_length));
-  const std::string address = bytes.size() == BytesOfIPv6 ? Colons(bytes) : Dotted(bytes);
+  std::string address = bytes.size() == BytesOfIPv6 ? Colons(bytes) : Dotted(bytes);
   StopSockets(machine);
   return address;
 }

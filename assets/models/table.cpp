@@ -43,8 +43,8 @@ template <typename VertexAt> void Grid(Mesh &mesh, const std::vector<double> &pl
     for (const double x : places) numbers.push_back(mesh.Add(vertex(x, z)));
   for (int row = 0; row < cells; ++row)
     for (int column = 0; column < cells; ++column) {
-      const std::size_t corner = static_cast<std::size_t>(row * (cells + 1) + column);
-      const std::size_t below = corner + static_cast<std::size_t>(cells) + 1;
+      const auto corner = static_cast<std::size_t>(row) * places.size() + static_cast<std::size_t>(column);
+      const std::size_t below = corner + places.size();
       mesh.Quad(numbers[corner], numbers[corner + 1], numbers[below + 1], numbers[below]);
     }
 }

@@ -69,7 +69,7 @@ void CloseLoop(Signal &signal, double seconds) {
 
 void BeginAtSilence(Signal &signal) {
   const auto quietest = std::ranges::min_element(signal, {}, [](double sample) { return std::abs(sample); });
-  std::ranges::rotate(signal, quietest);
+  std::rotate(signal.begin(), quietest, signal.end());
 }
 
 namespace {

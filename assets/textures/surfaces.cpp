@@ -198,7 +198,7 @@ Canvas Paper() {
   constexpr double Scale = 0.19, Top = 0.34; // repeats to the unit; height of the piece's top
   const double alongP = Scale, alongQ = -Scale / std::sqrt(3.0), alongY = 2 * Scale / std::sqrt(6.0);
   constexpr double MarginU = 0.86; // falls once on the piece, near its middle
-  constexpr Paint White{0.985, 0.975, 0.945}, Rule{0.24, 0.47, 0.90}, Margin{0.92, 0.22, 0.28},
+  static constexpr Paint White{0.985, 0.975, 0.945}, Rule{0.24, 0.47, 0.90}, Margin{0.92, 0.22, 0.28},
       Pencil{0.26, 0.26, 0.33};
   Canvas canvas = Painted(Size, [&](double u, double v, int, int) {
     const double fibre = 0.97 + 0.05 * (Cloud(u, v, 16, 4, 5) - 0.5);

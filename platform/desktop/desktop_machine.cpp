@@ -55,7 +55,8 @@ DesktopMachine::DesktopMachine(int &argc, char **argv) {
   application_->setQuitOnLastWindowClosed(false);
   application_->setApplicationDisplayName({});
   application_->setDesktopFileName("org.snapwedge.Snapwedge");
-  application_->setWindowIcon(QIcon(QString::fromStdString((AppPath() / "pictures" / "icon.png").string())));
+  application_->setWindowIcon(
+      QIcon(QString::fromStdString((DesktopMachine::AppPath() / "pictures" / "icon.png").string())));
   application_->installEventFilter(&pointer_);
 }
 

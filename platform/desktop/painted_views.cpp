@@ -4,6 +4,7 @@
 #include <QPainter>
 
 #include <algorithm>
+#include <cmath>
 
 void MeterWidget::SetLevel(float level) {
   level = std::clamp(level, 0.0f, 1.0f);
@@ -23,7 +24,7 @@ void MeterWidget::paintEvent(QPaintEvent *) {
   power.setColorAt(0.0, QColor(64, 200, 72));
   power.setColorAt(0.55, QColor(244, 220, 64));
   power.setColorAt(1.0, QColor(236, 56, 40));
-  const int filled = static_cast<int>(level_ * static_cast<float>(inside.height()) + 0.5f);
+  const int filled = static_cast<int>(std::lround(level_ * static_cast<float>(inside.height())));
   painter.fillRect(QRect(inside.left(), inside.bottom() + 1 - filled, inside.width(), filled), power);
   painter.setPen(QColor(0, 0, 0, 120));
   for (int mark = 1; mark < Marks; ++mark) {

@@ -8,7 +8,6 @@
 namespace {
 
 constexpr GLuint PositionSlot = 0, NormalSlot = 1, CoordinateSlot = 2, ShadeSlot = 3, LitSlot = 4;
-constexpr GLenum AnisotropyParameter = 0x84FE; ///< of EXT_texture_filter_anisotropic
 constexpr std::size_t FacesInCluster = 192;
 
 struct GpuVertex {

@@ -29,7 +29,7 @@ ImageData Halved(const ImageData &image) {
         for (const std::uint8_t *pixel : four) {
           sum += static_cast<float>(pixel[part]) * static_cast<float>(pixel[part]);
         }
-        half.Pixels.push_back(static_cast<std::uint8_t>(std::sqrt(sum / 4.0f) + 0.5f));
+        half.Pixels.push_back(static_cast<std::uint8_t>(std::lround(std::sqrt(sum / 4.0f))));
       }
     }
   }
