@@ -61,7 +61,8 @@ void PickInTheStadium(benchmark::State &state) {
                                       D3DRMRAYPICK_IGNOREFURTHERPRIMITIVES, picked);
     if (picked->Hits.empty()) state.SkipWithError("the ray has missed the stands");
   }
-  state.counters["faces"] = static_cast<double>(game.window.StadiumMesh->Data().Indices.size() / 3);
+  const std::size_t faces = game.window.StadiumMesh->Data().Indices.size() / 3;
+  state.counters["faces"] = static_cast<double>(faces);
 }
 BENCHMARK(PickInTheStadium);
 

@@ -77,7 +77,7 @@ SessionDirectPlay::SessionDirectPlay(Machine &machine, std::shared_ptr<Transport
 
 SessionDirectPlay::~SessionDirectPlay() {
   try {
-    Close();
+    SessionDirectPlay::Close();
   } catch (const std::exception &) {
     // The other side learns by the silence what it couldn't be told.
   }
@@ -125,7 +125,7 @@ std::optional<HostName> SessionDirectPlay::AskForHost(bool &cancelled) {
   if (!answer) return std::nullopt;
   lastHost_ = *answer;
   if (answer->find_first_not_of(" \t") == std::string::npos) return std::nullopt;
-  const auto host = HostName::Parse(*answer);
+  auto host = HostName::Parse(*answer);
   cancelled = !host; // nothing can be found at a place that isn't one
   return host;
 }
