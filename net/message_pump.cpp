@@ -86,7 +86,8 @@ void frmSnapwedge::CheckMessages() {
       if (score->Home > AwayScore) AwayScore = score->Home;
       if (score->Away > HomeScore) HomeScore = score->Away;
       PostScore();
-      // The host tells a score of the last round when its own last possession is over, not before.
+      // The host tells a score of the last round behind its last point: a good kick's, or its possession's
+      // end.
       if (!program.IsHost && score->Round == program.Rounds) OtherSideOver = True;
     }
   } else if (tag == "RESULT") {
