@@ -161,6 +161,24 @@ TEST(MatchTest, FramesLastTwentyFiveMillisecondsEvenAcrossTheClocksWrap) {
   EXPECT_EQ(static_cast<std::uint32_t>(game.machine.Now()) - begin, 100U);
 }
 
+/// Its clock goes on with every look at it.
+class RestlessMachine : public HeadlessMachine {
+public:
+  using HeadlessMachine::HeadlessMachine;
+  std::int32_t timeGetTime() override {
+    SetNow(Now() + 1);
+    return Now();
+  }
+};
+
+TEST(MatchTest, AStepIsCountedFromItsStart) {
+  RestlessMachine machine(SNAPWEDGE_GAME_DIR);
+  Program program(machine);
+  frmSnapwedge window(machine, program);
+  window.BeginStep(25);
+  EXPECT_EQ(window.FrameEnd - window.FrameStart, 25);
+}
+
 TEST(MatchTest, WithoutTheStadiumOnlyTheFieldIsThereAndTheKeyBringsItBack) {
   Game game;
   game.program.StadiumOn = False;
