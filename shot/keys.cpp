@@ -8,7 +8,11 @@ void frmSnapwedge::RMCanvas1_KeyDown(std::int16_t KeyCode, std::int16_t /*Shift*
   case KeyCodes::Escape:
     Quit();
   case KeyCodes::Tilde:
-    if (program.GameMode == "INET") machine.SetFocus(Text2);
+    if (program.GameMode == "INET") {
+      machine.SetFocus(Text2);
+      // Many keyboards type "~" with Shift, and its release goes to the box.
+      ShiftDown = False;
+    }
     break;
   case KeyCodes::Shift:
     ShiftDown = True;

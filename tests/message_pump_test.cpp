@@ -220,9 +220,13 @@ TEST(MessagePumpTest, ScoresAreMirroredAndOnlyRise) {
 TEST(MessagePumpTest, ChatGoesBothWaysAsPlainText) {
   NetworkGame game(false);
   EXPECT_TRUE(game.window.Text2.Enabled);
+  game.machine.PressKey(KeyCodes::Shift);
   game.machine.PressKey(KeyCodes::Tilde);
   game.Frames(1);
   EXPECT_EQ(game.machine.Focus, &game.window.Text2);
+  game.machine.ReleaseKey(KeyCodes::Shift);
+  game.Frames(1);
+  EXPECT_FALSE(game.window.ShiftDown) << "the mouse must aim again";
   game.machine.PressKey(KeyCodes::Escape);
   game.machine.Type("Good luck!\r");
   game.Frames(1);
