@@ -9,7 +9,6 @@
 namespace {
 
 constexpr std::int32_t NetworkLookMs = 5; ///< longest time between two looks while waiting for "Continue"
-constexpr float WeakestKick = 1.0f;       ///< a weaker one might never move the piece, and so never end
 
 /// Takes the oldest message and returns its tag; empty for one that begins with no text.
 std::string ReceiveTag(Program &program) {
@@ -65,7 +64,7 @@ void frmSnapwedge::CheckMessages() {
     if (taken) ReplayFlick(*shot);
   } else if (tag == "Goal") {
     const auto shot = ReadShot(*message);
-    taken = shot && KickMode && !ReplayingKick && shot->Force >= WeakestKick;
+    taken = shot && KickMode && !ReplayingKick && shot->Force > 0.0f;
     if (taken) ReplayKick(*shot);
   } else if (tag == "MESSAGE") {
     const auto line = ReadChat(*message);

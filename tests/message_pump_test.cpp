@@ -334,9 +334,8 @@ TEST(MessagePumpTest, TheKickIsJudgedByTheKickerAlone) {
   game.window.Shots = 1;
   game.ReceiveIn(10, {std::string("RESULT"), std::int32_t{3}});
   game.ReceiveIn(20, {std::string("Continue")});
-  // None of these has a place here: a kick that would never come down, a flick in the wait, a kick in the
-  // kick.
-  game.ReceiveIn(2980, Shot("Goal", 1e-44f));
+  // None of these has a place here: a kick without force, a flick in the wait, a kick in the kick.
+  game.ReceiveIn(2980, Shot("Goal", 0));
   game.ReceiveIn(2990, Shot("Flick", 0, -87));
   game.ReceiveIn(3000, Shot("Goal", 96));
   game.ReceiveIn(3001, Shot("Goal", 96));
@@ -351,6 +350,23 @@ TEST(MessagePumpTest, TheKickIsJudgedByTheKickerAlone) {
   EXPECT_EQ(game.window.AwayScore, 7);
   EXPECT_EQ(game.window.HomeScore, 0);
   EXPECT_EQ(game.window.DroppedMessages, 3);
+}
+
+TEST(MessagePumpTest, AKickOfTheOtherSideComesDownHoweverWeak) {
+  // The weakest have no gravity left, the next hardly any.
+  for (const float force : {1e-44f, 1e-41f, 1e-30f, 0.001f, 0.5f, 8.0f}) {
+    SCOPED_TRACE(force);
+    NetworkGame game(true);
+    game.PutPiece(0, -87, 1, 1);
+    game.window.PieceSurface = "Table";
+    game.Receive(Shot("Flick", 0, -87));
+    game.ReceiveIn(2000, Shot("Goal", force));
+    game.machine.After(20000, [] { throw std::runtime_error("the kick hangs in the air"); });
+    EXPECT_NO_THROW(game.Frames(1));
+    EXPECT_TRUE(game.program.MyTurn);
+    EXPECT_EQ(game.window.AwayScore, 6);
+    EXPECT_EQ(game.window.DroppedMessages, 0);
+  }
 }
 
 } // namespace
