@@ -16,6 +16,7 @@ constexpr std::int32_t CardMs = 3000;
 constexpr std::int32_t WaiterPauseMs = 1000;
 constexpr std::int32_t NetworkLookMs =
     5; ///< longest time between two looks at the network while waiting for it
+constexpr std::int32_t LastWordsMs = 60000; ///< longest wait, at the end, for what was sent last to arrive
 
 } // namespace
 
@@ -108,7 +109,9 @@ void frmSnapwedge::EndMatch() {
   if (program.GameMode == "INET") {
     // The other computer may still be waiting for what this one sent last, over a line that is down just now.
     machine.Hide(*this);
-    while (!program.DP->Delivered()) machine.WaitUntil(machine.ClockIn(NetworkLookMs));
+    const std::int32_t end = machine.ClockIn(LastWordsMs);
+    while (!program.DP->Delivered() && !machine.ClockReached(end))
+      machine.WaitUntil(machine.ClockIn(NetworkLookMs));
   }
   throw ProgramEnd{};
 }

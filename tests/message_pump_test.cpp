@@ -65,11 +65,12 @@ public:
   void Send(std::int32_t, std::int32_t, std::int32_t, const DirectPlayMessage &message) override {
     Sent.push_back(dynamic_cast<const FakeMessage &>(message).Tag());
   }
-  bool Delivered() override { return true; }
+  bool Delivered() override { return Takes; }
   void Close() override {}
 
   std::deque<std::shared_ptr<FakeMessage>> Incoming;
   std::vector<std::string> Sent;
+  bool Takes = true; ///< the other side acknowledges what is sent
 };
 
 /// A network game in which this computer is the host.
@@ -350,6 +351,15 @@ TEST(MessagePumpTest, TheKickIsJudgedByTheKickerAlone) {
   EXPECT_EQ(game.window.AwayScore, 7);
   EXPECT_EQ(game.window.HomeScore, 0);
   EXPECT_EQ(game.window.DroppedMessages, 3);
+}
+
+TEST(MessagePumpTest, AMatchThatIsOverEndsWhateverTheOtherSideAcknowledges) {
+  NetworkGame game(false);
+  game.play->Takes = false;
+  game.machine.After(1000, [&] { game.machine.ClickOn(*game.machine.FindWindow("frmTie")); });
+  game.machine.After(300000, [] { throw std::runtime_error("a program without a window goes on"); });
+  EXPECT_THROW(game.window.EndMatch(), ProgramEnd);
+  EXPECT_GE(game.machine.Now(), 40000) << "a line that is down may come back";
 }
 
 TEST(MessagePumpTest, AKickOfTheOtherSideComesDownHoweverWeak) {
