@@ -124,7 +124,7 @@ void TellLocalAddress(Machine &machine) {
   try {
     address = LookUpLocalAddress(machine);
   } catch (const std::runtime_error &) {
-    address = Loopback; // told like having no network
+    // Told like having no network.
   }
   if (address != Loopback) {
     machine.MsgBox({"Your IP address is: " + address, "IP Address:"});

@@ -82,7 +82,7 @@ public:
 private:
   void LayOutLeft();
   void LayOutRight();
-  void FailSession(const std::string &text); ///< the box of a failed Create or Join, and back to the start
+  void Fail(const std::string &text); ///< the box of a failure of the network, and back to the start
 };
 
 /// The caption of the launch window.

@@ -36,8 +36,7 @@ void frmNewNet::FillConnections() {
       throw DirectPlayError("there is no second connection method to select");
     lstConnections.ListIndex = SecondRow;
   } catch (const DirectPlayError &) {
-    machine.MsgBox({NetworkText, NetworkTitle});
-    ResetButtons();
+    Fail(NetworkText);
   }
 }
 
@@ -53,6 +52,13 @@ void frmNewNet::ResetButtons() {
   cmdCreate.Enabled = false;
   Command4.Enabled = false;
   Command5.Enabled = false;
+}
+
+void frmNewNet::Fail(const std::string &text) {
+  program.IsHost = False;
+  program.MyTurn = False;
+  machine.MsgBox({text, NetworkTitle});
+  ResetButtons();
 }
 
 void frmNewNet::Search() {
@@ -78,9 +84,7 @@ void frmNewNet::cmdConnect_Click() {
     program.DP->InitializeConnection(program.Connections->GetAddress(index));
     Search();
   } catch (const DirectPlayError &) {
-    machine.MsgBox({NetworkText, NetworkTitle});
-    ResetButtons();
-    cmdConnect.Enabled = true;
+    Fail(NetworkText);
     return;
   }
   cmdJoin.Enabled = true;
@@ -97,20 +101,12 @@ void frmNewNet::Command4_Click() {
   try {
     Search();
   } catch (const DirectPlayError &) {
-    machine.MsgBox({NetworkText, NetworkTitle});
-    ResetButtons();
+    Fail(NetworkText);
     return;
   }
   Command4.Enabled = true;
   cmdJoin.Enabled = true;
   cmdCreate.Enabled = true;
-}
-
-void frmNewNet::FailSession(const std::string &text) {
-  program.IsHost = False;
-  program.MyTurn = False;
-  machine.MsgBox({text, NetworkTitle});
-  ResetButtons();
 }
 
 void frmNewNet::cmdCreate_Click() {
@@ -145,7 +141,7 @@ void frmNewNet::cmdCreate_Click() {
     Caption = LaunchCaption;
     Command1.Enabled = true;
     Command2.Enabled = true;
-    FailSession(CreateText);
+    Fail(CreateText);
     return;
   }
   Command1.Enabled = true;
@@ -181,7 +177,7 @@ void frmNewNet::cmdJoin_Click() {
     CreateMyPlayer("Thicket", "Player2");
     program.Rounds = SessionData.GetRounds();
   } catch (const DirectPlayError &) {
-    FailSession(JoinText);
+    Fail(JoinText);
     return;
   }
   OpenPlayWindow();

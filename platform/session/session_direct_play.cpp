@@ -118,27 +118,19 @@ void SessionDirectPlay::Poll() {
   transport_->WakeAt(wake);
 }
 
-std::optional<HostName> SessionDirectPlay::AskForHost(bool &cancelled) {
-  SearchDialog dialog(machine_, lastHost_);
-  const auto answer = dialog.Ask();
-  cancelled = !answer;
-  if (!answer) return std::nullopt;
-  lastHost_ = *answer;
-  if (answer->find_first_not_of(" \t") == std::string::npos) return std::nullopt;
-  auto host = HostName::Parse(*answer);
-  cancelled = !host; // nothing can be found at a place that isn't one
-  return host;
-}
-
 std::shared_ptr<DirectPlayEnumSessions>
 SessionDirectPlay::GetDPEnumSessions(const DirectPlaySessionData &wanted, std::int32_t, std::int32_t) {
   ExpectConnection();
   const Guid game = ExpectGuid(wanted);
   std::optional<HostName> host;
   if (*reach_ == Reach::Network) {
-    bool cancelled = false;
-    host = AskForHost(cancelled);
-    if (cancelled) return std::make_shared<EnumSessions>(std::vector<DirectPlaySessionData>());
+    const auto nobody = std::make_shared<EnumSessions>(std::vector<DirectPlaySessionData>());
+    const auto answer = SearchDialog(machine_, lastHost_).Ask();
+    if (!answer) return nobody;
+    lastHost_ = *answer;
+    const bool blank = answer->find_first_not_of(" \t") == std::string::npos;
+    if (!blank) host = HostName::Parse(*answer);
+    if (!blank && !host) return nobody; // nothing can be found at a place that isn't one
   }
   struct Running {
     std::unique_ptr<Search> &search;

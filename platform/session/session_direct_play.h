@@ -37,7 +37,6 @@ public:
 private:
   void Poll();
   void ExpectConnection() const;
-  std::optional<HostName> AskForHost(bool &cancelled);
   void Join(const DirectPlaySessionData &description);
   void Await(const std::function<bool()> &over);
 
