@@ -133,7 +133,7 @@ void frmNewNet::cmdCreate_Click() {
     Command2.Enabled = false;
     while (Polling) {
       CheckMessages();
-      if (Polling) machine.WaitUntil(machine.ClockIn(PollMs));
+      machine.WaitUntil(machine.ClockIn(PollMs));
       machine.Show(*this);
     }
   } catch (const DirectPlayError &) {

@@ -186,6 +186,31 @@ TEST(LobbyTest, AJoinerThatHasLeftAgainStartsNoMatch) {
   }
 }
 
+TEST(LobbyTest, CancelInTheLookThatFindsTheJoinerWins) {
+  // The press comes in the first pump after the joiner was found, or in the one behind it.
+  for (const int pump : {1, 2}) {
+    SCOPED_TRACE(pump);
+    Lobby lobby;
+    session::SessionDirectPlay guest(lobby.machine, lobby.wire.Plug("10.0.0.2"));
+    guest.InitializeConnection(guest.GetDPEnumConnections("", 1)->GetAddress(2));
+    lobby.window.cmdConnect_Click();
+    lobby.machine.After(500, [&] {
+      DirectPlaySessionData wanted;
+      wanted.SetGuidApplication("{7AB2F242-475F-11D4-AF9B-00C04F361528}");
+      guest.Open(guest.GetDPEnumSessions(wanted, 0, 1)->GetItem(1), DPOPEN_JOIN);
+      guest.CreatePlayer("Thicket", "Player2", 0, 0);
+      lobby.machine.After(5000, [] { throw std::runtime_error("a match has begun"); });
+      lobby.machine.Player = [&, pumps = 0]() mutable {
+        if (!lobby.window.Polling && ++pumps == pump) lobby.machine.Press(lobby.window.Command5);
+      };
+    });
+    EXPECT_NO_THROW(lobby.window.cmdCreate_Click());
+    EXPECT_EQ(lobby.Buttons(), "Connect");
+    EXPECT_EQ(lobby.window.Cancelled, False);
+    EXPECT_TRUE(lobby.machine.Boxes.empty());
+  }
+}
+
 /// A sockets library that fails where a test wants it to.
 struct FakeSockets : Sockets {
   int start = 0, cleanup = 0, name = 0;
