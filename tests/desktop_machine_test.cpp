@@ -246,6 +246,43 @@ TEST(DesktopMachineTest, NoMotionOfAHeldPointerIsLost) {
   machine.ShowCursor(-1);
 }
 
+TEST(DesktopMachineTest, AKeyOfTheCanvasCountsOnceHoweverLongItIsHeldAndOnEveryLayout) {
+  DesktopMachine &machine = TheMachine();
+  Window window;
+  Canvas canvas;
+  canvas.Name = "canvas";
+  canvas.Place = {0, 0, 100, 100};
+  std::vector<std::int16_t> keys;
+  canvas.KeyDown = [&](std::int16_t key, std::int16_t) { keys.push_back(key); };
+  window.Width = window.Height = 100;
+  window.Controls = {&canvas};
+  machine.Show(window);
+  const auto send = [&](QEvent::Type type, int key, quint32 scanCode, quint64 time) {
+    QKeyEvent event(type, key, Qt::NoModifier, scanCode, 0, 0);
+    event.setTimestamp(time);
+    QCoreApplication::sendEvent(WidgetOf("canvas"), &event);
+    machine.Pump();
+  };
+  constexpr quint32 PlaceOfS = 39, LeftOfOne = 49;
+  send(QEvent::KeyPress, Qt::Key_S, PlaceOfS, 1000);
+  // What a display sends of a held key: Qt doesn't mark it as a repetition if the two come apart.
+  send(QEvent::KeyRelease, Qt::Key_S, PlaceOfS, 1500);
+  send(QEvent::KeyPress, Qt::Key_S, PlaceOfS, 1500);
+  send(QEvent::KeyRelease, Qt::Key_S, PlaceOfS, 1600);
+  EXPECT_EQ(keys, (std::vector{KeyCodes::S}));
+  send(QEvent::KeyPress, Qt::Key_S, PlaceOfS, 1700); // pressed again
+  send(QEvent::KeyRelease, Qt::Key_S, PlaceOfS, 1800);
+  EXPECT_EQ(keys, (std::vector{KeyCodes::S, KeyCodes::S}));
+
+  keys.clear();
+  constexpr int CyrillicYeru = 0x42B;
+  send(QEvent::KeyPress, CyrillicYeru, PlaceOfS, 2000);
+  send(QEvent::KeyPress, Qt::Key_O, PlaceOfS, 2100); // a Latin layout that has another letter there
+  send(QEvent::KeyPress, Qt::Key_AsciiCircum, LeftOfOne, 2200);
+  EXPECT_EQ(keys, (std::vector<std::int16_t>{KeyCodes::S, 0, KeyCodes::Tilde}));
+  machine.Hide(window);
+}
+
 /// The source that was made last, as OpenAL knows it.
 ALuint LastSource() {
   constexpr ALuint Most = 1000;

@@ -8,10 +8,14 @@
 
 namespace {
 
-constexpr quint32 ScanCodeLeftOfOne = 49; ///< under X, whatever the layout prints on the key
+// Keys by their place under X, whatever the layout prints on them.
+constexpr quint32 ScanCodeLeftOfOne = 49;
+constexpr quint32 ScanCodeOfS = 39;
 constexpr std::int16_t LeftButton = 1;
 constexpr std::int16_t RightButton = 2;
 constexpr std::int16_t MiddleButton = 4;
+
+bool IsLatin(int key) { return key <= Qt::Key_ydiaeresis; }
 
 std::int16_t KeyCodeOf(const QKeyEvent &event) {
   switch (event.key()) {
@@ -27,6 +31,8 @@ std::int16_t KeyCodeOf(const QKeyEvent &event) {
   default:
     break;
   }
+  // A keyboard of another alphabet has no "S"; the key stands where it stands on a Latin one.
+  if (event.nativeScanCode() == ScanCodeOfS && !IsLatin(event.key())) return KeyCodes::S;
   const bool tilde = event.text() == "~" || event.text() == "`" || event.key() == Qt::Key_AsciiTilde ||
                      event.key() == Qt::Key_QuoteLeft || event.nativeScanCode() == ScanCodeLeftOfOne;
   return tilde ? KeyCodes::Tilde : 0;
@@ -77,8 +83,9 @@ bool CanvasView::event(QEvent *event) {
 }
 
 void CanvasView::keyPressEvent(QKeyEvent *event) {
-  if (event->isAutoRepeat()) return;
   const std::int16_t code = KeyCodeOf(*event);
+  // A held key repeats as a release and a press of the same moment, which Qt doesn't always see as one.
+  if (event->isAutoRepeat() || (code == releasedKey_ && event->timestamp() == releasedAt_)) return;
   machine_.Post(window_, [this, code] {
     if (canvas_.KeyDown) canvas_.KeyDown(code, 0);
   });
@@ -87,6 +94,8 @@ void CanvasView::keyPressEvent(QKeyEvent *event) {
 void CanvasView::keyReleaseEvent(QKeyEvent *event) {
   if (event->isAutoRepeat()) return;
   const std::int16_t code = KeyCodeOf(*event);
+  releasedKey_ = code;
+  releasedAt_ = event->timestamp();
   machine_.Post(window_, [this, code] {
     if (canvas_.KeyUp) canvas_.KeyUp(code, 0);
   });

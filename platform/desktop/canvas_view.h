@@ -29,5 +29,7 @@ private:
   Window &window_;
   Canvas &canvas_;
   QImage picture_;
+  std::int16_t releasedKey_ = 0; ///< the key let go of last, and when by the display's clock
+  quint64 releasedAt_ = 0;
   Qt::MouseButtons pressed_; ///< buttons whose press was told to the game
 };
