@@ -13,6 +13,7 @@
 #include <QTest>
 #include <QTextBlock>
 #include <QTextBrowser>
+#include <QWindow>
 #include <gtest/gtest.h>
 
 #include <chrono>
@@ -124,7 +125,12 @@ TEST(DesktopMachineTest, AModalWindowKeepsTheOthersWaiting) {
   card.Height = 80;
   const auto poll = form.machine.OnPump([&, tries = 0]() mutable {
     if (!card.Visible || ++tries < 5) return;
-    if (tries == 5) QTest::mouseClick(WidgetOf("button"), Qt::LeftButton);
+    if (tries == 5) {
+      const QWindow *shown = QApplication::activeModalWidget()->windowHandle();
+      EXPECT_EQ(shown->transientParent(), WidgetOf("button")->window()->windowHandle()) << "stays above it";
+      EXPECT_EQ(shown->type(), Qt::Dialog) << "of no other does the window manager learn its owner";
+      QTest::mouseClick(WidgetOf("button"), Qt::LeftButton);
+    }
     if (tries == 8) form.machine.Hide(card);
   });
   form.machine.ShowModal(card);

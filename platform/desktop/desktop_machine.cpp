@@ -121,10 +121,16 @@ WindowView *DesktopMachine::ViewOf(const Window &window) const {
 
 void DesktopMachine::Show(Window &window) {
   if (window.Visible) return;
+  WindowView *owner = views_.empty() ? nullptr : views_.back().get();
   views_.push_back(std::make_unique<WindowView>(*this, window));
   window.Visible = true;
   WindowView &view = *views_.back();
-  if (!modal_.empty() && modal_.back() == &window) view.setWindowModality(Qt::ApplicationModal);
+  if (!modal_.empty() && modal_.back() == &window) {
+    view.setWindowModality(Qt::ApplicationModal);
+    // The play window stands for itself beside the launch window; any other belongs to the one that opened
+    // it.
+    if (owner && !window.CapturesPointer) view.BelongTo(*owner);
+  }
   view.CarryOver();
   view.Open();
 }

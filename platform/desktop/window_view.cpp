@@ -6,6 +6,7 @@
 #include <QKeyEvent>
 #include <QPainter>
 #include <QScreen>
+#include <QWindow>
 
 #include <stdexcept>
 
@@ -46,6 +47,12 @@ void WindowView::CarryOver() {
   const QString caption = QString::fromStdString(window_.Caption);
   if (windowTitle() != caption) setWindowTitle(caption);
   for (const auto &view : views_) view->CarryOver();
+}
+
+void WindowView::BelongTo(const WindowView &owner) {
+  setWindowFlag(Qt::Dialog); // of the owner of any other Qt doesn't tell the window manager
+  winId();                   // there is a window from now on
+  windowHandle()->setTransientParent(owner.windowHandle());
 }
 
 void WindowView::Open() {

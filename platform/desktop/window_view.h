@@ -24,7 +24,8 @@ public:
   const Window &Model() const { return window_; }
 
   void CarryOver();
-  void Open(); ///< puts the window in the middle of the screen, active
+  void BelongTo(const WindowView &owner); ///< to stay above it and go with it; before `Open`
+  void Open();                            ///< puts the window in the middle of the screen, active
   void SetFocusTo(const Control &control);
   CanvasView *FindCanvas(const Canvas &canvas) const;
   CanvasView *AnyCanvas() const; ///< the window's canvas, null if it has none
