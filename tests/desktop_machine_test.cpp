@@ -92,6 +92,41 @@ TEST(DesktopMachineTest, PropertiesReachTheScreenAtThePump) {
   EXPECT_EQ(qobject_cast<QListWidget *>(WidgetOf("list"))->currentRow(), 2);
 }
 
+TEST(DesktopMachineTest, ALabelIsNeverCutOffAndIsReadableOnTheDesktopsOwnGround) {
+  struct Row {
+    const char *caption;
+    bool wraps, shrinks;
+  };
+  for (const Row &row :
+       {Row{"Rounds:", false, false}, Row{"Computer Skill Level:", false, true},
+        Row{"two words", true, false}, Row{"as many words as need some more lines than two", true, true}}) {
+    for (const bool ground : {false, true}) {
+      SCOPED_TRACE(row.caption);
+      Window window;
+      Label label;
+      window.Width = window.Height = 200;
+      window.HasBackColor = ground;
+      label.Name = "label";
+      label.Place = {0, 0, 100, 32};
+      label.Caption = row.caption;
+      label.WordWrap = row.wraps;
+      label.ForeColor = {1, 2, 3};
+      window.Controls = {&label};
+      TheMachine().Show(window);
+      const auto *shown = qobject_cast<QLabel *>(WidgetOf("label"));
+      const QRect needed = shown->fontMetrics().boundingRect(shown->rect(), row.wraps ? Qt::TextWordWrap : 0,
+                                                             QString::fromUtf8(row.caption));
+      EXPECT_LE(needed.width(), 100);
+      EXPECT_LE(needed.height(), 32);
+      constexpr int FullSize = 11; // 8.25 points
+      EXPECT_EQ(shown->font().pixelSize() < FullSize, row.shrinks);
+      const QColor ink = shown->palette().color(QPalette::WindowText);
+      EXPECT_EQ(ink, ground ? QColor(1, 2, 3) : QApplication::palette().color(QPalette::WindowText));
+      TheMachine().Hide(window);
+    }
+  }
+}
+
 TEST(DesktopMachineTest, HandlersRunInThePumpAndMayThrow) {
   Form form(TheMachine());
   int clicks = 0;

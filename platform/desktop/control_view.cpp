@@ -27,8 +27,11 @@ QString Text(const std::string &text) { return QString::fromStdString(text); }
 QColor Convert(const Color &color) { return {color.Red, color.Green, color.Blue}; }
 
 QFont FontOf(const Typeface &typeface) {
-  QFont font(typeface.Name == "Times New Roman" ? "Liberation Serif" : "Liberation Sans");
-  font.setStyleHint(typeface.Name == "Times New Roman" ? QFont::Serif : QFont::SansSerif);
+  const bool serif = typeface.Name == "Times New Roman";
+  // Each is as wide as the other: where one is missing the layout stays.
+  QFont font(serif ? QStringList{"Liberation Serif", "Tinos", "Times New Roman"}
+                   : QStringList{"Liberation Sans", "Arimo", "Arial"});
+  font.setStyleHint(serif ? QFont::Serif : QFont::SansSerif);
   font.setPixelSize(static_cast<int>(std::lround(typeface.Points * PointsToPixels)));
   font.setBold(typeface.Bold);
   return font;
@@ -72,9 +75,27 @@ public:
     }
   }
 
+  /// Where the typeface is missing another takes its place, and a wider one would be cut off.
+  void Fit() override {
+    constexpr int SmallestLetters = 8; // pixels
+    QFont font = widget_->font();
+    const auto fits = [&] {
+      return model_.WordWrap ? widget_->heightForWidth(widget_->width()) <= widget_->height()
+                             : widget_->sizeHint().width() <= widget_->width();
+    };
+    while (!fits() && font.pixelSize() > SmallestLetters) {
+      font.setPixelSize(font.pixelSize() - 1);
+      widget_->setFont(font);
+    }
+  }
+
 protected:
   void CarryOverOwn() override {
     if (widget_->text() != Text(model_.Caption)) widget_->setText(Text(model_.Caption));
+  }
+  /// On the toolkit's own ground, dark on some desktops, only the toolkit knows what can be read.
+  bool OwnColor() const override {
+    return !model_.Border && (window_.HasBackColor || !window_.Picture.empty());
   }
 };
 
@@ -327,6 +348,7 @@ public:
 
 protected:
   void CarryOverOwn() override {}
+  bool OwnColor() const override { return true; }
 };
 
 class ShapeView : public View<Shape, ShapeWidget> {
@@ -335,6 +357,7 @@ public:
 
 protected:
   void CarryOverOwn() override {}
+  bool OwnColor() const override { return true; }
 };
 
 /// The canvas's widget carries nothing over: its picture comes with each drawing.
@@ -397,6 +420,7 @@ std::unique_ptr<ControlView> MakeView(DesktopMachine &machine, Window &window, C
   widget->setAccessibleName(Text(control.AccessibleName));
   widget->setFont(FontOf(control.Font));
   view->CarryOver();
+  view->Fit();
   return view;
 }
 
@@ -414,10 +438,7 @@ void ControlView::CarryOver() {
   if (first || foreColor_ != control_.ForeColor) {
     foreColor_ = control_.ForeColor;
     QPalette palette = widget->palette();
-    const auto *label = dynamic_cast<const Label *>(&control_);
-    const bool colored = (label && !label->Border) || dynamic_cast<const Line *>(&control_) ||
-                         dynamic_cast<const Shape *>(&control_);
-    if (colored) palette.setColor(QPalette::WindowText, Convert(foreColor_));
+    if (OwnColor()) palette.setColor(QPalette::WindowText, Convert(foreColor_));
     if (control_.HasBackColor) {
       for (const auto group : {QPalette::Active, QPalette::Inactive, QPalette::Disabled}) {
         palette.setColor(group, QPalette::Base, Convert(control_.BackColor));

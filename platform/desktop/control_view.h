@@ -31,11 +31,17 @@ public:
   /// Presses the button if Enter or Esc is its key; returns whether it is.
   virtual bool PressedBy(bool /*enter*/, bool /*escape*/) { return false; }
 
+  /// Makes the text small enough for the control's place.
+  virtual void Fit() {}
+
   /// Scrolls a document by a key that nobody else wanted.
   virtual void ScrollBy(QKeyEvent & /*event*/) {}
 
 protected:
   virtual void CarryOverOwn() = 0;
+
+  /// Whether it is written in the control's own colour rather than the toolkit's.
+  virtual bool OwnColor() const { return false; }
 
 private:
   Control &control_;
