@@ -21,7 +21,8 @@ struct Box {
 };
 constexpr Box Meter{536, 32, 17, 409};
 constexpr Box HomeArrow{248, 6, 17, 17};
-constexpr Box Field{112, 250, 318, 168}; ///< the part of the canvas without sky and cards
+constexpr Box Uprights{112, 62, 417, 56}; ///< where the posts stand over the crossbar, seen by a kicker
+constexpr Box Field{112, 250, 318, 168};  ///< the part of the canvas without sky and cards
 constexpr int CardLeft = 432;
 constexpr int CardWidth = 200;
 constexpr int CardHeight = 173;
@@ -37,6 +38,7 @@ constexpr Milliseconds MeterPatience(10000);
 constexpr Milliseconds FlightPatience(30000);
 constexpr Milliseconds CardPatience(30000);
 constexpr Milliseconds TurnPatience(120000);
+constexpr Milliseconds PostsPatience(20000);
 constexpr int TwipsPerPixel = 15;
 
 constexpr const char *EndCards[] = {"Home Team Wins!!", "Away Team Wins!!", "It's All Tied Up!"};
@@ -197,11 +199,45 @@ int Table::SeeCard(int code) {
   throw GaveUp("a card stays up");
 }
 
-void Table::PlayPointAfter() {
+std::optional<int> Table::Posts() {
+  constexpr int PixelsOfAPost = 8; // in a column; a flag has fewer
+  constexpr int Narrowest = 40, Widest = 70;
+  const Image seen = seat_.Look(window_, Uprights.X, Uprights.Y, Uprights.Width, Uprights.Height);
+  int first = -1, last = -1;
+  for (int x = 0; x < seen.Width; ++x) {
+    int yellow = 0;
+    for (int y = 0; y < seen.Height; ++y) {
+      const Pixel &pixel = seen.At(x, y);
+      if (pixel.Red > 200 && pixel.Green > 180 && pixel.Blue < 100) ++yellow;
+    }
+    if (yellow < PixelsOfAPost) continue;
+    if (first < 0) first = x;
+    last = x;
+  }
+  if (last - first < Narrowest || last - first > Widest) return std::nullopt;
+  return (first + last - seen.Width) / 2;
+}
+
+void Table::WaitForPosts() {
+  // From here they turn and are back in the middle when a strong kick arrives.
+  constexpr int NearTheEnd = 141;
+  int before = 0;
+  for (const auto end = Clock::now() + PostsPatience; Clock::now() < end; Pause(Milliseconds(10))) {
+    const auto posts = Posts();
+    if (!posts) continue;
+    const int out = std::abs(*posts);
+    if (out >= NearTheEnd && out > before) return;
+    before = out;
+  }
+  throw GaveUp("the posts don't come to an end of their way");
+}
+
+void Table::PlayPointAfter(Kick kick) {
   Pause(Milliseconds(600));
   Station("point-after");
-  Pause(Milliseconds(1500));
-  Shoot(96);
+  if (kick == Kick::Timed) WaitForPosts();
+  // Good as well if the hand lets go a step or two late.
+  Shoot(80);
   Pause(Milliseconds(700));
   Station("kick");
   for (const auto end = Clock::now() + Milliseconds(20000); Clock::now() < end; Pause(LookAgain)) {
@@ -213,12 +249,12 @@ void Table::PlayPointAfter() {
   throw GaveUp("the kick has no card");
 }
 
-void Table::Possess(const std::vector<int> &plan) {
+void Table::Possess(const std::vector<int> &plan, Kick kick) {
   constexpr int Touchdown = 3, Bonus = 5;
   for (const int level : plan) {
     Shoot(level);
     const int card = Watch();
-    if (card == Touchdown) PlayPointAfter();
+    if (card == Touchdown) PlayPointAfter(kick);
     if (card != 0 && card != Bonus) return;
     Pause(Milliseconds(200));
   }

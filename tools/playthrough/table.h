@@ -73,8 +73,11 @@ public:
 
   std::vector<int> CardsSeen; ///< codes of the cards so far; may be cleared
 
-  /// One possession. Plays the shots of the plan until it ends; a Touchdown's kick is played too.
-  void Possess(const std::vector<int> &plan);
+  enum class Kick { Timed, Early };
+
+  /// One possession. Plays the shots of the plan until it ends; a Touchdown's kick is played too: timed,
+  /// which is good, or early, which misses the posts.
+  void Possess(const std::vector<int> &plan, Kick kick = Kick::Timed);
 
   /// Waits until that side is on turn or the match is over; sees the cards that come.
   void WaitForTurn(bool home);
@@ -84,7 +87,9 @@ public:
   void Station(const std::string &name) { album_.Take(seat_, prefix_ + name); }
 
 private:
-  void PlayPointAfter();
+  void PlayPointAfter(Kick kick);
+  std::optional<int> Posts(); ///< how far right of the view's middle they stand, pixels
+  void WaitForPosts();        ///< until they have nearly come to an end of their way
 
   Seat &seat_;
   Album &album_;
