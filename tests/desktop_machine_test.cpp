@@ -287,6 +287,42 @@ TEST(DesktopMachineTest, NoMotionOfAHeldPointerIsLost) {
   machine.ShowCursor(-1);
 }
 
+TEST(DesktopMachineTest, ThePressThatComesBackToTheWindowIsNoShot) {
+  DesktopMachine &machine = TheMachine();
+  Window window;
+  Canvas canvas;
+  canvas.Name = "canvas";
+  canvas.Place = {0, 0, 100, 100};
+  int presses = 0;
+  canvas.MouseDown = [&](std::int16_t, std::int16_t, float, float) { ++presses; };
+  window.Width = window.Height = 100;
+  window.Controls = {&canvas};
+  window.CapturesPointer = true;
+  machine.ShowCursor(0);
+  machine.Show(window);
+  const auto pumpUntil = [&](const std::function<bool()> &done) {
+    for (int tries = 0; tries < 400 && !done(); ++tries) PumpFor(machine, 5);
+    return done();
+  };
+  ASSERT_TRUE(pumpUntil([&] { return machine.PointerHeld(); }));
+  {
+    const Form other(machine);
+    ASSERT_TRUE(pumpUntil([&] { return !machine.PointerHeld(); }));
+  }
+  QWidget *widget = WidgetOf("canvas");
+  widget->activateWindow();
+  ASSERT_TRUE(pumpUntil([&] { return widget->isActiveWindow(); }));
+  QTest::mouseClick(widget, Qt::LeftButton);
+  machine.Pump();
+  EXPECT_EQ(presses, 0);
+  ASSERT_TRUE(pumpUntil([&] { return machine.PointerHeld(); }));
+  QTest::mouseClick(widget, Qt::LeftButton);
+  machine.Pump();
+  EXPECT_EQ(presses, 1);
+  machine.Hide(window);
+  machine.ShowCursor(-1);
+}
+
 TEST(DesktopMachineTest, AKeyOfTheCanvasCountsOnceHoweverLongItIsHeldAndOnEveryLayout) {
   DesktopMachine &machine = TheMachine();
   Window window;

@@ -85,7 +85,7 @@ void DesktopMachine::CarryOver() {
   WindowView *active = nullptr;
   for (const auto &view : views_) {
     view->CarryOver();
-    if (view->isActiveWindow()) active = view.get();
+    if (view->Settled()) active = view.get();
   }
   const bool held = active && active->Model().CapturesPointer && Receives(active->Model());
   pointer_.Hold(held ? active->AnyCanvas() : nullptr);

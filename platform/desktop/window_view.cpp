@@ -84,6 +84,11 @@ CanvasView *WindowView::AnyCanvas() const {
   return nullptr;
 }
 
+bool WindowView::Settled() const {
+  constexpr qint64 PressFollows = 100; // ms
+  return isActiveWindow() && (!activation_.isValid() || activation_.hasExpired(PressFollows));
+}
+
 void WindowView::paintEvent(QPaintEvent *) {
   QPainter painter(this);
   if (window_.HasBackColor) {
@@ -114,7 +119,9 @@ void WindowView::closeEvent(QCloseEvent *event) {
 }
 
 void WindowView::changeEvent(QEvent *event) {
-  if (event->type() != QEvent::ActivationChange || isActiveWindow() || !window_.Deactivate) return;
+  if (event->type() != QEvent::ActivationChange) return;
+  activation_.start();
+  if (isActiveWindow() || !window_.Deactivate) return;
   machine_.Post(
       window_, [this] { window_.Deactivate(); }, DesktopMachine::Delivery::UnderModal);
 }

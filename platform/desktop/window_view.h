@@ -6,6 +6,7 @@
 #include "platform/desktop/canvas_view.h"
 #include "platform/desktop/control_view.h"
 
+#include <QElapsedTimer>
 #include <QPixmap>
 #include <QWidget>
 
@@ -30,6 +31,10 @@ public:
   CanvasView *FindCanvas(const Canvas &canvas) const;
   CanvasView *AnyCanvas() const; ///< the window's canvas, null if it has none
 
+  /// Whether it is the active window, and has been for so long that the press by which the player came back
+  /// to it has arrived: focus and press come one after the other.
+  bool Settled() const;
+
 protected:
   void paintEvent(QPaintEvent *event) override;
   void mousePressEvent(QMouseEvent *event) override;
@@ -41,6 +46,7 @@ private:
   DesktopMachine &machine_;
   Window &window_;
   QPixmap background_;
+  QElapsedTimer activation_; ///< since the window became active or inactive
   std::vector<std::unique_ptr<ControlView>> views_;
 };
 
