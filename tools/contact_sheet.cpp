@@ -247,7 +247,7 @@ private:
     play.ArrowFrame->DeleteVisual(play.ArrowMesh);
     play.PieceFrame->SetPosition(play.RMCanvas1.SceneFrame, 12, 0, -86.5f);
     play.PieceFrame->AddRotation(D3DRMCOMBINE_BEFORE, 0, 1, 0, 2.2f);
-    play.lblPlayer1.Caption = "Home Team Score: 6";
+    play.Label2.Caption = "Shots: 0";
     play.Picture3.Visible = true;
     play.WinCam();
     Take(play);
