@@ -2,6 +2,9 @@
 
 #include "net/frm_new_net.h"
 
+#include <functional>
+#include <utility>
+
 const std::string LaunchCaption = "Snapwedge V1.0 - the table-top flick game";
 
 namespace {

@@ -5,5 +5,4 @@
 
 inline float Sum(double a, double b) { return static_cast<float>(a + b); }
 inline float Difference(double a, double b) { return static_cast<float>(a - b); }
-inline float Product(double a, double b) { return static_cast<float>(a * b); }
 inline float Quotient(double a, double b) { return static_cast<float>(a / b); }

@@ -6,7 +6,6 @@
 #include "match/program.h"
 
 #include <cstdint>
-#include <functional>
 #include <string>
 
 class frmNewNet : public Window {

@@ -7,7 +7,6 @@
 #include <memory>
 #include <stdexcept>
 #include <string>
-#include <vector>
 
 /// A network operation that failed; says on what and why.
 class DirectPlayError : public std::runtime_error {

@@ -7,8 +7,8 @@
 
 #include <cstdint>
 #include <memory>
-#include <stdexcept>
 #include <string>
+#include <vector>
 
 class DirectX7 {
 public:

@@ -10,7 +10,7 @@
 
 #include <gtest/gtest.h>
 
-#include <map>
+#include <set>
 
 namespace kit {
 

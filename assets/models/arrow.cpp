@@ -3,8 +3,6 @@
 #include "models.h"
 #include "shapes.h"
 
-#include <cmath>
-
 namespace {
 
 // The shape in plan, scene units from the piece's middle; it points toward -z.

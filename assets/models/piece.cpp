@@ -6,7 +6,6 @@
 #include "shapes.h"
 
 #include <algorithm>
-#include <cmath>
 
 namespace {
 

@@ -6,7 +6,6 @@
 // A letter stands on a grid with y up: baseline 0, small letters 6 high, capitals 9 high, descenders to -3.
 // Stems lie on whole numbers, so that at one pixel per unit they fall on whole pixels.
 
-#include <string_view>
 #include <vector>
 
 constexpr double SmallHeight = 6.0;

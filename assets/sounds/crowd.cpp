@@ -3,7 +3,9 @@
 
 #include "assets/sounds/sounds.h"
 
+#include <algorithm>
 #include <cmath>
+#include <functional>
 
 namespace sounds {
 namespace {

@@ -4,8 +4,6 @@
 
 #include <cstdint>
 #include <filesystem>
-#include <functional>
-#include <string>
 #include <vector>
 
 namespace sounds {

@@ -2,6 +2,7 @@
 
 #include "assets/sounds/sounds.h"
 
+#include <algorithm>
 #include <cmath>
 
 namespace sounds {

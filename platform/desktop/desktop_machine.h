@@ -39,7 +39,6 @@ public:
   // For the views of windows and controls.
   using Machine::Delivery;
   using Machine::Post;
-  bool Takes(const Window &window) const { return Receives(window); }
   bool PointerHeld() const { return pointer_.Held(); }
 
 protected:

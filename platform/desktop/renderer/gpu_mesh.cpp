@@ -1,7 +1,6 @@
 #include "platform/desktop/renderer/gpu_mesh.h"
 
 #include <algorithm>
-#include <cmath>
 #include <map>
 #include <numeric>
 

@@ -9,8 +9,6 @@
 #include <QOpenGLVersionFunctionsFactory>
 
 #include <algorithm>
-#include <bit>
-#include <cmath>
 #include <ctime>
 #include <string_view>
 
