@@ -12,7 +12,6 @@ namespace {
 
 constexpr int HighColorBits = 16;
 constexpr std::int16_t DefaultRounds = 5;
-constexpr int MostRounds = 99;
 constexpr float SessionSuffixes = 10000.0f; ///< the default session name ends in one of so many numbers
 
 /// A whole number from 1 to 99, with blanks around it or not; nothing for any other text.

@@ -1,6 +1,7 @@
 // Result cards and score lines.
 
 #include "match/frm_snapwedge.h"
+#include "match/results.h"
 
 #include <string>
 
@@ -11,24 +12,22 @@ namespace {
 void PlayResult(const Program &program, std::int16_t result) {
   const bool ours = program.MyTurn != False;
   switch (result) {
-  case 1:
+  case Results::GoodKick:
+  case Results::Bonus:
     if (ours) program.PlayOnce(program.SndYeah);
     break;
-  case 2:
+  case Results::MissedKick:
     program.PlayOnce(ours ? program.SndBoo : program.SndYeah2);
     break;
-  case 3:
+  case Results::Touchdown:
     program.PlayOnce(ours ? program.SndYeah2 : program.SndBoo);
     program.PlayOnce(program.SndWis2);
     break;
-  case 4:
-  case 7:
+  case Results::Turnover:
+  case Results::Short:
     if (!ours) program.PlayOnce(program.SndYeah2);
     break;
-  case 5:
-    if (ours) program.PlayOnce(program.SndYeah);
-    break;
-  case 6:
+  case Results::Penalty:
     if (!ours) program.PlayOnce(program.SndYeah);
     program.PlayOnce(program.SndWis1);
     break;
@@ -41,7 +40,7 @@ void PlayResult(const Program &program, std::int16_t result) {
 
 PictureBox &frmSnapwedge::Card(std::int16_t MES) {
   PictureBox *cards[] = {&Picture1, &Picture2, &Picture3, &Picture4, &Picture5, &Picture6, &Picture7};
-  return *cards[MES - 1];
+  return *cards[MES - Results::First];
 }
 
 void frmSnapwedge::ShowMessage(std::int16_t &MES) {
@@ -69,7 +68,7 @@ void frmSnapwedge::ShowMessage(std::int16_t &MES) {
 }
 
 Flag frmSnapwedge::AnyPictures() {
-  for (std::int16_t result = 1; result <= 7; ++result) {
+  for (std::int16_t result = Results::First; result <= Results::Last; ++result) {
     if (Card(result).Visible) return True;
   }
   return False;

@@ -6,11 +6,12 @@
 #include "match/program.h"
 #include "scene/graph/rm_canvas.h"
 
-#include <array>
 #include <cstdint>
 #include <string>
 
 struct ReceivedShot;
+
+constexpr std::int16_t AttemptsInPossession = 3;
 
 class frmSnapwedge : public Window {
 public:
@@ -18,8 +19,7 @@ public:
   frmSnapwedge(Machine &onMachine, Program &ofProgram);
   ~frmSnapwedge() override { machine.Hide(*this); }
 
-  // ---- The match
-  // -----------------------------------------------------------------------------------------------
+  // ---- The match ---------------------------------------------------------------------------------
 
   // match/match_loop.cpp
 
@@ -71,42 +71,40 @@ public:
 
   // match/cards.cpp
 
-  /// Shows the result card `MES`, 1 to 7, for its three seconds, with its sounds. On the waiting computer of
-  /// a network game it only pauses.
+  /// Shows the card of a result, one of `Results`, for its three seconds, with its sounds. On the waiting
+  /// computer of a network game it only pauses.
   void ShowMessage(std::int16_t &MES);
   void ShowMessage(std::int16_t &&MES) { ShowMessage(MES); }
 
   Flag AnyPictures();                 ///< -1 if a result card is up
   void PostScore();                   ///< writes both score lines and the round line
-  PictureBox &Card(std::int16_t MES); ///< the card of that code, 1 to 7
+  PictureBox &Card(std::int16_t MES); ///< the card of that result, one of `Results`
 
   Program &program;
   Machine &machine;
 
-  std::int16_t Round = 0;     ///< running round, 1 to `Rounds`; 0 before the first
-  std::int16_t Player = 0;    ///< 1 while `MyTurn` is set, else 2; on the waiting computer as the sender says
-  std::int16_t Shots = 3;     ///< attempts left in this possession
-  std::int32_t HomeScore = 0; ///< points of side A
-  std::int32_t AwayScore = 0; ///< points of side B
-  std::int32_t FrameStart = 0; ///< clock at the start of the present step, ms
-  std::int32_t FrameEnd = 0;   ///< clock at which the present step may end, ms
+  std::int16_t Round = 0;  ///< running round, 1 to `Rounds`; 0 before the first
+  std::int16_t Player = 0; ///< 1 while `MyTurn` is set, else 2; on the waiting computer as the sender says
+  std::int16_t Shots = AttemptsInPossession; ///< attempts left in this possession
+  std::int32_t HomeScore = 0;                ///< points of side A
+  std::int32_t AwayScore = 0;                ///< points of side B
+  std::int32_t FrameStart = 0;               ///< clock at the start of the present step, ms
+  std::int32_t FrameEnd = 0;                 ///< clock at which the present step may end, ms
   std::string PieceSurface; ///< name found under the piece's centre by the last `CheckRay`; empty for nothing
   std::string CornerSurface; ///< name found under the corner that `CheckScore` tested last
 
-  // ---- Phase: what the mouse may do
-  // ------------------------------------------------------------------------------
+  // ---- Phase: what the mouse may do --------------------------------------------------------------
 
   Flag Busy = False;   ///< a card or delay runs, or this computer waits for the other's possession
   Flag NoShot = False; ///< no shot may begin
-  Flag ShotPending =
-      False; ///< the left button went down and its shot isn't over; idle frames don't draw meanwhile
+  /// The left button went down and its shot isn't over; idle frames don't draw meanwhile.
+  Flag ShotPending = False;
   Flag KickMode = False; ///< the point-after runs: the next shot is a kick
-  std::int16_t MouseMode =
-      0;                  ///< 0 aiming, 1 left button held (the meter charges), 2 right button held (orbit)
+  /// 0 aiming, 1 left button held (the meter charges), 2 right button held (orbit).
+  std::int16_t MouseMode = 0;
   Flag ShiftDown = False; ///< Shift is held: the mouse zooms
 
-  // ---- The shot
-  // --------------------------------------------------------------------------------------------------
+  // ---- The shot ----------------------------------------------------------------------------------
 
   // shot/aim.cpp
 
@@ -189,8 +187,7 @@ public:
   Flag KickGood = False; ///< the kick went between the posts
   float GoalSpeed = 0;   ///< the posts' step in x
 
-  // ---- The scene
-  // -------------------------------------------------------------------------------------------------
+  // ---- The scene ---------------------------------------------------------------------------------
 
   void LoadScene(); ///< builds the whole world (scene/load_scene.cpp)
   void LookCam();   ///< turns the camera to the piece (scene/camera.cpp)
@@ -214,8 +211,7 @@ public:
   float CamOfsX = 0, CamOfsY = 0, CamOfsZ = 0; ///< camera relative to `AimFrame` at the start of a flick
   float SkyU = 0, SkyV = 0;                    ///< texture origin of the sky
 
-  // ---- The controls
-  // ----------------------------------------------------------------------------------------------
+  // ---- The controls ------------------------------------------------------------------------------
 
   Label lblPlayer1, lblPlayer2; ///< score lines
   Label Label3, Label4;         ///< turn arrows
@@ -224,8 +220,7 @@ public:
   ProgressBar ProgressBar1;     ///< the power meter
   PictureBox Picture1, Picture2, Picture3, Picture4, Picture5, Picture6, Picture7; ///< the result cards
 
-  // ---- The other computer
-  // ------------------------------------------------------------------------------------------
+  // ---- The other computer ------------------------------------------------------------------------
 
   // net/messages.cpp
   void SendVersion();

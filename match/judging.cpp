@@ -4,8 +4,8 @@
 
 #include "match/arithmetic.h"
 #include "match/frm_snapwedge.h"
+#include "match/results.h"
 
-#include <optional>
 #include <string>
 
 namespace {
@@ -74,7 +74,7 @@ void frmSnapwedge::Fall() {
   NoShot = False;
   ShotPending = False;
   ArrowFrame->AddVisual(ArrowMesh);
-  ShowMessage(4);
+  ShowMessage(Results::Turnover);
   Reset();
 }
 
@@ -96,7 +96,7 @@ void frmSnapwedge::CheckScore(std::int16_t & /*Side*/) {
     if (Bonus) {
       CloseUp();
       score += BonusPoints;
-      ShowMessage(5);
+      ShowMessage(Results::Bonus);
     }
     if (Shots < SecondAttempt) FallShort();
     return;
@@ -113,19 +113,19 @@ void frmSnapwedge::CheckScore(std::int16_t & /*Side*/) {
   CloseUp();
   if (Shots == FirstAttempt || Shots == SecondAttempt) {
     WinCam();
-    ShowMessage(6);
+    ShowMessage(Results::Penalty);
     Reset();
     return;
   }
   WinCam();
   score += TouchdownPoints;
-  ShowMessage(3);
+  ShowMessage(Results::Touchdown);
   MPAT();
   Reset();
 }
 
 void frmSnapwedge::FallShort() {
   WinCam();
-  ShowMessage(7);
+  ShowMessage(Results::Short);
   Reset();
 }

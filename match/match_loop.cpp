@@ -13,7 +13,7 @@ constexpr float LossPerStep = 0.6f; ///< of `Force`
 constexpr float GoalStep = 1.0f;    ///< of the posts, scene units
 constexpr float FarPlane = 5000.0f; ///< scene units from the camera
 constexpr std::int32_t CardMs = 3000;
-constexpr std::int32_t WaiterPauseMs = 1000;
+constexpr std::int32_t PauseMs = 1000; ///< of a result without its card, and of the waiting computer
 constexpr std::int32_t NetworkLookMs =
     5; ///< longest time between two looks at the network while waiting for it
 constexpr std::int32_t LastWordsMs = 60000; ///< longest wait, at the end, for what was sent last to arrive
@@ -35,7 +35,7 @@ void frmSnapwedge::SetUp() {
   program.PlayOnce(program.SndGuit2);
   Label1.Caption = "Round: 1 of " + std::to_string(program.Rounds);
   GoalSpeed = GoalStep;
-  Shots = 3;
+  Shots = AttemptsInPossession;
   program.FlickMs = ShotStepMs;
   program.FrameMs = IdleFrameMs;
   ForceDecay = LossPerStep;
@@ -159,14 +159,14 @@ void frmSnapwedge::MyDelay() {
 
 void frmSnapwedge::MyDelayNoCard() {
   Busy = True;
-  BeginStep(WaiterPauseMs);
+  BeginStep(PauseMs);
   WaitForStepEnd();
   Busy = False;
 }
 
 void frmSnapwedge::MyDelay2() {
   Busy = True;
-  BeginStep(WaiterPauseMs);
+  BeginStep(PauseMs);
   while (!machine.ClockReached(FrameEnd)) {
     CheckMessages();
     machine.WaitUntil(machine.ClockIn(NetworkLookMs));

@@ -20,6 +20,8 @@ constexpr Flag Not(Flag flag) { return static_cast<Flag>(~flag); }
 /// How well the computer plays: the level scales its random errors and nothing else.
 enum class SkillLevel { Easy, Medium, Hard };
 
+constexpr std::int16_t MostRounds = 99; ///< of a match
+
 using SoundBuffer = std::shared_ptr<DirectSoundBuffer>;
 
 struct Program {
@@ -28,7 +30,7 @@ struct Program {
   Machine &machine;
 
   // The match.
-  std::int16_t Rounds = 5;  ///< rounds to play, 1 to 99
+  std::int16_t Rounds = 5;  ///< rounds to play, 1 to `MostRounds`
   std::string GameMode;     ///< "Computer", "Human" or "INET"
   Flag MyTurn = False;      ///< side A has the piece; after the launch `Reset` alone writes it
   std::int16_t FlickMs = 0; ///< shortest length of one step of a running shot, ms

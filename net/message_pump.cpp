@@ -2,6 +2,7 @@
 // turn but the replay's own end. One message a look, and whoever looks may be nested in a replay already.
 
 #include "match/frm_snapwedge.h"
+#include "match/results.h"
 #include "net/received.h"
 
 #include <string>
@@ -24,19 +25,19 @@ std::string ReceiveTag(Program &program) {
 
 /// The sound that comes before the card of the other side's result.
 void PlayBeforeCard(const Program &program, std::int16_t result) {
-  if (result == 3) program.PlayOnce(program.SndWis2);
-  if (result == 6) program.PlayOnce(program.SndWis1);
+  if (result == Results::Touchdown) program.PlayOnce(program.SndWis2);
+  if (result == Results::Penalty) program.PlayOnce(program.SndWis1);
 }
 
 /// The sound that follows it: this side's crowd boos what went well over there, and cheers what went wrong.
 void PlayWithCard(const Program &program, std::int16_t result) {
   switch (result) {
-  case 1:
-  case 3:
-  case 5:
+  case Results::GoodKick:
+  case Results::Touchdown:
+  case Results::Bonus:
     program.PlayOnce(program.SndBoo);
     break;
-  case 6:
+  case Results::Penalty:
     program.PlayOnce(program.SndYeah);
     break;
   default:

@@ -1,5 +1,7 @@
 #include "net/received.h"
 
+#include "match/program.h"
+#include "match/results.h"
 #include "platform/plain_text.h"
 
 #include <array>
@@ -11,10 +13,8 @@ constexpr float FarthestPlace = 300.0f; ///< scene units from the origin, in any
 constexpr float StrongestShot = 120.0f;
 constexpr double VectorTolerance = 0.001;  ///< of a length of 1 and of a right angle
 constexpr std::int32_t PointsInRound = 10; ///< the most that a side can score in one
-constexpr std::int32_t MostRounds = 99;
 constexpr std::size_t LongestBuildTag = 8; ///< bytes
 constexpr std::size_t LongestChat = 200;   ///< characters
-constexpr std::int32_t LastResult = 7;
 
 /// Runs a reader; a field that is missing or of another type makes it nothing.
 template <class Reader> auto Guarded(Reader &&reader) -> decltype(reader()) {
@@ -90,7 +90,7 @@ std::optional<ReceivedScore> ReadScore(DirectPlayMessage &message, std::int16_t 
 std::optional<std::int16_t> ReadResult(DirectPlayMessage &message) {
   return Guarded([&]() -> std::optional<std::int16_t> {
     const std::int32_t result = message.ReadLong();
-    if (!message.AtEnd() || result < 1 || result > LastResult) return std::nullopt;
+    if (!message.AtEnd() || result < Results::First || result > Results::Last) return std::nullopt;
     return static_cast<std::int16_t>(result);
   });
 }

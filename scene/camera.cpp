@@ -3,6 +3,7 @@
 
 #include "match/arithmetic.h"
 #include "match/frm_snapwedge.h"
+#include "scene/places.h"
 
 namespace {
 
@@ -11,19 +12,16 @@ constexpr Vector CloseUpPlace{0.0f, 20.0f, 20.0f}; ///< relative to the piece
 constexpr float WinX = 88.0f;                      ///< to the piece's own side of the field
 constexpr float WinY = 30.0f;
 constexpr float WinZ = -88.0f;
-constexpr float SkyRepeat = 0.003f; ///< repeats of the sky's texture to the scene unit
 constexpr float SkyDrift = 0.0008f; ///< repeats that the sky moves in a step, about 0.27 scene units
 
 } // namespace
 
 void frmSnapwedge::LookCam() { CameraFrame->LookAt(PieceFrame, RMCanvas1.SceneFrame, D3DRMCONSTRAIN_Z); }
 
-void frmSnapwedge::SideCam() {
-  CameraFrame->SetPosition(RMCanvas1.SceneFrame, SidePlace.x, SidePlace.y, SidePlace.z);
-}
+void frmSnapwedge::SideCam() { Place(CameraFrame, RMCanvas1.SceneFrame, SidePlace); }
 
 void frmSnapwedge::CloseUp() {
-  CameraFrame->SetPosition(PieceFrame, CloseUpPlace.x, CloseUpPlace.y, CloseUpPlace.z);
+  Place(CameraFrame, PieceFrame, CloseUpPlace);
   LookCam();
   RMCanvas1.Update();
 }

@@ -3,6 +3,7 @@
 // disc before its shift to its place on the table, so that the disc's grass lines up with its own middle.
 
 #include "match/frm_snapwedge.h"
+#include "scene/places.h"
 
 namespace {
 
@@ -22,12 +23,9 @@ constexpr float BonusLift = 0.05f; ///< of the disc above the table's top
 constexpr float ExtraLift = 0.3f;  ///< of the raised marking
 constexpr float ArrowAhead = 5.0f; ///< of the arrow's model along its frame's +z
 constexpr Vector LinesOffset{0.0f, -10.0f, 9.0f};
-constexpr Vector Start{0.0f, 0.0f, 85.0f};
 constexpr Vector SkyPlace{0.0f, 80.0f, 0.0f};
 constexpr Vector TablePlace{0.0f, -0.5f, 0.0f};
-constexpr Vector GoalPlace{0.0f, 20.0f, -95.0f};
 constexpr Vector StadiumPlace{0.0f, 10.0f, 0.0f};
-constexpr Vector RestCamera{0.0f, 10.0f, 120.0f};
 constexpr Vector PlaceA{5.0f, 0.0f, 2.5f};
 constexpr Vector PlaceB{-5.0f, 0.0f, 2.5f};
 constexpr Vector PlaceC{0.0f, 0.0f, -2.5f};
@@ -35,12 +33,7 @@ constexpr Vector PlaceC{0.0f, 0.0f, -2.5f};
 // Repeats of a texture to the scene unit.
 constexpr float PieceTexture = 0.19f;
 constexpr float GrassRepeat = 0.03f;
-constexpr float SkyRepeat = 0.003f;
 constexpr float CrowdRepeat = 0.01f;
-
-void Place(const Ref<Direct3DRMFrame3> &frame, const Ref<Direct3DRMFrame3> &reference, const Vector &at) {
-  frame->SetPosition(reference, at.x, at.y, at.z);
-}
 
 } // namespace
 
@@ -113,7 +106,7 @@ void frmSnapwedge::LoadScene() {
   GoalMesh = load("goal.dax");
   GoalMesh->SetColorRGB(1, 1, 0);
   GoalMesh->ScaleMesh(GoalScale, GoalScale, GoalScale);
-  Place(GoalFrame, RMCanvas1.SceneFrame, GoalPlace);
+  Place(GoalFrame, RMCanvas1.SceneFrame, Places::Goal);
 
   YellowMaterial->SetEmissive(1, 1, 0);
   WhiteMaterial->SetAmbient(1, 1, 1);
@@ -157,9 +150,9 @@ void frmSnapwedge::LoadScene() {
   Place(StadiumFrame, RMCanvas1.SceneFrame, StadiumPlace);
   LinesMesh->SetMaterial(YellowMaterial);
 
-  Place(PieceFrame, RMCanvas1.SceneFrame, Start);
-  Place(AimFrame, RMCanvas1.SceneFrame, Start);
-  Place(ArrowFrame, RMCanvas1.SceneFrame, Start);
-  Place(CameraFrame, RMCanvas1.SceneFrame, RestCamera);
+  Place(PieceFrame, RMCanvas1.SceneFrame, Places::Start);
+  Place(AimFrame, RMCanvas1.SceneFrame, Places::Start);
+  Place(ArrowFrame, RMCanvas1.SceneFrame, Places::Start);
+  Place(CameraFrame, RMCanvas1.SceneFrame, Places::Camera);
   CameraFrame->LookAt(PieceFrame, RMCanvas1.SceneFrame, D3DRMCONSTRAIN_Z);
 }

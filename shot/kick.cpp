@@ -3,6 +3,7 @@
 
 #include "match/arithmetic.h"
 #include "match/frm_snapwedge.h"
+#include "match/results.h"
 
 namespace {
 
@@ -51,10 +52,10 @@ void frmSnapwedge::KickFB(float &ShotX, float &ShotY, float &ShotZ, float &Power
   CheckFG();
   if (KickGood) {
     (program.MyTurn ? HomeScore : AwayScore) += 1;
-    ShowMessage(1);
+    ShowMessage(Results::GoodKick);
     if (program.GameMode == "INET") SyncScore();
   } else {
-    ShowMessage(2);
+    ShowMessage(Results::MissedKick);
   }
   KickGood = False;
   ShotPending = False;

@@ -1,6 +1,7 @@
 // The point-after sequence: between a Touchdown and the turnover the side kicks at moving posts.
 
 #include "match/frm_snapwedge.h"
+#include "scene/places.h"
 
 namespace {
 
@@ -9,8 +10,8 @@ constexpr Vector PiecePlace{0.0f, 4.0f, 85.0f};
 constexpr Vector AimPlace{0.0f, 0.0f, 87.0f};
 constexpr Vector KickCamera{0.0f, 15.0f, 120.0f};
 
-// The computer kicks when the posts have just turned at their far right: they are in the middle of the field
-// when the piece arrives.
+// The computer kicks when the posts have just turned at +x: they are in the middle of the field when the
+// piece arrives.
 constexpr float ComputerTriggerX = 80.0f;
 constexpr float ComputerPower = 90.0f;
 
@@ -19,11 +20,11 @@ constexpr float ComputerPower = 90.0f;
 void frmSnapwedge::MPAT() {
   const auto &scene = RMCanvas1.SceneFrame;
   PostScore();
-  Shots = 3;
+  Shots = AttemptsInPossession;
   ArrowFrame->AddVisual(ArrowMesh);
-  PieceFrame->SetPosition(scene, PiecePlace.x, PiecePlace.y, PiecePlace.z);
-  AimFrame->SetPosition(scene, AimPlace.x, AimPlace.y, AimPlace.z);
-  CameraFrame->SetPosition(scene, KickCamera.x, KickCamera.y, KickCamera.z);
+  Place(PieceFrame, scene, PiecePlace);
+  Place(AimFrame, scene, AimPlace);
+  Place(CameraFrame, scene, KickCamera);
   LookCam();
   RMCanvas1.Update();
   KickMode = True;

@@ -1,5 +1,7 @@
 #include "tools/replay/command.h"
 
+#include "match/program.h"
+
 #include <charconv>
 #include <cmath>
 #include <cstdlib>
@@ -11,7 +13,6 @@
 namespace {
 
 constexpr float StrongestShot = 120.0f;
-constexpr int MostRounds = 99;
 constexpr int MostFrames = 10'000'000; ///< more than two days of play
 
 /// The words of one line.

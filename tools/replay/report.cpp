@@ -1,5 +1,7 @@
 #include "tools/replay/report.h"
 
+#include "match/results.h"
+
 #include <charconv>
 #include <cmath>
 #include <iostream>
@@ -39,15 +41,15 @@ private:
 
 std::string ResultOf(std::int16_t card) {
   switch (card) {
-  case 3:
+  case Results::Touchdown:
     return "touchdown";
-  case 4:
+  case Results::Turnover:
     return "fall";
-  case 5:
+  case Results::Bonus:
     return "bonus";
-  case 6:
+  case Results::Penalty:
     return "penalty";
-  case 7:
+  case Results::Short:
     return "short";
   default:
     return "none";
@@ -88,7 +90,7 @@ void ReportFlick(const frmSnapwedge &window, const AskedShot &asked, const SeenS
 void ReportKick(const frmSnapwedge &window, const AskedShot &asked, const SeenShot &seen) {
   JsonLine line = Begin("kick", asked);
   line.Add("steps", seen.Steps).Add("end", Triple(seen.Place)).Add("posts_x", Number(seen.PostsX));
-  line.Add("good", seen.Card == 1 ? "true" : "false").Add("card", seen.Card);
+  line.Add("good", seen.Card == Results::GoodKick ? "true" : "false").Add("card", seen.Card);
   AddScores(line, window);
   line.Add("next", Next(window)).Add("round", window.Round);
   Print(line, asked);
