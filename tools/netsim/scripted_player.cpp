@@ -86,35 +86,7 @@ void ScriptedPlayer::Play(frmSnapwedge &table) {
     machine_.PressKey(KeyCodes::Escape);
     return;
   }
-  switch (Between(0, 19)) {
-  case 0:
-    machine_.PressKey(KeyCodes::S);
-    return;
-  case 1:
-    machine_.PressKey(KeyCodes::Shift);
-    machine_.ReleaseKey(KeyCodes::Shift);
-    return;
-  case 2:
-    machine_.PressKey(KeyCodes::Tilde);
-    return;
-  case 3:
-    if (!orbits_ && !table.MouseGate()) break;
-    orbits_ = !orbits_;
-    if (orbits_) {
-      machine_.PressMouse(2);
-      machine_.MoveMouse(Between(-60, 60), Between(-30, 30));
-    } else {
-      machine_.ReleaseMouse(2);
-    }
-    return;
-  case 4:
-    if (table.MouseGate()) break;
-    machine_.PressMouse(1); // out of turn, and maybe let go in turn
-    holding_ = true;
-    return;
-  default:
-    break;
-  }
+  if (Fidget(table)) return;
   if (machine_.Focus == &table.Text2) {
     machine_.Type(Between(0, 3) ? "well played\r" : "\r");
     return;
@@ -126,7 +98,7 @@ void ScriptedPlayer::Play(frmSnapwedge &table) {
     return;
   }
   if (table.KickMode && planned_) {
-    // The posts are in the middle when the piece arrives, if they were at their far right when it left.
+    // The posts are in the middle when the piece arrives, if they turned at +x when it left.
     Vector goal;
     table.GoalFrame->GetPosition(table.RMCanvas1.SceneFrame, goal);
     actAt_ = machine_.Now();
@@ -144,6 +116,39 @@ void ScriptedPlayer::Play(frmSnapwedge &table) {
     machine_.ReleaseMouse(1); // a click shorter than a frame
   } else {
     holding_ = true;
+  }
+}
+
+/// Does something now and then that is no part of a shot. Returns whether it has.
+bool ScriptedPlayer::Fidget(frmSnapwedge &table) {
+  switch (Between(0, 19)) {
+  case 0:
+    machine_.PressKey(KeyCodes::S);
+    return true;
+  case 1:
+    machine_.PressKey(KeyCodes::Shift);
+    machine_.ReleaseKey(KeyCodes::Shift);
+    return true;
+  case 2:
+    machine_.PressKey(KeyCodes::Tilde);
+    return true;
+  case 3:
+    if (!orbits_ && !table.MouseGate()) return false;
+    orbits_ = !orbits_;
+    if (orbits_) {
+      machine_.PressMouse(2);
+      machine_.MoveMouse(Between(-60, 60), Between(-30, 30));
+    } else {
+      machine_.ReleaseMouse(2);
+    }
+    return true;
+  case 4:
+    if (table.MouseGate()) return false;
+    machine_.PressMouse(1); // out of turn, and maybe let go in turn
+    holding_ = true;
+    return true;
+  default:
+    return false;
   }
 }
 

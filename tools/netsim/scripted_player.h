@@ -28,6 +28,7 @@ private:
   void Look();
   void UseLobby(frmNewNet &lobby);
   void Play(frmSnapwedge &table);
+  bool Fidget(frmSnapwedge &table);
   void Aim(const frmSnapwedge &table);
   void Listen();
   void SeePicture();
