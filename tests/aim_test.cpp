@@ -77,7 +77,9 @@ TEST(AimTest, TheGateIsShutDuringCardsShotsAndTheOthersTurn) {
   const std::pair<const char *, Shut> rows[] = {
       {"a shot runs", [](Game &g) { g.window.NoShot = True; }},
       {"a delay runs", [](Game &g) { g.window.Busy = True; }},
-      {"a card is up", [](Game &g) { g.window.Picture6.Visible = true; }},
+      {"the first card is up", [](Game &g) { g.window.Picture1.Visible = true; }},
+      {"the last card is up", [](Game &g) { g.window.Picture7.Visible = true; }},
+      {"the match is over", [](Game &g) { g.window.LastWait = True; }},
       {"the computer's turn", [](Game &g) { g.program.MyTurn = False; }},
   };
   for (const auto &[name, shut] : rows) {
@@ -220,12 +222,18 @@ TEST(KeysTest, TheStadiumGoesAndComesInEveryPhase) {
   // In flight, and under the card of the fall.
   game.PutPiece(0, -80, 3);
   std::vector<std::size_t> seen;
+  long drawn = 0;
   for (const std::int32_t moment : {100, 300, 2500}) {
     game.machine.After(moment, [&] {
-      game.machine.PressKey(KeyCodes::S);
+      drawn = game.machine.Draws;
       game.machine.PressKey(65);
+      game.machine.PressKey(KeyCodes::Tilde); // nobody to write to
+      game.machine.PressKey(KeyCodes::S);
     });
-    game.machine.After(moment + 1, [&] { seen.push_back(shown()); });
+    game.machine.After(moment + 1, [&] {
+      seen.push_back(shown());
+      EXPECT_GT(game.machine.Draws, drawn);
+    });
   }
   game.Flick(60);
   EXPECT_EQ(seen, (std::vector<std::size_t>{0, 3, 0}));
@@ -236,6 +244,7 @@ TEST(KeysTest, EscapeEndsTheProgramFromWithinAFlightWithAWhistle) {
   Game game;
   game.SetUp();
   game.SoundsSince();
+  game.machine.DrawMs = 25; // so slow that no step has time to wait
   game.machine.After(200, [&] { game.machine.PressKey(KeyCodes::Escape); });
   EXPECT_THROW(game.Flick(96), ProgramEnd);
   EXPECT_EQ(game.SoundsSince(), "play swoosh.daw, play wis3.daw");

@@ -33,6 +33,7 @@ TEST(ComputerTest, ThePlanStaysInItsRangesAndUsesAllOfThem) {
       if (plan.Turn < 0.0f) ++negativeTurns;
     }
     EXPECT_EQ(turns.size(), 10U);
+    EXPECT_FLOAT_EQ(turns.rbegin()->first, 0.1125f * row.scale);
     EXPECT_EQ(spreads.size(), 50U);
     EXPECT_NEAR(static_cast<double>(negativeTurns) / nonZeroTurns, 0.6, 0.03)
         << "six of ten signs are negative";

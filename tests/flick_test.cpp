@@ -32,6 +32,7 @@ TEST(FlickTest, EveryForceOfTheMeterHasItsStepsDistanceAndSpin) {
     game.machine.OnDraw = [&](Canvas &) {
       if (!game.window.NoShot) return;
       ++steps;
+      EXPECT_TRUE(game.window.ArrowFrame->Visuals().empty());
       Vector direction, up;
       game.window.PieceFrame->GetOrientation(game.window.RMCanvas1.SceneFrame, direction, up);
       const double cross =
@@ -50,7 +51,10 @@ TEST(FlickTest, EveryForceOfTheMeterHasItsStepsDistanceAndSpin) {
     EXPECT_EQ(rest.y, 0.0f);
     EXPECT_NEAR(spin / (2 * std::numbers::pi), row.turns, 0.006);
     EXPECT_EQ(game.window.Force, 0.0f);
+    EXPECT_EQ(game.window.ArrowFrame->Visuals().size(), 1U);
     EXPECT_EQ(game.window.Label2.Caption, "Shots: 2");
+    EXPECT_NEAR(game.window.SkyU, 0.0008f * static_cast<float>(row.frames + 1 + row.steps), 1e-5f)
+        << "the sky drifts on every frame and step";
     // A frame for the press, the frames of the meter and the flight's steps; a last frame ends with the
     // flight.
     EXPECT_GE(game.machine.Now() - begin, row.steps * 20);
@@ -92,10 +96,13 @@ TEST(FlickTest, AnOverchargeFiresByItselfAndFallsOffTheFarEdge) {
   game.SetUp();
   game.machine.PressMouse(1);
   Vector fellFrom;
-  float bar = -1;
+  float bar = -1, force = 0;
   game.machine.OnDraw = [&](Canvas &) {
     if (!game.window.NoShot || game.window.Force == 0.0f) return;
-    if (bar < 0) bar = game.window.ProgressBar1.Value;
+    if (bar < 0) {
+      bar = game.window.ProgressBar1.Value;
+      force = game.window.Force;
+    }
     const Vector place = game.Place(game.window.PieceFrame);
     if (place.y == 0.0f) fellFrom = place;
   };
@@ -104,6 +111,7 @@ TEST(FlickTest, AnOverchargeFiresByItselfAndFallsOffTheFarEdge) {
   EXPECT_EQ(game.window.Force, 96.0f);
   game.Frames(1);
   EXPECT_EQ(bar, 95.0f) << "the bar goes on from its last value, not from the overcharge";
+  EXPECT_FLOAT_EQ(force, 120.0f - 0.6f);
   EXPECT_LT(fellFrom.z, -88.0f);
   EXPECT_GT(fellFrom.z, -91.0f);
   EXPECT_EQ(game.Cards, std::vector<std::int16_t>{4});
@@ -151,10 +159,22 @@ TEST(FlickTest, TheCameraKeepsItsPlaceBehindTheAim) {
   const Vector placeBefore = game.Place(game.window.CameraFrame);
   bool moved = false;
   game.machine.OnDraw = [&](Canvas &) {
-    if (game.window.NoShot && !(game.Place(game.window.CameraFrame) == placeBefore)) moved = true;
+    if (!game.window.NoShot) return;
+    if (!(game.Place(game.window.CameraFrame) == placeBefore)) moved = true;
+    Vector piece;
+    game.window.PieceFrame->GetPosition(game.window.CameraFrame, piece);
+    EXPECT_LT(std::hypot(piece.x, piece.y), 0.05f * piece.z) << "it follows the piece";
   };
+  game.machine.After(300, [&] { game.machine.MoveMouse(50, 20); });
   game.Shoot(5);
   game.window.CameraFrame->GetPosition(game.window.AimFrame, after);
+  Vector piece, direction, up, laterDirection;
+  game.window.PieceFrame->GetPosition(game.window.CameraFrame, piece);
+  EXPECT_NEAR(std::hypot(piece.x, piece.y), 0.0f, 1e-3f) << "it looks at the piece when the flight ends";
+  game.window.AimFrame->GetOrientation(game.window.RMCanvas1.SceneFrame, direction, up);
+  game.Frames(1);
+  game.window.AimFrame->GetOrientation(game.window.RMCanvas1.SceneFrame, laterDirection, up);
+  EXPECT_EQ(laterDirection, direction) << "what the mouse did in the flight is forgotten";
   EXPECT_FALSE(moved) << "in flight the camera only turns";
   EXPECT_NEAR(before.x, after.x, 1e-3f);
   EXPECT_NEAR(before.y, after.y, 1e-3f);

@@ -38,15 +38,15 @@ TEST(JudgingTest, EveryOutcomeHasItsCardItsPointsAndItsTurnover) {
       {"over the far edge on the first", 40, -87, 0, 3, {6}, 0, true},
       {"over the far edge on the second", 0, -87, 0, 2, {6}, 0, true},
       {"A and B on the bonus area, C over the far edge", 0, -87, 0, 3, {6}, 0, true},
-      {"a corner over the right edge on the first", 86, 0, 0, 3, {}, 0, false},
-      {"a corner over the right edge on the third", 86, 0, 0, 1, {7}, 0, true},
-      {"a corner over the left edge on the second", -86, 0, 0, 2, {}, 0, false},
+      {"a corner over the edge at +x on the first", 86, 0, 0, 3, {}, 0, false},
+      {"a corner over the edge at +x on the third", 86, 0, 0, 1, {7}, 0, true},
+      {"a corner over the edge at -x on the second", -86, 0, 0, 2, {}, 0, false},
       {"A over the side edge hides C past the line", 85, -86, 0, 2, {}, 0, false},
       {"A past the line counts before B", 0, -86, HalfTurn, 2, {6}, 0, true},
       {"only B past the line", 40, -85, -HalfTurn / 2, 2, {6}, 0, true},
       {"past the line with the table under it", 40, -86, 0, 3, {}, 0, false, -4},
       {"the same with a later corner over the side edge", 85, -84, HalfTurn * 2 / 3, 2, {6}, 0, true, -4},
-      {"over a far edge that comes before the line", 40, -82, 0, 2, {}, 0, false, 4},
+      {"A over a far edge that comes just before the line", 40, -82.2f, 2.0344f, 2, {}, 0, false, 4},
   };
   for (const Row &row : rows) {
     SCOPED_TRACE(row.name);
@@ -62,8 +62,11 @@ TEST(JudgingTest, EveryOutcomeHasItsCardItsPointsAndItsTurnover) {
       closeUp = closeUp || std::hypot(behind.x, behind.y - 20.0f, behind.z - 20.0f) < 1e-3f;
       winCam = winCam || game.Place(game.window.CameraFrame) == Vector{row.x < 0 ? -88.0f : 88.0f, 30, -88};
     };
+    std::int32_t pointsUnderCard = 0;
+    game.machine.After(10, [&] { pointsUnderCard = game.window.HomeScore; });
     game.Flick(0.0f);
     EXPECT_EQ(game.Cards, row.cards);
+    EXPECT_EQ(pointsUnderCard, row.points);
     const int card = row.cards.empty() ? 0 : row.cards[0];
     EXPECT_EQ(closeUp, card == 5 || card == 6);
     EXPECT_EQ(winCam, card == 6 || card == 7);
@@ -106,9 +109,14 @@ TEST(JudgingTest, TouchdownPaysSixBeforeItsCardAndLeadsToTheKick) {
   game.machine.OnDraw = [&](Canvas &) {
     if (game.window.KickMode) throw ProgramEnd{};
   };
-  game.machine.After(100, [&] { pointsUnderCard = game.window.HomeScore; });
+  Vector cameraUnderCard;
+  game.machine.After(100, [&] {
+    pointsUnderCard = game.window.HomeScore;
+    cameraUnderCard = game.Place(game.window.CameraFrame);
+  });
   EXPECT_THROW(game.Flick(0.0f), ProgramEnd);
   EXPECT_EQ(pointsUnderCard, 6);
+  EXPECT_EQ(cameraUnderCard, (Vector{88, 30, -88}));
   EXPECT_EQ(game.Cards, std::vector<std::int16_t>{3});
   EXPECT_EQ(game.window.Player, 1);
 }
@@ -155,6 +163,9 @@ TEST(JudgingTest, ResetPutsEverythingBackAndKeepsWhatOutlivesAPossession) {
   EXPECT_FALSE(game.window.Label3.Visible);
   EXPECT_EQ(game.window.lblPlayer2.ForeColor, (Color{255, 255, 0}));
   EXPECT_EQ(game.window.lblPlayer1.ForeColor, (Color{192, 192, 0}));
+  game.window.Reset();
+  EXPECT_TRUE(game.window.Label3.Visible);
+  EXPECT_FALSE(game.window.Label4.Visible);
 }
 
 } // namespace

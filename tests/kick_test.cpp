@@ -130,8 +130,8 @@ TEST(KickTest, BoundsOfTheGoalAreStrict) {
     bool good;
   };
   for (const Row &row :
-       {Row{"middle", {0, 25, -95}, true}, Row{"on the left post", {-14, 25, -95}, false},
-        Row{"inside it", {-13.99f, 25, -95}, true}, Row{"on the right post", {14, 25, -95}, false},
+       {Row{"middle", {0, 25, -95}, true}, Row{"on the post at -x", {-14, 25, -95}, false},
+        Row{"inside it", {-13.99f, 25, -95}, true}, Row{"on the post at +x", {14, 25, -95}, false},
         Row{"inside that", {13.99f, 25, -95}, true}, Row{"on the bar", {0, 20, -95}, false},
         Row{"just above it", {0, 20.01f, -95}, true}, Row{"short but high", {0, 25, 40}, true}}) {
     SCOPED_TRACE(row.name);
@@ -147,7 +147,7 @@ TEST(KickTest, BoundsOfTheGoalAreStrict) {
 TEST(KickTest, AGoodKickPaysOnePointAndEndsThePossession) {
   Game game;
   game.SetUp();
-  // The posts start to the right; 350 frames later they are on their way back through the middle.
+  // The posts start toward +x; 350 frames later they are on their way back through the middle.
   Kick(game, 96, 2 * 178 - 76);
   EXPECT_EQ(game.Cards, (std::vector<std::int16_t>{3, 1}));
   EXPECT_EQ(game.window.HomeScore, 7);
@@ -179,9 +179,14 @@ TEST(KickTest, ThePostsTurnOnlyBeyondTheirBounds) {
 TEST(KickTest, TheKickerAimsWithTheMouseAndOverchargesToThirty) {
   Game game;
   game.SetUp();
-  const std::int32_t begin = game.machine.Now();
   std::int32_t pressed = 0, fired = 0;
   float power = 0;
+  std::vector<Vector> flight;
+  game.OnPump = [&] {
+    const Vector place = game.Place(game.window.PieceFrame);
+    const bool flies = game.window.KickMode && game.window.NoShot;
+    if (flies && (flight.empty() || place != flight.back())) flight.push_back(place);
+  };
   PlayPointAfter(game, [&](int frame) {
     if (frame == 2) game.machine.MoveMouse(-30, 0);
     if (frame == 5) {
@@ -191,9 +196,11 @@ TEST(KickTest, TheKickerAimsWithTheMouseAndOverchargesToThirty) {
     if (game.window.MouseMode == 1) fired = game.machine.Now();
     power = std::max(power, game.window.Force);
   });
-  EXPECT_GT(pressed, begin);
   EXPECT_LE(fired - pressed, 260);
   EXPECT_EQ(power, 96.0f);
+  ASSERT_GE(flight.size(), 2U);
+  EXPECT_NEAR(flight[1].x - flight[0].x, -30.0f / 40.0f * std::sin(0.1f), 1e-4f);
+  EXPECT_NEAR(flight[1].z - flight[0].z, -30.0f / 40.0f * std::cos(0.1f), 1e-4f);
   EXPECT_EQ(game.Cards, (std::vector<std::int16_t>{3, 2}));
   EXPECT_EQ(game.window.Force, 0.0f);
   EXPECT_EQ(game.window.MouseMode, 0);

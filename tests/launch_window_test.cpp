@@ -173,12 +173,14 @@ TEST(LaunchWindowTest, RoundsAreAWholeNumberFromOneTo99) {
       Launch launch;
       launch.Run([&, entry = text, rounds = rounds] {
         launch.At<TextBox>("Text1").Text = entry;
+        launch.At<TextBox>("Text1").SelStart = 1;
         launch.machine.Press(launch.At<CommandButton>(button));
         launch.machine.After(1000, [&launch, rounds] {
           EXPECT_EQ(launch.machine.FindWindow("frmNewNet") == nullptr, rounds != 0);
           const auto *box = dynamic_cast<TextBox *>(launch.machine.Find("frmNewNet", "Text1"));
           if (box) {
             EXPECT_EQ(launch.machine.Focus, box);
+            EXPECT_EQ(box->SelStart, 0);
             EXPECT_EQ(box->SelLength, static_cast<int>(box->Text.size()));
           }
           launch.machine.PressKey(KeyCodes::Escape);

@@ -81,6 +81,7 @@ TEST(MatchTest, SetUpStopsTheLaunchWindowsSoundsAndStartsTheCrowd) {
   EXPECT_EQ(game.program.MyTurn, True);
   EXPECT_TRUE(game.window.Visible);
   EXPECT_FALSE(game.machine.CursorShown);
+  EXPECT_TRUE(game.window.CapturesPointer);
   EXPECT_FALSE(game.window.Text2.Enabled);
 }
 
@@ -106,6 +107,7 @@ TEST(MatchTest, EveryCardHasItsSoundsForEitherSide) {
       game.SetUp();
       game.SoundsSince();
       game.program.MyTurn = turn;
+      game.window.Player = turn ? 1 : 2;
       const std::int32_t begin = game.machine.Now();
       const long repaints = game.machine.Repaints;
       game.machine.Focus = nullptr;
@@ -116,6 +118,7 @@ TEST(MatchTest, EveryCardHasItsSoundsForEitherSide) {
       EXPECT_EQ(game.machine.Now() - begin, 3000);
       EXPECT_EQ(game.Cards, std::vector<std::int16_t>{code});
       EXPECT_TRUE(upToTheEnd);
+      EXPECT_EQ(game.window.Label3.Visible, turn != False) << "the side on turn is marked";
       EXPECT_GT(game.machine.Repaints, repaints);
       EXPECT_EQ(game.machine.Focus, &game.window.RMCanvas1);
       EXPECT_FALSE(game.window.AnyPictures());

@@ -194,7 +194,10 @@ TEST_F(GraphTest, ARotationIsAboutTheFramesOwnAxisAndNeverBendsIt) {
 TEST_F(GraphTest, SteadyTurningIsAboutAnAxisOfTheReferenceUntilItIsStopped) {
   const auto ref = Frame(scene, {9, 9, 9}, 0.3f);
   ref->AddRotation(D3DRMCOMBINE_BEFORE, 1, 0, 0, -0.5f * Pi); // its z axis is the scene's +y
-  const auto frame = Frame(Frame(scene, {1, 0, 0}, 1.2f), {0, 0, 4}, -1.2f);
+  const auto parent = Frame(scene, {1, 0, 0}, 0);
+  parent->AddRotation(D3DRMCOMBINE_BEFORE, 1, 0, 0, 0.9f);
+  const auto frame = Frame(parent, {0, 0, 4}, 0);
+  frame->AddRotation(D3DRMCOMBINE_BEFORE, 1, 0, 0, -0.9f);
   const Vector place = Place(frame, scene);
   ExpectNear(Direction(frame, scene), {0, 0, 1});
   frame->SetRotation(ref, 0, 0, 2, 0.1f);
@@ -295,6 +298,10 @@ TEST_F(GraphTest, ThePickIsTheNearestOfAllThatHangsUnderTheFrame) {
   EXPECT_EQ(Under(frame, {5, 9, 0}), "low");
   EXPECT_EQ(Under(frame, {0, -0.4f, 0}), "low") << "what lies above the origin isn't hit";
   EXPECT_EQ(Under(frame, {0, -0.6f, 0}), "");
+  const auto slope = Frame(scene, {}, 0);
+  slope->AddVisual(Sheet(4, "slope", [](int x, int) { return static_cast<float>(x); })); // from 0 to 4
+  EXPECT_EQ(Under(slope, {0.5f, 9, 0.5f}), "slope");
+  EXPECT_EQ(Under(slope, {0.5f, 2.3f, 0.5f}), "") << "nor of a mesh that is lower elsewhere";
   for (const float edge : {-10.0f, 10.0f}) {
     EXPECT_EQ(Under(frame, {edge, 9, 3}), "low") << "the edge belongs to the sheet";
     EXPECT_EQ(Under(frame, {std::nextafter(edge, 2 * edge), 9, 3}), "");
