@@ -111,6 +111,8 @@ TEST(LatencyTest, AReplayBeginsWithinAFrameOfTheShotsArrival) {
     next->game.machine.SetNow(now);
     next->fibre->Resume();
   }
+  EXPECT_TRUE(host.game.window.LastWait) << "the host doesn't shoot behind its last possession";
+  EXPECT_FALSE(joiner.game.window.LastWait);
   ASSERT_EQ(host.steps.size(), Shots);
   ASSERT_EQ(joiner.steps.size(), Shots);
   std::vector<std::int32_t> latencies;

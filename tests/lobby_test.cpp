@@ -60,9 +60,11 @@ TEST(LobbyTest, ConnectCreateCancelAndBackAgain) {
   Lobby lobby;
   EXPECT_EQ(lobby.Buttons(), "Connect");
   for (int time = 0; time < 2; ++time) {
+    lobby.window.lstSessions.ListIndex = 2;
     lobby.window.cmdConnect_Click();
     EXPECT_EQ(lobby.Buttons(), "Refresh Create Join");
     EXPECT_TRUE(lobby.window.lstSessions.List.empty());
+    EXPECT_EQ(lobby.window.lstSessions.ListIndex, -1);
     lobby.window.Command4_Click();
     EXPECT_EQ(lobby.Buttons(), "Refresh Create Join");
     lobby.machine.After(500, [&] {
@@ -81,6 +83,23 @@ TEST(LobbyTest, ConnectCreateCancelAndBackAgain) {
     EXPECT_TRUE(lobby.window.Command1.Enabled);
   }
   EXPECT_TRUE(lobby.machine.Boxes.empty());
+  session::SessionDirectPlay guest(lobby.machine, lobby.wire.Plug("10.0.0.2"));
+  guest.InitializeConnection(guest.GetDPEnumConnections("", 1)->GetAddress(2));
+  DirectPlaySessionData wanted;
+  wanted.SetGuidApplication("{7AB2F242-475F-11D4-AF9B-00C04F361528}");
+  EXPECT_EQ(guest.GetDPEnumSessions(wanted, 0, 1)->GetCount(), 0) << "what was cancelled is gone";
+}
+
+TEST(LobbyTest, AMatchKeepsTheLaunchWindowBehindItStill) {
+  Lobby lobby;
+  lobby.program.GameMode = "Human";
+  lobby.machine.After(500, [&] { lobby.machine.Press(lobby.window.Command3); });
+  lobby.machine.After(1000, [&] {
+    EXPECT_TRUE(lobby.window.Visible);
+    EXPECT_EQ(lobby.machine.FindWindow("frmControls"), nullptr);
+    lobby.machine.PressKey(KeyCodes::Escape);
+  });
+  EXPECT_THROW(lobby.window.OpenPlayWindow(), ProgramEnd);
 }
 
 TEST(LobbyTest, FailuresHaveTheirBoxesAndLeadBackToTheStart) {
@@ -168,14 +187,19 @@ TEST(LobbyTest, AJoinerThatHasLeftAgainStartsNoMatch) {
     lobby.machine.After(500, [&] {
       DirectPlaySessionData wanted;
       wanted.SetGuidApplication("{7AB2F242-475F-11D4-AF9B-00C04F361528}");
-      guest->Open(guest->GetDPEnumSessions(wanted, 0, 1)->GetItem(1), DPOPEN_JOIN);
+      const DirectPlaySessionData row = guest->GetDPEnumSessions(wanted, 0, 1)->GetItem(1);
+      EXPECT_EQ(row.GetFlags(), DPSESSION_MIGRATEHOST);
+      guest->Open(row, DPOPEN_JOIN);
       const std::int32_t player = guest->CreatePlayer("Thicket", "Player2", 0, 0);
       const auto message = guest->CreateMessage();
       message->WriteString("END");
       guest->Send(player, DPID_ALLPLAYERS, DPSEND_GUARANTEED, *message);
       if (!cancels) guest->Close();
       lobby.Wait(50);
-      if (cancels) lobby.machine.Press(lobby.window.Command5);
+    });
+    // Cancel comes in the pause between two messages.
+    const auto beside = lobby.machine.OnPump([&] {
+      if (cancels && lobby.program.InMsg) lobby.machine.Press(lobby.window.Command5);
     });
     lobby.window.cmdCreate_Click();
     EXPECT_EQ(lobby.machine.Boxes.size(), cancels ? 0U : 1U);
@@ -258,6 +282,11 @@ TEST(AddressLookupTest, EveryAnswerAndEveryFailureHasItsBoxes) {
          s.entry = {16, {std::string("\x20\x01\x0D\xB8\0\0\0\0\0\0\0\0\0\0\0\x2A", 16)}};
        },
        {told + "2001:db8::2a"}},
+      {"IPv6 with a single group of zeros",
+       [](FakeSockets &s) {
+         s.entry = {16, {std::string("\x20\x01\x0D\xB8\0\0\0\1\0\1\0\1\0\1\0\1", 16)}};
+       },
+       {told + "2001:db8:0:1:1:1:1:1"}},
       {"no start",
        [](FakeSockets &s) { s.start = 1; },
        {"The 32-bit Windows Socket is not responding.", told}},

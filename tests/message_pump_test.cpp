@@ -144,7 +144,9 @@ TEST(MessagePumpTest, EveryResultOfTheOtherSideHasItsSounds) {
     NetworkGame game(true);
     game.Receive({std::string("RESULT"), code});
     game.ReceiveIn(500, {std::string("Continue")});
+    game.machine.Focus = nullptr;
     game.Frames(1);
+    EXPECT_EQ(game.machine.Focus, &game.window.RMCanvas1);
     EXPECT_EQ(game.SoundsSince(), sounds[code - 1]);
     EXPECT_EQ(game.Cards, std::vector<std::int16_t>{static_cast<std::int16_t>(code)});
     EXPECT_FALSE(game.window.AnyPictures());
@@ -172,8 +174,8 @@ TEST(MessagePumpTest, AMessageThatBreaksARuleIsAsIfItHadNeverCome) {
       {"too strong", changed(4, 120.5f)},
       {"negative", changed(4, -1.0f)},
       {"far away", changed(1, 301.0f)},
-      {"a direction too long", changed(7, 1.01f)},
-      {"an up vector that leans", changed(10, 0.1f)},
+      {"a direction too long", changed(7, 1.0012f)},
+      {"an up vector that leans", changed(10, 0.0012f)},
       {"an unknown side", changed(11, std::int32_t{3})},
       {"a missing field", missing},
       {"a surplus field", surplus},
@@ -183,9 +185,18 @@ TEST(MessagePumpTest, AMessageThatBreaksARuleIsAsIfItHadNeverCome) {
       {"a negative score", {std::string("Score"), std::int32_t{-1}, std::int32_t{0}, std::int32_t{1}}},
       {"a score beyond the rounds begun",
        {std::string("Score"), std::int32_t{11}, std::int32_t{0}, std::int32_t{1}}},
+      {"the same of this side's score",
+       {std::string("Score"), std::int32_t{0}, std::int32_t{11}, std::int32_t{1}}},
+      {"a score of a round before all",
+       {std::string("Score"), std::int32_t{6}, std::int32_t{0}, std::int32_t{-1}}},
+      {"a score of a round beyond all",
+       {std::string("Score"), std::int32_t{6}, std::int32_t{0}, std::int32_t{100}}},
       {"half a score", {std::string("Score"), std::int32_t{6}}},
       {"a version without a number", {std::string("Version"), std::string("SW")}},
-      {"a long version", {std::string("Version"), std::string(400, 'x'), std::int32_t{1}}},
+      {"a long version", {std::string("Version"), std::string(9, 'x'), std::int32_t{1}}},
+      {"a surplus version", {std::string("Version"), std::string("SW"), std::int32_t{1}, std::int32_t{1}}},
+      {"a surplus result", {std::string("RESULT"), std::int32_t{5}, std::int32_t{1}}},
+      {"a surplus chat line", {std::string("MESSAGE"), std::string("hi"), std::int32_t{1}}},
       {"a surplus END", {std::string("END"), std::int32_t{1}}},
       {"a stray Continue", {std::string("Continue")}},
       {"OVER", {std::string("OVER")}},
@@ -201,6 +212,7 @@ TEST(MessagePumpTest, AMessageThatBreaksARuleIsAsIfItHadNeverCome) {
     EXPECT_EQ(game.window.Force, 0.0f);
     EXPECT_EQ(game.window.HomeScore + game.window.AwayScore, 0);
     EXPECT_EQ(game.window.Label5.Caption, "");
+    EXPECT_EQ(game.window.Text1.Text, "");
     EXPECT_TRUE(game.Cards.empty());
     EXPECT_EQ(game.SoundsSince(), "");
     EXPECT_TRUE(game.play->Incoming.empty());
@@ -216,11 +228,43 @@ TEST(MessagePumpTest, ScoresAreMirroredAndOnlyRise) {
   EXPECT_EQ(game.window.HomeScore, 6);
   EXPECT_EQ(game.window.AwayScore, 7);
   EXPECT_EQ(game.window.lblPlayer2.Caption, "Away Team Score: 7");
+  game.Receive({std::string("Score"), std::int32_t{6}, std::int32_t{0}, std::int32_t{1}});
+  game.Frames(1);
+  EXPECT_EQ(game.window.AwayScore, 7);
+}
+
+TEST(MessagePumpTest, EitherSideLearnsInItsOwnWayThatTheOtherIsOver) {
+  struct Row {
+    const char *name;
+    bool joiner;
+    std::vector<Field> fields;
+    bool over;
+  };
+  const auto score = [](std::int32_t round) {
+    return std::vector<Field>{std::string("Score"), std::int32_t{0}, std::int32_t{0}, round};
+  };
+  for (const Row &row : {Row{"the joiner by a score of the last round", true, score(5), true},
+                         Row{"not by one of the round before", true, score(4), false},
+                         Row{"nor by what the host goes by", true, {std::string("OVER")}, false},
+                         Row{"the host by OVER", false, {std::string("OVER")}, true},
+                         Row{"not by a score", false, score(5), false}}) {
+    SCOPED_TRACE(row.name);
+    NetworkGame game(row.joiner);
+    game.Receive(row.fields);
+    game.Frames(1);
+    EXPECT_EQ(game.window.OtherSideOver != False, row.over);
+  }
 }
 
 TEST(MessagePumpTest, ChatGoesBothWaysAsPlainText) {
   NetworkGame game(false);
+  EXPECT_TRUE(game.window.Text1.Enabled);
   EXPECT_TRUE(game.window.Text2.Enabled);
+  game.machine.Focus = &game.window.Text1;
+  game.machine.Type("theirs");
+  game.Frames(1);
+  EXPECT_EQ(game.window.Text1.Text, "") << "the other's line is the other's";
+  game.machine.Focus = &game.window.RMCanvas1;
   game.machine.PressKey(KeyCodes::Shift);
   game.machine.PressKey(KeyCodes::Tilde);
   game.Frames(1);
@@ -318,6 +362,7 @@ TEST(MessagePumpTest, ACardWithoutAGoAheadCanBeLeft) {
 
 TEST(MessagePumpTest, TheShooterSendsItsShotItsResultAndItsGoAhead) {
   NetworkGame game(false);
+  game.program.MessagesOn = False; // counts in a match on one computer only
   game.Flick(120);
   EXPECT_EQ(game.play->Sent, (std::vector<std::string>{"Flick", "RESULT", "Continue"}));
   EXPECT_EQ(game.Cards, std::vector<std::int16_t>{4});
@@ -329,6 +374,7 @@ TEST(MessagePumpTest, TheShooterSendsItsShotItsResultAndItsGoAhead) {
 
 TEST(MessagePumpTest, TheKickIsJudgedByTheKickerAlone) {
   NetworkGame game(true);
+  game.window.GoalSpeed = 0; // the kick is good here too
   // The replay of the Touchdown's flick, then the kick; the point comes with "Score" alone.
   game.Receive(Shot("Flick", 0, -87));
   game.window.PieceSurface = "Table";
