@@ -259,9 +259,9 @@ TEST(KickTest, TheComputerNeverMisses) {
     game.window.GoalSpeed = direction;
     game.PutPiece(0, -87, 1);
     game.window.CheckRay();
-    int frames = 0;
+    int frames = 0, steps = 0;
     game.machine.OnDraw = [&](Canvas &) {
-      if (game.window.KickMode && game.window.KickRise == 0.0f) ++frames;
+      if (game.window.KickMode) ++(game.window.KickRise == 0.0f ? frames : steps);
     };
     std::int16_t side = 2;
     game.window.NoShot = False;
@@ -273,6 +273,7 @@ TEST(KickTest, TheComputerNeverMisses) {
     EXPECT_EQ(game.window.GoalSpeed, -1.0f);
     // The kick's own steps draw while the rise is no longer 0; the set-up's last picture comes first.
     EXPECT_NEAR(frames, direction > 0 ? 89 : 267, 1);
+    EXPECT_EQ(steps, 81) << "as many as a kick of 90 has";
   }
 }
 
