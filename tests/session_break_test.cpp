@@ -119,6 +119,7 @@ TEST(SessionBreakTest, AnIdleSessionStaysUp) {
   SendNumber(*pair.host, pair.hostPlayer, 1);
   pair.network.Run(500);
   EXPECT_EQ(TakeAll(*pair.joiner, pair.joinerPlayer), Numbers(1, 1));
+  EXPECT_TRUE(pair.host->Opened()->GetLink().IsUp()) << "patience counts from the message on";
 }
 
 TEST(SessionBreakTest, WhoLeavesSaysSoBehindAllThatItSent) {
