@@ -16,6 +16,7 @@ void frmSnapwedge::Reset() {
   machine.Show(*this);
   program.MyTurn = Not(program.MyTurn);
   Player = program.MyTurn ? 1 : 2;
+  FaceGoal(PieceFrame, scene);
   Shots = AttemptsInPossession;
   Force = 0;
   TurnColor();
@@ -27,6 +28,7 @@ void frmSnapwedge::Reset() {
   PieceFrame->SetRotation(scene, 0, 0, 0, 0); // ends the tumble of a fall
   FaceGoal(PieceFrame, scene);
   FaceGoal(AimFrame, scene);
+  FaceGoal(PieceFrame, scene);
   Place(CameraFrame, scene, Places::Camera);
   LookCam();
   if (program.GameMode == "INET" && Player == 2) {
