@@ -1,0 +1,185 @@
+// The controls that the user works: text boxes, buttons, check boxes and lists.
+
+#include "platform/desktop/typed_view.h"
+
+#include <QCheckBox>
+#include <QComboBox>
+#include <QLineEdit>
+#include <QListWidget>
+#include <QPushButton>
+
+#include <string>
+#include <type_traits>
+#include <vector>
+
+namespace {
+
+class TextBoxView : public View<TextBox, QLineEdit> {
+public:
+  TextBoxView(DesktopMachine &machine, Window &window, TextBox &model, QWidget &parent)
+      : View(machine, window, model, parent) {
+    widget_->setReadOnly(model.Locked);
+    if (model.Locked) widget_->setFocusPolicy(Qt::NoFocus);
+    if (model.MaxLength > 0) widget_->setMaxLength(model.MaxLength);
+    QObject::connect(widget_, &QLineEdit::textEdited, [this](const QString &text) {
+      Post([this, text] {
+        model_.Text = text.toStdString();
+        carriedText_ = model_.Text;
+        if (model_.KeyPress && !text.isEmpty())
+          model_.KeyPress(static_cast<std::int16_t>(text.back().unicode()));
+      });
+    });
+    QObject::connect(widget_, &QLineEdit::returnPressed, [this] {
+      Post([this] {
+        if (model_.KeyPress) model_.KeyPress(KeyCodes::Enter);
+      });
+    });
+  }
+
+  void TakeFocus() override {
+    CarryOver();
+    widget_->setFocus();
+    if (model_.SelLength > 0) widget_->setSelection(model_.SelStart, model_.SelLength);
+  }
+
+protected:
+  void CarryOverOwn() override {
+    if (carriedText_ == model_.Text) return;
+    carriedText_ = model_.Text;
+    widget_->setText(Text(model_.Text));
+    widget_->setCursorPosition(0);
+  }
+
+private:
+  std::string carriedText_;
+};
+
+class ButtonView : public View<CommandButton, QPushButton> {
+public:
+  ButtonView(DesktopMachine &machine, Window &window, CommandButton &model, QWidget &parent)
+      : View(machine, window, model, parent) {
+    QObject::connect(widget_, &QPushButton::clicked, [this] { Press(); });
+    // The toolkit's own grey is too pale to read what the button will do once it can be pressed.
+    QPalette palette = widget_->palette();
+    const QColor text = palette.color(QPalette::Active, QPalette::ButtonText),
+                 back = palette.color(QPalette::Active, QPalette::Button);
+    palette.setColor(QPalette::Disabled, QPalette::ButtonText,
+                     QColor((text.red() + back.red()) / 2, (text.green() + back.green()) / 2,
+                            (text.blue() + back.blue()) / 2));
+    widget_->setPalette(palette);
+  }
+
+  void ChooseMnemonic(QString &taken) override {
+    for (const QChar letter : Text(model_.Caption).toUpper()) {
+      if (!letter.isLetter() || taken.contains(letter)) continue;
+      mnemonic_ = letter;
+      taken += letter;
+      return;
+    }
+  }
+
+  bool PressedBy(bool enter, bool escape) override {
+    if (!widget_->isEnabled()) return false;
+    if (!(enter && (widget_->hasFocus() || model_.Default)) && !(escape && model_.Cancel)) return false;
+    Press();
+    return true;
+  }
+
+protected:
+  void CarryOverOwn() override {
+    QString caption = Text(model_.Caption).replace("&", "&&");
+    if (!mnemonic_.isNull()) {
+      const auto at = caption.indexOf(mnemonic_, 0, Qt::CaseInsensitive);
+      if (at >= 0) caption.insert(at, '&');
+    }
+    if (widget_->text() != caption) widget_->setText(caption);
+  }
+
+private:
+  void Press() {
+    Post([this] {
+      if (model_.Enabled && model_.Click) model_.Click();
+    });
+  }
+
+  QChar mnemonic_; ///< Alt and this letter press the button; it is underlined
+};
+
+class CheckBoxView : public View<CheckBox, QCheckBox> {
+public:
+  CheckBoxView(DesktopMachine &machine, Window &window, CheckBox &model, QWidget &parent)
+      : View(machine, window, model, parent) {
+    QObject::connect(widget_, &QCheckBox::clicked, [this](bool ticked) {
+      Post([this, ticked] {
+        model_.Value = ticked ? 1 : 0;
+        if (model_.Click) model_.Click();
+      });
+    });
+  }
+
+protected:
+  void CarryOverOwn() override {
+    if (carried_ == model_.Value) return;
+    carried_ = model_.Value;
+    widget_->setChecked(model_.Value != 0);
+  }
+
+private:
+  int carried_ = -1;
+};
+
+/// Rows to choose from: a list box or a drop-down list.
+template <class Record, class QtWidget> class RowsView : public View<Record, QtWidget> {
+public:
+  RowsView(DesktopMachine &machine, Window &window, Record &model, QWidget &parent)
+      : View<Record, QtWidget>(machine, window, model, parent) {
+    const auto chosen = [this](int row) {
+      if (filling_) return;
+      this->Post([this, row] {
+        this->model_.ListIndex = row;
+        carriedRow_ = row;
+        if (this->model_.Click) this->model_.Click();
+      });
+    };
+    if constexpr (std::is_same_v<QtWidget, QListWidget>) {
+      QObject::connect(this->widget_, &QListWidget::currentRowChanged, chosen);
+    } else {
+      QObject::connect(this->widget_, &QComboBox::currentIndexChanged, chosen);
+    }
+  }
+
+protected:
+  void CarryOverOwn() override {
+    filling_ = true;
+    if (carriedRows_ != this->model_.List) {
+      carriedRows_ = this->model_.List;
+      this->widget_->clear();
+      for (const std::string &row : carriedRows_) this->widget_->addItem(Text(row));
+      carriedRow_ = -2;
+    }
+    if (carriedRow_ != this->model_.ListIndex) {
+      carriedRow_ = this->model_.ListIndex;
+      if constexpr (std::is_same_v<QtWidget, QListWidget>) {
+        this->widget_->setCurrentRow(carriedRow_);
+      } else {
+        this->widget_->setCurrentIndex(carriedRow_);
+      }
+    }
+    filling_ = false;
+  }
+
+private:
+  std::vector<std::string> carriedRows_;
+  int carriedRow_ = -2;
+  bool filling_ = false;
+};
+
+} // namespace
+
+std::unique_ptr<ControlView> ViewMaker::MakeInput(Control &control) const {
+  if (auto view = Try<TextBox, TextBoxView>(control)) return view;
+  if (auto view = Try<CommandButton, ButtonView>(control)) return view;
+  if (auto view = Try<CheckBox, CheckBoxView>(control)) return view;
+  if (auto view = Try<ListBox, RowsView<ListBox, QListWidget>>(control)) return view;
+  return Try<ComboBox, RowsView<ComboBox, QComboBox>>(control);
+}

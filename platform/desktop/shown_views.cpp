@@ -1,0 +1,173 @@
+// The controls that only show: labels, pictures, the document, the meter, lines and shapes.
+
+#include "platform/desktop/painted_views.h"
+#include "platform/desktop/typed_view.h"
+#include "platform/desktop/window_view.h"
+
+#include <QKeyEvent>
+#include <QLabel>
+#include <QScrollBar>
+#include <QTextBrowser>
+
+#include <filesystem>
+#include <functional>
+#include <stdexcept>
+
+namespace {
+
+class LabelView : public View<Label, QLabel> {
+public:
+  LabelView(DesktopMachine &machine, Window &window, Label &model, QWidget &parent)
+      : View(machine, window, model, parent) {
+    const auto across = model.Alignment == Align::Left    ? Qt::AlignLeft
+                        : model.Alignment == Align::Right ? Qt::AlignRight
+                                                          : Qt::AlignHCenter;
+    widget_->setAlignment(across | Qt::AlignTop);
+    widget_->setWordWrap(model.WordWrap);
+    widget_->setTextFormat(Qt::PlainText);
+    // A click on a label is a click on what lies under it.
+    widget_->setAttribute(Qt::WA_TransparentForMouseEvents);
+    if (model.Border) {
+      constexpr int Margin = 1; // pixel
+      widget_->setFrameStyle(QFrame::Box | QFrame::Plain);
+      widget_->setAutoFillBackground(true);
+      widget_->setMargin(Margin);
+      widget_->setIndent(0); // nine lines fill the frame from top to bottom
+    }
+  }
+
+  /// Where the typeface is missing another takes its place, and a wider one would be cut off.
+  void Fit() override {
+    constexpr int SmallestLetters = 8; // pixels
+    QFont font = widget_->font();
+    const auto fits = [&] {
+      return model_.WordWrap ? widget_->heightForWidth(widget_->width()) <= widget_->height()
+                             : widget_->sizeHint().width() <= widget_->width();
+    };
+    while (!fits() && font.pixelSize() > SmallestLetters) {
+      font.setPixelSize(font.pixelSize() - 1);
+      widget_->setFont(font);
+    }
+  }
+
+protected:
+  void CarryOverOwn() override {
+    if (widget_->text() != Text(model_.Caption)) widget_->setText(Text(model_.Caption));
+  }
+  /// On the toolkit's own ground, dark on some desktops, only the toolkit knows what can be read.
+  bool OwnColor() const override {
+    return !model_.Border && (window_.HasBackColor || !window_.Picture.empty());
+  }
+};
+
+class PictureView : public View<PictureBox, QLabel> {
+public:
+  PictureView(DesktopMachine &machine, Window &window, PictureBox &model, QWidget &parent)
+      : View(machine, window, model, parent) {
+    widget_->setAutoFillBackground(true);
+    widget_->setAlignment(Qt::AlignLeft | Qt::AlignTop);
+    widget_->setPixmap(LoadPicture(machine, parent, model.Picture));
+    // The box is as large as its picture: what its place has beyond it would show as a bare edge.
+    widget_->resize(widget_->pixmap().deviceIndependentSize().toSize());
+  }
+
+protected:
+  void CarryOverOwn() override {}
+};
+
+/// A document that scrolls by wheel, bar and keys, though the keyboard stays with a button.
+class DocumentView : public View<RichTextBox, QTextBrowser> {
+public:
+  DocumentView(DesktopMachine &machine, Window &window, RichTextBox &model, QWidget &parent)
+      : View(machine, window, model, parent) {
+    const auto file = machine.AppPath() / model.Document;
+    if (!std::filesystem::is_regular_file(file)) {
+      throw std::runtime_error('"' + model.Document + "\": the document can't be read");
+    }
+    widget_->setSource(QUrl::fromLocalFile(Text(file.string())));
+    widget_->setTextInteractionFlags(Qt::NoTextInteraction);
+    widget_->setFocusPolicy(Qt::NoFocus);
+    widget_->viewport()->installEventFilter(&filter_);
+    filter_.pressed = [this] {
+      Post([this] {
+        if (model_.GotFocus) model_.GotFocus();
+      });
+    };
+  }
+
+  void ScrollBy(QKeyEvent &event) override {
+    QScrollBar *bar = widget_->verticalScrollBar();
+    switch (event.key()) {
+    case Qt::Key_PageDown:
+      bar->triggerAction(QAbstractSlider::SliderPageStepAdd);
+      break;
+    case Qt::Key_PageUp:
+      bar->triggerAction(QAbstractSlider::SliderPageStepSub);
+      break;
+    case Qt::Key_Down:
+      bar->triggerAction(QAbstractSlider::SliderSingleStepAdd);
+      break;
+    case Qt::Key_Up:
+      bar->triggerAction(QAbstractSlider::SliderSingleStepSub);
+      break;
+    case Qt::Key_Home:
+      bar->triggerAction(QAbstractSlider::SliderToMinimum);
+      break;
+    case Qt::Key_End:
+      bar->triggerAction(QAbstractSlider::SliderToMaximum);
+      break;
+    default:
+      break;
+    }
+  }
+
+protected:
+  void CarryOverOwn() override {}
+
+private:
+  struct PressFilter : QObject {
+    std::function<void()> pressed;
+    bool eventFilter(QObject *, QEvent *event) override {
+      if (event->type() == QEvent::MouseButtonPress) pressed();
+      return false;
+    }
+  };
+  PressFilter filter_;
+};
+
+class MeterView : public View<ProgressBar, MeterWidget> {
+public:
+  using View::View;
+
+protected:
+  void CarryOverOwn() override { widget_->SetLevel((model_.Value - model_.Min) / (model_.Max - model_.Min)); }
+};
+
+class LineView : public View<Line, LineWidget> {
+public:
+  using View::View;
+
+protected:
+  void CarryOverOwn() override {}
+  bool OwnColor() const override { return true; }
+};
+
+class ShapeView : public View<Shape, ShapeWidget> {
+public:
+  using View::View;
+
+protected:
+  void CarryOverOwn() override {}
+  bool OwnColor() const override { return true; }
+};
+
+} // namespace
+
+std::unique_ptr<ControlView> ViewMaker::MakeShown(Control &control) const {
+  if (auto view = Try<Label, LabelView>(control)) return view;
+  if (auto view = Try<PictureBox, PictureView>(control)) return view;
+  if (auto view = Try<RichTextBox, DocumentView>(control)) return view;
+  if (auto view = Try<ProgressBar, MeterView>(control)) return view;
+  if (auto view = Try<Line, LineView>(control)) return view;
+  return Try<Shape, ShapeView>(control);
+}

@@ -1,0 +1,50 @@
+#pragma once
+
+// What the views of the single kinds of control share, and how one is made of a control whose kind isn't
+// known.
+
+#include "platform/desktop/control_view.h"
+#include "platform/desktop/desktop_machine.h"
+
+#include <QString>
+
+#include <functional>
+#include <memory>
+#include <string>
+#include <utility>
+
+inline QString Text(const std::string &text) { return QString::fromStdString(text); }
+
+/// A view whose control and widget are of these types.
+template <class Record, class QtWidget> class View : public ControlView {
+public:
+  View(DesktopMachine &machine, Window &window, Record &model, QWidget &parent)
+      : ControlView(model), machine_(machine), window_(window), model_(model),
+        widget_(new QtWidget(&parent)) {}
+  QWidget *Widget() const override { return widget_; }
+
+protected:
+  void Post(std::function<void()> call) { machine_.Post(window_, std::move(call)); }
+
+  DesktopMachine &machine_;
+  Window &window_;
+  Record &model_;
+  QtWidget *widget_; ///< owned by its parent
+};
+
+/// Makes views in one window. A maker takes the controls that it knows and answers null for others.
+struct ViewMaker {
+  DesktopMachine &machine;
+  Window &window;
+  QWidget &parent;
+
+  std::unique_ptr<ControlView> MakeShown(Control &control) const; ///< what only shows (shown_views.cpp)
+  std::unique_ptr<ControlView> MakeInput(Control &control) const; ///< what the user works (input_views.cpp)
+
+  /// A view of that type, if the control is of that kind.
+  template <class Record, class ViewType> std::unique_ptr<ControlView> Try(Control &control) const {
+    auto *record = dynamic_cast<Record *>(&control);
+    if (!record) return nullptr;
+    return std::make_unique<ViewType>(machine, window, *record, parent);
+  }
+};
