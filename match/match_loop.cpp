@@ -141,9 +141,7 @@ void frmSnapwedge::WhatPlayer(const std::string & /*WMOD*/) {}
 
 void frmSnapwedge::BeginStep(std::int32_t milliseconds) {
   FrameStart = machine.timeGetTime();
-  // From that very look at the clock, wrapped as the clock is.
-  FrameEnd = static_cast<std::int32_t>(static_cast<std::uint32_t>(FrameStart) +
-                                       static_cast<std::uint32_t>(milliseconds));
+  FrameEnd = Machine::ClockAfter(FrameStart, milliseconds);
 }
 
 void frmSnapwedge::WaitForStepEnd() {

@@ -43,11 +43,14 @@ public:
   /// Whether the clock has reached `end`; holds across the wrap of the clock for spans below 24 days.
   bool ClockReached(std::int32_t end) { return Elapsed(end, timeGetTime()) >= 0; }
 
-  /// The clock's value in so many milliseconds, wrapped.
-  std::int32_t ClockIn(std::int32_t milliseconds) {
-    return static_cast<std::int32_t>(static_cast<std::uint32_t>(timeGetTime()) +
+  /// The clock's value so many milliseconds after `start`, wrapped.
+  static std::int32_t ClockAfter(std::int32_t start, std::int32_t milliseconds) {
+    return static_cast<std::int32_t>(static_cast<std::uint32_t>(start) +
                                      static_cast<std::uint32_t>(milliseconds));
   }
+
+  /// The clock's value in so many milliseconds, wrapped.
+  std::int32_t ClockIn(std::int32_t milliseconds) { return ClockAfter(timeGetTime(), milliseconds); }
 
   // The pump.
 

@@ -287,58 +287,59 @@ TEST(DesktopMachineTest, NoMotionOfAHeldPointerIsLost) {
   machine.ShowCursor(-1);
 }
 
-TEST(DesktopMachineTest, ThePressThatComesBackToTheWindowIsNoShot) {
+/// A window with nothing but a canvas.
+struct CanvasForm {
+  CanvasForm() {
+    canvas.Name = "canvas";
+    canvas.Place = {0, 0, 100, 100};
+    window.Width = window.Height = 100;
+    window.Controls = {&canvas};
+  }
   DesktopMachine &machine = TheMachine();
   Window window;
   Canvas canvas;
-  canvas.Name = "canvas";
-  canvas.Place = {0, 0, 100, 100};
+};
+
+TEST(DesktopMachineTest, ThePressThatComesBackToTheWindowIsNoShot) {
+  CanvasForm form;
   int presses = 0;
-  canvas.MouseDown = [&](std::int16_t, std::int16_t, float, float) { ++presses; };
-  window.Width = window.Height = 100;
-  window.Controls = {&canvas};
-  window.CapturesPointer = true;
-  machine.ShowCursor(0);
-  machine.Show(window);
+  form.canvas.MouseDown = [&](std::int16_t, std::int16_t, float, float) { ++presses; };
+  form.window.CapturesPointer = true;
+  form.machine.ShowCursor(0);
+  form.machine.Show(form.window);
   const auto pumpUntil = [&](const std::function<bool()> &done) {
-    for (int tries = 0; tries < 400 && !done(); ++tries) PumpFor(machine, 5);
+    for (int tries = 0; tries < 400 && !done(); ++tries) PumpFor(form.machine, 5);
     return done();
   };
-  ASSERT_TRUE(pumpUntil([&] { return machine.PointerHeld(); }));
+  ASSERT_TRUE(pumpUntil([&] { return form.machine.PointerHeld(); }));
   {
-    const Form other(machine);
-    ASSERT_TRUE(pumpUntil([&] { return !machine.PointerHeld(); }));
+    const Form other(form.machine);
+    ASSERT_TRUE(pumpUntil([&] { return !form.machine.PointerHeld(); }));
   }
   QWidget *widget = WidgetOf("canvas");
   widget->activateWindow();
   ASSERT_TRUE(pumpUntil([&] { return widget->isActiveWindow(); }));
   QTest::mouseClick(widget, Qt::LeftButton);
-  machine.Pump();
+  form.machine.Pump();
   EXPECT_EQ(presses, 0);
-  ASSERT_TRUE(pumpUntil([&] { return machine.PointerHeld(); }));
+  ASSERT_TRUE(pumpUntil([&] { return form.machine.PointerHeld(); }));
   QTest::mouseClick(widget, Qt::LeftButton);
-  machine.Pump();
+  form.machine.Pump();
   EXPECT_EQ(presses, 1);
-  machine.Hide(window);
-  machine.ShowCursor(-1);
+  form.machine.Hide(form.window);
+  form.machine.ShowCursor(-1);
 }
 
 TEST(DesktopMachineTest, AKeyOfTheCanvasCountsOnceHoweverLongItIsHeldAndOnEveryLayout) {
-  DesktopMachine &machine = TheMachine();
-  Window window;
-  Canvas canvas;
-  canvas.Name = "canvas";
-  canvas.Place = {0, 0, 100, 100};
+  CanvasForm form;
   std::vector<std::int16_t> keys;
-  canvas.KeyDown = [&](std::int16_t key, std::int16_t) { keys.push_back(key); };
-  window.Width = window.Height = 100;
-  window.Controls = {&canvas};
-  machine.Show(window);
+  form.canvas.KeyDown = [&](std::int16_t key, std::int16_t) { keys.push_back(key); };
+  form.machine.Show(form.window);
   const auto send = [&](QEvent::Type type, int key, quint32 scanCode, quint64 time) {
     QKeyEvent event(type, key, Qt::NoModifier, scanCode, 0, 0);
     event.setTimestamp(time);
     QCoreApplication::sendEvent(WidgetOf("canvas"), &event);
-    machine.Pump();
+    form.machine.Pump();
   };
   constexpr quint32 PlaceOfS = 39, LeftOfOne = 49;
   send(QEvent::KeyPress, Qt::Key_S, PlaceOfS, 1000);
@@ -357,7 +358,7 @@ TEST(DesktopMachineTest, AKeyOfTheCanvasCountsOnceHoweverLongItIsHeldAndOnEveryL
   send(QEvent::KeyPress, Qt::Key_O, PlaceOfS, 2100); // a Latin layout that has another letter there
   send(QEvent::KeyPress, Qt::Key_AsciiCircum, LeftOfOne, 2200);
   EXPECT_EQ(keys, (std::vector<std::int16_t>{KeyCodes::S, 0, KeyCodes::Tilde}));
-  machine.Hide(window);
+  form.machine.Hide(form.window);
 }
 
 /// The source that was made last, as OpenAL knows it.
