@@ -15,6 +15,7 @@
 #include <cmath>
 #include <memory>
 #include <string>
+#include <utility>
 
 namespace {
 
@@ -91,11 +92,14 @@ TEST(PicturesTest, EveryPictureHasItsSize) {
   };
   for (const auto &row : rows) {
     SCOPED_TRACE(row.name);
-    const Image plain(std::string(row.name) + ".png"), dense(std::string(row.name) + "@2x.png");
-    EXPECT_EQ(plain.width, row.width);
-    EXPECT_EQ(plain.height, row.height);
-    EXPECT_EQ(dense.width, 2 * row.width);
-    EXPECT_EQ(dense.height, 2 * row.height);
+    for (const auto &[density, ending] :
+         {std::pair{1.0, ".png"}, {1.5, "@1.5x.png"}, {2.0, "@2x.png"}, {3.5, "@3.5x.png"}}) {
+      int width = 0, height = 0;
+      stbi_info((SNAPWEDGE_GAME_DIR "/pictures/" + std::string(row.name) + ending).c_str(), &width, &height,
+                nullptr);
+      EXPECT_EQ(width, std::lround(density * row.width)) << ending;
+      EXPECT_EQ(height, std::lround(density * row.height)) << ending;
+    }
   }
   EXPECT_EQ(Image("icon.png").width, 256);
   EXPECT_EQ(Image("icon-48.png").width, 48);

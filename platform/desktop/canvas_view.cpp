@@ -60,7 +60,6 @@ CanvasView::CanvasView(DesktopMachine &machine, Window &window, Canvas &canvas, 
 
 void CanvasView::ShowPicture(const QImage &picture) {
   picture_ = picture;
-  picture_.setDevicePixelRatio(devicePixelRatioF());
   if (isVisible()) repaint();
 }
 
@@ -69,6 +68,9 @@ void CanvasView::paintEvent(QPaintEvent *event) {
   if (picture_.isNull()) {
     painter.fillRect(event->rect(), Qt::black);
   } else {
+    // Pixel for pixel: a picture that is scaled, be it by 1, is slow to paint.
+    const double pixel = 1.0 / devicePixelRatioF();
+    painter.scale(pixel, pixel);
     painter.drawImage(0, 0, picture_);
   }
 }

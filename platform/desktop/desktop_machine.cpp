@@ -1,6 +1,7 @@
 #include "platform/desktop/desktop_machine.h"
 
 #include "platform/desktop/desktop_direct_x.h"
+#include "platform/desktop/display.h"
 #include "platform/desktop/plain_box.h"
 #include "platform/desktop/renderer/renderer.h"
 #include "platform/desktop/window_view.h"
@@ -47,6 +48,7 @@ bool ScreenStaysDark() { return QGuiApplication::primaryScreen()->depth() < 15; 
 
 DesktopMachine::DesktopMachine(int &argc, char **argv) {
   PreferX();
+  ChooseScale();
   // Every single motion counts, so that the pointer's offsets add up to what the hand did.
   QCoreApplication::setAttribute(Qt::AA_CompressHighFrequencyEvents, false);
   const QtMessageHandler before = qInstallMessageHandler(RefuseDisplay);

@@ -48,13 +48,16 @@ bool Pointer::eventFilter(QObject *, QEvent *event) {
   const QPointF seen = static_cast<QMouseEvent *>(event)->globalPosition();
   if (seen == real_) return false; // the same motion, told to another widget
   const QPointF fromAnchor = seen - anchor_;
+  // The game counts what the display counts, whatever the scale of the windows: the hand that moves the
+  // pointer so far across the desk turns the aim by the same angle at each.
+  const double pixel = widget_->devicePixelRatioF();
   // The motion by which the real pointer was moved back is nobody's; what comes after it counts from the
   // anchor.
   if (returning_ && fromAnchor.manhattanLength() < (seen - real_).manhattanLength()) {
     returning_ = false;
-    place_ += fromAnchor;
+    place_ += fromAnchor * pixel;
   } else {
-    place_ += seen - real_;
+    place_ += (seen - real_) * pixel;
   }
   real_ = seen;
   if (!returning_ && fromAnchor.manhattanLength() > Stray) MoveReal();

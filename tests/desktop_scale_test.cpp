@@ -1,0 +1,30 @@
+// How large the windows are on which screen.
+
+#include "platform/desktop/window_scale.h"
+
+#include <gtest/gtest.h>
+
+TEST(WindowScaleTest, ThePlayWindowTakesUpToNineTenthsOfTheFreeArea) {
+  const struct {
+    const char *screen;
+    QSizeF freeArea;
+    double ownFactor, scale;
+  } rows[] = {
+      {"the smallest in use", {1024, 768}, 1, 1},
+      {"smaller than the window", {640, 480}, 1, 1},
+      {"1280 by 800", {1280, 800}, 1, 1},
+      {"a cheap laptop", {1366, 768}, 1, 1},
+      {"1600 by 900, where the window would fit without its frame", {1600, 800}, 1, 1},
+      {"1600 by 900 without panels", {1600, 900}, 1, 1.5},
+      {"full HD", {1920, 1080}, 1, 1.5},
+      {"full HD with a panel", {1920, 1032}, 1, 1.5},
+      {"full HD on its side", {1080, 1920}, 1, 1.5},
+      {"1440 rows", {2560, 1440}, 1, 2.5},
+      {"4K with a panel", {3840, 2112}, 1, 3.5},
+      {"4K at twice the size", {3840, 2160}, 2, 3.5},
+      {"the desktop's own factor is the larger one", {1920, 1080}, 2, 2},
+      {"and need not be one of ours", {1366, 768}, 1.25, 1.25},
+      {"though ours may exceed it", {1920, 1080}, 1.25, 1.5},
+  };
+  for (const auto &row : rows) EXPECT_EQ(WindowScale(row.freeArea, row.ownFactor), row.scale) << row.screen;
+}
