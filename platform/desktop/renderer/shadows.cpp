@@ -53,8 +53,10 @@ bool Overlap(const Bounds &a, const Bounds &b) {
 } // namespace
 
 bool IsWide(const Item &item) {
-  const float extent = item.Box.Extent();
-  return extent > LargestThing && extent < LargestGround && item.Box.High.y - item.Box.Low.y < LargestThing;
+  // The mesh's own box: that of a long thin mesh which has turned is wide.
+  const Bounds &box = item.Mesh->Box();
+  const auto [narrower, wider] = std::minmax({box.High.x - box.Low.x, box.High.z - box.Low.z});
+  return narrower > LargestThing && wider < LargestGround && box.High.y - box.Low.y < LargestThing;
 }
 
 void MarkGround(std::span<Item> items) {
