@@ -90,7 +90,7 @@ TEST(AssetsModelsTest, EveryModelFillsItsPlace) {
        {-87.2f, -87.2f},
        {-71.2f, -71.2f}},
       {"extra", w.ExtraMesh, TableTop, {-8, -7}, {7, 8}, OnTable, OnTable, {-87.2f, -86}, {-72.4f, -71.2f}},
-      {"arrow", w.ArrowMesh, 0, {-7, -3}, {3, 7}, OnTable, OnTable, {-35, -15}, {-6, -2.5f}},
+      {"aim", w.ArrowMesh, 0, {-11, -5}, {3, 7}, {-1, -0.43f}, {3, 5}, {-172.2f, -156.2f}, {20, 45}},
       {"goal", w.GoalMesh, 0, {-16, -14}, {14, 24}, {-40, -20.5f}, {28, 45}, {-8, -3}, {1, 9}},
       {"lines",
        w.LinesMesh,
@@ -120,6 +120,56 @@ TEST(AssetsModelsTest, EveryModelFillsItsPlace) {
     EXPECT_TRUE(row.highY.Holds(extent.High.y)) << extent.High.y;
     EXPECT_TRUE(row.lowZ.Holds(extent.Low.z)) << extent.Low.z;
     EXPECT_TRUE(row.highZ.Holds(extent.High.z)) << extent.High.z;
+  }
+}
+
+TEST(AssetsModelsTest, AimReachesFromTheStartToTheTargetAndItsFingerLeavesThePieceInSight) {
+  Built built;
+  auto &w = built.window;
+  const auto &scene = w.RMCanvas1.SceneFrame;
+  constexpr float Flat = 0.15f; // above the piece's middle
+  int onTarget = 0, upright = 0;
+  Vector at;
+  w.ArrowFrame->GetPosition(scene, at);
+  for (const Vector &v : w.ArrowMesh->Data().Positions) {
+    onTarget += std::hypot(at.x + v.x, at.z + v.z - BonusZ) < BonusRadius;
+    if (v.y < Flat) continue;
+    ++upright;
+    EXPECT_GT(v.z, 2.5f) << "ahead of the piece's near edge nothing may stand up";
+  }
+  EXPECT_GT(onTarget, 0) << "a player aims at it from the start";
+  EXPECT_GT(upright, 100) << "the finger";
+
+  // What the camera sees of the piece's top, however it has come to lie, and on its edge before a kick.
+  struct Row {
+    const char *name;
+    Vector piece, up, aim, camera;
+    float turn, most; ///< most: share of the top that may be hidden
+  };
+  for (const Row &row : {Row{"at the start", {0, 0, 85}, {0, 1, 0}, {0, 0, 85}, {0, 10, 120}, 0, 0.2f},
+                         Row{"turned", {0, 0, 85}, {0, 1, 0}, {0, 0, 85}, {0, 10, 120}, 2.3f, 0.3f},
+                         Row{"lowest camera", {0, 0, 20}, {0, 1, 0}, {0, 0, 20}, {0, 5, 60}, 0, 0.6f},
+                         Row{"kick", {0, 4, 85}, {1, 0, 0}, {0, 0, 87}, {0, 15, 120}, 0, 0.05f}}) {
+    SCOPED_TRACE(row.name);
+    w.PieceFrame->SetOrientation(scene, 0, 0, 1, row.up.x, row.up.y, row.up.z);
+    w.PieceFrame->SetPosition(scene, row.piece.x, row.piece.y, row.piece.z);
+    w.PieceFrame->AddRotation(D3DRMCOMBINE_BEFORE, 0, 1, 0, row.turn);
+    const Transform piece = w.PieceFrame->World();
+    int hidden = 0, all = 0;
+    for (const Vector &v : w.PieceMesh->Data().Positions) {
+      if (v.y < 0.2f) continue;
+      const auto part = [&](float Vector::*axis) {
+        return piece.Origin.*axis + v.x * piece.Right.*axis + v.y * piece.Up.*axis +
+               v.z * piece.Direction.*axis;
+      };
+      const Vector way{part(&Vector::x) - row.camera.x, part(&Vector::y) - row.camera.y,
+                       part(&Vector::z) - row.camera.z};
+      const Vector from{row.camera.x - row.aim.x, row.camera.y - row.aim.y, row.camera.z - row.aim.z};
+      const auto distance = w.ArrowMesh->Intersect({way, from});
+      hidden += distance && *distance < 1.0;
+      ++all;
+    }
+    EXPECT_LT(static_cast<float>(hidden) / static_cast<float>(all), row.most);
   }
 }
 

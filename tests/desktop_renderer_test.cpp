@@ -144,6 +144,51 @@ TEST(RendererTest, PieceArrowTableAndPostsStandOutFromTheRest) {
   }
 }
 
+TEST(RendererTest, NinePixelsOfMouseAreSeenBehindThePieceAndFarAhead) {
+  for (const Quality quality : {Quality::Full, Quality::Low}) {
+    Picture picture(quality);
+    auto &window = picture.game.window;
+    const QImage before = picture.Draw();
+    window.PieceFrame->DeleteVisual(window.PieceMesh);
+    const QImage without = picture.Draw();
+    window.PieceFrame->AddVisual(window.PieceMesh);
+    int top = CanvasSize.height(), bottom = 0; // of the piece
+    for (int y = 0; y < CanvasSize.height(); ++y) {
+      const QRect row(0, y, CanvasSize.width(), 1);
+      if (Differing(before.copy(row), without.copy(row), 40) == 0) continue;
+      top = std::min(top, y);
+      bottom = std::max(bottom, y);
+    }
+    window.AimFrame->AddRotation(D3DRMCOMBINE_BEFORE, 0, 1, 0, 9.0f / 300.0f);
+    const QImage after = picture.Draw();
+    const QRect ahead(0, 0, CanvasSize.width(), top), behind(0, bottom + 1, CanvasSize.width(), 400);
+    const auto moved = [&](const QRect &part) {
+      const QRect shown = part.intersected(before.rect());
+      return Differing(before.copy(shown), after.copy(shown), 40);
+    };
+    EXPECT_GT(moved(behind), 100) << "the finger swings";
+    EXPECT_GT(moved(ahead), 200) << "the arrow and the dots swing";
+    EXPECT_GT(moved(ahead.adjusted(0, 0, 0, -55)), 20) << "the far dots swing";
+  }
+}
+
+TEST(RendererTest, ThePieceThrowsItsShadowWhileSomebodyAims) {
+  Picture picture(Quality::Low);
+  auto &window = picture.game.window;
+  window.PieceFrame->SetPosition(window.RMCanvas1.SceneFrame, 0, 3, 20);
+  window.AimFrame->AddRotation(D3DRMCOMBINE_BEFORE, 0, 1, 0, 0.785f); // its box is wide now, the aim isn't
+  const auto pieceAndShadow = [&] {
+    const QImage with = picture.Draw();
+    window.PieceFrame->DeleteVisual(window.PieceMesh);
+    const QImage without = picture.Draw();
+    window.PieceFrame->AddVisual(window.PieceMesh);
+    return Differing(with, without, 12);
+  };
+  const int aiming = pieceAndShadow();
+  window.ArrowFrame->DeleteVisual(window.ArrowMesh);
+  EXPECT_NEAR(aiming, pieceAndShadow(), 3);
+}
+
 /// How many pixels jump to and fro while the camera moves slowly past the piece: a surface that fights with
 /// another one does, one that only passes goes on.
 int Flips(Picture &picture, const Vector &from) {

@@ -1,11 +1,15 @@
-// The aim arrow: a bold flat arrow with a dark outline on the table ahead of the piece.
+// The aim: the hand behind the piece that is about to flick it, a bold flat arrow ahead of it, and from the
+// arrow on a dotted line down the field.
 
+#include "hand.h"
 #include "models.h"
 #include "shapes.h"
 
+#include <cmath>
+
 namespace {
 
-// The shape in plan, scene units from the piece's middle; it points toward -z.
+// The arrow in plan, scene units from the piece's middle; it points toward -z.
 constexpr double TailZ = -4.2;
 constexpr double NeckZ = -14.4;
 constexpr double BarbZ = -13.0; ///< the barbs reach a little back
@@ -20,11 +24,22 @@ constexpr double TopY = -0.22;
 constexpr double OutlineWidth = 0.55;
 constexpr double BevelWidth = 0.45;
 
-constexpr Paint Outline{0.16, 0.08, 0.0, 0.0};
+constexpr Paint Ink{0.16, 0.08, 0.0, 0.0};
 constexpr Paint Bevel{0.95, 0.66, 0.0, 0.0};
 constexpr Paint Face{1.0, 0.95, 0.3, 0.0};
+constexpr Paint White{2.2, 2.2, 0.0, 0.0}; ///< shines so much that pure yellow light leaves it white
 
-/// The outline from the tail's left corner round by way of the tip, moved inward by `inset`.
+// The dots. The eye of the camera at rest sees them at even steps: with the distance grow their steps and
+// their size, else they would run into each other and flicker at the far end of the field.
+constexpr int Dots = 9;
+constexpr double FirstDot = 30.0; ///< from the piece's middle
+constexpr double LastDot = 164.0; ///< from the start it lies in the middle of the target
+constexpr double EyeBehind = 35.0;
+constexpr double FirstHalf = 0.62, LastHalf = 1.2; ///< half widths
+constexpr double Stretch = 3.0;                    ///< length by width, as of all that is painted on a road
+constexpr double DotRise = 0.46;                   ///< height by half width
+
+/// The arrow's outline from the tail's left corner round by way of the tip, moved inward by `inset`.
 std::vector<Point> Contour(double inset) {
   const std::vector<Point> points = {{-TailHalf, 0, TailZ}, {-ShaftHalf, 0, NeckZ}, {-BarbHalf, 0, BarbZ},
                                      {0, 0, TipZ},          {BarbHalf, 0, BarbZ},   {ShaftHalf, 0, NeckZ},
@@ -57,12 +72,9 @@ void Band(Mesh &mesh, double outerInset, double outerY, double innerInset, doubl
   }
 }
 
-} // namespace
-
-Mesh MakeArrow() {
-  Mesh mesh;
-  Band(mesh, 0.0, BaseY, 0.1, EdgeY, Outline);
-  Band(mesh, 0.1, EdgeY, OutlineWidth, EdgeY + 0.02, Outline);
+void AddArrow(Mesh &mesh) {
+  Band(mesh, 0.0, BaseY, 0.1, EdgeY, Ink);
+  Band(mesh, 0.1, EdgeY, OutlineWidth, EdgeY + 0.02, Ink);
   Band(mesh, OutlineWidth, EdgeY + 0.02, OutlineWidth + BevelWidth, TopY, Bevel);
   std::vector<int> top;
   for (const Point &point : Contour(OutlineWidth + BevelWidth))
@@ -71,5 +83,38 @@ Mesh MakeArrow() {
   mesh.Triangle(top[1], top[3], top[5]);
   mesh.Triangle(top[1], top[2], top[3]);
   mesh.Triangle(top[3], top[4], top[5]);
+}
+
+/// A low white dome with a dark rim, `way` ahead of the piece.
+void AddDot(Mesh &mesh, double way, double half) {
+  constexpr int Sides = 8;
+  constexpr double RimWidth = 0.25, RimRise = 0.1;
+  const double foot = BaseY + RimRise, top = BaseY + half * DotRise;
+  Mesh round;
+  Lathe(round, {}, {{1.0 + RimWidth, BaseY, Ink}, {1.0, foot, Ink}}, Sides, false);
+  const double shoulder = foot + (top - foot) * 0.8;
+  Lathe(round, {}, {{1.0, foot, White}, {0.7, shoulder, White}, {0.0, top, White}}, Sides, true);
+  mesh.Append(round, [&](const Vertex &vertex) {
+    const Point &at = vertex.at;
+    return Vertex{{at.x * half, at.y, at.z * half * Stretch - way}, vertex.normal, vertex.paint};
+  });
+}
+
+void AddDots(Mesh &mesh) {
+  const double farther = (LastDot + EyeBehind) / (FirstDot + EyeBehind);
+  for (int dot = 0; dot < Dots; ++dot) {
+    const double share = static_cast<double>(dot) / (Dots - 1);
+    const double way = (FirstDot + EyeBehind) * std::pow(farther, share) - EyeBehind;
+    AddDot(mesh, way, FirstHalf + (LastHalf - FirstHalf) * (way - FirstDot) / (LastDot - FirstDot));
+  }
+}
+
+} // namespace
+
+Mesh MakeArrow() {
+  Mesh mesh;
+  AddHand(mesh);
+  AddArrow(mesh);
+  AddDots(mesh);
   return mesh;
 }

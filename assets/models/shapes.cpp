@@ -80,6 +80,64 @@ void Tube(Mesh &mesh, const std::vector<Point> &path, double radius, int sides, 
   }
 }
 
+void Limb(Mesh &mesh, const std::vector<Joint> &joints, int sides, int capRings, const Paint &paint) {
+  struct Ring {
+    Joint joint;
+    Point along;
+    double lean; ///< of the normals along the limb
+  };
+  // From a joint round to the limb's end; `sign` is 1 at the far end.
+  const auto cap = [&](const Joint &last, const Joint &before, double sign) {
+    const Point out = Normalized(last.at - before.at);
+    std::vector<Ring> rings;
+    for (int i = 0; i <= capRings; ++i) {
+      const double angle = Pi / 2.0 * i / capRings, narrow = i == capRings ? 0.0 : std::cos(angle);
+      const Point at = last.at + out * (std::min(last.side, last.up) * std::sin(angle));
+      rings.push_back(
+          {{at, last.side * narrow, last.up * narrow}, out * sign, sign * std::min(std::tan(angle), 100.0)});
+    }
+    return rings;
+  };
+  std::vector<Ring> rings = cap(joints[0], joints[1], -1.0);
+  std::ranges::reverse(rings);
+  for (std::size_t i = 1; i + 1 < joints.size(); ++i) {
+    const Point before = joints[i].at - joints[i - 1].at, after = joints[i + 1].at - joints[i].at;
+    const double widening = joints[i + 1].up - joints[i - 1].up;
+    rings.push_back({joints[i], Normalized(Normalized(before) + Normalized(after)),
+                     -widening / (Length(before) + Length(after))});
+  }
+  const auto farCap = cap(joints.back(), joints[joints.size() - 2], 1.0);
+  rings.insert(rings.end(), farCap.begin(), farCap.end());
+
+  std::vector<int> previous;
+  Point side = Cross({0.0, 1.0, 0.0}, rings.front().along);
+  for (const Ring &ring : rings) {
+    side = Normalized(side - ring.along * Dot(side, ring.along));
+    const Point up = Cross(ring.along, side);
+    const Joint &joint = ring.joint;
+    const bool tip = joint.side == 0.0;
+    std::vector<int> current;
+    for (int s = 0; s < sides; ++s) {
+      const double angle = 2.0 * Pi * s / sides, right = std::cos(angle), high = std::sin(angle);
+      // The normal of an ellipse leans to its flat side.
+      const Point across = Normalized(side * (right * joint.up) + up * (high * joint.side));
+      current.push_back(mesh.Add({joint.at + side * (right * joint.side) + up * (high * joint.up),
+                                  Normalized((tip ? Point{} : across) + ring.along * ring.lean), paint}));
+    }
+    for (std::size_t s = 0; !previous.empty() && s < current.size(); ++s) {
+      const std::size_t next = (s + 1) % current.size();
+      mesh.Quad(previous[s], previous[next], current[next], current[s]);
+    }
+    previous = current;
+  }
+}
+
+void Outline(Mesh &mesh, const Mesh &solid, double width, const Paint &paint) {
+  mesh.Append(solid, [&](const Vertex &vertex) {
+    return Vertex{vertex.at + vertex.normal * width, vertex.normal * -1.0, paint};
+  });
+}
+
 void Box(Mesh &mesh, const Point &low, const Point &high, const Paint &paint) {
   const auto corner = [&](int i) {
     return Point{(i & 1) != 0 ? high.x : low.x, (i & 2) != 0 ? high.y : low.y, (i & 4) != 0 ? high.z : low.z};

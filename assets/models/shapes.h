@@ -31,6 +31,19 @@ using TubePaint = std::function<Paint(const Point &normal, const Point &along)>;
 void Tube(Mesh &mesh, const std::vector<Point> &path, double radius, int sides, const TubePaint &paint);
 void Tube(Mesh &mesh, const std::vector<Point> &path, double radius, int sides, const Paint &paint);
 
+/// A cross-section of a limb: an ellipse across its path.
+struct Joint {
+  Point at;
+  double side = 1.0; ///< half width, level
+  double up = 1.0;   ///< half height
+};
+
+/// A round limb along joints, with ends rounded off in `capRings` steps.
+void Limb(Mesh &mesh, const std::vector<Joint> &joints, int sides, int capRings, const Paint &paint);
+
+/// A shell around a solid that shows its inner side only: of it one sees a line round the solid.
+void Outline(Mesh &mesh, const Mesh &solid, double width, const Paint &paint);
+
 /// A box between two corners.
 void Box(Mesh &mesh, const Point &low, const Point &high, const Paint &paint);
 
