@@ -4,6 +4,7 @@
 #include "front/information_windows.h"
 #include "platform/desktop/desktop_machine.h"
 #include "platform/desktop/open_al_sound.h"
+#include "tests/hand.h"
 
 #include <AL/al.h>
 #include <QLabel>
@@ -246,6 +247,7 @@ TEST(DesktopMachineTest, NoMotionOfAHeldPointerIsLost) {
   DesktopMachine &machine = TheMachine();
   Window window;
   Canvas canvas;
+  canvas.Name = "canvas";
   canvas.Place = {50, 30, 200, 100};
   int presses = 0;
   canvas.MouseDown = [&](std::int16_t, std::int16_t, float, float) { ++presses; };
@@ -258,16 +260,23 @@ TEST(DesktopMachineTest, NoMotionOfAHeldPointerIsLost) {
   std::int32_t homeX = 0, homeY = 0, x = 0, y = 0;
   machine.mouse_event(-1, 30000, 30000, 1, 1);
   machine.GetCursorPos(homeX, homeY);
-  for (int tries = 0; tries < 40 && !machine.PointerHeld(); ++tries) PumpFor(machine, 50);
-  ASSERT_TRUE(machine.PointerHeld());
-  PumpFor(machine, 100);
-  // Small steps, a sweep, and a throw that ends far outside the window.
-  for (const QPoint motion : {QPoint(3, -2), QPoint(-70, 40), QPoint(350, 260), QPoint(-420, 0)}) {
-    machine.mouse_event(-1, 30000, 30000, 1, 1);
-    QCursor::setPos(QCursor::pos() + motion);
-    PumpFor(machine, 100);
+  const auto offset = [&] {
     machine.GetCursorPos(x, y);
-    EXPECT_EQ(QPoint(x - homeX, y - homeY), motion);
+    return QPoint(x - homeX, y - homeY);
+  };
+  const auto pumpUntilHeld = [&](bool held) {
+    for (int tries = 0; tries < 400 && machine.PointerHeld() != held; ++tries) PumpFor(machine, 5);
+    return machine.PointerHeld() == held;
+  };
+  ASSERT_TRUE(pumpUntilHeld(true));
+  PumpFor(machine, 100);
+  // Small steps, a sweep, and throws that end far outside the window and beyond the screen.
+  for (const QPoint motion :
+       {QPoint(3, -2), QPoint(-70, 40), QPoint(350, 260), QPoint(-420, 0), QPoint(3000, -2000)}) {
+    machine.mouse_event(-1, 30000, 30000, 1, 1);
+    MoveHand(motion.x(), motion.y());
+    PumpFor(machine, 100);
+    EXPECT_EQ(offset(), motion);
   }
   QTest::mousePress(QApplication::widgetAt(QCursor::pos()), Qt::LeftButton);
   machine.Pump();
@@ -278,11 +287,20 @@ TEST(DesktopMachineTest, NoMotionOfAHeldPointerIsLost) {
     QWidget *box = QApplication::activeModalWidget();
     if (!box || !box->isVisible()) return;
     EXPECT_FALSE(machine.PointerHeld());
+    MoveHand(-2000, -2000);
     QTest::keyClick(box, Qt::Key_Return);
   });
   machine.MsgBox({"text", "title", false});
-  machine.GetCursorPos(x, y);
-  EXPECT_EQ(QPoint(x, y), QPoint(homeX, homeY));
+  EXPECT_EQ(offset(), QPoint());
+  // The focus comes back with the pointer in a corner of the screen, and another program moves it besides.
+  WidgetOf("canvas")->activateWindow();
+  ASSERT_TRUE(pumpUntilHeld(true));
+  PumpFor(machine, 100);
+  EXPECT_EQ(offset(), QPoint());
+  QCursor::setPos(QPoint(900, 20));
+  MoveHand(5, 7);
+  PumpFor(machine, 100);
+  EXPECT_EQ(offset(), QPoint(5, 7));
   machine.Hide(window);
   machine.ShowCursor(-1);
 }

@@ -59,7 +59,6 @@ DesktopMachine::DesktopMachine(int &argc, char **argv) {
   application_->setDesktopFileName("org.snapwedge.Snapwedge");
   application_->setWindowIcon(
       QIcon(QString::fromStdString((DesktopMachine::AppPath() / "pictures" / "icon.png").string())));
-  application_->installEventFilter(&pointer_);
 }
 
 DesktopMachine::~DesktopMachine() { pointer_.LetGo(); }

@@ -1,22 +1,24 @@
 #pragma once
 
 // The pointer as the game sees it: a place that it puts home at every frame and reads as an offset. The real
-// pointer is hidden meanwhile, and moved back only when it strays, since moving it at every frame loses the
-// motion that lands between a read and a move.
+// pointer is hidden and held meanwhile (`pointer_hold.h`), and its motion moves the game's.
 
-#include <QObject>
+#include "platform/desktop/pointer_hold.h"
+
 #include <QPoint>
 #include <QPointer>
 #include <QWidget>
 
-class Pointer : public QObject {
+#include <memory>
+
+class Pointer {
 public:
-  ~Pointer() override { LetGo(); }
+  ~Pointer() { LetGo(); }
 
   /// Puts the game's pointer at a place of a grid of 0 to 65535 on each axis of the screen.
   void MoveHome(int gridX, int gridY);
 
-  /// The game's pointer, logical pixels of the screen. Without a hold it stands at its home.
+  /// The game's pointer. Without a hold it stands at its home.
   QPoint Place() const { return place_.toPoint(); }
 
   /// Whether the game wants the pointer hidden. It is hidden only while it is held.
@@ -28,16 +30,10 @@ public:
   void LetGo() { Hold(nullptr); }
   bool Held() const { return !widget_.isNull(); }
 
-  bool eventFilter(QObject *object, QEvent *event) override;
-
 private:
-  void MoveReal();
-
   QPointer<QWidget> widget_;
+  std::unique_ptr<PointerHold> hold_;
   bool hidden_ = false;
   QPointF place_; ///< the game's pointer
   QPointF home_;
-  QPointF real_;           ///< where the real pointer was seen last
-  QPoint anchor_;          ///< where it is moved back to
-  bool returning_ = false; ///< it has been moved back, and its motion there hasn't been seen yet
 };
