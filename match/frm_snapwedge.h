@@ -102,7 +102,8 @@ public:
   Flag KickMode = False; ///< the point-after runs: the next shot is a kick
   /// 0 aiming, 1 left button held (the meter charges), 2 right button held (orbit).
   std::int16_t MouseMode = 0;
-  Flag ShiftDown = False; ///< Shift is held: the mouse zooms
+  std::int16_t ForgottenButtons = 0; ///< sum of the buttons whose release, when it comes, is none
+  Flag ShiftDown = False;            ///< Shift is held: the mouse zooms
 
   // ---- The shot ----------------------------------------------------------------------------------
 
@@ -116,6 +117,9 @@ public:
   void ReadShotPlace(); ///< reads `AimFrame`'s place into the flick's
   Flag MouseGate();     ///< -1 if a button may begin or end a shot now
   void RestMeter();     ///< puts the meter back to rest without a shot
+
+  /// A button that is held counts as let go, without a shot, and its release doesn't count any more.
+  void RestMouse();
   void LetGo(); ///< the window lost the keyboard: every button and key counts as let go, without a shot
   void RMCanvas1_MouseDown(std::int16_t Button, std::int16_t Shift, float X, float Y);
   void RMCanvas1_MouseUp(std::int16_t Button, std::int16_t Shift, float X, float Y);

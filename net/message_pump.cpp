@@ -124,6 +124,7 @@ void frmSnapwedge::ReplayKick(const ReceivedShot &shot) {
 
 void frmSnapwedge::ShowOtherResult(std::int16_t MES) {
   Busy = True;
+  RestMouse(); // the card would swallow the release, and the meter go on without a hand
   PlayBeforeCard(program, MES);
   PictureBox &card = Card(MES);
   card.Visible = true;

@@ -23,6 +23,10 @@ constexpr float CameraHigh = 30.0f;
 constexpr std::int16_t LeftButton = 1;
 constexpr std::int16_t RightButton = 2;
 
+std::int16_t Without(std::int16_t buttons, std::int16_t button) {
+  return static_cast<std::int16_t>(buttons & ~button);
+}
+
 } // namespace
 
 void frmSnapwedge::InitMouse() {
@@ -133,6 +137,7 @@ Flag frmSnapwedge::MouseGate() {
 
 void frmSnapwedge::RMCanvas1_MouseDown(std::int16_t Button, std::int16_t /*Shift*/, float /*X*/,
                                        float /*Y*/) {
+  ForgottenButtons = Without(ForgottenButtons, Button); // a new press has a release
   if (!MouseGate()) return;
   if (Button == LeftButton) {
     ShotPending = True;
@@ -142,7 +147,9 @@ void frmSnapwedge::RMCanvas1_MouseDown(std::int16_t Button, std::int16_t /*Shift
 }
 
 void frmSnapwedge::RMCanvas1_MouseUp(std::int16_t Button, std::int16_t /*Shift*/, float /*X*/, float /*Y*/) {
-  if (!MouseGate()) return;
+  const bool forgotten = (ForgottenButtons & Button) != 0;
+  ForgottenButtons = Without(ForgottenButtons, Button);
+  if (forgotten || !MouseGate()) return;
   MouseMode = 0;
   if (Button != LeftButton) return;
   ReadAim();
@@ -168,9 +175,14 @@ void frmSnapwedge::RestMeter() {
   ProgressBar1.Value = 0;
 }
 
-void frmSnapwedge::LetGo() {
-  ShiftDown = False;
+void frmSnapwedge::RestMouse() {
+  ForgottenButtons = LeftButton | RightButton;
   if (NoShot) return; // a shot under way ends as it began
   MouseMode = 0;
   if (ShotPending) RestMeter();
+}
+
+void frmSnapwedge::LetGo() {
+  ShiftDown = False;
+  RestMouse();
 }

@@ -206,6 +206,9 @@ TEST(AimTest, LosingTheKeyboardPutsTheMeterToRestWithoutAShot) {
   EXPECT_EQ(game.window.ProgressBar1.Value, 0.0f);
   EXPECT_EQ(game.window.Shots, 3);
   EXPECT_FALSE(game.window.ShiftDown);
+  game.machine.ReleaseMouse(1);
+  game.Frames(1);
+  EXPECT_EQ(game.window.Shots, 3) << "the release belongs to a press from before";
   game.machine.After(200, [&] { game.machine.LoseFocus(); });
   game.Shoot(3);
   EXPECT_EQ(game.window.Shots, 2) << "play goes on";

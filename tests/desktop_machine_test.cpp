@@ -318,32 +318,51 @@ struct CanvasForm {
   Canvas canvas;
 };
 
-TEST(DesktopMachineTest, ThePressThatComesBackToTheWindowIsNoShot) {
+TEST(DesktopMachineTest, NoButtonCountsAcrossALossOfTheKeyboard) {
   CanvasForm form;
-  int presses = 0;
+  int presses = 0, releases = 0;
   form.canvas.MouseDown = [&](std::int16_t, std::int16_t, float, float) { ++presses; };
+  form.canvas.MouseUp = [&](std::int16_t, std::int16_t, float, float) { ++releases; };
   form.window.CapturesPointer = true;
   form.machine.ShowCursor(0);
   form.machine.Show(form.window);
+  QWidget *widget = WidgetOf("canvas");
   const auto pumpUntil = [&](const std::function<bool()> &done) {
     for (int tries = 0; tries < 400 && !done(); ++tries) PumpFor(form.machine, 5);
     return done();
   };
-  ASSERT_TRUE(pumpUntil([&] { return form.machine.PointerHeld(); }));
-  {
+  const auto held = [&] { return form.machine.PointerHeld(); };
+  const auto visitAnother = [&] {
     const Form other(form.machine);
-    ASSERT_TRUE(pumpUntil([&] { return !form.machine.PointerHeld(); }));
-  }
-  QWidget *widget = WidgetOf("canvas");
-  widget->activateWindow();
-  ASSERT_TRUE(pumpUntil([&] { return widget->isActiveWindow(); }));
+    return pumpUntil([&] { return !held(); });
+  };
+  const auto comeBack = [&] {
+    widget->activateWindow();
+    return pumpUntil([&] { return widget->isActiveWindow(); });
+  };
+
+  ASSERT_TRUE(pumpUntil(held));
+  ASSERT_TRUE(visitAnother());
+  ASSERT_TRUE(comeBack());
   QTest::mouseClick(widget, Qt::LeftButton);
   form.machine.Pump();
-  EXPECT_EQ(presses, 0);
-  ASSERT_TRUE(pumpUntil([&] { return form.machine.PointerHeld(); }));
-  QTest::mouseClick(widget, Qt::LeftButton);
+  EXPECT_EQ(presses + releases, 0) << "the click that comes back to the window is no shot";
+
+  ASSERT_TRUE(pumpUntil(held));
+  QTest::mousePress(widget, Qt::LeftButton);
   form.machine.Pump();
   EXPECT_EQ(presses, 1);
+  ASSERT_TRUE(visitAnother());
+  ASSERT_TRUE(comeBack());
+  ASSERT_TRUE(pumpUntil(held));
+  QTest::mouseRelease(widget, Qt::LeftButton);
+  form.machine.Pump();
+  EXPECT_EQ(releases, 0) << "its press began before";
+
+  QTest::mouseClick(widget, Qt::LeftButton);
+  form.machine.Pump();
+  EXPECT_EQ(presses, 2);
+  EXPECT_EQ(releases, 1);
   form.machine.Hide(form.window);
   form.machine.ShowCursor(-1);
 }

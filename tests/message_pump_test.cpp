@@ -66,6 +66,39 @@ TEST(MessagePumpTest, EveryResultOfTheOtherSideHasItsSounds) {
   }
 }
 
+TEST(MessagePumpTest, ACardThatComesLateFiresNoShot) {
+  struct Row {
+    const char *name;
+    std::int16_t button;
+    std::int32_t release; ///< ms after the press; the card is up from 200 to 1200
+    bool held = false;    ///< still held when play has gone on for long
+  };
+  for (const Row &row : {Row{"let go under the card", 1, 600}, Row{"let go after it", 1, 1600},
+                         Row{"let go much later", 1, 60000, true}, Row{"an orbit", 2, 600}}) {
+    SCOPED_TRACE(row.name);
+    NetworkGame game(true);
+    game.Receive(Shot("Flick", 120));
+    while (!game.program.MyTurn) game.Frames(1); // the fall's card hasn't come yet
+    game.play->Sent.clear();
+    game.ReceiveIn(200, {std::string("RESULT"), std::int32_t{4}});
+    game.ReceiveIn(1200, {std::string("Continue")});
+    game.machine.PressMouse(row.button);
+    game.machine.After(row.release, [&] { game.machine.ReleaseMouse(row.button); });
+    game.Frames(4);
+    EXPECT_EQ(game.window.MouseMode, row.button);
+    game.Frames(100);
+    EXPECT_EQ(game.Cards, std::vector<std::int16_t>{4});
+    EXPECT_TRUE(game.play->Sent.empty());
+    EXPECT_EQ(game.window.MouseMode, 0);
+    EXPECT_EQ(game.window.ProgressBar1.Value, 0.0f);
+    EXPECT_EQ(game.window.Shots, 3);
+    if (row.held) game.machine.ReleaseMouse(row.button);
+    game.Shoot(3);
+    EXPECT_EQ(game.window.Shots, 2) << "play goes on";
+    EXPECT_EQ(game.play->Sent, std::vector<std::string>{"Flick"});
+  }
+}
+
 TEST(MessagePumpTest, AMessageThatBreaksARuleIsAsIfItHadNeverCome) {
   constexpr float NotANumber = std::numeric_limits<float>::quiet_NaN();
   const auto changed = [](std::size_t index, Field value) {

@@ -76,6 +76,8 @@ void CanvasView::paintEvent(QPaintEvent *event) {
 }
 
 bool CanvasView::event(QEvent *event) {
+  // A press that began before the window lost the keyboard has no release.
+  if (event->type() == QEvent::WindowDeactivate) pressed_ = {};
   // Tab stays with the game, and so does every shortcut.
   if (event->type() == QEvent::ShortcutOverride) {
     event->accept();
@@ -118,7 +120,7 @@ void CanvasView::mousePressEvent(QMouseEvent *event) {
 }
 
 void CanvasView::mouseReleaseEvent(QMouseEvent *event) {
-  // Nor is the release of a press that was never told, or that began before the window lost the pointer.
+  // Nor is the release of a press that was never told.
   const bool told = pressed_.testFlag(event->button());
   pressed_ &= ~Qt::MouseButtons(event->button());
   if (!told || (window_.CapturesPointer && !machine_.PointerHeld())) return;
