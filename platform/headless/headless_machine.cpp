@@ -83,7 +83,9 @@ void HeadlessMachine::DrawCanvas(Canvas &canvas) {
   if (DrawMs == 0) return;
   const std::int32_t end = ClockIn(DrawMs);
   if (!Sleeper) now_ += DrawMs;
+  Drawing = true;
   while (Sleeper && !ClockReached(end)) Sleeper(end);
+  Drawing = false;
 }
 
 void HeadlessMachine::MsgBox(const MessageBox &box) {

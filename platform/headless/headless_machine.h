@@ -74,12 +74,14 @@ public:
   std::unique_ptr<Sockets> SocketsLibrary;                      ///< empty: `WinSock` fails
   std::uint32_t Seed = 1;                                       ///< of the random numbers
 
-  /// When something will come from the network, if that is known: the clock doesn't jump past it.
+  /// When something comes from the network, if that is known: the clock doesn't jump past it, and a sleep
+  /// ends at once for what has come already.
   std::function<std::optional<std::int32_t>()> NextArrival;
 
   /// Replaces the clock's jump, for several machines on one clock: returns when the clock has moved on. Gets
   /// the moment at which this machine has something to do at the latest.
   std::function<void(std::int32_t wake)> Sleeper;
+  bool Drawing = false; ///< the time of a picture passes: nothing from the network wakes the machine
 
   /// The virtual clock, ms. Only a `Sleeper` and a test that wants another start write it.
   std::int32_t Now() const { return static_cast<std::int32_t>(now_); }

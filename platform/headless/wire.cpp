@@ -95,7 +95,10 @@ public:
   WireTransport(std::shared_ptr<WireState> state, std::shared_ptr<WirePlug> plug)
       : state_(std::move(state)), plug_(std::move(plug)) {}
 
-  void Poll() override { state_->Advance(); }
+  void Poll() override {
+    state_->Advance();
+    plug_->polledAt = state_->clock();
+  }
 
   std::unique_ptr<session::Listener> Listen(Reach reach, std::uint16_t port) override {
     if (Killed()) return nullptr;
@@ -173,7 +176,7 @@ FaultyWire::FaultyWire(std::function<std::int32_t()> clock, std::uint32_t seed)
 }
 
 std::shared_ptr<session::Transport> FaultyWire::Plug(const std::string &address) {
-  auto plug = std::make_shared<WirePlug>(WirePlug{address, std::nullopt});
+  auto plug = std::make_shared<WirePlug>(WirePlug{address, std::nullopt, std::nullopt});
   std::erase_if(state_->plugs, [](const auto &each) { return each.expired(); });
   state_->plugs.push_back(plug);
   return std::make_shared<WireTransport>(state_, std::move(plug));
@@ -212,10 +215,15 @@ void FaultyWire::Kill(const std::string &address) {
 }
 
 std::optional<std::int32_t> FaultyWire::NextArrival(const std::string &address) const {
-  const std::int32_t now = state_->clock();
+  // What has happened since the computer looked last, in a long draw, is still news to it.
+  std::int32_t known = state_->clock();
+  for (const auto &weak : state_->plugs) {
+    const auto plug = weak.lock();
+    if (plug && plug->address == address && plug->polledAt) known = std::min(known, *plug->polledAt);
+  }
   std::optional<std::int32_t> next;
   const auto consider = [&](const std::optional<std::int32_t> &moment) {
-    if (moment && *moment > now && (!next || *moment < *next)) next = moment;
+    if (moment && *moment > known && (!next || *moment < *next)) next = moment;
   };
   for (const auto &circuit : state_->circuits) {
     for (std::size_t side = 0; side < 2; ++side) {

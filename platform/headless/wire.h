@@ -49,7 +49,8 @@ public:
   /// The program on that computer ends without a word; its system closes the connections.
   void Kill(const std::string &address);
 
-  /// When something will reach that computer, or its session wants to be polled; later than now.
+  /// When something reaches that computer, or its session wants to be polled: in the future, or already past
+  /// if the computer hasn't looked at its network since.
   std::optional<std::int32_t> NextArrival(const std::string &address) const;
 
   Quality &Line();

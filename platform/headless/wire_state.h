@@ -58,6 +58,7 @@ struct WireDatagrams {
 struct WirePlug {
   std::string address;
   std::optional<std::int32_t> wake;
+  std::optional<std::int32_t> polledAt; ///< what has happened by then, the computer knows
 };
 
 struct WireState {

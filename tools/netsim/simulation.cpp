@@ -39,7 +39,9 @@ struct Computer {
   }
 
   /// When it has something to do at the latest; what arrives meanwhile counts too.
-  std::int32_t NextMoment() const { return std::min(wake, wire.NextArrival(address).value_or(wake)); }
+  std::int32_t NextMoment() const {
+    return machine.Drawing ? wake : std::min(wake, wire.NextArrival(address).value_or(wake));
+  }
 
   std::string address;
   HeadlessMachine machine;
