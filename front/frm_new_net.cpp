@@ -133,6 +133,7 @@ void frmNewNet::Command2_Click() {
 
 void frmNewNet::OpenPlayWindow() {
   frmSnapwedge play(machine, program);
+  program.LaunchWindow = this;
   // In a network game this window stays open behind the play window, but nothing of it may run again.
   const Machine::ModalScope scope(machine, play);
   play.Load();

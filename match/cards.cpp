@@ -47,6 +47,7 @@ void frmSnapwedge::ShowMessage(std::int16_t &MES) {
   const bool network = program.GameMode == "INET";
   TurnColor();
   if (network && !program.MyTurn) {
+    ResultDue = True;
     MyDelay2();
     return;
   }

@@ -7,7 +7,11 @@
 #include "scene/graph/rm_canvas.h"
 
 #include <cstdint>
+#include <deque>
+#include <memory>
+#include <optional>
 #include <string>
+#include <vector>
 
 struct ReceivedShot;
 
@@ -239,8 +243,15 @@ public:
   void SendEnd();
   void SendOver();
 
+  Flag CardIsTold = False; ///< "RESULT" has gone out, and its "Continue" not yet
+  std::vector<std::shared_ptr<DirectPlayMessage>> HeldLines; ///< chat that waits for the "Continue"
+
   // net/message_pump.cpp
   void CheckMessages(); ///< takes one message off the queue, if there is one, and acts on it
+
+  /// Replays a flick that has come, or keeps it until the one that is being replayed is over.
+  /// @returns false if more are kept already than a possession has
+  bool TakeFlick(const ReceivedShot &shot);
   void ReplayFlick(const ReceivedShot &shot);
   void ReplayKick(const ReceivedShot &shot);
   void ShowOtherResult(std::int16_t MES); ///< the card of the other side's result, until its "Continue"
@@ -249,14 +260,27 @@ public:
   void Text2_KeyPress(std::int16_t KeyCode);
   [[noreturn]] void OtherSideLeft(); ///< tells that the other player has gone, and ends the program
 
+  /// Tells in the title bar that the line to the other computer is broken, and that it has come back. Runs at
+  /// every pump.
+  void ShowLine();
+
+  std::shared_ptr<void> LineWatch; ///< what runs `ShowLine`
+  Flag LineIsBroken = False;
+  std::optional<std::int32_t> LineBackUntil; ///< clock up to which its return is told, ms
+
   Flag Replaying = False; ///< a flick of the other side is being replayed, its cards and its kick included
   Flag ReplayingKick = False; ///< a kick of the other side is being replayed, its card included
-  Flag LastWait = False; ///< the host waits for the match's last possession: after it nobody shoots any more
+  std::deque<std::shared_ptr<const ReceivedShot>> KeptFlicks; ///< came inside the replay of another
+  Flag ResultDue = False; ///< a replayed shot has an outcome whose "RESULT" hasn't been shown yet
+  Flag LastWait = False;  ///< the host waits for the match's last possession: after it nobody shoots any more
   Flag OtherSideOver = False;       ///< the other side has said what its last possession was worth
-  std::int32_t DroppedMessages = 0; ///< messages of the other side that broke a rule
+  std::int32_t DroppedMessages = 0; ///< from the other side: against a rule, or out of their place
 
   // front/end_cards.cpp
   void ShowHome(); ///< the card of a match that side A has won; returns when it has been closed
   void ShowAway();
   void ShowTie();
 };
+
+/// The title of the play window, as long as the line to the other computer holds.
+extern const std::string PlayCaption;

@@ -49,6 +49,7 @@ void frmSnapwedge::SetUp() {
   if (program.GameMode == "INET") {
     Text1.Enabled = true;
     Text2.Enabled = true;
+    LineWatch = machine.OnPump([this] { ShowLine(); });
   }
   machine.ShowCursor(0);
   program.PlayLoop(program.SndCrowd);
@@ -108,7 +109,10 @@ void frmSnapwedge::EndMatch() {
   }
   if (program.GameMode == "INET") {
     // The other computer may still be waiting for what this one sent last, over a line that is down just now.
+    // To the player the program has ended.
+    program.StopSounds();
     machine.Hide(*this);
+    if (program.LaunchWindow) machine.Hide(*program.LaunchWindow);
     const std::int32_t end = machine.ClockIn(LastWordsMs);
     while (!program.DP->Delivered() && !machine.ClockReached(end))
       machine.WaitUntil(machine.ClockIn(NetworkLookMs));

@@ -29,6 +29,8 @@ struct Program {
 
   Machine &machine;
 
+  Window *LaunchWindow = nullptr; ///< what opened the play window, if anything did
+
   // The match.
   std::int16_t Rounds = 5;  ///< rounds to play, 1 to `MostRounds`
   std::string GameMode;     ///< "Computer", "Human" or "INET"
@@ -84,5 +86,13 @@ struct Program {
   /// Stops a sound where it stands if there is sound.
   void Stop(const SoundBuffer &sound) const {
     if (SoundOn) sound->Stop();
+  }
+
+  /// Silence.
+  void StopSounds() const {
+    for (const SoundBuffer *sound : {&SndCrowd, &SndCrowd2, &SndYeah, &SndYeah2, &SndBoo, &SndTheme,
+                                     &SndGuit2, &SndSwoosh, &SndWis1, &SndWis2, &SndWis3}) {
+      Stop(*sound);
+    }
   }
 };

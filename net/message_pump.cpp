@@ -10,6 +10,7 @@
 namespace {
 
 constexpr std::int32_t NetworkLookMs = 5; ///< longest time between two looks while waiting for "Continue"
+constexpr std::int32_t LineBackMs = 4000; ///< how long the title tells that the line has come back
 
 /// Takes the oldest message and returns its tag; empty for one that begins with no text.
 std::string ReceiveTag(Program &program) {
@@ -49,6 +50,12 @@ void PlayWithCard(const Program &program, std::int16_t result) {
 } // namespace
 
 void frmSnapwedge::CheckMessages() {
+  if (!Replaying && !KeptFlicks.empty()) {
+    const auto shot = KeptFlicks.front();
+    KeptFlicks.pop_front();
+    ReplayFlick(*shot);
+    return;
+  }
   program.MsgCount = program.DP->GetMessageCount(program.MyPlayerId);
   if (program.MsgCount <= 0) return;
   const std::string tag = ReceiveTag(program);
@@ -56,16 +63,15 @@ void frmSnapwedge::CheckMessages() {
   const auto message = program.InMsg;
   if (message->GetKind() == DirectPlayMessage::Kind::ConnectionLost) OtherSideLeft();
 
+  // In this side's turn the other has no shot, and no result but the one of its last shot, which may come
+  // late. In step nothing is ever dropped.
   bool taken = true;
   if (tag == "Flick") {
     const auto shot = ReadShot(*message);
-    // A shot begins behind the verdict of the one before, and none behind the match's last. The other side
-    // tells its result before its next shot, so in step nothing is ever dropped here.
-    taken = shot && !Replaying && !(LastWait && program.MyTurn);
-    if (taken) ReplayFlick(*shot);
+    taken = shot && !program.MyTurn && TakeFlick(*shot);
   } else if (tag == "Goal") {
     const auto shot = ReadShot(*message);
-    taken = shot && KickMode && !ReplayingKick && shot->Force > 0.0f;
+    taken = shot && !program.MyTurn && KickMode && !ReplayingKick && shot->Force > 0.0f;
     if (taken) ReplayKick(*shot);
   } else if (tag == "MESSAGE") {
     const auto line = ReadChat(*message);
@@ -92,7 +98,7 @@ void frmSnapwedge::CheckMessages() {
     }
   } else if (tag == "RESULT") {
     const auto result = ReadResult(*message);
-    taken = result.has_value();
+    taken = result && (!program.MyTurn || ResultDue);
     if (taken) ShowOtherResult(*result);
   } else if (tag == "OVER") {
     taken = NothingFollows(*message);
@@ -104,6 +110,16 @@ void frmSnapwedge::CheckMessages() {
   if (!taken) ++DroppedMessages;
 }
 
+bool frmSnapwedge::TakeFlick(const ReceivedShot &shot) {
+  if (!Replaying) {
+    ReplayFlick(shot);
+    return true;
+  }
+  if (KeptFlicks.size() >= AttemptsInPossession) return false;
+  KeptFlicks.push_back(std::make_shared<const ReceivedShot>(shot));
+  return true;
+}
+
 void frmSnapwedge::ReplayFlick(const ReceivedShot &shot) {
   ReceivedShot own = shot;
   Replaying = True;
@@ -111,6 +127,10 @@ void frmSnapwedge::ReplayFlick(const ReceivedShot &shot) {
   Player = shot.Player;
   Flick(own.FrameX, own.FrameY, own.FrameZ, Force, own.X1, own.Y1, own.Z1, own.X2, own.Y2, own.Z2, Player);
   Replaying = False;
+  if (!program.MyTurn) return;
+  // The possession is over, and what was to follow in it has lost its place.
+  DroppedMessages += static_cast<std::int32_t>(KeptFlicks.size());
+  KeptFlicks.clear();
 }
 
 void frmSnapwedge::ReplayKick(const ReceivedShot &shot) {
@@ -124,6 +144,7 @@ void frmSnapwedge::ReplayKick(const ReceivedShot &shot) {
 
 void frmSnapwedge::ShowOtherResult(std::int16_t MES) {
   Busy = True;
+  ResultDue = False;
   RestMouse(); // the card would swallow the release, and the meter go on without a hand
   PlayBeforeCard(program, MES);
   PictureBox &card = Card(MES);
@@ -168,6 +189,16 @@ void frmSnapwedge::OtherSideLeft() {
   machine.ShowCursor(-1);
   machine.MsgBox({"Away Team Disconnected!", "Game Over:"});
   throw ProgramEnd{};
+}
+
+void frmSnapwedge::ShowLine() {
+  const bool wasBroken = LineIsBroken != False;
+  LineIsBroken = program.DP->Broken() ? True : False;
+  if (wasBroken && !LineIsBroken) LineBackUntil = machine.ClockIn(LineBackMs);
+  if (LineIsBroken || (LineBackUntil && machine.ClockReached(*LineBackUntil))) LineBackUntil.reset();
+  Caption = PlayCaption;
+  if (LineIsBroken) Caption += " - waiting for the other computer ...";
+  if (LineBackUntil) Caption += " - the other computer is back";
 }
 
 void frmSnapwedge::Text2_KeyPress(std::int16_t KeyCode) {

@@ -66,14 +66,28 @@ void frmSnapwedge::SendResult(std::int16_t MES) {
   DirectPlayMessage &message = Begin(program, "RESULT");
   message.WriteLong(MES);
   Send(program);
+  CardIsTold = True;
 }
 
-void frmSnapwedge::SendContinue() { SendTag(program, "Continue"); }
+void frmSnapwedge::SendContinue() {
+  SendTag(program, "Continue");
+  CardIsTold = False;
+  for (const auto &line : HeldLines) {
+    program.OutMsg = line;
+    Send(program);
+  }
+  HeldLines.clear();
+}
 
 void frmSnapwedge::SendText() {
   DirectPlayMessage &message = Begin(program, "MESSAGE");
   message.WriteString(Text2.Text);
-  Send(program);
+  // Under the other side's card a line would be read and dropped: it goes out behind the card's end.
+  if (CardIsTold) {
+    HeldLines.push_back(program.OutMsg);
+  } else {
+    Send(program);
+  }
   Text2.Text.clear();
   RMCanvas1.SetFocus();
 }

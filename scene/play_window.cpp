@@ -40,10 +40,12 @@ void LayOutCard(PictureBox &card, const std::string &name, const std::string &wo
 
 } // namespace
 
+const std::string PlayCaption = "Snapwedge V1.01";
+
 frmSnapwedge::frmSnapwedge(Machine &onMachine, Program &ofProgram)
     : program(ofProgram), machine(onMachine), RMCanvas1(onMachine) {
   Name = "frmSnapwedge";
-  Caption = "Snapwedge V1.01";
+  Caption = PlayCaption;
   Width = 639;
   Height = 478;
   Picture = "frmSnapwedge";

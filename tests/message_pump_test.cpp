@@ -6,6 +6,7 @@
 #include <gtest/gtest.h>
 
 #include <limits>
+#include <set>
 
 namespace {
 
@@ -248,6 +249,48 @@ TEST(MessagePumpTest, ChatGoesBothWaysAsPlainText) {
   }
 }
 
+TEST(MessagePumpTest, AChatLineUnderThisSidesCardGoesOutBehindIt) {
+  NetworkGame game(false);
+  std::size_t flying = 0, underTheCard = 0;
+  const auto say = [&] {
+    game.machine.Focus = &game.window.Text2;
+    game.machine.Type("hear, hear\r");
+    game.machine.Pump();
+    EXPECT_EQ(game.window.Text2.Text, "");
+    EXPECT_EQ(game.machine.Focus, &game.window.RMCanvas1);
+    return game.play->Sent.size();
+  };
+  game.machine.After(500, [&] { flying = say(); });
+  game.machine.After(4000, [&] {
+    EXPECT_TRUE(game.window.AnyPictures());
+    underTheCard = say() + say();
+  });
+  game.Flick(120);
+  EXPECT_EQ(flying, 2U);
+  EXPECT_EQ(underTheCard, 6U) << "nothing between the result and its go-ahead";
+  EXPECT_EQ(game.play->Sent,
+            (std::vector<std::string>{"Flick", "MESSAGE", "RESULT", "Continue", "MESSAGE", "MESSAGE"}));
+  say();
+  EXPECT_EQ(game.play->Sent.size(), 7U);
+}
+
+TEST(MessagePumpTest, TheTitleTellsOfABrokenLineAndOfItsReturn) {
+  NetworkGame game(true);
+  game.Receive({std::string("RESULT"), std::int32_t{5}}); // under a card too
+  game.ReceiveIn(12000, {std::string("Continue")});
+  std::vector<std::string> titles;
+  game.machine.After(1000, [&] { game.play->LineDown = true; });
+  game.machine.After(3000, [&] { game.play->LineDown = false; });
+  for (const std::int32_t moment : {900, 1100, 2900, 3100, 6900, 7100}) {
+    game.machine.After(moment, [&] { titles.push_back(game.window.Caption); });
+  }
+  game.Frames(1);
+  const std::string waiting = "Snapwedge V1.01 - waiting for the other computer ...";
+  const std::string back = "Snapwedge V1.01 - the other computer is back";
+  EXPECT_EQ(titles,
+            (std::vector<std::string>{"Snapwedge V1.01", waiting, waiting, back, back, "Snapwedge V1.01"}));
+}
+
 TEST(MessagePumpTest, TheOtherSidesLeavingEndsTheProgramWithABox) {
   const auto lost =
       std::make_shared<FakeMessage>(std::vector<Field>{}, DirectPlayMessage::Kind::ConnectionLost);
@@ -294,6 +337,61 @@ TEST(MessagePumpTest, AShotBeginsBehindTheVerdictOfTheOneBefore) {
   over.Frames(3);
   EXPECT_EQ(over.window.Shots, 3);
   EXPECT_EQ(over.window.DroppedMessages, 1);
+}
+
+TEST(MessagePumpTest, AFlickThatComesInThePauseOfABonusIsPlayedBehindIt) {
+  constexpr float BonusZ = -79.2f;
+  NetworkGame game(true);
+  game.PutPiece(0, BonusZ, 3);
+  game.window.PieceSurface = "TableBon";
+  for (const float force : {0.0f, 0.0f, 8.0f}) game.Receive(Shot("Flick", force, BonusZ));
+  game.ReceiveIn(500, {std::string("RESULT"), std::int32_t{5}});
+  game.ReceiveIn(600, {std::string("Continue")});
+  game.Frames(1);
+  EXPECT_EQ(game.window.Shots, 2);
+  EXPECT_EQ(game.window.AwayScore, 3);
+  EXPECT_EQ(game.Cards, std::vector<std::int16_t>{5});
+  game.Frames(1);
+  EXPECT_EQ(game.window.Shots, 1);
+  game.Frames(1);
+  EXPECT_NEAR(game.Place(game.window.PieceFrame).z, 85.0f, 0.01f) << "the third, and the turnover";
+  EXPECT_TRUE(game.program.MyTurn);
+  EXPECT_EQ(game.window.DroppedMessages, 0);
+}
+
+TEST(MessagePumpTest, InThisSidesTurnTheOtherHasNoShotAndNoResult) {
+  const std::pair<const char *, std::vector<Field>> rows[] = {
+      {"a flick", Shot("Flick", 60)},
+      {"a kick", Shot("Goal", 60)},
+      {"a result", {std::string("RESULT"), std::int32_t{4}}},
+  };
+  for (const auto &[name, fields] : rows) {
+    SCOPED_TRACE(name);
+    NetworkGame game(false);
+    game.machine.PressMouse(1);
+    game.Frames(3);
+    game.Receive(fields);
+    game.Frames(3);
+    EXPECT_EQ(game.window.DroppedMessages, 1);
+    EXPECT_EQ(game.window.MouseMode, 1) << "the meter goes on under the hand";
+    EXPECT_EQ(game.window.ProgressBar1.Value, 40.0f);
+    EXPECT_EQ(game.window.Shots, 3);
+    EXPECT_EQ(game.Place(game.window.PieceFrame), (Vector{0, 0, 85}));
+    EXPECT_TRUE(game.Cards.empty());
+  }
+}
+
+TEST(MessagePumpTest, ALateResultIsShownOnce) {
+  NetworkGame game(true);
+  game.Receive(Shot("Flick", 120));
+  while (!game.program.MyTurn) game.Frames(1);
+  for (int i = 0; i < 2; ++i) {
+    game.Receive({std::string("RESULT"), std::int32_t{4}});
+    game.Receive({std::string("Continue")});
+  }
+  game.Frames(4);
+  EXPECT_EQ(game.Cards, std::vector<std::int16_t>{4});
+  EXPECT_EQ(game.window.DroppedMessages, 1);
 }
 
 TEST(MessagePumpTest, ACardWithoutAGoAheadCanBeLeft) {
@@ -345,13 +443,32 @@ TEST(MessagePumpTest, TheKickIsJudgedByTheKickerAlone) {
   EXPECT_EQ(game.window.DroppedMessages, 3);
 }
 
-TEST(MessagePumpTest, AMatchThatIsOverEndsWhateverTheOtherSideAcknowledges) {
+TEST(MessagePumpTest, ToThePlayerAMatchEndsWithItsCardWhateverTheOtherSideAcknowledges) {
   NetworkGame game(false);
+  Window launch;
+  game.machine.Show(launch);
+  game.program.LaunchWindow = &launch;
   game.play->Takes = false;
+  std::set<std::string> sounding{"crowd.daw", "crowd2.daw"}; // since the set-up
   game.machine.After(1000, [&] { game.machine.ClickOn(*game.machine.FindWindow("frmTie")); });
+  game.machine.After(1100, [&] {
+    EXPECT_TRUE(game.machine.Shown.empty());
+    for (const std::string &sound : game.machine.Sounds) {
+      const std::string file = sound.substr(sound.find(' ') + 1);
+      if (sound.starts_with("stop")) {
+        sounding.erase(file);
+      } else {
+        sounding.insert(file);
+      }
+    }
+    EXPECT_FALSE(game.machine.Sounds.empty());
+    EXPECT_TRUE(sounding.empty());
+    game.SoundsSince();
+  });
   game.machine.After(300000, [] { throw std::runtime_error("a program without a window goes on"); });
   EXPECT_THROW(game.window.EndMatch(), ProgramEnd);
   EXPECT_GE(game.machine.Now(), 40000) << "a line that is down may come back";
+  EXPECT_EQ(game.SoundsSince(), "");
 }
 
 TEST(MessagePumpTest, AKickOfTheOtherSideComesDownHoweverWeak) {

@@ -63,11 +63,13 @@ public:
     Sent.push_back(dynamic_cast<const FakeMessage &>(message).Tag());
   }
   bool Delivered() override { return Takes; }
+  bool Broken() override { return LineDown; }
   void Close() override {}
 
   std::deque<std::shared_ptr<FakeMessage>> Incoming;
   std::vector<std::string> Sent;
   bool Takes = true; ///< the other side acknowledges what is sent
+  bool LineDown = false;
 };
 
 /// A network game at its first possession: that of this computer, the host, or else that of the other, for

@@ -86,7 +86,11 @@ TEST(SessionBreakTest, ASilentLineIsGivenUpAfterFortySeconds) {
   Pair pair;
   const std::int32_t begun = pair.network.machine.Now();
   pair.network.wire.Line().Breaks = {{begun, begun + 1000000}};
-  pair.network.Run(37900); // what came last came up to 2 s before; 10 s of silence, 30 s of a break
+  pair.network.Run(7900); // what came last came up to 2 s before; 10 s of silence, 30 s of a break
+  EXPECT_FALSE(pair.host->Broken() || pair.joiner->Broken());
+  pair.network.Run(2200);
+  EXPECT_TRUE(pair.host->Broken() && pair.joiner->Broken());
+  pair.network.Run(27800);
   EXPECT_EQ(pair.host->GetMessageCount(pair.hostPlayer), 0);
   EXPECT_EQ(pair.joiner->GetMessageCount(pair.joinerPlayer), 0);
   pair.network.Run(2200);
@@ -106,6 +110,30 @@ TEST(SessionBreakTest, ASessionKnowsWhenToBeLookedAtNext) {
     }
   }
   EXPECT_EQ(pair.joiner->Opened()->GetLink().Resumes(), 1);
+  EXPECT_FALSE(pair.host->Broken() || pair.joiner->Broken());
+}
+
+TEST(SessionBreakTest, WhatCameDuringALongDrawEndsTheNextWaitAtOnce) {
+  constexpr std::int32_t LongDrawMs = 5000;
+  for (const bool message : {true, false}) {
+    SCOPED_TRACE(message ? "a message" : "the time for a sign of life");
+    Pair pair;
+    HeadlessMachine &machine = pair.network.machine;
+    const session::Link &link = pair.joiner->Opened()->GetLink();
+    if (message) SendNumber(*pair.host, pair.hostPlayer, 1);
+    const std::int32_t deadline = pair.host->Opened()->NextDeadline().value();
+    Canvas canvas;
+    machine.DrawMs = LongDrawMs;
+    machine.DrawCanvas(canvas);
+    const std::int32_t drawn = machine.Now();
+    ASSERT_GT(drawn, deadline);
+    machine.Wait();
+    EXPECT_EQ(machine.Now(), drawn);
+    EXPECT_EQ(link.Waiting(), message ? 1U : 0U);
+    EXPECT_GT(pair.host->Opened()->NextDeadline().value(), drawn);
+    machine.Wait();
+    EXPECT_GT(machine.Now(), drawn) << "and what is known wakes nobody again";
+  }
 }
 
 TEST(SessionBreakTest, AnIdleSessionStaysUp) {

@@ -221,6 +221,20 @@ TEST(SessionLobbyTest, AHostThatDoesNotAnswerIsGivenUp) {
   EXPECT_LE(network.machine.Now() - begun, 5100);
 }
 
+TEST(SessionLobbyTest, AJoinerWhosePlayerIsNotAcknowledgedIsNotIn) {
+  Network network;
+  const auto host = network.Program("10.0.0.1");
+  const auto joiner = network.Program("10.0.0.2");
+  Host(*host);
+  const auto row = network.Search(*joiner).at(0);
+  joiner->Open(row, DPOPEN_JOIN);
+  const std::int32_t begun = network.machine.Now();
+  network.wire.Line().Breaks = {{begun, begun + 60000}};
+  EXPECT_THROW(joiner->CreatePlayer("Thicket", "Player2", 0, 0), DirectPlayError);
+  EXPECT_LE(network.machine.Now() - begun, 5100);
+  EXPECT_EQ(joiner->Opened(), nullptr);
+}
+
 TEST(SessionLobbyTest, OfTwoWhoJoinTheFirstToMakeItsPlayerPlays) {
   Network network;
   const auto host = network.Program("10.0.0.1");

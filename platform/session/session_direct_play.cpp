@@ -188,11 +188,14 @@ std::int32_t SessionDirectPlay::CreatePlayer(const std::string &, const std::str
   // Who joins later learns of the host by having joined.
   if (isHost_) return player_;
   session_->GetLink().Send(DataKind::Player, {}, machine_.timeGetTime());
-  // Another joiner may have been quicker. Over a line that is down just now it is only told later.
-  Await([&] { return session_->GetLink().AllDelivered(); });
-  if (session_->GetLink().GetState() == Link::State::Lost) {
+  // Only the host's acknowledgement says that this player is in: another joiner may have been quicker.
+  Link &link = session_->GetLink();
+  Await([&] { return link.AllDelivered(); });
+  const bool refused = link.GetState() == Link::State::Lost;
+  if (refused || !link.AllDelivered()) {
     Close();
-    throw DirectPlayError("player: the host plays with another");
+    throw DirectPlayError(refused ? "player: the host plays with another"
+                                  : "player: the host does not acknowledge it");
   }
   return player_;
 }
@@ -242,6 +245,8 @@ bool SessionDirectPlay::Delivered() {
   Poll();
   return !session_ || session_->GetLink().AllDelivered();
 }
+
+bool SessionDirectPlay::Broken() { return session_ && session_->GetLink().GetState() == Link::State::Broken; }
 
 void SessionDirectPlay::Close() {
   if (!session_) return;

@@ -29,6 +29,7 @@ public:
   void Send(std::int32_t from, std::int32_t to, std::int32_t flags,
             const DirectPlayMessage &message) override;
   bool Delivered() override;
+  bool Broken() override;
   void Close() override;
 
   /// The session that is open, for whoever measures it; null if there is none.
