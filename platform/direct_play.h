@@ -138,8 +138,8 @@ public:
   /// Whether all that was sent has reached the other computer, or never will.
   virtual bool Delivered() = 0;
 
-  /// Whether the line to the other computer is down. It may come back; if it doesn't, the other player is lost
-  /// for good.
+  /// Whether the line to the other computer is down. It may come back; if it doesn't, the other player is
+  /// lost for good.
   virtual bool Broken() = 0;
 
   /// Leaves the session at once; nobody can join it any more. What was sent before still goes out, so far as
