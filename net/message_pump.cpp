@@ -170,6 +170,7 @@ void frmSnapwedge::CanIContinue() {
         if (tag == "Continue") return;
         if (tag == "END") OtherSideLeft();
       }
+      ++DroppedMessages; // under its card the other side says nothing else
       machine.Pump();
     } else {
       machine.WaitUntil(machine.ClockIn(NetworkLookMs));

@@ -1,7 +1,9 @@
 #include "tools/netsim/scripted_player.h"
 
 #include <algorithm>
+#include <cstdlib>
 #include <cstring>
+#include <string>
 
 namespace {
 
@@ -10,6 +12,11 @@ constexpr std::uint64_t HashStart = 0xCBF29CE484222325ULL;
 constexpr std::uint64_t HashPrime = 0x100000001B3ULL;
 constexpr float KickFrom = 80.0f; ///< place of the posts, scene units
 constexpr int ThinkMs = 120;      ///< shortest pause between two acts
+constexpr int LongestHoldMs = 3000;
+constexpr float OverchargedFlick = 120.0f;
+constexpr float OverchargedKick = 30.0f;
+const std::string ChatBegins = "well played ";
+const std::string LineIsBroken = "waiting for the other computer ...";
 
 void AddToHash(std::uint64_t &hash, float value) {
   unsigned char bytes[sizeof value];
@@ -20,26 +27,25 @@ void AddToHash(std::uint64_t &hash, float value) {
 } // namespace
 
 void ScriptedPlayer::Look() {
+  letsGo_ = false;
   if (machine_.Shown.empty()) return;
   Listen();
   if (!machine_.Boxes.empty() && machine_.Boxes.back().Title == "Game Over:")
     seen_.Box = machine_.Boxes.back().Text;
+  if (const auto *table = dynamic_cast<frmSnapwedge *>(machine_.FindWindow("frmSnapwedge"))) Read(*table);
   Window &top = *machine_.Shown.back();
   if (top.Name == "frmHome" || top.Name == "frmAway" || top.Name == "frmTie") {
     if (seen_.EndCard.empty()) actAt_ = machine_.ClockIn(Between(300, 4000));
     seen_.EndCard = top.Name;
-    if (auto *table = dynamic_cast<frmSnapwedge *>(machine_.FindWindow("frmSnapwedge"))) {
-      seen_.Rounds = table->Round;
-      seen_.Home = table->HomeScore;
-      seen_.Away = table->AwayScore;
-    }
     if (machine_.ClockReached(actAt_)) machine_.ClickOn(top);
     return;
   }
-  const bool holds = holding_; // a hand on the button watches the meter all the time
-  if (!holds && !machine_.ClockReached(actAt_)) return;
-  if (!holds) actAt_ = machine_.ClockIn(Between(ThinkMs, 6 * ThinkMs));
-  if (auto *table = dynamic_cast<frmSnapwedge *>(&top)) {
+  auto *table = dynamic_cast<frmSnapwedge *>(&top);
+  if (table && hand_ != Hand::Open)
+    return Hold(*table); // a hand on the button watches the meter all the time
+  if (!machine_.ClockReached(actAt_)) return;
+  actAt_ = machine_.ClockIn(Between(ThinkMs, 6 * ThinkMs));
+  if (table) {
     Play(*table);
   } else if (auto *lobby = dynamic_cast<frmNewNet *>(&top)) {
     UseLobby(*lobby);
@@ -55,30 +61,87 @@ void ScriptedPlayer::Look() {
   }
 }
 
+/// What stands on the play window, beside the scene.
+void ScriptedPlayer::Read(const frmSnapwedge &table) {
+  atTable_ = true;
+  seen_.Rounds = table.Round;
+  seen_.Home = table.HomeScore;
+  seen_.Away = table.AwayScore;
+  seen_.Dropped = table.DroppedMessages;
+  if (table.Caption.ends_with(LineIsBroken)) seen_.ToldOfBreak = true;
+  const std::string &line = table.Text1.Text;
+  if (!line.starts_with(ChatBegins)) return;
+  const int number = std::atoi(line.c_str() + ChatBegins.size());
+  if (number != seen_.LinesHeard && number != seen_.LinesHeard + 1) seen_.LineMissing = true;
+  seen_.LinesHeard = number;
+}
+
 void ScriptedPlayer::UseLobby(frmNewNet &lobby) {
+  if (goHome_) return machine_.CloseBox(lobby);
   lobby.Text1.Text = std::to_string(rounds_);
   if (lobby.cmdConnect.Enabled) {
     machine_.Press(lobby.cmdConnect);
   } else if (host_ && lobby.cmdCreate.Enabled) {
     machine_.Press(lobby.cmdCreate);
   } else if (!host_ && lobby.cmdJoin.Enabled) {
-    if (lobby.lstSessions.List.empty()) {
+    const auto &rows = lobby.lstSessions.List;
+    const auto row = std::ranges::find_if(rows, [&](const auto &each) { return each.starts_with(wanted_); });
+    if (row == rows.end()) {
       machine_.Press(lobby.Command4);
     } else {
-      machine_.Select(lobby.lstSessions, 0);
+      machine_.Select(lobby.lstSessions, static_cast<int>(row - rows.begin()));
       machine_.Press(lobby.cmdJoin);
     }
   }
 }
 
-void ScriptedPlayer::Play(frmSnapwedge &table) {
-  if (holding_) {
-    // The meter may have passed its end meanwhile, and the shot be gone.
-    if (table.MouseMode == 1 && table.ProgressBar1.Value < release_) return;
-    holding_ = false;
-    machine_.ReleaseMouse(1);
-    return;
+void ScriptedPlayer::Press() {
+  hand_ = Hand::Pressing;
+  letGoAt_.reset();
+  leaveAt_.reset();
+  machine_.PressMouse(1);
+}
+
+void ScriptedPlayer::Release() {
+  letsGo_ = true;
+  machine_.ReleaseMouse(1);
+}
+
+/// With the left button down.
+void ScriptedPlayer::Hold(frmSnapwedge &table) {
+  if (letGoAt_ || hand_ == Hand::Stale) {
+    if (!letGoAt_) letGoAt_ = machine_.ClockIn(Between(0, LongestHoldMs));
+    if (!machine_.ClockReached(*letGoAt_)) return;
+  } else if (table.MouseMode == 1) {
+    if (leaveAt_ && table.ProgressBar1.Value >= *leaveAt_) {
+      ++seen_.LeftInCharge;
+      machine_.LoseFocus();
+      hand_ = Between(0, 1) == 1 ? Hand::Stale : Hand::Open; // let go over here again, or over there
+      return;
+    }
+    if (table.ProgressBar1.Value < release_) return;
   }
+  // Or the meter has passed its end meanwhile, and the shot is gone.
+  Release();
+  if (hand_ == Hand::Stale) letsGo_ = false;
+  hand_ = Hand::Open;
+}
+
+void ScriptedPlayer::SeeShotSent(float force) {
+  ++seen_.ShotsSent;
+  const bool overcharged = force == OverchargedFlick || force == OverchargedKick;
+  if (!letsGo_ && !(overcharged && hand_ == Hand::Pressing)) ++seen_.ShotsWithoutHand;
+}
+
+/// The window has been repainted: a card has come up.
+void ScriptedPlayer::SeeCard() {
+  const auto *table = dynamic_cast<frmSnapwedge *>(machine_.FindWindow("frmSnapwedge"));
+  if (!table || table->CardIsTold || hand_ != Hand::Pressing) return;
+  if (!letGoAt_) ++seen_.CardsInCharge;
+  hand_ = Hand::Stale;
+}
+
+void ScriptedPlayer::Play(frmSnapwedge &table) {
   if (quitAt_ && machine_.ClockReached(*quitAt_) && machine_.Focus == &table.RMCanvas1) {
     seen_.Quit = true;
     const bool inFlight = table.NoShot && !table.KickMode;
@@ -88,7 +151,7 @@ void ScriptedPlayer::Play(frmSnapwedge &table) {
   }
   if (Fidget(table)) return;
   if (machine_.Focus == &table.Text2) {
-    machine_.Type(Between(0, 3) ? "well played\r" : "\r");
+    machine_.Type(Between(0, 3) ? ChatBegins + std::to_string(++seen_.LinesSaid) + "\r" : "\r");
     return;
   }
   if (!table.MouseGate()) return;
@@ -111,11 +174,12 @@ void ScriptedPlayer::Play(frmSnapwedge &table) {
   }
   if (!table.KickMode) ++attempt_;
   aimed_ = false;
-  machine_.PressMouse(1);
+  Press();
   if (release_ == 0.0f) {
-    machine_.ReleaseMouse(1); // a click shorter than a frame
-  } else {
-    holding_ = true;
+    Release(); // a click shorter than a frame
+    hand_ = Hand::Open;
+  } else if (Between(0, 11) == 0) {
+    leaveAt_ = static_cast<float>(8 * Between(1, 11));
   }
 }
 
@@ -137,15 +201,18 @@ bool ScriptedPlayer::Fidget(frmSnapwedge &table) {
     orbits_ = !orbits_;
     if (orbits_) {
       machine_.PressMouse(2);
-      machine_.MoveMouse(Between(-60, 60), Between(-30, 30));
+      MoveMouse(60, 30);
     } else {
       machine_.ReleaseMouse(2);
     }
     return true;
   case 4:
     if (table.MouseGate()) return false;
-    machine_.PressMouse(1); // out of turn, and maybe let go in turn
-    holding_ = true;
+    Press(); // out of turn, and maybe let go in turn
+    letGoAt_ = machine_.ClockIn(Between(0, LongestHoldMs));
+    return true;
+  case 5:
+    machine_.LoseFocus();
     return true;
   default:
     return false;
@@ -162,7 +229,15 @@ void ScriptedPlayer::Aim(const frmSnapwedge &table) {
   if (table.KickMode) planned_ = Between(0, 2) > 0;
   if (planned_) return;
   const int reach = Between(0, 9) == 0 ? 500 : 40;
-  machine_.MoveMouse(Between(-reach, reach), Between(-20, 20));
+  MoveMouse(reach, 20);
+}
+
+/// Anywhere within so many pixels to all sides.
+void ScriptedPlayer::MoveMouse(int reachX, int reachY) {
+  // One draw after the other: a compiler chooses in which order it evaluates arguments.
+  const int dx = Between(-reachX, reachX);
+  const int dy = Between(-reachY, reachY);
+  machine_.MoveMouse(dx, dy);
 }
 
 void ScriptedPlayer::Listen() {

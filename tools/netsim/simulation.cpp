@@ -6,13 +6,40 @@
 #include "tools/netsim/scripted_player.h"
 
 #include <algorithm>
+#include <bit>
 #include <stdexcept>
 
 namespace {
 
 // Longest match on the virtual clock, all breaks and pauses included.
-constexpr std::int32_t LongestRoundMs = 300000;
+constexpr std::int32_t LongestRoundMs = 900000;
 constexpr std::int32_t LongestRestMs = 300000;
+
+// Of a 64-bit FNV-1a hash.
+constexpr std::uint64_t HashStart = 0xCBF29CE484222325ULL;
+constexpr std::uint64_t HashPrime = 0x100000001B3ULL;
+
+/// A network that shows its player the shots that go out.
+class WatchedPlay : public session::SessionDirectPlay {
+public:
+  WatchedPlay(Machine &machine, std::shared_ptr<session::Transport> transport, ScriptedPlayer &player)
+      : SessionDirectPlay(machine, std::move(transport)), player_(player) {}
+
+  void Send(std::int32_t from, std::int32_t to, std::int32_t flags,
+            const DirectPlayMessage &message) override {
+    auto copy =
+        session::SessionMessage::Decode(dynamic_cast<const session::SessionMessage &>(message).Encode());
+    const std::string tag = copy.ReadString();
+    if (tag == "Flick" || tag == "Goal") {
+      for (int place = 0; place < 3; ++place) copy.ReadSingle();
+      player_.SeeShotSent(copy.ReadSingle());
+    }
+    SessionDirectPlay::Send(from, to, flags, message);
+  }
+
+private:
+  ScriptedPlayer &player_;
+};
 
 /// One computer with its program and its player.
 struct Computer {
@@ -21,7 +48,7 @@ struct Computer {
       : address(std::move(at)), machine(game), program(machine), player(machine, host, rounds, seed),
         wire(line), fibre([this] { RunProgram(machine, program); }) {
     machine.MakeDirectPlay = [this] {
-      const auto made = std::make_shared<session::SessionDirectPlay>(machine, wire.Plug(address));
+      const auto made = std::make_shared<WatchedPlay>(machine, wire.Plug(address), player);
       play = made;
       return made;
     };
@@ -63,7 +90,18 @@ std::string CompareShots(const std::string &what, const std::vector<Shot> &host,
   return what + " " + std::to_string(first - host.begin() + 1) + " differs";
 }
 
+/// What would be wrong on either side whatever the other saw.
+std::string CheckSide(const SeenMatch &side) {
+  if (side.ShotsWithoutHand > 0) return "a shot was sent that no hand let go";
+  if (side.Dropped > 0) return "a message was dropped";
+  if (side.LineMissing) return "a chat line was lost";
+  return {};
+}
+
 std::string Compare(const SeenMatch &host, const SeenMatch &joiner) {
+  for (const SeenMatch *side : {&host, &joiner}) {
+    if (const auto wrong = CheckSide(*side); !wrong.empty()) return wrong;
+  }
   if (const auto flick = CompareShots("flick", host.Flicks, joiner.Flicks); !flick.empty()) return flick;
   if (const auto kick = CompareShots("kick", host.Kicks, joiner.Kicks); !kick.empty()) return kick;
   if (host.Quit || joiner.Quit) {
@@ -86,6 +124,21 @@ std::string Compare(const SeenMatch &host, const SeenMatch &joiner) {
   return {};
 }
 
+/// One computer in three plays against one that is ten times as fast or as slow, the others are about alike.
+template <class Between> void ChooseSpeeds(Conditions &under, Between between) {
+  under.TenTimesApart = between(0, 2) == 0;
+  if (under.TenTimesApart) {
+    const std::int32_t quick = between(3, 30);
+    const bool hostIsQuick = between(0, 1) == 1;
+    under.HostDrawMs = hostIsQuick ? quick : 10 * quick;
+    under.JoinerDrawMs = hostIsQuick ? 10 * quick : quick;
+    return;
+  }
+  for (std::int32_t *draw : {&under.HostDrawMs, &under.JoinerDrawMs}) {
+    if (between(0, 1) == 1) *draw = between(0, 60);
+  }
+}
+
 } // namespace
 
 SimulatedMatch Simulate(const std::filesystem::path &game, std::uint32_t seed, int rounds) {
@@ -97,11 +150,12 @@ SimulatedMatch Simulate(const std::filesystem::path &game, std::uint32_t seed, i
   std::int32_t now = 0;
   FaultyWire wire([&now] { return now; }, random());
   SimulatedMatch match;
+  Conditions &under = match.Under;
 
   FaultyWire::Quality &line = wire.Line();
-  line.LatencyMs = between(1, 150);
-  line.JitterMs = between(0, 80);
-  if (between(0, 1) == 1) line.Loss = 0.01 * between(1, 12);
+  line.LatencyMs = under.LatencyMs = between(1, 150);
+  line.JitterMs = under.JitterMs = between(0, 80);
+  if (between(0, 1) == 1) line.Loss = under.Loss = 0.01 * between(1, 12);
   if (between(0, 2) == 0) {
     // One after the other, with time between them to come together again: thirty seconds without a line end a
     // match.
@@ -118,13 +172,20 @@ SimulatedMatch Simulate(const std::filesystem::path &game, std::uint32_t seed, i
   Computer host(game, wire, "10.0.0.1", true, rounds, random());
   // The joiner's own number of rounds doesn't count.
   Computer joiner(game, wire, "10.0.0.2", false, rounds + 2, random());
-  host.machine.DrawMs = between(0, 1) * between(0, 60);
-  joiner.machine.DrawMs = between(0, 1) * between(0, 60);
+  ChooseSpeeds(under, between);
+  host.machine.DrawMs = under.HostDrawMs;
+  joiner.machine.DrawMs = under.JoinerDrawMs;
   host.machine.Seed = random();
   joiner.machine.Seed = random();
-  // Somebody has enough in a match of eight, sometimes both.
+  // Somebody has enough in a match of eight, sometimes both, and sometimes both at once.
   for (Computer *computer : {&host, &joiner}) {
     if (between(0, 15) == 0) computer->player.QuitAt(between(5000, 60000));
+  }
+  under.LeaveAtOnce = between(0, 39) == 0;
+  if (under.LeaveAtOnce) {
+    const std::int32_t moment = between(10000, 60000);
+    host.player.QuitAt(moment);
+    joiner.player.QuitAt(moment);
   }
 
   const std::int32_t longest = LongestRestMs + rounds * LongestRoundMs;
@@ -140,6 +201,11 @@ SimulatedMatch Simulate(const std::filesystem::path &game, std::uint32_t seed, i
     }
     next->machine.SetNow(now);
     next->fibre.Resume();
+    // Over a line that broke in the moment of joining the host alone may have taken the match for begun.
+    if (host.fibre.Done() && !joiner.player.AtTable()) {
+      match.NeverMet = true;
+      joiner.player.GoHome();
+    }
   }
   match.Host = host.player.Seen();
   match.Joiner = joiner.player.Seen();
@@ -147,6 +213,28 @@ SimulatedMatch Simulate(const std::filesystem::path &game, std::uint32_t seed, i
   match.Break = !line.Breaks.empty() && line.Breaks.front().From < now;
   match.Reconnects = std::max(host.reconnects, joiner.reconnects);
   match.VirtualMs = now;
-  match.Disagreement = Compare(match.Host, match.Joiner);
+  const bool badLine = line.Loss > 0 || !line.Breaks.empty() || match.Line.CutStreams > 0;
+  if (!match.NeverMet) {
+    match.Disagreement = Compare(match.Host, match.Joiner);
+  } else if (!badLine && !match.Host.Quit) {
+    match.Disagreement = "on a good line the two didn't meet";
+  }
   return match;
+}
+
+std::uint64_t SimulatedMatch::Digest() const {
+  std::uint64_t hash = HashStart;
+  const auto add = [&hash](std::uint64_t value) {
+    for (int byte = 0; byte < 8; ++byte, value >>= 8) hash = (hash ^ (value & 0xFF)) * HashPrime;
+  };
+  for (const SeenMatch *side : {&Host, &Joiner}) {
+    for (const std::uint64_t flick : side->Flicks) add(flick);
+    for (const float kick : side->Kicks) add(std::bit_cast<std::uint32_t>(kick));
+    for (const int number : {side->Rounds, side->Home, side->Away, side->LinesSaid, side->LinesHeard}) {
+      add(static_cast<std::uint64_t>(number));
+    }
+  }
+  add(static_cast<std::uint64_t>(Line.Packets));
+  add(static_cast<std::uint64_t>(VirtualMs));
+  return hash;
 }
