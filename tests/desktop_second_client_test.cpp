@@ -1,0 +1,140 @@
+// The game against a client that was written from docs/protocol.md alone: in both roles both must see every
+// flick come to rest at the same place, to the bit, and the same score at the end.
+
+#include "front/run_program.h"
+#include "platform/desktop/asio/asio_network.h"
+#include "tests/game_kit.h"
+#include "tools/netsim/scripted_player.h"
+
+#include <gtest/gtest.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <bit>
+#include <chrono>
+#include <cstdint>
+#include <future>
+#include <iomanip>
+#include <sstream>
+#include <thread>
+
+namespace {
+
+constexpr int Speed = 10; ///< the machine's clock runs so many times as fast as the wall's
+constexpr int Rounds = 3;
+
+/// The machine of memory on a quick clock, with a real network.
+class QuickMachine : public HeadlessMachine {
+public:
+  QuickMachine() : HeadlessMachine(SNAPWEDGE_GAME_DIR) {
+    MakeDirectPlay = [this] { return CreateAsioDirectPlay(*this); };
+    Sleeper = [this](std::int32_t) {
+      std::this_thread::sleep_for(std::chrono::milliseconds(1));
+      const auto since = std::chrono::steady_clock::now() - begun_;
+      const auto elapsed = std::chrono::duration_cast<std::chrono::milliseconds>(since).count();
+      SetNow(static_cast<std::int32_t>(Speed * elapsed));
+    };
+  }
+
+private:
+  std::chrono::steady_clock::time_point begun_ = std::chrono::steady_clock::now();
+};
+
+/// Runs the client and returns what it printed, a line each, and its exit status last.
+std::vector<std::string> RunClient(const std::string &arguments) {
+  const std::string command = "python3 " SNAPWEDGE_TESTS_DIR "/second_client.py " + arguments + " 2>&1";
+  std::vector<std::string> lines(1);
+  FILE *client = popen(command.c_str(), "r");
+  for (int letter = fgetc(client); letter != EOF; letter = fgetc(client)) {
+    if (letter == '\n') {
+      lines.emplace_back();
+    } else {
+      lines.back() += static_cast<char>(letter);
+    }
+  }
+  lines.back() += "status " + std::to_string(pclose(client));
+  return lines;
+}
+
+/// The program, its player, and what is seen on its screen.
+struct Real {
+  Real(bool host, const std::string &session)
+      : program(machine), player(machine, host, Rounds, 1), name(session) {
+    player.LookFor(session);
+    machine.Player = [this, act = machine.Player] {
+      Prepare();
+      act();
+      Watch();
+    };
+  }
+
+  /// In the lobby: the connection within this computer, and a name that no other test has.
+  void Prepare() {
+    auto *lobby = dynamic_cast<frmNewNet *>(machine.FindWindow("frmNewNet"));
+    if (!lobby) return;
+    lobby->lstConnections.ListIndex = 0;
+    lobby->txtName.Text = name;
+  }
+
+  void Watch() {
+    const auto *table = dynamic_cast<frmSnapwedge *>(machine.FindWindow("frmSnapwedge"));
+    for (; heard < machine.Sounds.size(); ++heard)
+      flying = flying || machine.Sounds[heard] == "play swoosh.daw";
+    if (!table || !flying || table->NoShot) return;
+    flying = false;
+    Vector place;
+    table->PieceFrame->GetPosition(table->RMCanvas1.SceneFrame, place);
+    std::ostringstream line;
+    line << std::hex << std::uppercase << std::setfill('0') << "flick";
+    if (place.y < 0.0f) {
+      line << " fell";
+    } else {
+      for (const float part : {place.x, place.z})
+        line << ' ' << std::setw(8) << std::bit_cast<std::uint32_t>(part);
+    }
+    flicks.push_back(line.str());
+  }
+
+  QuickMachine machine;
+  Program program;
+  ScriptedPlayer player;
+  std::string name;
+  std::size_t heard = 0;
+  bool flying = false;
+  std::vector<std::string> flicks;
+};
+
+/// A whole match; `role` is the client's.
+void PlayAgainstClient(const std::string &role, const std::string &options) {
+  Game().SetUp(); // reads the models: on a quick clock that would take longer than a line may be silent
+  const std::string session = "second-" + std::to_string(getpid());
+  const std::string numbers = " --rounds " + std::to_string(Rounds) + " --speed " + std::to_string(Speed);
+  auto client = std::async(std::launch::async, RunClient, role + ' ' + session + ' ' + options + numbers);
+  Real real(role == "join", session);
+  RunProgram(real.machine, real.program);
+  const SeenMatch seen = real.player.Seen();
+  const std::vector<std::string> printed = client.get();
+  std::string all;
+  std::vector<std::string> flicks;
+  for (const std::string &line : printed) {
+    all += line + '\n';
+    if (line.starts_with("flick")) flicks.push_back(line);
+  }
+  SCOPED_TRACE(all);
+  EXPECT_EQ(flicks, real.flicks);
+  EXPECT_EQ(printed.back(), "status 0");
+  const std::string score = "score " + std::to_string(seen.Away) + ' ' + std::to_string(seen.Home);
+  EXPECT_NE(std::ranges::find(printed, score), printed.end()) << "is missing: " << score;
+  EXPECT_EQ(seen.Rounds, Rounds);
+  EXPECT_FALSE(seen.EndCard.empty());
+  EXPECT_EQ(seen.Dropped, 0);
+  EXPECT_EQ(seen.Box, "");
+}
+
+TEST(SecondClientTest, AClientOfTheDocumentAloneJoins) { PlayAgainstClient("join", "--seed 1"); }
+
+TEST(SecondClientTest, AClientOfTheDocumentAloneHostsOverALineThatItBreaks) {
+  PlayAgainstClient("host", "--seed 2 --cut 9");
+}
+
+} // namespace
