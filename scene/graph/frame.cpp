@@ -206,6 +206,7 @@ void Direct3DRMFrame3::GetOrientation(const Ref<Direct3DRMFrame3> &ref, Vector &
 void Direct3DRMFrame3::LookAt(const Ref<Direct3DRMFrame3> &target, const Ref<Direct3DRMFrame3> &ref,
                               std::int32_t constraint) {
   if (constraint != D3DRMCONSTRAIN_Z) throw SceneError("a frame can look at another without roll only");
+  lookedAt_ = target;
   const Wide toTarget = Minus(Widen(target->World().Origin), Widen(World().Origin));
   const double distance = std::sqrt(Dot(toTarget, toTarget));
   if (!(distance > 0.0)) return; // nowhere to look

@@ -84,6 +84,9 @@ public:
   std::span<const Ref<Direct3DRMFrame3>> Children() const { return children_; }
   std::span<const Ref<Direct3DRMMeshBuilder3>> Visuals() const { return visuals_; }
   Transform World() const; ///< this frame in the scene
+  Ref<Direct3DRMFrame3> LookedAt() const {
+    return lookedAt_.lock();
+  } ///< the target of the last `LookAt`, or null
 
 private:
   friend class Direct3DRM3;
@@ -99,6 +102,7 @@ private:
   std::vector<Ref<Direct3DRMMeshBuilder3>> visuals_;
   Transform local_; ///< in the parent
 
+  std::weak_ptr<Direct3DRMFrame3> lookedAt_;
   std::weak_ptr<Direct3DRMFrame3> rotationRef_;
   Vector rotationAxis_;
   float rotationTheta_ = 0;

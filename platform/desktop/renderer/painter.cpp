@@ -8,13 +8,12 @@
 
 namespace {
 
-constexpr float ViewAngle = 54.0f; ///< degrees from the picture's bottom to its top
 constexpr float FogColor[] = {0.84f, 0.71f, 0.81f};
 constexpr float FogDistance = 900.0f; ///< scene units at which about a third of a colour is left
 
 /// Left-handed, with the view along +z, and upside down: rows are read back from the bottom.
-QMatrix4x4 Projection(float aspect, float back) {
-  const float focus = 1.0f / std::tan(ViewAngle * 3.14159265f / 360.0f);
+QMatrix4x4 Projection(float height, float aspect, float back) {
+  const float focus = 2.0f / height;
   QMatrix4x4 projection;
   projection.fill(0);
   projection(0, 0) = focus / aspect;
@@ -27,13 +26,14 @@ QMatrix4x4 Projection(float aspect, float back) {
 
 } // namespace
 
-Painter::Painter(Gl &gl, const PaintQuality &quality)
-    : gl_(gl), quality_(quality), store_(gl, quality.Anisotropy), shadows_(gl, quality.ShadowSize),
-      backdrop_(gl) {}
+Painter::Painter(Gl &gl, const PaintQuality &quality, Lens &lens)
+    : gl_(gl), quality_(quality), lens_(lens), store_(gl, quality.Anisotropy),
+      shadows_(gl, quality.ShadowSize), backdrop_(gl) {}
 
 Painter::~Painter() = default;
 
-bool Painter::Paint(std::span<const Placed> placed, const Transform &camera, float back, QImage &picture) {
+bool Painter::Paint(std::span<const Placed> placed, const Direct3DRMFrame3 &camera, float back,
+                    QImage &picture) {
   const QSize size = picture.size();
   if (!target_ || target_->Size() != size) {
     target_ = std::make_unique<FrameBuffer>(gl_, size, quality_.Samples);
@@ -41,10 +41,12 @@ bool Painter::Paint(std::span<const Placed> placed, const Transform &camera, flo
   }
 
   std::vector<Item> items, grounds;
+  std::vector<Seen> seen;
   for (const Placed &each : placed) {
     GpuMesh &mesh = store_.Mesh(*each.Mesh);
     mesh.Upload(**each.Mesh, each.Place);
     items.push_back({each, &mesh, Moved(mesh.Box(), each.Place), false});
+    seen.push_back({each.Frame, each.Place, mesh.Box()});
   }
   // What is small lies in front of what is large: what it hides needn't be shaded.
   std::ranges::stable_sort(items, {}, [](const Item &item) { return item.Box.Extent(); });
@@ -55,10 +57,10 @@ bool Painter::Paint(std::span<const Placed> placed, const Transform &camera, flo
   gl_.glDisable(GL_CULL_FACE);
   const bool shadowsMoved = shadows_.Update(items, grounds);
 
-  const QMatrix4x4 projection =
-      Projection(static_cast<float>(size.width()) / static_cast<float>(size.height()), back);
-  toClip_ = projection * MatrixOf(camera).inverted();
-  camera_ = QVector3D(camera.Origin.x, camera.Origin.y, camera.Origin.z);
+  const float aspect = static_cast<float>(size.width()) / static_cast<float>(size.height());
+  const View view = lens_.Next(camera, seen, aspect);
+  toClip_ = Projection(view.Height, aspect, back) * MatrixOf(view.Camera).inverted();
+  camera_ = QVector3D(view.Camera.Origin.x, view.Camera.Origin.y, view.Camera.Origin.z);
   const std::vector<QRect> parts = damage_.Parts(items, shadows_.Regions(), shadowsMoved, toClip_, size);
   for (const QRect &part : parts) DrawPart(items, grounds, part);
   for (const QRect &part : parts) target_->Read(picture, part);
@@ -79,7 +81,7 @@ void Painter::DrawPart(std::span<const Item> items, std::span<const Item> ground
   for (const Item &item : items) {
     if (!item.Ground) {
       DrawItem(item, 0);
-    } else if (!groundDrawn && IsWide(item)) {
+    } else if (!groundDrawn && IsWide(item.Mesh->Box())) {
       groundDrawn = true;
       DrawGrounds(grounds, part);
     }

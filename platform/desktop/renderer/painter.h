@@ -6,6 +6,7 @@
 #include "platform/desktop/renderer/damage.h"
 #include "platform/desktop/renderer/frame_buffer.h"
 #include "platform/desktop/renderer/gpu_store.h"
+#include "platform/desktop/renderer/lens.h"
 #include "platform/desktop/renderer/shadows.h"
 
 #include <map>
@@ -22,16 +23,17 @@ struct PaintQuality {
 
 class Painter {
 public:
-  Painter(Gl &gl, const PaintQuality &quality);
+  /// @param lens  frames every picture; outlives the painter
+  Painter(Gl &gl, const PaintQuality &quality, Lens &lens);
   ~Painter();
   Painter(const Painter &) = delete;
   Painter &operator=(const Painter &) = delete;
 
-  /// @param camera  where it stands; it looks along its z
+  /// @param camera  where it stands; the lens chooses what it shows
   /// @param back    distance of the far clipping plane, scene units
   /// @param picture is drawn into, Format_RGB32; holds the last picture, of which what hasn't changed stays
   /// @return whether anything has changed
-  bool Paint(std::span<const Placed> placed, const Transform &camera, float back, QImage &picture);
+  bool Paint(std::span<const Placed> placed, const Direct3DRMFrame3 &camera, float back, QImage &picture);
 
   /// The next picture is drawn as a whole.
   void Forget() { damage_.Forget(); }
@@ -46,6 +48,7 @@ private:
 
   Gl &gl_;
   PaintQuality quality_;
+  Lens &lens_;
   GpuStore store_;
   Shadows shadows_;
   Backdrop backdrop_;

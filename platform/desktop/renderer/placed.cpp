@@ -49,6 +49,12 @@ Bounds Moved(const Bounds &box, const Transform &t) {
   return around;
 }
 
+bool IsWide(const Bounds &box) {
+  const float x = box.High.x - box.Low.x, z = box.High.z - box.Low.z;
+  return std::min(x, z) > LargestThing && box.Extent() < LargestGround &&
+         box.High.y - box.Low.y < LargestThing;
+}
+
 bool Outside(const Bounds &box, const QMatrix4x4 &toClip) {
   int beyond[6] = {};
   for (int corner = 0; corner < 8; ++corner) {

@@ -12,6 +12,9 @@
 
 constexpr float NearPlane = 1.0f; ///< scene units from the camera to the nearest that shows
 
+constexpr float LargestThing = 60.0f;   ///< scene units: a mesh of a larger extent is a place
+constexpr float LargestGround = 260.0f; ///< and of a yet larger one no ground to stand on
+
 /// A box around vertices.
 struct Bounds {
   Vector Low, High;
@@ -37,6 +40,9 @@ QMatrix4x4 MatrixOf(const Transform &t);
 
 /// A box around a box that is moved and turned.
 Bounds Moved(const Bounds &box, const Transform &t);
+
+/// Whether the box of a mesh, in its own frame, is flat and wide as the table is: no thing, and no place as large as the stadium.
+bool IsWide(const Bounds &box);
 
 /// Whether a box lies outside what shows: all of its corners beyond one plane.
 bool Outside(const Bounds &box, const QMatrix4x4 &toClip);

@@ -29,7 +29,7 @@ public:
       : asked_(quality), level_(quality == Quality::Low ? Quality::Low : Quality::Full) {
     OpenContext();
     if (asked_ == Quality::Measured && DrawsInSoftware()) level_ = Quality::Low;
-    painter_ = std::make_unique<Painter>(*gl_, Paint());
+    painter_ = std::make_unique<Painter>(*gl_, Paint(), lens_);
   }
 
   ~Drawing() {
@@ -40,7 +40,7 @@ public:
 
   bool Draw(const RMCanvas &canvas, QSize size) {
     if (size.isEmpty()) return false;
-    if (picture_.size() == size && canvas.RootObject->Revision() == drawnRevision_ &&
+    if (lens_.Settled() && picture_.size() == size && canvas.RootObject->Revision() == drawnRevision_ &&
         drawnRoot_ == canvas.RootObject) {
       return false;
     }
@@ -53,7 +53,7 @@ public:
     if (!context_.makeCurrent(&surface_)) throw RendererError("the OpenGL context has been lost");
     if (picture_.size() != size) picture_ = QImage(size, QImage::Format_RGB32);
     if (Measuring()) painter_->Forget(); // a part of a picture would tell nothing
-    if (!painter_->Paint(Collect(*canvas.SceneFrame), canvas.CameraFrame->World(), canvas.Viewport->GetBack(),
+    if (!painter_->Paint(Collect(*canvas.SceneFrame), *canvas.CameraFrame, canvas.Viewport->GetBack(),
                          picture_)) {
       return false;
     }
@@ -120,7 +120,7 @@ private:
     if (level_ == Quality::Full ? middle <= SlowPicture : middle > QuickPicture) return;
     level_ = level_ == Quality::Full ? Quality::Low : Quality::Full;
     painter_.reset();
-    painter_ = std::make_unique<Painter>(*gl_, Paint());
+    painter_ = std::make_unique<Painter>(*gl_, Paint(), lens_);
   }
 
   Quality asked_;
@@ -128,6 +128,7 @@ private:
   QOpenGLContext context_;
   QOffscreenSurface surface_;
   Gl *gl_ = nullptr;
+  Lens lens_;
   std::unique_ptr<Painter> painter_;
   QImage picture_;
 

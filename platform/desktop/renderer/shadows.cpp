@@ -10,10 +10,6 @@ namespace {
 constexpr float Reach = 118.0f;  ///< scene units from the middle that the map covers
 constexpr float Height = 120.0f; ///< of what throws shadows
 
-/// A mesh of a larger extent is a place, not a thing, and throws no shadow.
-constexpr float LargestThing = 60.0f;
-constexpr float LargestGround = 260.0f;
-
 constexpr float Softness = 0.22f; ///< scene units, of a thing on the ground
 constexpr float SoftnessPerRise = 0.022f;
 constexpr float LargestSoftness = 1.6f;
@@ -52,19 +48,13 @@ bool Overlap(const Bounds &a, const Bounds &b) {
 
 } // namespace
 
-bool IsWide(const Item &item) {
-  // The mesh's own box: that of a long thin mesh which has turned is wide.
-  const Bounds &box = item.Mesh->Box();
-  const auto [narrower, wider] = std::minmax({box.High.x - box.Low.x, box.High.z - box.Low.z});
-  return narrower > LargestThing && wider < LargestGround && box.High.y - box.Low.y < LargestThing;
-}
-
 void MarkGround(std::span<Item> items) {
   for (Item &item : items) {
     const auto carries = [&](const Item &each) {
-      return IsWide(each) && each.Where.Frame == item.Where.Frame;
+      return IsWide(each.Mesh->Box()) && each.Where.Frame == item.Where.Frame;
     };
-    item.Ground = IsWide(item) || (item.Box.Extent() <= LargestThing && std::ranges::any_of(items, carries));
+    item.Ground = IsWide(item.Mesh->Box()) ||
+                  (item.Box.Extent() <= LargestThing && std::ranges::any_of(items, carries));
   }
 }
 

@@ -67,8 +67,5 @@ private:
   std::vector<QRect> used_; ///< parts of the map that hold more than the greatest depth
 };
 
-/// Whether a mesh is flat, and wide both ways: shadows on it show where things are.
-bool IsWide(const Item &item);
-
 /// Marks what is wide, and what lies on it in the same frame.
 void MarkGround(std::span<Item> items);

@@ -1,0 +1,229 @@
+// What the camera's lens shows: the piece is always found, and with it what the shot is about.
+
+#include "platform/desktop/renderer/lens.h"
+#include "tests/game_kit.h"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <functional>
+#include <map>
+
+namespace {
+
+constexpr float PictureWidth = 417.0f, PictureHeight = 361.0f; // of the canvas, pixels
+constexpr float PieceWidth = 10.0f;                            // scene units
+
+/// The game with a lens before its scene, which takes a picture at every update.
+struct Shot {
+  explicit Shot(const char *mode = "Human") {
+    game.program.GameMode = mode;
+    game.SetUp();
+    game.machine.OnDraw = [this](Canvas &) { Take(); };
+  }
+
+  void Take() {
+    const auto &scene = *game.window.RMCanvas1.SceneFrame;
+    std::vector<Seen> seen;
+    for (const Placed &placed : Collect(scene)) {
+      const auto &mesh = *placed.Mesh;
+      auto [box, isNew] = boxes.try_emplace(mesh.get(), Bounds(mesh->Data().Positions.front()));
+      for (std::size_t i = 0; isNew && i < mesh->Data().Positions.size(); ++i)
+        box->second.Widen(mesh->Data().Positions[i]);
+      seen.push_back({placed.Frame, placed.Place, box->second});
+    }
+    view = lens.Next(*game.window.CameraFrame, seen, PictureWidth / PictureHeight);
+    if (onPicture) onPicture();
+  }
+
+  void Settle() {
+    do Take();
+    while (!lens.Settled());
+  }
+
+  /// Where a place shows: -1 to 1 from left to right and from bottom to top; outside that, beside the
+  /// picture.
+  QVector3D At(const Vector &place) const {
+    const QVector3D p = MatrixOf(view.Camera).inverted().map(QVector3D(place.x, place.y, place.z));
+    const float half = view.Height / 2;
+    return {p.x() / p.z() / half * PictureHeight / PictureWidth, p.y() / p.z() / half, p.z()};
+  }
+  bool Shows(const Vector &place) const {
+    const QVector3D at = At(place);
+    return at.z() > 0 && std::abs(at.x()) <= 1 && std::abs(at.y()) <= 1;
+  }
+  Vector Piece() const { return game.window.PieceFrame->World().Origin; }
+  float PieceDistance() const { return At(Piece()).z(); }
+  /// Width of the piece, seen across, in pixels of a canvas at scale 1.
+  float PiecePixels() const { return PieceWidth / PieceDistance() / view.Height * PictureHeight; }
+
+  bool PostsShow() const {
+    const Vector bar = game.window.GoalFrame->World().Origin;
+    return Shows({bar.x - 14, bar.y, bar.z}) && Shows({bar.x + 14, bar.y, bar.z});
+  }
+
+  void Put(float x, float z) {
+    for (const auto &frame : {game.window.PieceFrame, game.window.AimFrame})
+      frame->SetPosition(game.window.RMCanvas1.SceneFrame, x, 0, z);
+  }
+  void Camera(float x, float y, float z) {
+    game.window.CameraFrame->SetPosition(game.window.RMCanvas1.SceneFrame, x, y, z);
+    game.window.LookCam();
+  }
+
+  Game game;
+  Lens lens;
+  View view;
+  std::map<const Direct3DRMMeshBuilder3 *, Bounds> boxes;
+  std::function<void()> onPicture;
+};
+
+TEST(LensTest, EverySituationShowsWhatItIsAbout) {
+  constexpr Vector FarEdge{0, -0.5f, -88}, Bonus{0, -0.5f, -79.2f};
+  struct Row {
+    const char *name;
+    float pieceX, pieceZ, cameraX, cameraY, cameraZ;
+    float leastPixels;       ///< width of the piece
+    bool posts, edge, bonus; ///< shown whole
+    bool aims = true;        ///< its aim shows with it
+  };
+  const Row rows[] = {
+      {"start of a possession", 0, 85, 0, 10, 120, 100, true, true, true},
+      {"second attempt", 3, -40, 8, 12, -5, 100, false, true, true},
+      {"far away, as a first flick of 96 ends", 0, -69.6f, 0, 10, 120, 60, true, true, true, false},
+      {"half way", -6, 30, 0, 10, 120, 75, true, true, true, false},
+      {"sideline, start", 0, 85, 100, 20, 0, 60, false, false, false},
+      {"sideline, far end", 4, -70, 100, 20, 0, 60, false, true, true, false},
+      {"win camera, overhang", 10, -86, 88, 30, -88, 80, false, true, true, false},
+      {"win camera, overhang far off", -80, -86, -88, 30, -88, 80, false, false, false, false},
+      {"win camera, a gap of 20", 10, -66, 88, 30, -88, 80, false, true, true, false},
+      {"close-up at the far edge", -20, -86, -15, 20, -67, 80, false, false, false, false},
+      {"orbit, low at a near corner", 0, 85, 130, 5, 130, 55, false, false, false},
+      {"orbit, high at the far side", 0, -20, -40, 30, -130, 70, false, false, false},
+      {"farthest orbit", 0, 85, 0, 30, -130, 50, false, false, false},
+  };
+  for (const Row &row : rows) {
+    SCOPED_TRACE(row.name);
+    Shot shot;
+    shot.Put(row.pieceX, row.pieceZ);
+    shot.Camera(row.cameraX, row.cameraY, row.cameraZ);
+    if (!row.aims) shot.game.window.ArrowFrame->DeleteVisual(shot.game.window.ArrowMesh);
+    shot.Settle();
+    EXPECT_GE(shot.PiecePixels(), row.leastPixels);
+    const QVector3D piece = shot.At(shot.Piece());
+    EXPECT_LT(std::abs(piece.x()), 0.5f) << "under a card";
+    EXPECT_GT(piece.y(), -0.8f);
+    EXPECT_LT(piece.y(), -0.1f) << "not in the lower part";
+    EXPECT_TRUE(!row.posts || shot.PostsShow());
+    EXPECT_TRUE(!row.edge || shot.Shows({row.pieceX, FarEdge.y, FarEdge.z}));
+    EXPECT_TRUE(!row.bonus || shot.Shows(Bonus));
+  }
+}
+
+TEST(LensTest, ThePieceIsFoundInEveryPictureOfAShot) {
+  struct Row {
+    const char *name, *mode;
+    std::function<void(Shot &)> play;
+  };
+  const auto flick = [](float power, float turn) {
+    return [power, turn](Shot &shot) mutable {
+      auto &window = shot.game.window;
+      window.AimFrame->AddRotation(D3DRMCOMBINE_BEFORE, 0, 1, 0, turn);
+      window.ReadAim();
+      window.ReadShotPlace();
+      window.Flick(window.FrameX, window.FrameY, window.FrameZ, power, window.X1, window.Y1, window.Z1,
+                   window.X2, window.Y2, window.Z2, window.Player);
+    };
+  };
+  const auto kick = [](float power, float turn, int after) {
+    return [power, turn, after](Shot &shot) mutable {
+      auto &window = shot.game.window;
+      window.PieceFrame->SetOrientation(window.RMCanvas1.SceneFrame, 0, 0, 1, 1, 0, 0);
+      window.AimFrame->AddRotation(D3DRMCOMBINE_BEFORE, 0, 1, 0, turn);
+      for (int i = 0; i < after; ++i) window.MoveGoal();
+      window.GetFmain();
+      window.KickFB(window.KickFrameX, window.KickFrameY, window.KickFrameZ, power, window.KickX1,
+                    window.KickY1, window.KickZ1, window.KickX2, window.KickY2, window.KickZ2);
+    };
+  };
+  const Row rows[] = {
+      {"a long flick", "Human", flick(96, 0)},
+      {"a flick to the side", "Human", flick(64, 0.5f)},
+      {"an overcharge, with its fall", "Human", flick(120, 0)},
+      {"a kick", "Human", kick(96, 0, 0)},
+      {"a kick wide of the posts", "Human", kick(72, 0.3f, 200)},
+      {"the computer's possession", "Computer",
+       [](Shot &shot) {
+         shot.game.program.MyTurn = False;
+         for (int attempt = 0; attempt < 3; ++attempt) shot.game.window.CompShot1();
+       }},
+  };
+  for (const Row &row : rows) {
+    SCOPED_TRACE(row.name);
+    Shot shot(row.mode);
+    int pictures = 0, lost = 0, tiny = 0, jerks = 0;
+    Vector camera;
+    View last;
+    shot.onPicture = [&] {
+      ++pictures;
+      const QVector3D at = shot.At(shot.Piece());
+      lost += !shot.Shows(shot.Piece()) || std::abs(at.x()) > 0.9f;
+      tiny += shot.PiecePixels() < 22;
+      const Vector now = shot.game.window.CameraFrame->World().Origin;
+      const float change = shot.view.Height / last.Height;
+      jerks += camera == now && pictures > 1 && (change > 1.2f || change < 1 / 1.2f);
+      camera = now;
+      last = shot.view;
+    };
+    row.play(shot);
+    EXPECT_GT(pictures, 50);
+    EXPECT_EQ(lost, 0);
+    EXPECT_EQ(tiny, 0);
+    EXPECT_LE(jerks, 1) << "a turnover may find the camera where it is";
+  }
+}
+
+TEST(LensTest, AKickEndsWithPieceAndPostsInThePicture) {
+  for (const int after : {0, 100, 180, 260}) {
+    for (const float power : {72.0f, 96.0f}) {
+      SCOPED_TRACE(testing::Message() << "power " << power << ", after " << after << " steps of the posts");
+      Shot shot;
+      auto &window = shot.game.window;
+      for (int i = 0; i < after; ++i) window.MoveGoal();
+      float force = power;
+      bool shown = false;
+      shot.onPicture = [&] {
+        if (window.KickRise != 0) shown = shot.PostsShow() && shot.Shows(shot.Piece());
+      };
+      window.GetFmain();
+      window.KickFB(window.KickFrameX, window.KickFrameY, window.KickFrameZ, force, window.KickX1,
+                    window.KickY1, window.KickZ1, window.KickX2, window.KickY2, window.KickZ2);
+      EXPECT_TRUE(shown);
+    }
+  }
+}
+
+TEST(LensTest, TheViewStaysWhileSomebodyAimsAndSettlesUnderMovingPosts) {
+  Shot shot;
+  auto &window = shot.game.window;
+  shot.Settle();
+  const View before = shot.view;
+  for (int frame = 0; frame < 20; ++frame) {
+    window.AimFrame->AddRotation(D3DRMCOMBINE_BEFORE, 0, 1, 0, frame % 2 ? 0.01f : -0.01f);
+    window.LookCam();
+    shot.Take();
+  }
+  EXPECT_EQ(shot.view.Height, before.Height);
+  EXPECT_EQ(shot.view.Camera, before.Camera);
+
+  shot.Camera(0, 15, 119);
+  constexpr int ThereAndBack = 360;
+  for (int frame = 0; frame < 2 * ThereAndBack; ++frame) {
+    window.MoveGoal();
+    shot.Take();
+    EXPECT_TRUE(frame < 2 || shot.PostsShow()) << "frame " << frame;
+    EXPECT_TRUE(frame < ThereAndBack || shot.lens.Settled()) << "frame " << frame;
+  }
+}
+
+} // namespace
