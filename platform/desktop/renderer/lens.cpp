@@ -25,7 +25,9 @@ constexpr float TargetRoom = 0.8f;   ///< of the target's width, from its middle
 
 constexpr float Jump = 12.0f;      ///< scene units from frame to frame: above it there is a cut
 constexpr float AtTarget = 6.0f;   ///< scene units between the target and what belongs to it, as its aim does
-constexpr float AimReach = 45.0f;  ///< scene units of the aim, from the target on, that are held
+constexpr float AimAhead = 45.0f;  ///< scene units of the aim that are held, from the target on ...
+constexpr float AimHalf = 5.0f;    ///< half its width
+constexpr float AimBehind = 7.0f;  ///< ... and behind it
 constexpr float EdgeReach = 32.0f; ///< scene units from the target within which the table's edge is held
 constexpr float LeastLoss = 0.002f;   ///< of its speed, from frame to frame, by a target that will stop
 constexpr float Level = 0.0001f;      ///< scene units a frame, up or down, of what slides
@@ -135,7 +137,8 @@ View Lens::Next(const Direct3DRMFrame3 &camera, std::span<const Seen> scene, flo
   const bool cut = !started_ || Distance(from.Origin, camera_) > Jump || step.length() > Jump;
   FollowMovers(scene, looked.get(), cut, step.length() > 0);
   const auto held = Held(from, scene, *subject, cut ? QVector3D() : step);
-  const Framing wanted = Wanted(from, *subject, held, cut || step.length() == 0, aspect);
+  const bool swings = (cut || step.length() == 0) && std::ranges::any_of(movers_, &Mover::Moves);
+  const Framing wanted = Wanted(from, *subject, held, swings, aspect);
 
   // Eased twice over, a change begins as softly as it ends.
   if (cut) approached_ = framing_ = wanted;
@@ -193,8 +196,10 @@ std::vector<Vector> Lens::Held(const Transform &camera, std::span<const Seen> sc
     if (seen.Frame == subject.Frame || IsWide(seen.Box) || Distance(seen.Place.Origin, target) > AtTarget)
       continue;
     Bounds aim = seen.Box;
-    aim.Low.z = std::max(aim.Low.z, -AimReach);
-    aim.High.z = std::min(aim.High.z, AimReach);
+    aim.Low.z = std::max(aim.Low.z, -AimAhead);
+    aim.High.z = std::min(aim.High.z, AimBehind);
+    aim.Low = {std::max(aim.Low.x, -AimHalf), 0, aim.Low.z};
+    aim.High = {std::min(aim.High.x, AimHalf), 0, aim.High.z};
     for (int corner = 0; corner < 8; ++corner) held.push_back(Mapped(seen.Place, aim.Corner(corner)));
   }
   if (auto stop = StopOf(target, step, step_)) {
@@ -207,7 +212,7 @@ std::vector<Vector> Lens::Held(const Transform &camera, std::span<const Seen> sc
 }
 
 Lens::Framing Lens::Wanted(const Transform &camera, const Seen &subject, std::span<const Vector> held,
-                           bool still, float aspect) const {
+                           bool swings, float aspect) const {
   const float width = subject.Box.Extent();
   const float distance = std::max(Distance(camera.Origin, subject.Place.Origin), NearPlane);
   const float share = NearShare * std::pow(NearDistance / distance, 1 / ShareRoot);
@@ -220,9 +225,9 @@ Lens::Framing Lens::Wanted(const Transform &camera, const Seen &subject, std::sp
   for (const Vector &place : held) {
     across.Take(std::clamp(See(camera, place).Yaw, own.Yaw - HoldReach, own.Yaw + HoldReach), Room);
   }
-  // While the target lies still, what is held on one side is to be seen on the other soon.
+  // What swings before a target that lies still is on its other side soon.
   const float farther = std::max(own.Yaw - across.Low, across.High - own.Yaw);
-  if (still && farther <= WidestHalf) across = {own.Yaw - farther, own.Yaw + farther};
+  if (swings && farther <= WidestHalf) across = {own.Yaw - farther, own.Yaw + farther};
   // Cards come up over the right side.
   const float left = own.Yaw - across.Low;
   across.High = std::max(across.High, own.Yaw + left * (1 - CardSide) / (1 + CardSide));

@@ -59,7 +59,7 @@ private:
   void FollowMovers(std::span<const Seen> scene, const Direct3DRMFrame3 *target, bool cut, bool targetMoves);
   std::vector<Vector> Held(const Transform &camera, std::span<const Seen> scene, const Seen &subject,
                            const QVector3D &step) const;
-  Framing Wanted(const Transform &camera, const Seen &subject, std::span<const Vector> held, bool still,
+  Framing Wanted(const Transform &camera, const Seen &subject, std::span<const Vector> held, bool swings,
                  float aspect) const;
 
   bool started_ = false;
