@@ -2,9 +2,9 @@
 // corners, decks of seats that rise past the table to two tiers and a rim with masts and flags. Everything
 // that the camera can look past lies outside the square of its places.
 
-#include "lettering.h"
 #include "models.h"
 #include "shapes.h"
+#include "title.h"
 
 #include <algorithm>
 #include <cmath>
@@ -16,7 +16,8 @@ constexpr double Floor = -150.0;   ///< just below where a falling piece ends
 constexpr double CornerAt = 100.0; ///< the round corners' middles, in x and z
 constexpr int StraightParts = 6;   ///< of each side
 constexpr int CornerParts = 7;     ///< of each corner
-constexpr int Columns = 4 * (StraightParts + CornerParts);
+constexpr int SideColumns = StraightParts + CornerParts;
+constexpr int Columns = 4 * SideColumns;
 
 constexpr Paint Concrete{0.78, 0.74, 0.78, 0.0};
 constexpr Paint Shade{0.26, 0.23, 0.34, 0.0};
@@ -26,7 +27,11 @@ constexpr Paint Lamp{1.9, 1.8, 1.5, 0.0};
 constexpr Paint Track{0.60, 0.27, 0.23, 0.0};
 constexpr Paint LightGrass{0.31, 0.62, 0.26, 0.06};
 constexpr Paint DarkGrass{0.25, 0.53, 0.25, 0.06};
-constexpr Paint Banner{0.12, 0.20, 0.45, 0.0};
+constexpr Paint Banner{0.10, 0.12, 0.36, 0.0};
+
+// The banner along the front of the upper tier hangs over the dark rear of the lower one.
+constexpr double BannerFoot = 10.4;
+constexpr double BannerHead = 22.6;
 
 /// A place on the plan: where a level that lies `out` from the middle passes, and which way is outward.
 struct Station {
@@ -36,8 +41,8 @@ struct Station {
 /// `turn` counts columns round the stadium, from the far side's end at -x on; fractions lie between.
 Station At(double turn, double out) {
   const double wrapped = turn - Columns * std::floor(turn / Columns);
-  const int side = static_cast<int>(wrapped / (StraightParts + CornerParts)) % 4;
-  const double rest = wrapped - side * (StraightParts + CornerParts);
+  const int side = static_cast<int>(wrapped / SideColumns) % 4;
+  const double rest = wrapped - side * SideColumns;
   double x, z, outX, outZ; // for the far side, with outward along -z
   if (rest <= StraightParts) {
     x = -CornerAt + 2.0 * CornerAt * rest / StraightParts;
@@ -119,8 +124,7 @@ void Deck(Mesh &mesh, const Level &low, const Level &high, double lowLight, doub
   constexpr double Lift = 0.5;
   const Point slope = Normalized({-(high.y - low.y), high.out - low.out, 0.0});
   for (int column = 0; column < Columns; ++column) {
-    const double half =
-        StairWidth / 2.0 * (column % (StraightParts + CornerParts) < StraightParts ? 1.0 : 1.25);
+    const double half = StairWidth / 2.0 * (column % SideColumns < StraightParts ? 1.0 : 1.25);
     const auto vertex = [&](double turn, const Level &level, double light) {
       const Station station = At(turn, level.out);
       return Vertex{{station.x, level.y + Lift, station.z},
@@ -258,6 +262,38 @@ void AddUnderside(Mesh &mesh) {
   }
 }
 
+/// A star of five points on a wall.
+void AddStar(Mesh &mesh, const Point &middle, const Point &right, const Point &facing, const Paint &light,
+             const Paint &dark) {
+  constexpr double Outer = 4.4, Inner = 1.9;
+  for (int i = 0; i < 10; ++i) {
+    const auto corner = [&](int number) {
+      const double angle = Pi * number / 5.0, reach = number % 2 == 0 ? Outer : Inner;
+      return middle + right * (reach * std::sin(angle)) + Point{0.0, reach * std::cos(angle), 0.0};
+    };
+    mesh.FlatTriangle(middle, corner(i), corner(i + 1), facing, i % 2 == 0 ? light : dark);
+  }
+}
+
+/// The name of the game along the banner, twice on each side between stars, as on the launch window.
+void AddNames(Mesh &mesh) {
+  constexpr double Out = 231.0; ///< just in front of the banner
+  constexpr double Baseline = 13.7, Capitals = 7.4, StarMiddle = 16.6;
+  constexpr double NameAt = 50.0, StarBeside = 43.0; ///< from the side's middle, and from the name's
+  constexpr Paint Light{1.35, 1.25, 0.70, 0.0}, Gold{1.30, 0.86, 0.16, 0.0};
+  constexpr Point Up{0.0, 1.0, 0.0};
+  for (int side = 0; side < 4; ++side) {
+    const Station middle = At(side * SideColumns + StraightParts / 2.0, Out);
+    const Point inward{-middle.outX, 0.0, -middle.outZ}, right{middle.outZ, 0.0, -middle.outX};
+    const auto on = [&](double along, double y) { return Point{middle.x, y, middle.z} + right * along; };
+    for (const double name : {-NameAt, NameAt}) {
+      AddTitle(mesh, "Snapwedge", {on(name, Baseline), right, Up, inward, Capitals, 1.1, 2.5, Light, Gold});
+      for (const double beside : {-StarBeside, StarBeside})
+        AddStar(mesh, on(name + beside, StarMiddle), right, inward, Light, Gold);
+    }
+  }
+}
+
 } // namespace
 
 Mesh MakeStadium() {
@@ -280,15 +316,14 @@ Mesh MakeStadium() {
   Deck(mesh, {206.0, -39.5}, {254.0, 9.5}, 0.92, 0.42);
   Ring(mesh, {254.0, 9.5}, {254.0, 14.0}, Shade, Shade * 0.7);
   Ring(mesh, {254.0, 14.0}, {232.0, 16.8}, Shade * 0.7, Shade);
-  Ring(mesh, {231.4, 16.6}, {231.8, 22.6}, Banner, Banner);
-  Ring(mesh, {231.4, 22.6}, {232.4, 23.2}, White, White);
+  Ring(mesh, {231.4, BannerFoot}, {231.8, BannerHead}, Banner * 0.85, Banner);
+  Ring(mesh, {231.4, BannerHead}, {232.4, 23.2}, White, White);
   Deck(mesh, {232.4, 23.0}, {276.0, 48.0}, 1.0, 0.72);
   Ring(mesh, {276.0, 48.0}, {276.0, 53.0}, Shade, Shade * 0.7);
   Ring(mesh, {276.0, 53.0}, {254.0, 54.6}, Shade * 0.7, Shade);
   Ring(mesh, {253.6, 54.4}, {253.8, 57.2}, White, White);
   Ring(mesh, {253.8, 57.2}, {288.0, 58.4}, Concrete, Concrete * 0.8);
 
-  constexpr int SideColumns = StraightParts + CornerParts;
   for (int side = 0; side < 4; ++side) {
     AddMast(mesh, side * SideColumns + 0.3);
     AddMast(mesh, side * SideColumns + StraightParts - 0.3);
@@ -298,17 +333,6 @@ Mesh MakeStadium() {
       {1.45, 0.24, 0.20, 0.0}, {1.50, 1.15, 0.18, 0.0}, {0.22, 0.58, 1.40, 0.0}, {1.35, 1.32, 1.30, 0.0}};
   for (int i = 0; i < Columns; ++i) AddFlag(mesh, i + 0.5, flags[i % 4]);
 
-  // The name of the game along the front of the upper tier, on each side.
-  for (int side = 0; side < 4; ++side) {
-    const Station middle = At(side * SideColumns + StraightParts / 2.0, 231.2);
-    const Point inward{-middle.outX, 0.0, -middle.outZ};
-    const Point right{middle.outZ, 0.0, -middle.outX};
-    Lettering lettering{{}, right, {0.0, 1.0, 0.0}, 5.0, 4.2, 2.4, 1.1};
-    for (const double shift : {-70.0, 0.0, 70.0}) {
-      lettering.origin =
-          Point{middle.x, 17.5, middle.z} + right * (shift - LineLength("SNAPWEDGE", lettering) / 2.0);
-      AddLetters(mesh, "SNAPWEDGE", lettering, inward, White);
-    }
-  }
+  AddNames(mesh);
   return mesh;
 }
