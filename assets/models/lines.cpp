@@ -8,7 +8,7 @@ namespace {
 
 constexpr double PaintY = -0.44; ///< height of the paint, a little above the table's top at -0.5
 constexpr double SideX = 85.5;   ///< middle of the side lines
-constexpr double FarZ = -86.6;   ///< middle of the line along the far edge
+constexpr double FarZ = -85.5;   ///< middle of the line along the far edge, inside its kerb
 constexpr double NearZ = 86.6;
 constexpr double Spacing = 100.0 / 6.0; ///< of the yard lines: one stripe of the turf, half a repeat of it
 constexpr double GoalLineZ = -4.0 * Spacing;
@@ -77,8 +77,8 @@ Mesh MakeLines() {
         Band(mesh, x - 1.6, x + 1.6, z - half, z + half);
     }
 
-  Words(mesh, "END", 44.0, -70.6, 13.5, 12.5, 3.0);
-  Words(mesh, "ZONE", -47.0, -70.6, 13.5, 12.5, 3.0);
+  Words(mesh, "END", 44.0, -69.9, 13.2, 12.5, 3.0);
+  Words(mesh, "ZONE", -47.0, -69.9, 13.2, 12.5, 3.0);
   AddRuler(mesh);
   return mesh;
 }

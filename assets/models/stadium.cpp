@@ -25,8 +25,10 @@ constexpr Paint White{0.97, 0.95, 0.93, 0.0};
 constexpr Paint Steel{0.36, 0.38, 0.48, 0.0};
 constexpr Paint Lamp{1.9, 1.8, 1.5, 0.0};
 constexpr Paint Track{0.60, 0.27, 0.23, 0.0};
-constexpr Paint LightGrass{0.31, 0.62, 0.26, 0.06};
-constexpr Paint DarkGrass{0.25, 0.53, 0.25, 0.06};
+constexpr Paint LaneLine{0.76, 0.66, 0.64, 0.0};
+// Dusk has reached the ground: none of its colours is near the table's, so that the table's edge stands out.
+constexpr Paint LightGrass{0.17, 0.28, 0.36, 0.06};
+constexpr Paint DarkGrass{0.14, 0.24, 0.33, 0.06};
 constexpr Paint Banner{0.10, 0.12, 0.36, 0.0};
 
 // The banner along the front of the upper tier hangs over the dark rear of the lower one.
@@ -192,10 +194,10 @@ void AddFloor(Mesh &mesh) {
   constexpr int Lanes = 6;
   constexpr double Lane = (TrackOut - Edge) / Lanes;
   for (int i = 0; i < Lanes; ++i) {
-    zone(Edge + i * Lane, Edge + i * Lane + LineWidth, White);
+    zone(Edge + i * Lane, Edge + i * Lane + LineWidth, LaneLine);
     zone(Edge + i * Lane + LineWidth, Edge + (i + 1) * Lane, Track);
   }
-  zone(TrackOut, TrackOut + LineWidth, White);
+  zone(TrackOut, TrackOut + LineWidth, LaneLine);
   zone(TrackOut + LineWidth, 158.0, Concrete * 0.75);
 }
 
@@ -294,6 +296,23 @@ void AddNames(Mesh &mesh) {
   }
 }
 
+/// Pylons on the table's far corners.
+void AddPylons(Mesh &mesh) {
+  constexpr double Corner = 87.35, TableTop = -0.5;
+  constexpr Paint Orange{1.45, 0.52, 0.10, 0.0}, Band{1.35, 1.32, 1.28, 0.0};
+  for (const double x : {-Corner, Corner}) {
+    Lathe(mesh, {x, TableTop, -Corner},
+          {{0.65, 0.0, Orange},
+           {0.59, 2.6, Orange},
+           {0.59, 2.6, Band},
+           {0.56, 3.8, Band},
+           {0.56, 3.8, Orange},
+           {0.52, 5.2, Orange},
+           {0.0, 5.4, Orange}},
+          8, false);
+  }
+}
+
 } // namespace
 
 Mesh MakeStadium() {
@@ -334,5 +353,6 @@ Mesh MakeStadium() {
   for (int i = 0; i < Columns; ++i) AddFlag(mesh, i + 0.5, flags[i % 4]);
 
   AddNames(mesh);
+  AddPylons(mesh);
   return mesh;
 }

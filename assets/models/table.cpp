@@ -21,7 +21,13 @@ constexpr int TopCells = 7;         ///< odd, so that no seam runs along the mid
 constexpr double SkyShoulder = 28.0;
 constexpr double SkyFoot = 42.0;
 
+// The kerb along the far edge and the sides, in blocks of two colours.
+constexpr double KerbWidth = 1.3;
+constexpr int BlocksPerCell = 5;
+
 constexpr Paint Turf{1.0, 1.0, 1.0, 1.0};
+constexpr Paint KerbRed{0.92, 0.10, 0.08, 0.0};
+constexpr Paint KerbWhite{1.05, 1.03, 1.0, 0.0};
 constexpr Paint LightWood{0.93, 0.72, 0.47, 0.0};
 constexpr Paint DarkWood{0.55, 0.34, 0.19, 0.0};
 // Brighter than the picture itself: what hangs over the stadium is seen from its unlit side.
@@ -58,13 +64,46 @@ double ArchHeight(double x, double z) {
   return -CrownDepth - vault - (Thickness - CrownDepth - 0.35) * SmoothStep(SkyShoulder, SkyFoot, away);
 }
 
+/// The flat top: turf with a kerb around it. The turf's border has a corner at each block of the kerb, since
+/// a gap between two faces would be a hole to the eye and to the rules.
+void AddTop(Mesh &mesh) {
+  constexpr Point Up{0.0, 1.0, 0.0};
+  constexpr double Inner = HalfSide - KerbWidth;
+  constexpr double Core = Inner * (TopCells - 2) / TopCells;
+  Grid(mesh, Even(TopCells - 2, Core), [](double x, double z) { return Vertex{{x, 0.0, z}, Up, Turf}; });
+  const std::vector<double> blocks = Even(TopCells * BlocksPerCell, Inner);
+  for (int side = 0; side < 4; ++side) {
+    const Point out{side == 0 ? 1.0 : side == 2 ? -1.0 : 0.0, 0.0, side == 1 ? 1.0 : side == 3 ? -1.0 : 0.0};
+    const Point along{-out.z, 0.0, out.x};
+    const auto at = [&](double on, double reach) { return along * on + out * reach; };
+    const auto turf = [&](const Point &a, const Point &b, const Point &c) {
+      mesh.FlatTriangle(a, b, c, Up, Turf);
+    };
+    for (int cell = 0; cell < TopCells; ++cell) {
+      const auto border = [&](int block) {
+        return blocks[static_cast<std::size_t>(cell * BlocksPerCell + block)];
+      };
+      const double from = border(0), to = border(BlocksPerCell);
+      const Point foot = at(std::clamp(from, -Core, Core), Core);
+      for (int block = 0; block < BlocksPerCell; ++block) {
+        const double low = border(block), high = border(block + 1);
+        turf(foot, at(low, Inner), at(high, Inner));
+        const bool near = side == 1;
+        const Paint &paint = near ? Turf : (cell * BlocksPerCell + block) % 2 == 0 ? KerbRed : KerbWhite;
+        mesh.FlatQuad(at(low, Inner), at(high, Inner), at(high, HalfSide), at(low, HalfSide), Up, paint);
+      }
+      turf(foot, at(to, Inner), at(std::clamp(to, -Core, Core), Core));
+    }
+    mesh.FlatQuad(at(Inner, Inner), at(HalfSide, Inner), at(HalfSide, HalfSide), at(Inner, HalfSide), Up,
+                  KerbWhite);
+  }
+}
+
 } // namespace
 
 Mesh MakeTable() {
   Mesh mesh;
-  Grid(mesh, Even(TopCells, HalfSide), [](double x, double z) {
-    return Vertex{{x, 0.0, z}, {0.0, 1.0, 0.0}, Turf};
-  });
+  AddTop(mesh);
 
   std::vector<double> places;
   for (const double place :
