@@ -142,6 +142,7 @@ void Finish(Signal &signal) {
   Reverberate(signal, 1.3, 0.9);
   Fade(signal, 0.03, 0.5);
   Level(signal, EventLevel);
+  Limit(signal, EventPeak);
   Fade(signal, 0.004, 0.02);
 }
 
@@ -188,17 +189,51 @@ Signal Calls(double seconds, Random &random, int people) {
   return out;
 }
 
-/// A part of the stand draws its breath at something: voices that rise and fall together.
+/// A part of the stand sees something coming: voices that rise and fall together.
 Signal Wave(Random &random) {
-  constexpr double Seconds = 2.4;
-  constexpr int People = 26;
+  constexpr double Seconds = 3.6;
+  constexpr int People = 40;
   Signal out;
   for (int person = 0; person < People; ++person) {
-    const double base = random.Between(120, 330), length = random.Between(1.2, 1.9);
+    const double base = random.Between(120, 330), length = random.Between(1.6, 2.8);
     const Signal one = Voice(
-        length, random, Yell, Oh, Ah, [&](double at) { return base * (1 + 0.2 * std::sin(Pi * at)); },
-        [](double at) { return std::pow(std::sin(Pi * at), 1.5); });
+        length, random, Yell, Oh, Ah, [&](double at) { return base * (1 + 0.22 * std::sin(Pi * at)); },
+        [](double at) { return std::pow(std::sin(Pi * std::pow(at, 0.8)), 1.5); });
     Add(out, one, random.Between(0, Seconds - length), random.Between(0.2, 0.6));
+  }
+  return out;
+}
+
+/// Somebody near by who shouts a word or two to the field.
+Signal Shouter(Random &random) {
+  const Vowel vowels[] = {Ah, Eh, Oh};
+  const double base = random.Between(150, 340);
+  const int words = random.Next() < 0.4 ? 2 : 1;
+  Signal out;
+  double at = 0;
+  for (int word = 0; word < words; ++word) {
+    const double length = random.Between(0.28, 0.6), rise = random.Between(0.1, 0.35);
+    const Vowel &from = vowels[static_cast<int>(random.Between(0, 2.999))],
+                &to = vowels[static_cast<int>(random.Between(0, 2.999))];
+    const Signal one = Voice(
+        length, random, Yell, from, to, [&](double t) { return base * (1 + rise * std::sin(Pi * t * 0.8)); },
+        [](double t) { return std::min(1.0, t * 8) * std::pow(1 - t, 0.6); });
+    Add(out, one, at);
+    at += length + random.Between(0.05, 0.15);
+  }
+  return out;
+}
+
+/// Loudness of a stand that is never quite at rest, a factor around 1 at each sample: it rises toward each
+/// `peak` (seconds) and falls off more slowly behind it.
+Signal Swells(double seconds, const std::vector<double> &peaks) {
+  constexpr double Quiet = 0.8, Rise = 1.2, Fall = 1.9, Height = 0.62; // seconds; share of the quiet level
+  Signal out(Samples(seconds), Quiet);
+  for (const double peak : peaks) {
+    for (std::size_t i = 0; i < out.size(); ++i) {
+      const double from = static_cast<double>(i) / Rate - peak, width = from < 0 ? Rise : Fall;
+      out[i] += Quiet * Height * std::exp(-from * from / (width * width));
+    }
   }
   return out;
 }
@@ -207,15 +242,27 @@ Signal Wave(Random &random) {
 
 Signal Crowd(double seconds, std::uint32_t seed) {
   constexpr double Overlap = 1.5;
-  constexpr int People = 220, Waves = 3, Handfuls = 3, Whistlers = 3;
+  constexpr double PeakOfWave = 1.5; // seconds from its start
+  constexpr int People = 220, Waves = 3, Shouters = 9, Handfuls = 3, Whistlers = 3;
   Random random(seed);
   const double whole = seconds + Overlap;
   Signal out;
   Add(out, Babble(whole, random), 0, 0.6);
   Add(out, Calls(whole, random, People), 0, 1.2);
   // In turn, so that something always goes on somewhere.
+  std::vector<double> peaks;
+  Signal waves;
   for (int wave = 0; wave < Waves; ++wave) {
-    Add(out, Wave(random), (wave + random.Between(0.1, 0.5)) * seconds / Waves, 0.5);
+    const double start = (wave + random.Between(0.05, 0.4)) * seconds / Waves;
+    Add(waves, Wave(random), start, random.Between(0.4, 0.75));
+    peaks.push_back(start + PeakOfWave);
+  }
+  const Signal swells = Swells(whole, peaks);
+  for (std::size_t i = 0; i < std::min(out.size(), swells.size()); ++i) out[i] *= swells[i];
+  Add(out, waves, 0, 1.0);
+  for (int shouter = 0; shouter < Shouters; ++shouter) {
+    Add(out, Shouter(random), (shouter + random.Between(0.0, 0.8)) * seconds / Shouters,
+        random.Between(1.2, 2.5));
   }
   for (int handful = 0; handful < Handfuls; ++handful) {
     Add(out, Claps(2.5, random, 9), (handful + random.Between(0.0, 0.4)) * seconds / Handfuls, 2.0);
@@ -227,7 +274,8 @@ Signal Crowd(double seconds, std::uint32_t seed) {
   CloseLoop(out, Overlap);
   ReverberateLoop(out, 1.6, 0.5);
   Level(out, CrowdLevel);
-  BeginAtSilence(out);
+  Limit(out, CrowdPeak);
+  BeginAtSilence(out, seconds);
   return out;
 }
 

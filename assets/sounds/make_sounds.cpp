@@ -14,8 +14,8 @@ int main(int argc, char **argv) {
     const auto write = [&](const char *name, const sounds::Signal &signal) {
       sounds::Write(signal, directory / name);
     };
-    write("crowd.daw", sounds::Crowd(11.3, 101));
-    write("crowd2.daw", sounds::Crowd(13.7, 202));
+    write("crowd.daw", sounds::Crowd(12.7, 101));
+    write("crowd2.daw", sounds::Crowd(14.9, 202));
     write("yeah.daw", sounds::Cheer());
     write("yeah2.daw", sounds::LargeCheer());
     write("boo.daw", sounds::Boo());

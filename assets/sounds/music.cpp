@@ -161,6 +161,8 @@ Signal Theme() {
   out.resize(length);
   ReverberateLoop(out, 0.9, 0.28);
   Level(out, ThemeLevel);
+  Limit(out, ThemePeak);
+  BeginAtSilence(out, 0.01); // too little to be heard in its beat
   return out;
 }
 
@@ -175,7 +177,8 @@ Signal Sting() {
   Distort(out, 9.0, 3600);
   Reverberate(out, 0.9, 0.35);
   Fade(out, 0.002, 0.5);
-  Level(out, EventLevel);
+  Level(out, StingLevel);
+  Limit(out, StingPeak);
   Fade(out, 0.002, 0.02);
   return out;
 }

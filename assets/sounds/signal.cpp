@@ -67,9 +67,13 @@ void CloseLoop(Signal &signal, double seconds) {
   signal.resize(length);
 }
 
-void BeginAtSilence(Signal &signal) {
-  const auto quietest = std::ranges::min_element(signal, {}, [](double sample) { return std::abs(sample); });
-  std::rotate(signal.begin(), quietest, signal.end());
+void BeginAtSilence(Signal &signal, double withinSeconds) {
+  const auto end =
+      signal.begin() + static_cast<std::ptrdiff_t>(std::min(Samples(withinSeconds), signal.size()));
+  std::rotate(
+      signal.begin(),
+      std::min_element(signal.begin(), end, [](double a, double b) { return std::abs(a) < std::abs(b); }),
+      signal.end());
 }
 
 namespace {
@@ -125,12 +129,27 @@ void Level(Signal &signal, double decibels) {
     if (i + 1 >= window) loudest = std::max(loudest, power);
   }
   const double gain = std::pow(10.0, decibels / 20) / std::sqrt(loudest / static_cast<double>(window));
-  constexpr double Knee = 0.6, Ceiling = 0.88;
-  for (double &sample : signal) {
-    sample *= gain;
-    const double size = std::abs(sample);
-    if (size > Knee)
-      sample = std::copysign(Knee + (Ceiling - Knee) * std::tanh((size - Knee) / (Ceiling - Knee)), sample);
+  for (double &sample : signal) sample *= gain;
+}
+
+void Limit(Signal &signal, double ceiling) {
+  constexpr double Reach = 0.006; // seconds before and after a peak within which the gain falls and rises
+  const std::size_t reach = Samples(Reach), count = signal.size();
+  // The lowest gain that anything within reach needs, then the mean of it over the reach: it falls in time.
+  std::vector<double> needed(count, 1.0);
+  for (std::size_t i = 0; i < count; ++i) {
+    const double peak = std::abs(signal[i]);
+    if (peak <= ceiling) continue;
+    for (std::size_t k = 0; k <= 2 * reach; ++k) {
+      double &gain = needed[(i + count - reach + k) % count];
+      gain = std::min(gain, ceiling / peak);
+    }
+  }
+  double sum = 0;
+  for (std::size_t k = 0; k <= 2 * reach; ++k) sum += needed[(count - reach + k) % count];
+  for (std::size_t i = 0; i < count; ++i) {
+    signal[i] *= sum / static_cast<double>(2 * reach + 1);
+    sum += needed[(i + reach + 1) % count] - needed[(i + count - reach) % count];
   }
 }
 

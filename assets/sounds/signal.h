@@ -60,8 +60,9 @@ void Fade(Signal &signal, double inSeconds, double outSeconds);
 /// Makes a loop: the end is laid over the beginning and fades into it. The signal gets shorter by that time.
 void CloseLoop(Signal &signal, double seconds);
 
-/// Turns a loop round so that it begins where it is nearest to silence: its first start doesn't click.
-void BeginAtSilence(Signal &signal);
+/// Turns a loop round, by less than a time, so that it begins where it is nearest to silence: its first start
+/// doesn't click.
+void BeginAtSilence(Signal &signal, double withinSeconds);
 
 /// Adds the echoes of a large place.
 void Reverberate(Signal &signal, double seconds, double share);
@@ -69,9 +70,12 @@ void Reverberate(Signal &signal, double seconds, double share);
 /// The same for a loop: what rings on at the end rings into the beginning.
 void ReverberateLoop(Signal &signal, double seconds, double share);
 
-/// Brings a sound to a loudness as an ear has it (dB of its loudest half second, of full scale) and rounds
-/// peaks off below -1 dB.
+/// Brings a sound to a loudness as an ear has it (dB of its loudest half second, of full scale).
 void Level(Signal &signal, double decibels);
+
+/// Turns a sound down around each peak above the ceiling (share of full scale), so gently that nothing is
+/// distorted. Takes the signal for a loop; a sound that ends in silence isn't changed by that.
+void Limit(Signal &signal, double ceiling);
 
 void Write(const Signal &signal, const std::filesystem::path &file);
 

@@ -8,23 +8,34 @@
 namespace sounds {
 namespace {
 
-/// A pea whistle: two tones that beat, chopped by the ball, with the breath around them.
+/// A pea whistle: two tones that beat, each breath of the player in them, and the ball that chops and bends
+/// them as it rolls, never twice at quite the same pace.
 Signal Blast(double seconds, double trill, Random &random) {
+  constexpr double Low = 2640, High = 3020;            // tones, Hz
+  constexpr double Bend = 0.028;                       // share by which the ball bends a tone
+  constexpr double LeastOpen = 0.12;                   // of the tone, while the ball lies before the hole
+  constexpr double StartsFlat = 0.09, EndsFlat = 0.05; // shares of the pitch
+  constexpr double Attack = 0.028, Release = 0.06;     // seconds
   Signal out(Samples(seconds));
-  BandPass breath(3400, 1.2);
+  BandPass breath(3300, 0.8), hiss(6400, 0.7);
+  LowPass hand(5), flutter(140), pace(9);
   double low = 0, high = 0, ball = 0;
-  LowPass shake(30);
   for (std::size_t i = 0; i < out.size(); ++i) {
     const double t = static_cast<double>(i) / Rate, left = seconds - t;
-    const double pressure = std::min({1.0, t / 0.03, left / 0.05});
-    const double drift = 1 + 0.012 * shake(random.Noise() * 8) - 0.03 * std::exp(-t * 40);
-    ball += (trill * (0.8 + 0.2 * pressure)) / Rate;
-    const double chop = 0.62 + 0.38 * std::sin(2 * Pi * ball);
-    low += 2790 * drift * (1 + 0.006 * std::sin(2 * Pi * ball)) / Rate;
-    high += 3110 * drift * (1 - 0.006 * std::sin(2 * Pi * ball)) / Rate;
-    const double tone =
-        std::sin(2 * Pi * low) + 0.7 * std::sin(2 * Pi * high) + 0.12 * std::sin(4 * Pi * low);
-    out[i] = pressure * (chop * tone * 0.5 + 0.35 * breath(random.Noise()));
+    const double pressure = std::min({1.0, t / Attack, left / Release});
+    ball += trill * (0.75 + 0.25 * pressure) * (1 + 6 * pace(random.Noise())) / Rate;
+    const double roll = std::sin(2 * Pi * ball);
+    const double open = LeastOpen + (1 - LeastOpen) * std::pow(0.5 + 0.5 * roll, 1.3);
+    const double pitch = (1 - StartsFlat * std::exp(-t / 0.022)) * (1 - EndsFlat * std::exp(-left / 0.03)) *
+                         (1 + 0.25 * hand(random.Noise()) + 0.11 * flutter(random.Noise()));
+    low += Low * pitch * (1 + Bend * roll) / Rate;
+    high += High * pitch * (1 - 0.6 * Bend * roll) / Rate;
+    const double tone = std::sin(2 * Pi * low) + 0.6 * std::sin(2 * Pi * high) +
+                        0.16 * std::sin(4 * Pi * low) + 0.06 * std::sin(6 * Pi * high);
+    // The air that the ball keeps from the tone rushes past it.
+    const double air = random.Noise();
+    const double rush = (1.3 - 0.6 * open) * (1 + 1.6 * std::exp(-t / 0.03));
+    out[i] = pressure * (0.5 * open * tone + rush * (0.36 * breath(air) + 0.22 * hiss(air)));
   }
   return out;
 }
@@ -32,15 +43,32 @@ Signal Blast(double seconds, double trill, Random &random) {
 void Finish(Signal &signal) {
   Reverberate(signal, 0.7, 0.3);
   Fade(signal, 0.003, 0.12);
-  Level(signal, EventLevel);
+  Level(signal, WhistleLevel);
+  Limit(signal, WhistlePeak);
   Fade(signal, 0.002, 0.01);
+}
+
+/// The paper comes to lie on the felt: a soft, low knock and a last rub.
+Signal Settle(Random &random) {
+  Signal out(Samples(0.2));
+  LowPass felt(300), feltAgain(600);
+  double phase = 0;
+  for (std::size_t i = 0; i < out.size(); ++i) {
+    const double t = static_cast<double>(i) / Rate;
+    phase += (118 + 120 * std::exp(-t / 0.02)) / Rate;
+    const double size = std::min(1.0, t / 0.008) * std::exp(-t / 0.045);
+    out[i] = size * (std::sin(2 * Pi * phase) + 2.2 * feltAgain(felt(random.Noise())));
+  }
+  Fade(out, 0.001, 0.04);
+  return out;
 }
 
 } // namespace
 
 Signal Swoosh() {
+  constexpr double Seconds = 0.4, SettlesAt = 0.3;
   Random random(3);
-  Signal out(Samples(0.4));
+  Signal out(Samples(Seconds));
   // Two bands that rise and fall with the speed of the paper.
   BandPass low(900, 1.1), high(2400, 0.9);
   for (std::size_t i = 0; i < out.size(); ++i) {
@@ -55,7 +83,9 @@ Signal Swoosh() {
     out[i] = speed * (low(noise) + 0.8 * high(noise));
   }
   Fade(out, 0.005, 0.08);
+  Add(out, Settle(random), SettlesAt, 0.4);
   Level(out, EventLevel);
+  Limit(out, EventPeak);
   Fade(out, 0.003, 0.02);
   return out;
 }
