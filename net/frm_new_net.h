@@ -42,6 +42,7 @@ public:
   void InitDirectPlay();  ///< makes the network object anew, and with it the list of connection methods
   void FillConnections(); ///< lists the connection methods and selects the second
   void CreateMyPlayer(const std::string &friendly, const std::string &formal);
+  void AwaitJoiner();      ///< polls until somebody has joined or the waiting is cancelled
   void CheckMessages();    ///< one look at the queue while polling: any message ends it
   void ResetButtons();     ///< back to the state before Connect
   void Search();           ///< fills the list of sessions

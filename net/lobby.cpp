@@ -131,11 +131,7 @@ void frmNewNet::cmdCreate_Click() {
     Command4.Enabled = false;
     Command1.Enabled = false;
     Command2.Enabled = false;
-    while (Polling) {
-      CheckMessages();
-      machine.WaitUntil(machine.ClockIn(PollMs));
-      machine.Show(*this);
-    }
+    AwaitJoiner();
   } catch (const DirectPlayError &) {
     Polling = False;
     Caption = LaunchCaption;
@@ -151,6 +147,17 @@ void frmNewNet::cmdCreate_Click() {
     return;
   }
   OpenPlayWindow();
+}
+
+void frmNewNet::AwaitJoiner() {
+  // The other player waits from here on, so nothing that stands open over this window may hold up the match.
+  const Machine::CloseModalsWhen joined(
+      machine, [this] { return program.DP->GetMessageCount(program.MyPlayerId) > 0; });
+  while (Polling) {
+    CheckMessages();
+    machine.WaitUntil(machine.ClockIn(PollMs));
+    machine.Show(*this);
+  }
 }
 
 void frmNewNet::CheckMessages() {

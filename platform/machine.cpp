@@ -45,7 +45,7 @@ void Machine::ShowModal(Window &window) {
   const ModalScope scope(*this, window);
   const Shown shown{*this, window};
   Show(window);
-  while (window.Visible) Wait();
+  while (window.Visible && !ModalsEnd()) Wait();
 }
 
 void Machine::Post(Window &window, std::function<void()> call, Delivery delivery) {

@@ -14,6 +14,7 @@
 #include <optional>
 #include <random>
 #include <string>
+#include <utility>
 #include <vector>
 
 /// Ends the program from wherever the stack stands, by unwinding it to `main`.
@@ -87,6 +88,21 @@ public:
   private:
     Machine &machine_;
     Window &window_;
+  };
+
+  /// While it lives, every modal window and box goes off the screen by itself as soon as `happened` is true:
+  /// what the user reads doesn't hold up what happens meanwhile. Asked after each pump of a modal wait.
+  class CloseModalsWhen {
+  public:
+    CloseModalsWhen(Machine &machine, std::function<bool()> happened)
+        : machine_(machine), before_(std::exchange(machine.modalsEnd_, std::move(happened))) {}
+    ~CloseModalsWhen() { machine_.modalsEnd_ = std::move(before_); }
+    CloseModalsWhen(const CloseModalsWhen &) = delete;
+    CloseModalsWhen &operator=(const CloseModalsWhen &) = delete;
+
+  private:
+    Machine &machine_;
+    std::function<bool()> before_;
   };
 
   /// Shows a window and pumps until it has gone again. No other window gets events in that time.
@@ -166,6 +182,9 @@ protected:
   /// Whether events of this window are delivered now: it is the topmost modal window, or there is none.
   bool Receives(const Window &window) const { return modal_.empty() || modal_.back() == &window; }
 
+  /// Whether what is modal has to go now.
+  bool ModalsEnd() const { return modalsEnd_ && modalsEnd_(); }
+
   /// Whether something wants to run at every pump.
   bool HasPolls() const { return !polls_.empty(); }
 
@@ -189,6 +208,7 @@ private:
 
   void RunPolls();
 
+  std::function<bool()> modalsEnd_;
   std::deque<Event> events_;
   std::vector<std::weak_ptr<std::function<void()>>> polls_;
   std::mt19937 generator_;

@@ -210,6 +210,41 @@ TEST(LobbyTest, AJoinerThatHasLeftAgainStartsNoMatch) {
   }
 }
 
+TEST(LobbyTest, WhatTheHostReadsClosesWhenSomebodyJoins) {
+  struct Row {
+    const char *window;
+    CommandButton frmNewNet::*opens;
+  };
+  for (const Row &row : {Row{"frmText", &frmNewNet::Command7}, Row{"frmControls", &frmNewNet::Command3},
+                         Row{"frmBackground", &frmNewNet::Command6}, Row{"MsgBox", &frmNewNet::Command8}}) {
+    SCOPED_TRACE(row.window);
+    Lobby lobby;
+    lobby.machine.BoxMs = 1000000; // nobody presses OK
+    session::SessionDirectPlay guest(lobby.machine, lobby.wire.Plug("10.0.0.2"));
+    guest.InitializeConnection(guest.GetDPEnumConnections("", 1)->GetAddress(2));
+    lobby.window.cmdConnect_Click();
+    DirectPlaySessionData found;
+    lobby.machine.After(500, [&] {
+      DirectPlaySessionData wanted;
+      wanted.SetGuidApplication("{7AB2F242-475F-11D4-AF9B-00C04F361528}");
+      found = guest.GetDPEnumSessions(wanted, 0, 1)->GetItem(1);
+      lobby.machine.Player = nullptr;
+      lobby.machine.Press(lobby.window.*row.opens);
+      lobby.machine.After(1000, [&] {
+        EXPECT_TRUE(lobby.machine.FindWindow(row.window));
+        guest.Open(found, DPOPEN_JOIN);
+        guest.CreatePlayer("Thicket", "Player2", 0, 0);
+        lobby.machine.After(200, [&] {
+          EXPECT_TRUE(lobby.machine.FindWindow("frmSnapwedge"));
+          EXPECT_FALSE(lobby.machine.FindWindow(row.window));
+          throw ProgramEnd{};
+        });
+      });
+    });
+    EXPECT_THROW(lobby.window.cmdCreate_Click(), ProgramEnd);
+  }
+}
+
 TEST(LobbyTest, CancelInTheLookThatFindsTheJoinerWins) {
   // The press comes in the first pump after the joiner was found, or in the one behind it.
   for (const int pump : {1, 2}) {

@@ -179,7 +179,7 @@ void DesktopMachine::MsgBox(const MessageBox &box) {
     PlainBox plain(box, answer);
     plain.show();
     plain.requestActivate();
-    while (!answered) Wait();
+    while (!answered && !ModalsEnd()) Wait();
     return;
   }
   QWidget *parent = QApplication::activeWindow();
@@ -192,7 +192,7 @@ void DesktopMachine::MsgBox(const MessageBox &box) {
   shown.show();
   shown.raise();
   shown.activateWindow();
-  while (!answered) Wait();
+  while (!answered && !ModalsEnd()) Wait();
 }
 
 // The pointer.

@@ -94,8 +94,9 @@ void HeadlessMachine::MsgBox(const MessageBox &box) {
   Window window;
   window.Name = "MsgBox";
   window.Caption = box.Title;
-  After(BoxMs, [this, &window] {
-    if (window.Visible) Hide(window);
+  const auto up = std::make_shared<bool>(true);
+  After(BoxMs, [this, &window, shown = std::weak_ptr(up)] {
+    if (!shown.expired() && window.Visible) Hide(window);
   });
   ShowModal(window);
 }
