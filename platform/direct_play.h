@@ -109,8 +109,9 @@ public:
 
   virtual DirectPlaySessionData CreateSessionData() = 0;
 
-  /// Searches for sessions that can be joined and returns when the search is over, after about a second at
-  /// the most. May put up a dialog that asks where to search.
+  /// Searches for sessions that can be joined and returns when the search is over, after about a second. May
+  /// put up a dialog first that asks where to search, and that stays until somebody was found there or the
+  /// player gives up.
   virtual std::shared_ptr<DirectPlayEnumSessions>
   GetDPEnumSessions(const DirectPlaySessionData &wanted, std::int32_t timeout, std::int32_t flags) = 0;
 

@@ -156,6 +156,9 @@ public:
   /// pump are delivered; must not call the game. Runs until the returned handle is destroyed.
   [[nodiscard]] std::shared_ptr<void> OnPump(std::function<void()> poll);
 
+  /// What the player entered last as the place to search for a session, for the next search.
+  std::string SearchedHost;
+
 protected:
   /// Lets the platform put what waits on the queue. Must not call handlers of the game.
   virtual void Collect() = 0;

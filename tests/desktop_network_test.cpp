@@ -42,13 +42,7 @@ struct RealTime {
   /// Searches, and returns the rows with that name.
   std::vector<DirectPlaySessionData> Search(DirectPlay4 &program, const std::string &name,
                                             const std::string &host = "") {
-    machine.After(1, [this, host] {
-      auto *text = dynamic_cast<TextBox *>(machine.Find("frmSearch", "Text1"));
-      auto *button = dynamic_cast<CommandButton *>(machine.Find("frmSearch", "Command1"));
-      if (!text || !button) return;
-      text->Text = host;
-      machine.Press(*button);
-    });
+    const DialogPlayer player(machine, host);
     DirectPlaySessionData wanted;
     wanted.SetGuidApplication(GameGuid);
     const std::int32_t begun = Clock();

@@ -175,6 +175,55 @@ TEST(LobbyTest, AHostsSessionIsListedAndGoneAfterItsCancel) {
   EXPECT_EQ(lobby.Buttons(), "Connect");
 }
 
+TEST(LobbyTest, WhereNobodyAnswersThePlayerTriesAgainOrCloses) {
+  Lobby lobby;
+  const auto host = std::make_shared<session::SessionDirectPlay>(lobby.machine, lobby.wire.Plug("10.0.0.2"));
+  host->InitializeConnection(host->GetDPEnumConnections("", 1)->GetAddress(2));
+  const auto in = [&](const char *name) { return lobby.machine.Find("frmSearch", name); };
+  const auto press = [&](const char *name, const char *caption) {
+    auto &button = dynamic_cast<CommandButton &>(*in(name));
+    EXPECT_EQ(button.Caption, caption);
+    lobby.machine.Press(button);
+  };
+  const auto enter = [&](const char *text) { dynamic_cast<TextBox &>(*in("Text1")).Text = text; };
+  lobby.machine.Player = nullptr;
+  lobby.machine.After(100, [&] {
+    enter("10.0.0.3");
+    press("Command1", "OK");
+  });
+  lobby.machine.After(600, [&] {
+    EXPECT_EQ(dynamic_cast<Label &>(*in("Label2")).Caption, "Searching 10.0.0.3 ...");
+    EXPECT_FALSE(in("Text1")->Enabled);
+    EXPECT_FALSE(in("Command1")->Enabled);
+  });
+  lobby.machine.After(1500, [&] { press("Command2", "Close"); });
+  lobby.window.cmdConnect_Click();
+  EXPECT_EQ(lobby.Buttons(), "Refresh Create Join");
+  EXPECT_TRUE(lobby.window.lstSessions.List.empty());
+
+  lobby.window.Command5_Click();
+  DirectPlaySessionData data;
+  data.SetGuidApplication("{7AB2F242-475F-11D4-AF9B-00C04F361528}");
+  data.SetSessionName("SNWG77");
+  data.SetMaxPlayers(2);
+  data.SetRounds(3);
+  lobby.machine.After(100, [&] { press("Command1", "OK"); });
+  lobby.machine.After(1500, [&] {
+    EXPECT_EQ(dynamic_cast<TextBox &>(*in("Text1")).Text, "10.0.0.3") << "what was typed before Connect";
+    EXPECT_TRUE(in("Text1")->Enabled);
+    EXPECT_EQ(lobby.machine.Focus, in("Text1"));
+    host->Open(data, DPOPEN_CREATE);
+    enter("10.0.0.2");
+    press("Command1", "Try again");
+  });
+  lobby.machine.After(2000, [&] { press("Command2", "Cancel"); }); // has found what it can
+  lobby.window.cmdConnect_Click();
+  EXPECT_LT(lobby.machine.Now(), 4000);
+  EXPECT_EQ(lobby.window.lstSessions.List, std::vector<std::string>{"SNWG77 (1/2)"});
+  EXPECT_EQ(lobby.machine.FindWindow("frmSearch"), nullptr);
+  EXPECT_TRUE(lobby.machine.Boxes.empty());
+}
+
 TEST(LobbyTest, AJoinerThatHasLeftAgainStartsNoMatch) {
   for (const bool cancels : {false, true}) {
     SCOPED_TRACE(cancels ? "the host cancels" : "the host looks");

@@ -18,6 +18,39 @@ const std::string GameGuid = "{7AB2F242-475F-11D4-AF9B-00C04F361528}";
 const std::string ThisComputer = "this computer";
 const std::string Internet = "internet";
 
+/// While it lives, enters a host in the search dialog, and closes the dialog where nobody is found.
+struct DialogPlayer {
+  DialogPlayer(HeadlessMachine &on, const std::string &host, const std::string &button = "Command1")
+      : machine(on) {
+    machine.Player = [this, host, button, answered = false]() mutable {
+      auto *text = dynamic_cast<TextBox *>(machine.Find("frmSearch", "Text1"));
+      if (!text) return;
+      const auto &state = dynamic_cast<Label &>(*machine.Find("frmSearch", "Label2"));
+      auto &again = dynamic_cast<CommandButton &>(*machine.Find("frmSearch", "Command1"));
+      auto &close = dynamic_cast<CommandButton &>(*machine.Find("frmSearch", "Command2"));
+      if (!answered) {
+        answered = true;
+        offered = text->Text;
+        text->Text = host;
+        machine.Press(button == "Command1" ? again : close);
+      } else if (!again.Enabled) {
+        searchedUntil = machine.Now();
+      } else if (again.Caption == "Try again" && again.Enabled && told.empty()) {
+        told = state.Caption;
+        machine.Press(close);
+      }
+    };
+  }
+  ~DialogPlayer() { machine.Player = nullptr; }
+  DialogPlayer(const DialogPlayer &) = delete;
+  DialogPlayer &operator=(const DialogPlayer &) = delete;
+
+  HeadlessMachine &machine;
+  std::string offered; ///< what stood in the dialog at first
+  std::string told;    ///< why nobody was found
+  std::int32_t searchedUntil = 0;
+};
+
 struct Network {
   explicit Network(std::uint32_t seed = 1) : wire([this] { return machine.Now(); }, seed) {
     machine.NextArrival = [this] {
@@ -46,21 +79,18 @@ struct Network {
 
   /// Searches, entering `host` in the dialog if one comes up.
   std::vector<DirectPlaySessionData> Search(DirectPlay4 &program, const std::string &host = "") {
-    machine.After(1, [this, host] { AnswerDialog(host, "Command1"); });
+    const DialogPlayer player(machine, host);
+    return Found(program);
+  }
+
+  /// Searches. Somebody has to answer the dialog.
+  std::vector<DirectPlaySessionData> Found(DirectPlay4 &program) {
     DirectPlaySessionData wanted = program.CreateSessionData();
     wanted.SetGuidApplication(GameGuid);
     const auto found = program.GetDPEnumSessions(wanted, 0, DPENUMSESSIONS_AVAILABLE);
     std::vector<DirectPlaySessionData> rows;
     for (std::int32_t i = 1; i <= found->GetCount(); ++i) rows.push_back(found->GetItem(i));
     return rows;
-  }
-
-  void AnswerDialog(const std::string &host, const std::string &button) {
-    auto *text = dynamic_cast<TextBox *>(machine.Find("frmSearch", "Text1"));
-    auto *pressed = dynamic_cast<CommandButton *>(machine.Find("frmSearch", button));
-    if (!text || !pressed) return;
-    text->Text = host;
-    machine.Press(*pressed);
   }
 
   HeadlessMachine machine{""};

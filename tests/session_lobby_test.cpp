@@ -53,6 +53,7 @@ TEST(SessionLobbyTest, TheDialogTakesNamesAndAddressesWithAndWithoutAPort) {
     const char *entered;
     const char *button;
     std::vector<std::string> found;
+    const char *told = ""; ///< first words for who finds nobody
   };
   const std::vector<std::string> none;
   const std::vector<std::string> both{"first", "second"};
@@ -66,14 +67,14 @@ TEST(SessionLobbyTest, TheDialogTakesNamesAndAddressesWithAndWithoutAPort) {
       {"bramble:28710", "Command1", {"first"}},
       {"[10.0.0.1]:28710", "Command1", {"first"}},
       {"10.0.0.3", "Command1", {"far"}},
-      {"10.0.0.9", "Command1", none},
-      {"nobody", "Command1", none},
-      {"bramble:", "Command1", none},
-      {"bramble:0", "Command1", none},
-      {"bramble:65536", "Command1", none},
-      {"bramble:28710x", "Command1", none},
-      {"[10.0.0.1", "Command1", none},
-      {"two words", "Command1", none},
+      {"10.0.0.9", "Command1", none, "10.0.0.9 answers, but no game waits there."},
+      {"nobody", "Command1", none, "No computer is known by the name \"nobody\"."},
+      {"bramble:", "Command1", none, "\"bramble:\" is no computer name and no IP address."},
+      {"bramble:0", "Command1", none, "\"bramble:0\" is no computer name and no IP address."},
+      {"bramble:65536", "Command1", none, "\"bramble:65536\" is no computer name and no IP address."},
+      {"bramble:28710x", "Command1", none, "\"bramble:28710x\" is no computer name and no IP address."},
+      {"[10.0.0.1", "Command1", none, "\"[10.0.0.1\" is no computer name and no IP address."},
+      {"two words", "Command1", none, "\"two words\" is no computer name and no IP address."},
       {"bramble", "Command2", none},
   };
   Network network;
@@ -81,33 +82,71 @@ TEST(SessionLobbyTest, TheDialogTakesNamesAndAddressesWithAndWithoutAPort) {
   const auto first = network.Program("10.0.0.1");
   const auto second = network.Program("10.0.0.1");
   const auto far = network.Program("10.0.0.3");
-  const auto joiner = network.Program("10.0.0.2");
   Host(*first, "first");
   Host(*second, "second");
   Host(*far, "far");
   std::string last;
   for (const Row &row : rows) {
     SCOPED_TRACE(std::string(row.entered) + ", " + row.button);
-    network.machine.After(1, [&] {
-      const auto *text = dynamic_cast<TextBox *>(network.machine.Find("frmSearch", "Text1"));
-      EXPECT_EQ(text ? text->Text : "none", last) << "it offers what was entered last";
-      network.AnswerDialog(row.entered, row.button);
-    });
-    DirectPlaySessionData wanted;
-    wanted.SetGuidApplication(GameGuid);
+    const auto joiner = network.Program("10.0.0.2"); // as Connect makes it, anew each time
+    const DialogPlayer player(network.machine, row.entered, row.button);
     const std::int32_t begun = network.machine.Now();
-    const auto sessions = joiner->GetDPEnumSessions(wanted, 0, DPENUMSESSIONS_AVAILABLE);
+    std::vector<std::string> names = Names(network.Found(*joiner));
+    EXPECT_EQ(player.offered, last) << "it offers what was entered last";
+    EXPECT_TRUE(player.told.starts_with(row.told) && player.told.empty() == (*row.told == '\0'))
+        << player.told;
     last = row.entered;
     const bool atOnce = last.find(":2871") != std::string::npos && row.found.size() == 1;
     EXPECT_LE(network.machine.Now() - begun, atOnce ? 300 : 1200);
-    std::vector<std::string> names;
-    for (std::int32_t i = 1; i <= sessions->GetCount(); ++i)
-      names.push_back(sessions->GetItem(i).GetSessionName());
     std::ranges::sort(names);
     auto wantedNames = row.found;
     std::ranges::sort(wantedNames);
     EXPECT_EQ(names, wantedNames);
   }
+}
+
+TEST(SessionLobbyTest, ASearchAtANamedHostTakesItsTimeAndTellsWhyNobodyWasFound) {
+  using session::LookupMs;
+  struct Row {
+    const char *name;
+    std::function<void(FaultyWire::Quality &)> arrange;
+    std::size_t found;
+    std::int32_t took; ///< ms
+    const char *told;
+  };
+  const Row rows[] = {
+      {"a slow name server", [](auto &line) { line.LookupMs = LookupMs - 500; }, 1, LookupMs + 500, ""},
+      {"a dead name server", [](auto &line) { line.LookupMs = 60000; }, 0, LookupMs,
+       "No computer is known by the name \"bramble\".\n-  Is it spelled right?\n-  Is this computer "
+       "connected to the network?"},
+      {"silence",
+       [](auto &line) {
+         line.Breaks = {{0, 60000}};
+       },
+       0, 1000,
+       "Nobody answers at bramble.\n-  Is the address right?\n-  Has the host pressed Create? Its title bar "
+       "then "
+       "says \"Polling...\".\n-  Is port 28710, TCP and UDP, open in the host's router and firewall?"},
+  };
+  for (const Row &row : rows) {
+    SCOPED_TRACE(row.name);
+    Network network;
+    network.wire.Name("bramble", "10.0.0.1");
+    const auto host = network.Program("10.0.0.1");
+    const auto joiner = network.Program("10.0.0.2");
+    Host(*host);
+    row.arrange(network.wire.Line());
+    const std::int32_t begun = network.machine.Now();
+    const DialogPlayer player(network.machine, "bramble");
+    EXPECT_EQ(network.Found(*joiner).size(), row.found);
+    EXPECT_EQ(player.told, row.told);
+    EXPECT_NEAR(player.searchedUntil - begun, row.took, 100);
+  }
+  Pair pair;
+  const auto third = pair.network.Program("10.0.0.3");
+  const DialogPlayer player(pair.network.machine, "10.0.0.1");
+  EXPECT_TRUE(pair.network.Found(*third).empty());
+  EXPECT_EQ(player.told, "The game at 10.0.0.1 takes nobody any more: it is being played already.");
 }
 
 TEST(SessionLobbyTest, ThisComputerStaysOnThisComputer) {
@@ -206,6 +245,10 @@ TEST(SessionLobbyTest, AHostOfAnotherVersionIsNeitherListedNorJoined) {
       << "the answer is right but for that";
   EXPECT_EQ(questions, 4) << "at once, and after 300, 600 and 900 ms";
   EXPECT_TRUE(network.Search(*joiner).empty());
+  const DialogPlayer player(network.machine, "10.0.0.1");
+  EXPECT_TRUE(network.Found(*joiner).empty());
+  EXPECT_EQ(player.told,
+            "The game at 10.0.0.1 is another version of Snapwedge. Both players need the same one.");
   EXPECT_THROW(joiner->Open(row, DPOPEN_JOIN), DirectPlayError);
 }
 

@@ -1,6 +1,7 @@
 #include "platform/headless/wire.h"
 
 #include "platform/headless/wire_state.h"
+#include "platform/session/connection.h"
 
 #include <algorithm>
 
@@ -82,11 +83,14 @@ private:
 
 class WireLookup : public session::Lookup {
 public:
-  explicit WireLookup(std::vector<std::string> addresses) : addresses_(std::move(addresses)) {}
-  bool Done() override { return true; }
+  WireLookup(std::shared_ptr<WireState> state, std::vector<std::string> addresses)
+      : state_(std::move(state)), begun_(state_->clock()), addresses_(std::move(addresses)) {}
+  bool Done() override { return session::Since(begun_, state_->clock()) >= state_->line.LookupMs; }
   std::vector<std::string> Addresses() override { return addresses_; }
 
 private:
+  std::shared_ptr<WireState> state_;
+  std::int32_t begun_;
   std::vector<std::string> addresses_;
 };
 
@@ -159,8 +163,8 @@ public:
 
 private:
   bool Killed() const { return state_->killed.contains(plug_->address); }
-  static std::unique_ptr<session::Lookup> Found(std::vector<std::string> addresses) {
-    return std::make_unique<WireLookup>(std::move(addresses));
+  std::unique_ptr<session::Lookup> Found(std::vector<std::string> addresses) {
+    return std::make_unique<WireLookup>(state_, std::move(addresses));
   }
 
   std::shared_ptr<WireState> state_;

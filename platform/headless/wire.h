@@ -24,6 +24,7 @@ public:
     std::int32_t JitterMs = 0;  ///< up to so much more, evenly spread
     double Loss = 0.0;          ///< share of the packets that get lost
     std::vector<Break> Breaks;
+    std::int32_t LookupMs = 0;  ///< time that a name server takes
   };
 
   /// What has happened on the line.

@@ -44,6 +44,7 @@ constexpr std::int32_t RedialMs = 1000;     ///< from one attempt to connect to 
 constexpr std::int32_t DialMs = 4000;       ///< an attempt, from the connect to the end of the handshake
 constexpr std::int32_t OpenMs = 5000;       ///< joining a session, in all
 constexpr std::int32_t PendingMs = 5000;    ///< a stranger's time to say who it is
+constexpr std::int32_t LookupMs = 8000;     ///< a name server's time; it may lose a question and get it again
 constexpr std::int32_t SearchMs = 1000;     ///< a search waits so long for answers
 constexpr std::int32_t AskAgainMs = 300;    ///< and repeats its question in these steps
 constexpr std::int32_t FarewellMs = 300;    ///< what was sent has so long to go out at the end

@@ -82,12 +82,8 @@ std::vector<std::uint16_t> Search::Ports() const {
 
 void Search::Poll(std::int32_t now) {
   if (done_) return;
-  if (lookup_ && lookup_->Done()) {
-    BeginCalls(lookup_->Addresses(), now);
-    lookup_.reset();
-    askAt_ = now;
-  }
-  if (!lookup_ && Since(askAt_, now) >= 0) {
+  if (lookup_ && !FinishLookup(now)) return;
+  if (Since(askAt_, now) >= 0) {
     askAt_ = Later(now, AskAgainMs);
     Ask();
   }
@@ -97,8 +93,23 @@ void Search::Poll(std::int32_t now) {
   done_ = answered || Since(begun_, now) >= SearchMs;
 }
 
+/// Returns whether the search itself can go on. A name that has no address is the end of it.
+bool Search::FinishLookup(std::int32_t now) {
+  if (!lookup_->Done() && Since(begun_, now) < LookupMs) return false;
+  const auto addresses = lookup_->Done() ? lookup_->Addresses() : std::vector<std::string>();
+  lookup_.reset();
+  if (addresses.empty()) {
+    why_ = NobodyFound::UnknownName;
+    done_ = true;
+    return false;
+  }
+  begun_ = askAt_ = now; // however long the name took, the host has all of the search's time to answer
+  BeginCalls(addresses, now);
+  return true;
+}
+
 std::int32_t Search::NextDeadline() const {
-  const std::int32_t end = Later(begun_, SearchMs);
+  const std::int32_t end = Later(begun_, lookup_ ? LookupMs : SearchMs);
   return !lookup_ && Since(askAt_, end) > 0 ? askAt_ : end;
 }
 
@@ -122,6 +133,10 @@ void Search::Ask() {
 
 /// Returns whether the call may still be answered.
 bool Search::PollCall(Call &call, std::int32_t now) {
+  if (call.connection.GetState() == StreamState::Refused) {
+    Learn(NobodyFound::NoGame);
+    return false;
+  }
   if (!call.asked && call.connection.GetState() == StreamState::Open) {
     call.asked = true;
     call.connection.Write(AskFrame{game_, nonce_}, now);
@@ -131,11 +146,19 @@ bool Search::PollCall(Call &call, std::int32_t now) {
     call.connection.Flush();
     call.connection.Fill(now);
     const auto frame = call.connection.Next();
-    if (frame) TakeAnswer(*frame, call.host);
-    return !frame;
+    if (frame) TakeReply(*frame, call.host);
+    const bool hungUp = !frame && call.connection.GetState() == StreamState::Closed;
+    if (hungUp) Learn(NobodyFound::Full); // as a host does that takes nobody
+    return !frame && !hungUp;
   } catch (const MalformedError &) {
     return false; // another kind of program listens there
   }
+}
+
+void Search::TakeReply(const AnyFrame &frame, const Endpoint &from) {
+  const auto *refuse = std::get_if<RefuseFrame>(&frame);
+  if (refuse && refuse->Reason == RefuseReason::OtherVersion) Learn(NobodyFound::OtherVersion);
+  TakeAnswer(frame, from);
 }
 
 void Search::TakeDatagrams() {

@@ -3,7 +3,10 @@
 // The search for sessions: on this computer, on the local network, or at a host that the player has named.
 
 #include "platform/direct_play.h"
+#include "platform/search_dialog.h"
 #include "platform/session/connection.h"
+
+#include <algorithm>
 
 namespace session {
 
@@ -28,6 +31,9 @@ public:
 
   std::vector<DirectPlaySessionData> Sessions() const; ///< in the order in which they were found
 
+  bool LooksUp() const { return lookup_ != nullptr; } ///< the host's name still has no address
+  NobodyFound WhyNobody() const { return why_; }      ///< what is known where there are no sessions
+
 private:
   struct Call {
     Endpoint host;
@@ -41,10 +47,13 @@ private:
   };
 
   std::vector<std::uint16_t> Ports() const;
+  bool FinishLookup(std::int32_t now);
   void BeginCalls(const std::vector<std::string> &addresses, std::int32_t now);
   void Ask();
+  void Learn(NobodyFound why) { why_ = std::max(why_, why); }
   bool PollCall(Call &call, std::int32_t now);
   void TakeDatagrams();
+  void TakeReply(const AnyFrame &frame, const Endpoint &from);
   void TakeAnswer(const AnyFrame &frame, const Endpoint &from);
 
   Transport &transport_;
@@ -52,13 +61,14 @@ private:
   std::optional<HostName> host_;
   Guid game_;
   std::uint64_t nonce_ = 0;
-  std::int32_t begun_;
+  std::int32_t begun_; ///< the look-up, and then the search
   std::int32_t askAt_;
   std::unique_ptr<DatagramPort> datagrams_;
   std::unique_ptr<Lookup> lookup_;
   std::vector<Endpoint> asked_; ///< asked one by one; empty: everybody is asked
   std::vector<Call> calls_;     ///< the same question over TCP, for hosts behind a router
   std::vector<Found> found_;
+  NobodyFound why_ = NobodyFound::NobodyAnswers;
   bool done_ = false;
 };
 

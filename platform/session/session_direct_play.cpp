@@ -1,8 +1,8 @@
 #include "platform/session/session_direct_play.h"
 
+#include "platform/search_dialog.h"
 #include "platform/session/host_session.h"
 #include "platform/session/joined_session.h"
-#include "platform/session/search_dialog.h"
 
 #include <algorithm>
 
@@ -61,6 +61,12 @@ Guid ExpectGuid(const DirectPlaySessionData &description) {
   if (!guid) throw DirectPlayError("session: \"" + description.GetGuidApplication() + "\" is no GUID");
   return *guid;
 }
+
+/// Ends what it stands for.
+template <class Thing> struct EndOf {
+  std::unique_ptr<Thing> &thing;
+  ~EndOf() { thing.reset(); }
+};
 
 /// While it lives no window gets events: a second press of a button must not begin anew what the first has
 /// begun.
@@ -122,25 +128,46 @@ std::shared_ptr<DirectPlayEnumSessions>
 SessionDirectPlay::GetDPEnumSessions(const DirectPlaySessionData &wanted, std::int32_t, std::int32_t) {
   ExpectConnection();
   const Guid game = ExpectGuid(wanted);
-  std::optional<HostName> host;
-  if (*reach_ == Reach::Network) {
-    const auto nobody = std::make_shared<EnumSessions>(std::vector<DirectPlaySessionData>());
-    const auto answer = SearchDialog(machine_, lastHost_).Ask();
-    if (!answer) return nobody;
-    lastHost_ = *answer;
-    const bool blank = answer->find_first_not_of(" \t") == std::string::npos;
-    if (!blank) host = HostName::Parse(*answer);
-    if (!blank && !host) return nobody; // nothing can be found at a place that isn't one
-  }
-  struct Running {
-    std::unique_ptr<Search> &search;
-    ~Running() { search.reset(); }
-  } running{search_};
+  const EndOf<Search> end{search_};
+  if (*reach_ == Reach::Network) return std::make_shared<EnumSessions>(SearchByDialog(game));
+  const StillWindows still(machine_);
+  RunSearch(std::nullopt, game, [](const Search &) { return true; });
+  return std::make_shared<EnumSessions>(search_->Sessions());
+}
+
+/// Runs a search until it is over or `goesOn`, asked at every look, says otherwise. `search_` has its result.
+void SessionDirectPlay::RunSearch(std::optional<HostName> host, const Guid &game,
+                                  const std::function<bool(const Search &)> &goesOn) {
   search_ = std::make_unique<Search>(*transport_, *reach_, std::move(host), game, machine_.timeGetTime());
   Poll();
-  const StillWindows still(machine_);
-  while (!search_->Done()) machine_.WaitUntil(machine_.ClockIn(LookMs));
-  return std::make_shared<EnumSessions>(search_->Sessions());
+  while (!search_->Done() && goesOn(*search_)) machine_.WaitUntil(machine_.ClockIn(LookMs));
+}
+
+/// Lets the player name the place, and try again as long as nobody answers there.
+std::vector<DirectPlaySessionData> SessionDirectPlay::SearchByDialog(const Guid &game) {
+  SearchDialog dialog(machine_, machine_.SearchedHost);
+  while (const auto answer = dialog.Ask()) {
+    machine_.SearchedHost = *answer;
+    const bool everybody = answer->find_first_not_of(" \t") == std::string::npos;
+    std::optional<HostName> host;
+    if (!everybody) host = HostName::Parse(*answer);
+    if (!everybody && !host) {
+      dialog.TellNobody(NobodyFound::NoPlace, DefaultPort);
+      continue;
+    }
+    const std::string place = everybody ? "the local network" : *answer;
+    bool goesOn = true;
+    RunSearch(host, game, [&](const Search &search) {
+      const std::string what = search.LooksUp() ? "Looking up the name " : "Searching ";
+      goesOn = dialog.ShowSearching(what + place);
+      return goesOn;
+    });
+    // Who hosts comes this way too: on the local network an empty list is no failure.
+    if (!goesOn || everybody || !search_->Sessions().empty()) return search_->Sessions();
+    dialog.TellNobody(search_->WhyNobody(), host->Port.value_or(DefaultPort));
+    search_.reset();
+  }
+  return {};
 }
 
 void SessionDirectPlay::Open(const DirectPlaySessionData &description, std::int32_t flags) {

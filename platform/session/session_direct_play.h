@@ -38,6 +38,9 @@ public:
 private:
   void Poll();
   void ExpectConnection() const;
+  void RunSearch(std::optional<HostName> host, const Guid &game,
+                 const std::function<bool(const Search &)> &goesOn);
+  std::vector<DirectPlaySessionData> SearchByDialog(const Guid &game);
   void Join(const DirectPlaySessionData &description);
   void Await(const std::function<bool()> &over);
 
