@@ -5,6 +5,7 @@
 
 #include "platform/controls.h"
 #include "platform/direct_x.h"
+#include "platform/sockets.h"
 
 #include <cstdint>
 #include <deque>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/direct_x.h"
+#include "platform/sockets.h"
 
 /// The sockets library on POSIX, where it needs no start.
 class DesktopSockets : public Sockets {
