@@ -72,9 +72,11 @@ TEST(LobbyTest, ConnectCreateCancelAndBackAgain) {
       EXPECT_EQ(lobby.window.Caption, "Polling...");
       EXPECT_FALSE(lobby.window.Command1.Enabled);
       EXPECT_EQ(lobby.program.IsHost, True);
+      EXPECT_EQ(lobby.wire.RouterPorts(), (std::multiset<session::Endpoint>{{"10.0.0.1", 28710}}));
       lobby.machine.Press(lobby.window.Command5);
     });
     lobby.window.cmdCreate_Click();
+    EXPECT_TRUE(lobby.wire.RouterPorts().empty());
     EXPECT_EQ(lobby.Buttons(), "Connect");
     EXPECT_EQ(lobby.window.Caption, LaunchCaption);
     EXPECT_EQ(lobby.window.Cancelled, False);

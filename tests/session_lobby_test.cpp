@@ -163,6 +163,24 @@ TEST(SessionLobbyTest, ThisComputerStaysOnThisComputer) {
   EXPECT_NO_THROW(Join(*here, rows[0]));
 }
 
+TEST(SessionLobbyTest, TheHomeRouterLetsCallersInAsLongAsTheHostHasItsSession) {
+  Network network;
+  const auto &ports = network.wire.RouterPorts();
+  const auto local = network.Program("10.0.0.1", ThisComputer);
+  auto host = network.Program("10.0.0.1");
+  Host(*local);
+  EXPECT_TRUE(ports.empty());
+  Host(*host);
+  EXPECT_EQ(ports, (std::multiset<session::Endpoint>{{"10.0.0.1", 28711}})) << "the port that was free";
+  const auto joiner = network.Program("10.0.0.2");
+  const std::int32_t player = Join(*joiner, network.Search(*joiner).at(0));
+  network.Run(1000);
+  SendNumber(*joiner, player, 1);
+  EXPECT_EQ(ports.size(), 1U) << "a broken connection has to find its way back";
+  host.reset();
+  EXPECT_TRUE(ports.empty());
+}
+
 TEST(SessionLobbyTest, AllPortsTakenIsAFailure) {
   Network network;
   std::vector<std::shared_ptr<session::SessionDirectPlay>> hosts;

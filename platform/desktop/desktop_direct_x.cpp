@@ -14,7 +14,7 @@ std::shared_ptr<DirectSound> DesktopDirectX::DirectSoundCreate(const std::string
 }
 
 std::shared_ptr<DirectPlay4> DesktopDirectX::DirectPlayCreate(const std::string &) {
-  return CreateAsioDirectPlay(machine_);
+  return CreateAsioDirectPlay(machine_, &machine_.Router());
 }
 
 int DesktopDirectX::SystemBpp() {

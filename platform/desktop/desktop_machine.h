@@ -4,6 +4,7 @@
 // `Pump`, on our own stack, and so may nest and throw.
 
 #include "platform/desktop/pointer.h"
+#include "platform/desktop/router/home_router.h"
 #include "platform/desktop/sockets.h"
 #include "platform/machine.h"
 
@@ -36,6 +37,8 @@ public:
   std::unique_ptr<DirectX7> CreateDirectX() override;
   Sockets &WinSock() override { return sockets_; }
 
+  HomeRouter &Router() { return router_; }
+
   // For the views of windows and controls.
   using Machine::Delivery;
   using Machine::Post;
@@ -53,7 +56,8 @@ private:
 
   std::unique_ptr<QApplication> application_;
   Pointer pointer_;
-  DesktopSockets sockets_;
+  HomeRouter router_;
+  DesktopSockets sockets_{&router_};
   std::vector<std::unique_ptr<WindowView>> views_;
   std::unique_ptr<Renderer> renderer_;
 };

@@ -94,6 +94,17 @@ private:
   std::vector<std::string> addresses_;
 };
 
+class WireRouterPort : public session::RouterPort {
+public:
+  WireRouterPort(std::shared_ptr<WireState> state, Endpoint port)
+      : state_(std::move(state)), place_(state_->routerPorts.insert(std::move(port))) {}
+  ~WireRouterPort() override { state_->routerPorts.erase(place_); }
+
+private:
+  std::shared_ptr<WireState> state_;
+  std::multiset<Endpoint>::iterator place_;
+};
+
 class WireTransport : public session::Transport {
 public:
   WireTransport(std::shared_ptr<WireState> state, std::shared_ptr<WirePlug> plug)
@@ -127,6 +138,10 @@ public:
     std::erase_if(state_->datagrams, [](const auto &each) { return each.expired(); });
     state_->datagrams.push_back(opened);
     return std::make_unique<DatagramEnd>(state_, std::move(opened));
+  }
+
+  std::unique_ptr<session::RouterPort> OpenRouterPort(std::uint16_t port) override {
+    return std::make_unique<WireRouterPort>(state_, Endpoint{plug_->address, port});
   }
 
   std::unique_ptr<session::Stream> Connect(const Endpoint &to) override {
@@ -253,5 +268,6 @@ std::optional<std::int32_t> FaultyWire::NextArrival(const std::string &address) 
   return next;
 }
 
+const std::multiset<Endpoint> &FaultyWire::RouterPorts() const { return state_->routerPorts; }
 FaultyWire::Quality &FaultyWire::Line() { return state_->line; }
 const FaultyWire::Counters &FaultyWire::Counted() const { return state_->counters; }

@@ -8,6 +8,7 @@
 
 #include <functional>
 #include <memory>
+#include <set>
 
 struct WireState;
 
@@ -23,8 +24,8 @@ public:
     std::int32_t LatencyMs = 1; ///< one way, at least 1
     std::int32_t JitterMs = 0;  ///< up to so much more, evenly spread
     double Loss = 0.0;          ///< share of the packets that get lost
-    std::vector<Break> Breaks;
     std::int32_t LookupMs = 0;  ///< time that a name server takes
+    std::vector<Break> Breaks;
   };
 
   /// What has happened on the line.
@@ -53,6 +54,9 @@ public:
   /// When something reaches that computer, or its session wants to be polled: in the future, or already past
   /// if the computer hasn't looked at its network since.
   std::optional<std::int32_t> NextArrival(const std::string &address) const;
+
+  /// Ports that programs have had their home routers open just now: address and port of each.
+  const std::multiset<session::Endpoint> &RouterPorts() const;
 
   Quality &Line();
   const Counters &Counted() const;

@@ -72,6 +72,7 @@ struct WireState {
   std::vector<std::weak_ptr<WireListener>> listeners;
   std::vector<std::weak_ptr<WireDatagrams>> datagrams;
   std::vector<std::weak_ptr<WirePlug>> plugs;
+  std::multiset<session::Endpoint> routerPorts;
   std::uint16_t nextPort = 50000;
 
   /// Lets the dials that have arrived by now find their listeners, and drops what is over.

@@ -173,7 +173,9 @@ std::vector<DirectPlaySessionData> SessionDirectPlay::SearchByDialog(const Guid 
 void SessionDirectPlay::Open(const DirectPlaySessionData &description, std::int32_t flags) {
   ExpectConnection();
   if (flags == DPOPEN_CREATE) {
-    session_ = std::make_unique<HostSession>(*transport_, *reach_, description);
+    auto host = std::make_unique<HostSession>(*transport_, *reach_, description);
+    if (*reach_ == Reach::Network) routerPort_ = transport_->OpenRouterPort(host->Port());
+    session_ = std::move(host);
     isHost_ = true;
   } else if (flags == DPOPEN_JOIN) {
     Join(description);
@@ -285,6 +287,7 @@ void SessionDirectPlay::Close() {
     session_->Poll(machine_.timeGetTime());
   }
   session_.reset();
+  routerPort_.reset();
   player_ = 0;
   transport_->WakeAt(std::nullopt);
 }

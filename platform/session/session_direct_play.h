@@ -48,10 +48,10 @@ private:
   std::shared_ptr<Transport> transport_;
   std::shared_ptr<void> poll_;
   std::optional<Reach> reach_;
-  std::string lastHost_;             ///< what the player entered in the last search's dialog
-  std::unique_ptr<Search> search_;   ///< while a search runs
-  std::unique_ptr<Session> session_; ///< while a session is open
-  std::int32_t player_ = 0;          ///< id of the local player, 0 as long as there is none
+  std::unique_ptr<Search> search_;         ///< while a search runs
+  std::unique_ptr<Session> session_;       ///< while a session is open
+  std::unique_ptr<RouterPort> routerPort_; ///< of a host, as long
+  std::int32_t player_ = 0;                ///< id of the local player, 0 as long as there is none
   bool isHost_ = false;
   bool joining_ = false;
 };

@@ -70,6 +70,12 @@ public:
   virtual std::vector<std::string> Addresses() = 0;
 };
 
+/// A port by which the home router lets callers in to this computer, until its end.
+class RouterPort {
+public:
+  virtual ~RouterPort() = default;
+};
+
 enum class Reach { ThisComputer, Network };
 
 class Transport {
@@ -84,6 +90,10 @@ public:
 
   /// Null if the port can't be had. Port 0 is any free one.
   virtual std::unique_ptr<DatagramPort> OpenDatagrams(Reach reach, std::uint16_t port) = 0;
+
+  /// Has the home router, if there is one that does such a thing, let callers in at that port, TCP and UDP,
+  /// as long as the result lives. Nobody is told whether it does. May be null.
+  virtual std::unique_ptr<RouterPort> OpenRouterPort(std::uint16_t port) = 0;
 
   virtual std::unique_ptr<Stream> Connect(const Endpoint &to) = 0;
   virtual std::unique_ptr<Lookup> LookUp(const std::string &name) = 0;

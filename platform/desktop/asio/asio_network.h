@@ -2,5 +2,8 @@
 
 #include "platform/machine.h"
 
+class HomeRouter;
+
 /// The network of this computer, for one program.
-std::shared_ptr<DirectPlay4> CreateAsioDirectPlay(Machine &machine);
+/// @param router  lets callers in to a host; null: none is asked for anything
+std::shared_ptr<DirectPlay4> CreateAsioDirectPlay(Machine &machine, HomeRouter *router = nullptr);

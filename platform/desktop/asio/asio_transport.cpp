@@ -2,6 +2,7 @@
 
 #include "platform/desktop/asio/asio_datagrams.h"
 #include "platform/desktop/asio/asio_network.h"
+#include "platform/desktop/router/home_router.h"
 #include "platform/session/session_direct_play.h"
 
 #include <netdb.h>
@@ -85,7 +86,7 @@ private:
 };
 
 std::vector<std::string> AddressesOf(const std::string &name) {
-  // The one name that means the same everywhere; a bare machine has nobody who could tell.
+  // The one name that means the same everywhere, also where there is no name service.
   if (name == "localhost") return {"127.0.0.1", "::1"};
   addrinfo wanted{};
   wanted.ai_socktype = SOCK_STREAM;
@@ -159,6 +160,10 @@ std::unique_ptr<session::DatagramPort> AsioTransport::OpenDatagrams(session::Rea
   return OpenAsioDatagrams(context_, reach, port);
 }
 
+std::unique_ptr<session::RouterPort> AsioTransport::OpenRouterPort(std::uint16_t port) {
+  return router_ ? router_->Open(port) : nullptr;
+}
+
 std::unique_ptr<session::Stream> AsioTransport::Connect(const session::Endpoint &to) {
   std::error_code error;
   const auto address = asio::ip::make_address(to.Address, error);
@@ -192,6 +197,6 @@ bool AsioTransport::Rest(std::int32_t milliseconds) {
   return true;
 }
 
-std::shared_ptr<DirectPlay4> CreateAsioDirectPlay(Machine &machine) {
-  return std::make_shared<session::SessionDirectPlay>(machine, std::make_shared<AsioTransport>());
+std::shared_ptr<DirectPlay4> CreateAsioDirectPlay(Machine &machine, HomeRouter *router) {
+  return std::make_shared<session::SessionDirectPlay>(machine, std::make_shared<AsioTransport>(router));
 }

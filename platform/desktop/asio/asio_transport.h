@@ -7,11 +7,17 @@
 
 #include <asio.hpp>
 
+class HomeRouter;
+
 class AsioTransport : public session::Transport {
 public:
+  /// @param router  null: none is asked for anything
+  explicit AsioTransport(HomeRouter *router) : router_(router) {}
+
   void Poll() override {}
   std::unique_ptr<session::Listener> Listen(session::Reach reach, std::uint16_t port) override;
   std::unique_ptr<session::DatagramPort> OpenDatagrams(session::Reach reach, std::uint16_t port) override;
+  std::unique_ptr<session::RouterPort> OpenRouterPort(std::uint16_t port) override;
   std::unique_ptr<session::Stream> Connect(const session::Endpoint &to) override;
   std::unique_ptr<session::Lookup> LookUp(const std::string &name) override;
   void FillRandom(std::span<std::uint8_t> bytes) override;
@@ -19,5 +25,6 @@ public:
   bool Rest(std::int32_t milliseconds) override;
 
 private:
+  HomeRouter *router_;
   asio::io_context context_;
 };
