@@ -7,7 +7,16 @@
 
 #include <asio.hpp>
 
+#include <fcntl.h>
+#include <sched.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <array>
 #include <chrono>
+#include <cstdlib>
+#include <fstream>
+#include <functional>
 #include <thread>
 
 using namespace kit;
@@ -143,22 +152,126 @@ TEST(DesktopNetworkTest, AHostIsFoundByNameAndAddressWhateverItsPort) {
   }
 }
 
-TEST(DesktopNetworkTest, TheAddressToldIsOneOfThisComputersInterfaces) {
-  HeadlessMachine machine("");
-  machine.SocketsLibrary = std::make_unique<DesktopSockets>();
-  const std::string told = LookUpLocalAddress(machine);
-  RecordProperty("told", told);
-  asio::io_context context;
-  asio::ip::udp::socket socket(context);
-  const auto address = asio::ip::make_address(told);
-  EXPECT_NO_THROW({
-    const asio::ip::udp::endpoint at(address, 0);
-    socket.open(at.protocol());
-    socket.bind(at);
-  }) << told
-     << " is somebody else's";
-  // The name of this computer may stand for any loopback address; only having no network is told as one.
-  EXPECT_TRUE(!address.is_loopback() || told == "127.0.0.1") << told;
+/// Enters a network namespace of its own. Returns false where none can be made.
+bool EnterNamespace() {
+  const std::string user = std::to_string(getuid());
+  if (unshare(CLONE_NEWNET) == 0) return true;
+  if (unshare(CLONE_NEWUSER | CLONE_NEWNET) != 0) return false;
+  std::ofstream("/proc/self/uid_map") << "0 " + user + " 1";
+  return true;
+}
+
+/// What `look` returns in a process and a network namespace of its own; nothing where none can be made.
+std::optional<std::string> InNamespace(const std::function<std::string()> &look) {
+  std::array<int, 2> pipe{};
+  if (::pipe(pipe.data()) != 0) return std::nullopt;
+  const pid_t child = fork();
+  if (child == 0) {
+    std::string result;
+    try {
+      if (EnterNamespace()) result = "=" + look();
+    } catch (const std::exception &error) {
+      result = std::string("=") + error.what();
+    }
+    const auto written = write(pipe[1], result.data(), result.size());
+    _exit(written == static_cast<ssize_t>(result.size()) ? 0 : 1);
+  }
+  close(pipe[1]);
+  std::array<char, 100> result{};
+  const auto count = read(pipe[0], result.data(), result.size());
+  close(pipe[0]);
+  waitpid(child, nullptr, 0);
+  if (count < 1) return std::nullopt;
+  return std::string(result.data() + 1, static_cast<std::size_t>(count - 1));
+}
+
+void Make(const std::string &commands) {
+  if (std::system(("set -e\n" + commands).c_str()) != 0) throw std::runtime_error("fails: " + commands);
+}
+
+// Commands that add an interface with an address.
+std::string Unplugged(const std::string &name, const std::string &address) {
+  return "ip link add " + name + " type veth peer name " + name + "-far\nip link set " + name +
+         " up\nip address add " + address + " dev " + name + (address.find(':') < 9 ? " nodad\n" : "\n");
+}
+std::string Card(const std::string &name, const std::string &address) {
+  return Unplugged(name, address) + "ip link set " + name + "-far up\n";
+}
+std::string Bridge(const std::string &name, const std::string &address) {
+  return "ip link add " + name + " type bridge\nip link set " + name + " up\n" + "ip address add " + address +
+         " dev " + name + "\n" + Card(name + "-port", "10.9.9.9/32") + "ip address flush dev " + name +
+         "-port\nip link set " + name + "-port master " + name + "\n";
+}
+
+TEST(DesktopNetworkTest, TheAddressToldIsThatOfTheWayToTheInternet) {
+  struct Row {
+    const char *name;
+    std::string commands;
+    const char *told;
+  };
+  const Row rows[] = {
+      {"nothing", "ip link set lo up", "127.0.0.1"},
+      {"a bridge alone", Bridge("br0", "172.17.0.1/16"), "127.0.0.1"},
+      {"a card behind a bridge", Bridge("br0", "172.17.0.1/16") + Card("eth0", "192.168.1.7/24"),
+       "192.168.1.7"},
+      {"a card behind one that isn't plugged in",
+       Unplugged("eth0", "10.0.0.5/24") + Card("eth1", "192.168.1.7/24"), "192.168.1.7"},
+      {"two cards, and the way by the second",
+       Card("eth0", "10.0.0.5/24") + Card("eth1", "192.168.1.7/24") + "ip route add default via 192.168.1.1",
+       "192.168.1.7"},
+      {"a way by a card that isn't plugged in",
+       Unplugged("eth0", "10.0.0.5/24") + Card("eth1", "192.168.1.7/24") +
+           "ip route add default via 10.0.0.1",
+       "192.168.1.7"},
+      {"a way by a bridge",
+       Card("eth0", "10.0.0.5/24") + Bridge("br0", "192.168.1.7/24") + "ip route add default via 192.168.1.1",
+       "192.168.1.7"},
+      {"a way by IPv6 alone",
+       Card("eth0", "10.0.0.5/24") + Card("eth1", "2001:db8:1::7/64") + "ip -6 route add default dev eth1",
+       "2001:db8:1::7"},
+      {"ways by both",
+       Card("eth0", "10.0.0.5/24") + Card("eth1", "2001:db8:1::7/64") +
+           "ip -6 route add default dev eth1\nip route add default via 10.0.0.1",
+       "10.0.0.5"},
+  };
+  for (const Row &row : rows) {
+    SCOPED_TRACE(row.name);
+    const auto told = InNamespace([&row] {
+      Make(row.commands);
+      HeadlessMachine machine("");
+      machine.SocketsLibrary = std::make_unique<DesktopSockets>();
+      return LookUpLocalAddress(machine);
+    });
+    if (!told) GTEST_SKIP() << "no network namespaces can be made here";
+    EXPECT_EQ(*told, row.told);
+  }
+}
+
+TEST(DesktopNetworkTest, ASearchReachesAHostByACardWithoutABroadcastAddress) {
+  for (const char *broadcast : {"brd + ", ""}) {
+    SCOPED_TRACE(*broadcast ? "with" : "without");
+    // The host's end of the wire is in a second namespace. Sockets stay where they were opened.
+    const auto found = InNamespace([broadcast] {
+      const int here = open("/proc/self/ns/net", O_RDONLY);
+      if (unshare(CLONE_NEWNET) != 0) return std::string("no second namespace");
+      const std::string address = std::string(" ") + broadcast + "dev eth0\nip link set eth0 up";
+      const std::string noIPv6 =
+          "ip link set eth0 addrgenmode none\n"; // by which the host would be found too
+      Make("ip link add eth0 type veth peer name eth0 netns /proc/" + std::to_string(getpid()) + "/fd/" +
+           std::to_string(here) + "\n" + noIPv6 + "ip address add 10.0.0.1/24" + address);
+      RealTime time;
+      const auto host = time.Program(Internet);
+      Host(*host, "over there");
+      setns(here, CLONE_NEWNET);
+      Make(noIPv6 + "ip address add 10.0.0.2/24" + address);
+      const auto joiner = time.Program(Internet);
+      const auto rows = time.Search(*joiner, "over there");
+      close(here);
+      return rows.empty() ? std::string("nobody") : rows[0].GetAddress().substr(0, 14);
+    });
+    if (!found) GTEST_SKIP() << "no network namespaces can be made here";
+    EXPECT_EQ(*found, "10.0.0.1 28710");
+  }
 }
 
 } // namespace

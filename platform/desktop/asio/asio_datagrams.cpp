@@ -2,7 +2,10 @@
 
 #include <ifaddrs.h>
 #include <net/if.h>
+#include <sys/socket.h>
 
+#include <array>
+#include <cstring>
 #include <memory>
 
 namespace {
@@ -14,9 +17,14 @@ constexpr std::size_t LargestDatagram = 2048; ///< bytes; more than any of ours
 constexpr const char *LinkGroup = "ff02::534e:5747";
 
 struct Interfaces {
-  std::vector<asio::ip::address_v4> Broadcasts; ///< of every IPv4 interface that is up, loopback's included
+  std::vector<asio::ip::address_v4> Broadcasts; ///< of the IPv4 interfaces that are up, loopback's included
+  std::vector<unsigned> Bare;                   ///< indices of those that are up and have no such address
   std::vector<unsigned> Links;                  ///< indices of the interfaces with IPv6
 };
+
+in_addr_t AddressIn(const sockaddr *address) {
+  return address ? reinterpret_cast<const sockaddr_in *>(address)->sin_addr.s_addr : INADDR_ANY;
+}
 
 Interfaces FindInterfaces() {
   Interfaces found;
@@ -26,9 +34,13 @@ Interfaces FindInterfaces() {
   for (const ifaddrs *each = list; each; each = each->ifa_next) {
     if (!each->ifa_addr || !(each->ifa_flags & IFF_UP)) continue;
     if (each->ifa_addr->sa_family == AF_INET6) found.Links.push_back(if_nametoindex(each->ifa_name));
-    if (each->ifa_addr->sa_family == AF_INET && (each->ifa_flags & IFF_BROADCAST) && each->ifa_broadaddr) {
-      const auto &address = *reinterpret_cast<const sockaddr_in *>(each->ifa_broadaddr);
-      found.Broadcasts.emplace_back(ntohl(address.sin_addr.s_addr));
+    if (each->ifa_addr->sa_family != AF_INET || (each->ifa_flags & IFF_LOOPBACK)) continue;
+    // The system tells an interface's own address where there is none to broadcast to.
+    const in_addr_t own = AddressIn(each->ifa_addr), broadcast = AddressIn(each->ifa_broadaddr);
+    if ((each->ifa_flags & IFF_BROADCAST) && broadcast != INADDR_ANY && broadcast != own) {
+      found.Broadcasts.emplace_back(ntohl(broadcast));
+    } else {
+      found.Bare.push_back(if_nametoindex(each->ifa_name));
     }
   }
   found.Broadcasts.push_back(asio::ip::make_address_v4("127.255.255.255"));
@@ -59,6 +71,7 @@ public:
     }
     const Interfaces found = FindInterfaces();
     for (const auto &broadcast : found.Broadcasts) SendAt(four_, {broadcast, port}, data);
+    for (const unsigned interface : found.Bare) SendToAllAt(interface, port, data);
     if (!six_) return;
     for (const unsigned link : found.Links) {
       auto group = asio::ip::make_address_v6(LinkGroup);
@@ -84,6 +97,28 @@ private:
   static void SendAt(Udp::socket &socket, const Udp::endpoint &to, session::ByteView data) {
     std::error_code ignored;
     socket.send_to(asio::buffer(data.data(), data.size()), to, 0, ignored);
+  }
+
+  /// To 255.255.255.255 by that interface. The routes would send it out at one interface alone, or at none.
+  void SendToAllAt(unsigned interface, std::uint16_t port, session::ByteView data) {
+    const Udp::endpoint to(asio::ip::address_v4::broadcast(), port);
+    iovec bytes{const_cast<std::uint8_t *>(data.data()), data.size()};
+    in_pktinfo by{};
+    by.ipi_ifindex = static_cast<int>(interface);
+    alignas(cmsghdr) std::array<std::byte, CMSG_SPACE(sizeof by)> control{};
+    msghdr message{};
+    message.msg_name = const_cast<sockaddr *>(to.data());
+    message.msg_namelen = static_cast<socklen_t>(to.size());
+    message.msg_iov = &bytes;
+    message.msg_iovlen = 1;
+    message.msg_control = control.data();
+    message.msg_controllen = control.size();
+    cmsghdr *header = CMSG_FIRSTHDR(&message);
+    header->cmsg_level = IPPROTO_IP;
+    header->cmsg_type = IP_PKTINFO;
+    header->cmsg_len = CMSG_LEN(sizeof by);
+    std::memcpy(CMSG_DATA(header), &by, sizeof by);
+    ::sendmsg(four_.native_handle(), &message, 0); // may get lost anyway
   }
 
   session::Reach reach_;
