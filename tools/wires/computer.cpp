@@ -22,6 +22,9 @@ constexpr int RightButtons = 8040;
 constexpr int ConnectTop = 3240;
 constexpr int JoinTop = 3780;    ///< and Create
 constexpr int RefreshTop = 4260; ///< and Cancel
+constexpr int BottomButtons = 5700;
+constexpr int AddressLeft = 6400;
+constexpr int ReadMeLeft = 8400;
 constexpr int RowLeft = 5700;
 constexpr int RowTop = 4920;
 
@@ -35,17 +38,45 @@ void Computer::Start(const std::string &rounds) {
       std::vector<std::string>{"ip", "netns", "exec", name_, program_.string()}, display_);
   launch_ = OpenLaunchWindow(seat_);
   EnterRounds(seat_, launch_, rounds);
+  emptyList_ = List();
+  connected_ = false;
 }
 
-void Computer::Search(int buttonX, int buttonY) {
+void Computer::Search(int buttonX, int buttonY, const std::string &host) {
   ClickTwips(seat_, launch_, buttonX, buttonY);
   seat_.WaitFor("Locate Session");
   Pause(Milliseconds(300));
-  seat_.Press(XK_Return); // left blank: the local network
+  seat_.Press(XK_Delete); // what was typed the last time
+  seat_.Type(host);
+  Pause(Milliseconds(100));
+  seat_.Press(XK_Return);
   Pause(SearchTakes);
+  connected_ = true;
 }
 
 void Computer::Connect() { Search(LeftButtons, ConnectTop); }
+
+bool Computer::FindsGameAt(const std::string &host) {
+  Search(LeftButtons, connected_ ? RefreshTop : ConnectTop, host);
+  if (Sees("Locate Session")) {
+    Picture("told");
+    seat_.Press(XK_Escape);
+    Pause(Milliseconds(500));
+  }
+  return MeanDifference(emptyList_, List()) > Listed;
+}
+
+void Computer::AskAddress() {
+  ClickTwips(seat_, launch_, AddressLeft, BottomButtons);
+  AnswerBox("IP Address:", Milliseconds(5000));
+}
+
+void Computer::OpenReadMe() {
+  ClickTwips(seat_, launch_, ReadMeLeft, BottomButtons);
+  seat_.WaitFor("ReadMe");
+  Pause(Milliseconds(300));
+  Picture("reads");
+}
 
 void Computer::Create() {
   ClickTwips(seat_, launch_, RightButtons, JoinTop);
@@ -58,12 +89,8 @@ void Computer::Cancel() {
 }
 
 void Computer::FindGame() {
-  const auto list = [&] { return seat_.Look(launch_, 356, 324, 240, 36); };
-  const Image empty = list();
-  Connect();
   for (int i = 0; i < Searches; ++i) {
-    if (MeanDifference(empty, list()) > Listed) return;
-    Search(LeftButtons, RefreshTop);
+    if (FindsGameAt({})) return;
   }
   throw GaveUp("no game is listed");
 }

@@ -24,8 +24,16 @@ public:
   void Create();                         ///< a game; waits for its joiner
   void Cancel();                         ///< the waiting
   void FindGame();                       ///< connects and looks until a game is listed
-  void Join();                           ///< the first game of the list
-  void SitDown();                        ///< at the play window
+
+  /// Connects, or looks again if this computer has connected, and tells whether a game is listed then. A
+  /// dialog that says why none is gets a picture, and is closed.
+  /// @param host  what is typed into the dialog; empty for the local network
+  bool FindsGameAt(const std::string &host);
+
+  void AskAddress(); ///< presses "What's my IP address?" and closes the box
+  void OpenReadMe(); ///< and leaves it open
+  void Join();       ///< the first game of the list
+  void SitDown();    ///< at the play window
 
   /// Waits for the box with that title and closes it.
   void AnswerBox(const std::string &title, Milliseconds patience);
@@ -56,7 +64,8 @@ public:
   Table &AtTable() { return *table_; }
 
 private:
-  void Search(int buttonX, int buttonY);
+  void Search(int buttonX, int buttonY, const std::string &host = {});
+  Image List() { return seat_.Look(launch_, 356, 324, 240, 36); }
   Image Line(int x, int y, int width, int height);
 
   std::string name_;
@@ -68,4 +77,6 @@ private:
   std::unique_ptr<GameProcess> game_;
   std::optional<Table> table_;
   ::Window launch_ = 0;
+  Image emptyList_;
+  bool connected_ = false;
 };

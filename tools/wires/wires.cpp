@@ -1,29 +1,22 @@
 // Plays the real program on two computers against each other, by mouse and keys on their displays, over the
-// wire between the network namespaces "host" and "joiner". A third player sits beside the joiner. Fails if
-// the two screens don't tell the same story.
+// wire between the network namespaces "host" and "joiner", or from and into homes. On the wire a third player
+// sits beside the joiner. Fails if the two screens don't tell the same story.
 //   wires SCENE GAME PICTURES_DIRECTORY HOST_DISPLAY JOINER_DISPLAY THIRD_DISPLAY
 
-#include "tools/wires/computer.h"
+#include "tools/wires/home_scenes.h"
 #include "tools/wires/writing.h"
 
 #include <X11/Xlib.h>
 
-#include <cstdlib>
 #include <future>
 #include <iostream>
-#include <limits>
-#include <map>
 #include <thread>
 
 namespace {
 
 namespace fs = std::filesystem;
 
-using Clock = std::chrono::steady_clock;
-using Seconds = std::chrono::seconds;
-
 const std::vector<int> ScoringPlan = {96, 24, 16}; ///< comes to rest with a corner over the edge
-const std::vector<int> ShortPlan = {40, 40, 40};   ///< stays on the table
 
 constexpr int BonusAim = 5; ///< pixels to the right: the first shot touches the bonus area
 
@@ -31,51 +24,26 @@ constexpr Seconds LineDown(15);
 constexpr Seconds ShortAbsence(20);
 constexpr Seconds ComingTogetherTakes(5);
 constexpr Seconds LongAbsence(60);
-constexpr Seconds LeavingTakes(15); ///< until the other player is told, on a line that holds
-constexpr Seconds GivingUpTakes(45);
-
-const std::string Won = "Home Team Wins!!";
-const std::string Lost = "Away Team Wins!!";
-const std::string Tied = "It's All Tied Up!";
-const std::string GameOver = "Game Over:";
-const std::string NetworkError = "Error initializing DirectPlay.";
-
-void Tell(const std::string &what) { std::cout << "-- " << what << std::endl; }
-
-void Expect(bool fits, const std::string &what) {
-  if (!fits) throw GaveUp("not so: " + what);
-  Tell(what);
-}
 
 void Wire(const std::string &act) {
   Tell("the line: " + act);
-  if (std::system(("tools/wires/line " + act).c_str()) != 0) throw GaveUp("can't " + act + " the line");
+  RunScript("line", act);
 }
 
-class Scenes {
+/// On the bad line.
+class LineScenes : public Scene {
 public:
-  Scenes(const fs::path &game, const fs::path &pictures, char **displays)
-      : host_("host", game, pictures, displays[0], "host-"),
-        joiner_("joiner", game, pictures, displays[1], "joiner-"),
-        third_("joiner", game, pictures, displays[2], "third-") {}
-
-  void Play(const std::string &name) {
-    const std::map<std::string, void (Scenes::*)()> scenes = {
-        {"match", &Scenes::Match},   {"leave", &Scenes::Leave}, {"killed", &Scenes::Killed},
-        {"pulled", &Scenes::Pulled}, {"full", &Scenes::Full},   {"cancelled", &Scenes::Cancelled},
-        {"rounds", &Scenes::Rounds}};
-    const auto scene = scenes.find(name);
-    if (scene == scenes.end()) throw GaveUp("no such scene");
-    try {
-      (this->*scene->second)();
-    } catch (const GaveUp &) {
-      host_.Picture("gave-up");
-      joiner_.Picture("gave-up");
-      throw;
-    }
-  }
+  LineScenes(const fs::path &game, const fs::path &pictures, char **displays)
+      : Scene(game, pictures, displays), third_("joiner", game, pictures, displays[2], "third-") {}
 
 private:
+  Scenes All() override {
+    return {{"match", [this] { Match(); }},   {"leave", [this] { Leave(); }},
+            {"killed", [this] { Killed(); }}, {"pulled", [this] { Pulled(); }},
+            {"full", [this] { Full(); }},     {"cancelled", [this] { Cancelled(); }},
+            {"rounds", [this] { Rounds(); }}};
+  }
+
   void OpenGame(const std::string &hostRounds, const std::string &joinerRounds) {
     host_.Start(hostRounds);
     joiner_.Start(joinerRounds);
@@ -88,32 +56,6 @@ private:
     OpenGame(hostRounds, joinerRounds);
     joiner_.Join();
     SitDown();
-  }
-
-  void SitDown() {
-    auto other = std::async(std::launch::async, [&] { joiner_.SitDown(); });
-    host_.SitDown();
-    other.get();
-    Pause(Milliseconds(1000));
-  }
-
-  /// One shoots, and the other must see the same cards, however late.
-  void Shoot(Computer &shooter, Computer &other, const std::vector<int> &plan) {
-    std::vector<int> &cards = shooter.AtTable().CardsSeen;
-    std::vector<int> &otherCards = other.AtTable().CardsSeen;
-    cards.clear();
-    otherCards.clear();
-    std::atomic<std::size_t> wanted = std::numeric_limits<std::size_t>::max();
-    auto watching = std::async(std::launch::async, [&] { other.Watch(wanted); });
-    try {
-      shooter.AtTable().Possess(plan);
-    } catch (...) {
-      wanted = 0;
-      throw;
-    }
-    wanted = cards.size();
-    watching.get();
-    Expect(cards == otherCards, "both have seen the same cards");
   }
 
   /// A hand on a busy machine may let go too late, and a match without a point would prove little.
@@ -176,21 +118,6 @@ private:
     joiner_.WaitForEnd();
     Tell("both programs have ended by themselves");
     return scored;
-  }
-
-  static std::string WaitForEndCard(Computer &side) {
-    for (const auto end = Clock::now() + GivingUpTakes; Clock::now() < end; Pause(Milliseconds(100))) {
-      for (const std::string &title : {Won, Lost, Tied}) {
-        if (side.Sees(title)) return title;
-      }
-    }
-    throw GaveUp("the match has no end card");
-  }
-
-  void ExpectGone(Computer &stayed, Seconds patience, const std::string &how) {
-    stayed.AnswerBox(GameOver, patience);
-    stayed.WaitForEnd();
-    Tell(how + ": the other side is told, and its program has ended");
   }
 
   /// Esc, by the one who waits and by the one whose turn it is.
@@ -275,7 +202,7 @@ private:
     third_.Kill();
   }
 
-  Computer host_, joiner_, third_;
+  Computer third_;
 };
 
 } // namespace
@@ -290,7 +217,10 @@ int main(int argc, char **argv) {
   const std::string scene = argv[1];
   try {
     Tell("scene: " + scene);
-    Scenes(fs::absolute(argv[2]), argv[3], argv + 4).Play(scene);
+    const auto game = fs::absolute(argv[2]);
+    const bool known =
+        LineScenes(game, argv[3], argv + 4).Play(scene) || HomeScenes(game, argv[3], argv + 4).Play(scene);
+    if (!known) throw GaveUp("no such scene");
   } catch (const GaveUp &error) {
     std::cerr << "wires: " << scene << ": " << error.what() << std::endl;
     return 1;
