@@ -9,8 +9,8 @@ constexpr std::uint32_t MostDots = 4;
 const std::string Instruction =
     "Enter the computer name or IP address of the host. Leave the box blank to search the local network.";
 const std::string Hint =
-    "Over the Internet: the host presses \"What's my IP address?\" and tells you what it "
-    "says.";
+    "Over the Internet: the host presses Create, then \"What's my IP address?\", and tells you "
+    "the address.";
 
 /// What the host can do about it.
 std::string Questions(int port) {
