@@ -182,6 +182,8 @@ TEST(RendererTest, ThePieceThrowsItsShadowWhileSomebodyAims) {
   auto &window = picture.game.window;
   window.PieceFrame->SetPosition(window.RMCanvas1.SceneFrame, 0, 3, 20);
   window.AimFrame->AddRotation(D3DRMCOMBINE_BEFORE, 0, 1, 0, 0.785f); // its box is wide now, the aim isn't
+  // The view must stay as it is when the piece vanishes.
+  window.CameraFrame->LookAt(window.AimFrame, window.RMCanvas1.SceneFrame, D3DRMCONSTRAIN_Z);
   const auto pieceAndShadow = [&] {
     const QImage with = picture.Draw();
     window.PieceFrame->DeleteVisual(window.PieceMesh);
