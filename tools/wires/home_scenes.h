@@ -18,7 +18,7 @@ private:
   void JoinerFirewall();
   void Reading();
 
-  void PlayMatch();  ///< a whole match of one round, from the play windows to both programs' ends
-  void Start(); ///< both programs
-  void Host();  ///< the host waits
+  void PlayMatch(); ///< a whole match of one round, from the play windows to both programs' ends
+  void Start();     ///< both programs
+  void Host();      ///< the host waits
 };

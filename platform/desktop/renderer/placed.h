@@ -41,7 +41,8 @@ QMatrix4x4 MatrixOf(const Transform &t);
 /// A box around a box that is moved and turned.
 Bounds Moved(const Bounds &box, const Transform &t);
 
-/// Whether the box of a mesh, in its own frame, is flat and wide as the table is: no thing, and no place as large as the stadium.
+/// Whether the box of a mesh, in its own frame, is flat and wide as the table is: no thing, and no place as
+/// large as the stadium.
 bool IsWide(const Bounds &box);
 
 /// Whether a box lies outside what shows: all of its corners beyond one plane.
