@@ -59,6 +59,10 @@ struct MeshData {
 /// @throws SceneError  that names the file and says why
 Ref<const MeshData> ReadMeshFile(const std::filesystem::path &file);
 
+/// Makes sure that a mesh file could be read, for less than reading it costs.
+/// @throws FileError  that names the file and says why
+void CheckMeshFile(const std::filesystem::path &file);
+
 class Direct3DRMMeshBuilder3 : public Direct3DRMVisual {
 public:
   explicit Direct3DRMMeshBuilder3(GraphRevision revision) : revision_(std::move(revision)) {}

@@ -40,6 +40,10 @@ struct ImageData {
 /// @throws SceneError  that names the file and says why
 Ref<const ImageData> ReadImageFile(const std::filesystem::path &file);
 
+/// Makes sure that a bitmap could be read.
+/// @throws FileError  that names the file and says why
+void CheckImageFile(const std::filesystem::path &file);
+
 class Direct3DRMTexture {
 public:
   /// @throws SceneError  if the file can't be read

@@ -45,4 +45,37 @@ TEST(CorpusTest, NoPlayerOfTheCorpusBreaksARule) {
   }
 }
 
+/// Reads every sample whole, cut short everywhere, and with each of its bytes changed in turn.
+/// @return names of those that were taken as they are
+std::vector<std::string> ReadDamaged(const std::string &folder, bool (*read)(session::ByteView)) {
+  std::vector<std::string> taken;
+  for (const auto &[name, bytes] : Samples(folder)) {
+    SCOPED_TRACE(name);
+    bool whole = false;
+    EXPECT_NO_THROW(whole = read(bytes));
+    if (whole) taken.push_back(name);
+    for (std::size_t at = 0; at < bytes.size(); ++at) {
+      SCOPED_TRACE(at);
+      EXPECT_NO_THROW(read(session::ByteView(bytes).first(at)));
+      session::Bytes changed = bytes;
+      for (const std::uint8_t byte :
+           {std::uint8_t{'9'}, std::uint8_t{';'}, std::uint8_t{0}, std::uint8_t{255}}) {
+        changed[at] = byte;
+        EXPECT_NO_THROW(read(changed));
+      }
+    }
+  }
+  return taken;
+}
+
+TEST(CorpusTest, ADamagedModelIsRefusedOrTrueToItself) {
+  EXPECT_EQ(ReadDamaged("models", fuzz::ReadModel),
+            (std::vector<std::string>{"frames", "painted", "shared_material", "triangle"}));
+}
+
+TEST(CorpusTest, ADamagedBitmapIsRefusedOrTrueToItself) {
+  EXPECT_EQ(ReadDamaged("bitmaps", fuzz::ReadBitmap),
+            (std::vector<std::string>{"colours_24", "colours_32", "from_the_top", "long_header"}));
+}
+
 } // namespace

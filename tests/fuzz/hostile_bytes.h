@@ -1,7 +1,7 @@
 #pragma once
 
-// Bytes of a hostile computer, from its first frame to the game's state. Whatever they are, they do no more
-// than the rules allow; a breach throws.
+// Bytes of a hostile computer, from its first frame to the game's state, and of damaged files. Whatever they
+// are, they do no more than the rules allow; a breach throws.
 
 #include "platform/session/bytes.h"
 
@@ -23,5 +23,9 @@ void ReadFrames(session::ByteView bytes);
 /// Plays a match against them. They are a row of acts of the other player: an opcode, a length, that many
 /// bytes.
 void PlayAgainst(session::ByteView bytes);
+
+/// Reads them as a model and as a bitmap. Returns whether they were taken.
+bool ReadModel(session::ByteView bytes);
+bool ReadBitmap(session::ByteView bytes);
 
 } // namespace fuzz

@@ -1,0 +1,43 @@
+#include "platform/files.h"
+
+#include <fstream>
+#include <map>
+#include <system_error>
+
+void RefuseFile(const std::filesystem::path &file, const std::string &why) {
+  throw FileError('"' + file.filename().string() + "\": " + why);
+}
+
+FileStamp StampOf(const std::filesystem::path &file) {
+  std::error_code error;
+  const auto status = std::filesystem::status(file, error);
+  if (!std::filesystem::exists(status)) RefuseFile(file, "can't be found");
+  if (!std::filesystem::is_regular_file(status)) RefuseFile(file, "not a plain file");
+  FileStamp stamp;
+  stamp.Time = std::filesystem::last_write_time(file, error);
+  if (!error) stamp.Size = std::filesystem::file_size(file, error);
+  if (error) RefuseFile(file, error.message());
+  return stamp;
+}
+
+std::vector<char> ReadFile(const std::filesystem::path &file, std::uintmax_t largest) {
+  const std::uintmax_t size = StampOf(file).Size;
+  if (size == 0) RefuseFile(file, "is empty");
+  if (size > largest) {
+    RefuseFile(file,
+               std::to_string(size) + " bytes are too many, " + std::to_string(largest) + " are allowed");
+  }
+  std::ifstream stream(file, std::ios::binary);
+  if (!stream) RefuseFile(file, "can't be opened");
+  std::vector<char> bytes(size);
+  if (!stream.read(bytes.data(), static_cast<std::streamsize>(size))) RefuseFile(file, "can't be read");
+  return bytes;
+}
+
+void CheckOnce(const std::filesystem::path &file, const std::function<void()> &check) {
+  static std::map<std::filesystem::path, FileStamp> passed;
+  const FileStamp stamp = StampOf(file);
+  if (const auto known = passed.find(file); known != passed.end() && known->second == stamp) return;
+  check();
+  passed[file] = stamp;
+}

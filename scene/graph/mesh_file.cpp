@@ -1,0 +1,74 @@
+// Mesh files, read by the mesh library and turned into what the graph keeps.
+
+#include "scene/graph/parsing.h"
+#include "scene/graph/scene_error.h"
+
+#include <assimp/Importer.hpp>
+#include <assimp/postprocess.h>
+#include <assimp/scene.h>
+
+#include <cmath>
+
+namespace {
+
+constexpr float SmoothAngle = 60.0f;   ///< degrees between faces up to which a missing normal is smooth
+constexpr float FarthestVertex = 1e6f; ///< from the origin on each axis, in the file's units
+
+Vector Convert(const aiVector3D &v) { return {v.x, v.y, v.z}; }
+
+bool Bounded(float value) { return std::abs(value) <= FarthestVertex; } // no number isn't
+
+void Append(const aiMesh &mesh, const aiScene &scene, bool colored, MeshData &data) {
+  const auto base = static_cast<std::uint32_t>(data.Positions.size());
+  for (unsigned i = 0; i < mesh.mNumVertices; ++i) {
+    const Vector v = Convert(mesh.mVertices[i]);
+    if (!Bounded(v.x) || !Bounded(v.y) || !Bounded(v.z)) {
+      throw SceneError("not a mesh file: a vertex lies beyond all measure");
+    }
+    data.Positions.push_back(v);
+    data.Normals.push_back(mesh.mNormals ? Convert(mesh.mNormals[i]) : Vector{0, 1, 0});
+    const aiVector3D *coordinates = mesh.mTextureCoords[0];
+    data.TextureCoordinates.push_back(coordinates ? TextureCoordinate{coordinates[i].x, coordinates[i].y}
+                                                  : TextureCoordinate{});
+    if (colored) {
+      const aiColor4D *colors = mesh.mColors[0];
+      data.VertexColors.push_back(colors ? FaceColor{colors[i].r, colors[i].g, colors[i].b, colors[i].a}
+                                         : FaceColor{});
+    }
+  }
+  // A file that colours its vertices has said all that it wants to say of colours.
+  aiColor4D diffuse(1, 1, 1, 1);
+  if (!colored && mesh.mMaterialIndex < scene.mNumMaterials) {
+    scene.mMaterials[mesh.mMaterialIndex]->Get(AI_MATKEY_COLOR_DIFFUSE, diffuse);
+  }
+  for (unsigned i = 0; i < mesh.mNumFaces; ++i) {
+    const aiFace &face = mesh.mFaces[i];
+    if (face.mNumIndices != 3) continue; // points and lines have no surface
+    for (unsigned corner = 0; corner < 3; ++corner) {
+      if (face.mIndices[corner] >= mesh.mNumVertices)
+        throw SceneError("not a mesh file: a face names no vertex");
+      data.Indices.push_back(base + face.mIndices[corner]);
+    }
+    data.FaceColors.push_back({diffuse.r, diffuse.g, diffuse.b});
+  }
+}
+
+} // namespace
+
+MeshData ParseMesh(std::span<const char> bytes) {
+  CheckMesh(bytes);
+  Assimp::Importer importer;
+  importer.SetPropertyFloat(AI_CONFIG_PP_GSN_MAX_SMOOTHING_ANGLE, SmoothAngle);
+  const aiScene *scene = importer.ReadFileFromMemory(
+      bytes.data(), bytes.size(),
+      aiProcess_ConvertToLeftHanded | aiProcess_Triangulate | aiProcess_PreTransformVertices |
+          aiProcess_GenSmoothNormals | aiProcess_JoinIdenticalVertices,
+      "x");
+  if (!scene) throw SceneError(std::string("not a mesh file: ") + importer.GetErrorString());
+  bool colored = false;
+  for (unsigned i = 0; i < scene->mNumMeshes; ++i) colored = colored || scene->mMeshes[i]->HasVertexColors(0);
+  MeshData data;
+  for (unsigned i = 0; i < scene->mNumMeshes; ++i) Append(*scene->mMeshes[i], *scene, colored, data);
+  if (data.Indices.empty()) throw SceneError("not a mesh file: it has no faces");
+  return data;
+}

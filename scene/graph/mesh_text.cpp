@@ -1,0 +1,360 @@
+// Mesh files are text of nested objects. What a file says of itself, how many vertices, faces and normals it
+// has and which of them belong together, is compared with what it holds before the mesh library reads it: the
+// library takes a file at its word.
+
+#include "scene/graph/parsing.h"
+#include "scene/graph/scene_error.h"
+
+#include <algorithm>
+#include <cctype>
+#include <charconv>
+#include <cmath>
+#include <cstdint>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace {
+
+constexpr std::string_view Header = "xof 0303txt 0032", OlderHeader = "xof 0302txt 0032";
+constexpr std::size_t MostVertices = 200000, MostFaces = 200000; ///< of all meshes of a file
+constexpr std::size_t MostMeshes = 100, MostFrames = 100, MostMaterials = 100;
+constexpr std::size_t DeepestFrame = 16;
+constexpr std::size_t LongestNumber = 24; ///< characters
+constexpr double LargestNumber = 1e6;     ///< of places, colours and all else that isn't counted
+
+bool IsBlank(char c) { return std::isspace(static_cast<unsigned char>(c)) != 0; }
+bool IsDigit(char c) { return c >= '0' && c <= '9'; }
+bool IsSeparator(char c) { return c == ';' || c == ','; }
+bool EndsToken(char c) { return IsSeparator(c) || c == '{' || c == '}'; }
+
+class Text {
+public:
+  explicit Text(std::string_view text) : text_(text) {}
+
+  void Check() {
+    if (!text_.starts_with(Header) && !text_.starts_with(OlderHeader)) Fail("it doesn't begin as one");
+    at_ = Header.size();
+    SkipLine();
+    while (true) {
+      const std::string_view kind = Token();
+      if (kind.empty()) return;
+      if (kind == "template") {
+        Template();
+      } else if (kind == "Header") {
+        PassOver();
+      } else if (kind == "Material") {
+        Material();
+      } else if (kind == "Mesh") {
+        Mesh();
+      } else if (kind == "Frame") {
+        Frame(1);
+      } else {
+        Fail("\"" + Shown(kind) + "\" isn't known here");
+      }
+    }
+  }
+
+private:
+  [[noreturn]] void Fail(const std::string &why) const {
+    const auto line = 1 + std::ranges::count(text_.substr(0, at_), '\n');
+    throw SceneError("not a mesh file: line " + std::to_string(line) + ": " + why);
+  }
+
+  static std::string Shown(std::string_view token) {
+    constexpr std::size_t Longest = 30;
+    std::string shown;
+    for (const char c : token.substr(0, Longest)) shown += c > ' ' && c <= '~' ? c : '?';
+    return shown;
+  }
+
+  // Letters.
+
+  char Next(std::size_t ahead = 0) const { return at_ + ahead < text_.size() ? text_[at_ + ahead] : '\0'; }
+
+  void SkipLine() {
+    while (at_ < text_.size() && text_[at_] != '\n' && text_[at_] != '\r') ++at_;
+  }
+
+  void SkipBlanks() {
+    while (at_ < text_.size()) {
+      if (IsBlank(text_[at_])) {
+        ++at_;
+      } else if (text_[at_] == '#' || (text_[at_] == '/' && Next(1) == '/')) {
+        SkipLine();
+      } else {
+        return;
+      }
+    }
+  }
+
+  /// A word or one of the four marks; nothing at the end of the text.
+  std::string_view Token() {
+    SkipBlanks();
+    const std::size_t begin = at_;
+    while (at_ < text_.size() && !IsBlank(text_[at_])) {
+      if (EndsToken(text_[at_])) {
+        if (at_ == begin) ++at_;
+        break;
+      }
+      ++at_;
+    }
+    return text_.substr(begin, at_ - begin);
+  }
+
+  std::string_view NeededToken() {
+    const std::string_view token = Token();
+    if (token.empty()) Fail("the end is missing");
+    return token;
+  }
+
+  void Expect(std::string_view wanted) {
+    if (NeededToken() != wanted) Fail("\"" + std::string(wanted) + "\" is missing");
+  }
+
+  /// An object's name, which may be left out, and its opening brace.
+  void Open() {
+    if (NeededToken() != "{") Expect("{");
+  }
+
+  void Separator() {
+    SkipBlanks();
+    if (at_ >= text_.size()) Fail("the end is missing");
+    if (!IsSeparator(text_[at_])) Fail("a number is followed by neither ';' nor ','");
+    ++at_;
+  }
+
+  void MaybeSeparator() {
+    SkipBlanks();
+    if (IsSeparator(Next())) ++at_;
+  }
+
+  // Numbers, each with the separator behind it.
+
+  std::size_t Whole() {
+    constexpr std::size_t MostDigits = 9;
+    SkipBlanks();
+    std::size_t value = 0, digits = 0;
+    for (; IsDigit(Next()) && digits <= MostDigits; ++at_, ++digits)
+      value = value * 10 + static_cast<std::size_t>(Next() - '0');
+    if (digits == 0) Fail(at_ < text_.size() ? "a whole number is missing" : "the end is missing");
+    if (digits > MostDigits) Fail("a whole number is too large");
+    Separator();
+    return value;
+  }
+
+  std::size_t Count(const char *what, std::size_t most) {
+    const std::size_t count = Whole();
+    if (count > most) Fail(std::to_string(count) + " " + what + " are too many");
+    return count;
+  }
+
+  void CountOf(const char *what, std::size_t wanted) {
+    const std::size_t count = Whole();
+    if (count == wanted) return;
+    Fail(std::to_string(count) + " " + what + " where there must be " + std::to_string(wanted));
+  }
+
+  void Index(const char *what, std::size_t count) {
+    const std::size_t index = Whole();
+    if (index < count) return;
+    Fail(std::string("there is no ") + what + " " + std::to_string(index) + " among " +
+         std::to_string(count));
+  }
+
+  void Digits() {
+    if (!IsDigit(Next())) Fail(at_ < text_.size() ? "a number is missing" : "the end is missing");
+    while (IsDigit(Next())) ++at_;
+  }
+
+  void Number() {
+    SkipBlanks();
+    const std::size_t begin = at_;
+    if (Next() == '-') ++at_;
+    Digits();
+    const bool decimals = Next() == '.';
+    if (decimals) {
+      ++at_;
+      Digits();
+    }
+    if (Next() == 'e' || Next() == 'E') {
+      ++at_;
+      if (Next() == '-' || Next() == '+') ++at_;
+      Digits();
+    }
+    if (at_ - begin > LongestNumber) Fail("a number is too long");
+    double value = 0;
+    const char *first = text_.data() + begin;
+    if (std::from_chars(first, text_.data() + at_, value).ec != std::errc() ||
+        std::abs(value) > LargestNumber)
+      Fail("a number is too large");
+    // The library takes a comma for a decimal point.
+    if (!decimals && Next() == ',' && IsDigit(Next(1))) Fail("a number before a comma has no decimals");
+    Separator();
+  }
+
+  void Numbers(int count) {
+    for (int i = 0; i < count; ++i) Number();
+    MaybeSeparator();
+  }
+
+  // Objects.
+
+  /// An object that the game doesn't need.
+  void PassOver() {
+    Open();
+    for (std::size_t depth = 1; depth > 0;) {
+      const std::string_view token = NeededToken();
+      if (token == "{") ++depth;
+      if (token == "}") --depth;
+    }
+  }
+
+  void Template() {
+    Open();
+    while (NeededToken() != "}") continue;
+  }
+
+  void Frame(std::size_t depth) {
+    if (depth > DeepestFrame) Fail("frames are nested too deeply");
+    if (++frames_ > MostFrames) Fail("it has too many frames");
+    Open();
+    while (true) {
+      const std::string_view kind = NeededToken();
+      if (kind == "}") return;
+      if (kind == "Frame") {
+        Frame(depth + 1);
+      } else if (kind == "FrameTransformMatrix") {
+        Open();
+        for (int i = 0; i < 16; ++i) Number();
+        Expect(";");
+        Expect("}");
+      } else if (kind == "Mesh") {
+        Mesh();
+      } else {
+        Fail("\"" + Shown(kind) + "\" isn't known in a frame");
+      }
+    }
+  }
+
+  /// Faces as rows of indices; returns how many corners each has.
+  std::vector<std::uint8_t> Faces(std::size_t count, const char *what, std::size_t things) {
+    constexpr std::size_t Triangle = 3, Square = 4;
+    std::vector<std::uint8_t> faces;
+    for (std::size_t face = 0; face < count; ++face) {
+      const std::size_t corners = Whole();
+      if (corners < Triangle || corners > Square) Fail("a face has " + std::to_string(corners) + " corners");
+      for (std::size_t corner = 0; corner < corners; ++corner) Index(what, things);
+      MaybeSeparator();
+      faces.push_back(static_cast<std::uint8_t>(corners));
+    }
+    return faces;
+  }
+
+  void Mesh() {
+    if (++meshes_ > MostMeshes) Fail("it has too many meshes");
+    Open();
+    const std::size_t vertices = Count("vertices", MostVertices - vertices_);
+    vertices_ += vertices;
+    for (std::size_t vertex = 0; vertex < vertices; ++vertex) Numbers(3);
+    const std::size_t count = Count("faces", MostFaces - faces_);
+    faces_ += count;
+    const std::vector<std::uint8_t> faces = Faces(count, "vertex", vertices);
+    std::vector<std::string_view> seen;
+    while (true) {
+      const std::string_view kind = NeededToken();
+      if (kind == "}") return;
+      if (std::ranges::find(seen, kind) != seen.end()) Fail("a second \"" + Shown(kind) + "\" in a mesh");
+      seen.push_back(kind);
+      if (kind == "MeshNormals") {
+        Normals(faces);
+      } else if (kind == "MeshVertexColors") {
+        Colors(vertices);
+      } else if (kind == "MeshTextureCoords") {
+        Open();
+        CountOf("texture coordinates", vertices);
+        for (std::size_t vertex = 0; vertex < vertices; ++vertex) Numbers(2);
+        Expect("}");
+      } else if (kind == "MeshMaterialList") {
+        Materials(faces.size());
+      } else if (kind == "VertexDuplicationIndices") {
+        PassOver();
+      } else {
+        Fail("\"" + Shown(kind) + "\" isn't known in a mesh");
+      }
+    }
+  }
+
+  void Normals(const std::vector<std::uint8_t> &faces) {
+    Open();
+    const std::size_t normals = Count("normals", MostVertices * 4);
+    for (std::size_t normal = 0; normal < normals; ++normal) Numbers(3);
+    CountOf("faces of normals", faces.size());
+    if (Faces(faces.size(), "normal", normals) != faces) Fail("a face has not one normal a corner");
+    Expect("}");
+  }
+
+  void Colors(std::size_t vertices) {
+    Open();
+    CountOf("colours", vertices);
+    for (std::size_t color = 0; color < vertices; ++color) {
+      Index("vertex", vertices);
+      Numbers(4);
+      MaybeSeparator();
+    }
+    Expect("}");
+  }
+
+  void Materials(std::size_t faces) {
+    Open();
+    const std::size_t materials = Count("materials", MostMaterials), indices = Whole();
+    if (indices != faces && indices != 1) Fail("the faces have not one material each");
+    for (std::size_t index = 0; index < indices; ++index) Index("material", materials);
+    if (Next() == ';') ++at_;
+    while (true) {
+      const std::string_view kind = NeededToken();
+      if (kind == "}") return;
+      if (kind == ";") continue;
+      if (kind == "{") {
+        NeededToken();
+        Expect("}");
+      } else if (kind == "Material") {
+        Material();
+      } else {
+        Fail("\"" + Shown(kind) + "\" isn't known among materials");
+      }
+    }
+  }
+
+  void Material() {
+    if (++materials_ > MostMaterials) Fail("it has too many materials");
+    Open();
+    Numbers(4);
+    Number();
+    Numbers(3);
+    Numbers(3);
+    while (true) {
+      const std::string_view kind = NeededToken();
+      if (kind == "}") return;
+      if (kind != "TextureFilename" && kind != "TextureFileName")
+        Fail("\"" + Shown(kind) + "\" isn't known in a material");
+      Open();
+      SkipBlanks();
+      if (Next() != '"') Fail("a file's name has no quotation mark");
+      const std::size_t end = text_.find('"', at_ + 1);
+      if (end == std::string_view::npos) Fail("the end is missing");
+      at_ = end + 1;
+      if (Next() != ';') Fail("\";\" is missing");
+      ++at_;
+      Expect("}");
+    }
+  }
+
+  std::string_view text_;
+  std::size_t at_ = 0;
+  std::size_t vertices_ = 0, faces_ = 0, meshes_ = 0, frames_ = 0, materials_ = 0;
+};
+
+} // namespace
+
+void CheckMesh(std::span<const char> bytes) { Text({bytes.data(), bytes.size()}).Check(); }
