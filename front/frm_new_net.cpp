@@ -6,6 +6,7 @@
 
 #include <charconv>
 #include <cmath>
+#include <iostream>
 #include <optional>
 
 namespace {
@@ -54,7 +55,8 @@ void StartSounds(Program &program, const Window &window) {
   program.PlayOnce(program.SndGuit2);
 }
 
-void TellOfNoSound(Program &program) {
+void TellOfNoSound(Program &program, const SoundError &error) {
+  std::cerr << "Snapwedge runs without sound: " << error.what() << std::endl;
   program.SoundOn = False;
   program.machine.MsgBox(
       {"Snapwedge will run without sound.  Please make sure that you have the latest DirectX7 Drivers "
@@ -83,15 +85,15 @@ void frmNewNet::Form_Load() {
   if (!program.DX) program.DX = machine.CreateDirectX();
   try {
     program.DS = program.DX->DirectSoundCreate("");
-  } catch (const SoundError &) {
-    TellOfNoSound(program);
+  } catch (const SoundError &error) {
+    TellOfNoSound(program, error);
   }
   RequireHighColor(program);
   if (program.SoundOn) {
     try {
       StartSounds(program, *this);
-    } catch (const SoundError &) {
-      TellOfNoSound(program);
+    } catch (const SoundError &error) {
+      TellOfNoSound(program, error);
       RequireHighColor(program);
     }
   }

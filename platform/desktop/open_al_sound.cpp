@@ -1,15 +1,20 @@
 #include "platform/desktop/open_al_sound.h"
 
+#include "platform/files.h"
+
 #include <AL/al.h>
 #include <AL/alc.h>
 #include <sndfile.h>
 
+#include <cstdint>
+#include <fstream>
 #include <string>
 #include <vector>
 
 namespace {
 
-constexpr sf_count_t LongestSound = 60L * 48000; ///< frames
+constexpr sf_count_t LongestSound = 60L * 48000;   ///< frames
+constexpr std::uintmax_t LargestFile = 16UL << 20; ///< bytes
 
 /// The device and its context: they live as long as any buffer.
 struct Device {
@@ -47,8 +52,44 @@ struct Wave {
   int Rate = 0;
 };
 
+/// Compares what a wave file says of its size with what there is: the reader takes half a sound for a whole
+/// one.
+/// @throws FileError
+void RequireWhole(const std::filesystem::path &path) {
+  constexpr std::streamoff Mark = 4, ChunkHeader = 8, FileHeader = 12; // bytes
+  const auto size = static_cast<std::streamoff>(StampOf(path).Size);
+  if (static_cast<std::uintmax_t>(size) > LargestFile) RefuseFile(path, "the sound is too large");
+  std::ifstream file(path, std::ios::binary);
+  const auto mark = [&] {
+    char letters[Mark] = {};
+    file.read(letters, Mark);
+    return std::string(letters, Mark);
+  };
+  const auto number = [&] {
+    std::streamoff value = 0;
+    for (int i = 0; i < 4; ++i) value |= static_cast<std::streamoff>(file.get() & 0xFF) << (8 * i);
+    return value;
+  };
+  if (mark() != "RIFF" || number() < 0 || mark() != "WAVE") RefuseFile(path, "not a wave file");
+  for (std::streamoff at = FileHeader; at + ChunkHeader <= size;) {
+    file.seekg(at);
+    const std::string chunk = mark();
+    const std::streamoff length = number();
+    at += ChunkHeader + length;
+    if (at > size) RefuseFile(path, "the sound's end is missing");
+    if (chunk == "data") return;
+    at += length % 2; // filled up to an even number
+  }
+  RefuseFile(path, "the wave file has no sound in it");
+}
+
 Wave ReadWave(const std::filesystem::path &path) {
   const std::string name = '"' + path.filename().string() + '"';
+  try {
+    RequireWhole(path);
+  } catch (const FileError &error) {
+    throw SoundError(error.what());
+  }
   SF_INFO info{};
   const std::unique_ptr<SNDFILE, int (*)(SNDFILE *)> file(sf_open(path.c_str(), SFM_READ, &info), sf_close);
   if (!file) throw SoundError(name + ": " + sf_strerror(nullptr));
