@@ -1,5 +1,6 @@
 #include "net/frm_new_net.h"
 
+#include "front/check_files.h"
 #include "front/information_windows.h"
 #include "match/frm_snapwedge.h"
 #include "net/address_lookup.h"
@@ -134,6 +135,7 @@ void frmNewNet::Command2_Click() {
 }
 
 void frmNewNet::OpenPlayWindow() {
+  CheckMatchFiles(machine, program);
   frmSnapwedge play(machine, program);
   program.LaunchWindow = this;
   // In a network game this window stays open behind the play window, but nothing of it may run again.

@@ -1,5 +1,6 @@
 #include "front/information_windows.h"
 
+#include "front/check_files.h"
 #include "front/picture_window.h"
 
 namespace {
@@ -40,6 +41,10 @@ public:
   CommandButton Command1;
 };
 
+PictureWindow Controls(Machine &machine) { return {machine, "frmControls", "Controls", 7455, 5985}; }
+
+PictureWindow Background(Machine &machine) { return {machine, "frmBackground", "Background", 7395, 5970}; }
+
 } // namespace
 
 PictureWindow::PictureWindow(Machine &machine, const std::string &name, const std::string &caption, int width,
@@ -53,16 +58,22 @@ PictureWindow::PictureWindow(Machine &machine, const std::string &name, const st
 }
 
 void ShowControls(Machine &machine) {
-  PictureWindow frmControls(machine, "frmControls", "Controls", 7455, 5985);
+  PictureWindow frmControls = Controls(machine);
   machine.ShowModal(frmControls);
 }
 
 void ShowBackground(Machine &machine) {
-  PictureWindow frmBackground(machine, "frmBackground", "Background", 7395, 5970);
+  PictureWindow frmBackground = Background(machine);
   machine.ShowModal(frmBackground);
 }
 
 void ShowReadMe(Machine &machine) {
   frmText window(machine);
   machine.ShowModal(window);
+}
+
+void CheckInformationFiles(Machine &machine) {
+  machine.CheckFiles(Controls(machine));
+  machine.CheckFiles(Background(machine));
+  machine.CheckFiles(frmText(machine));
 }

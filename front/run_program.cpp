@@ -1,11 +1,16 @@
 #include "front/run_program.h"
 
+#include "front/check_files.h"
 #include "net/frm_new_net.h"
 
 int RunProgram(Machine &machine, Program &program) {
   try {
     frmNewNet launch(machine, program);
     launch.Form_Load();
+    // Not before: the first picture shouldn't wait for what it doesn't show.
+    machine.Pump();
+    CheckInformationFiles(machine);
+    CheckMatchFiles(machine, program);
     while (launch.Visible) machine.Wait();
     return 0;
   } catch (const ProgramEnd &end) {

@@ -109,6 +109,10 @@ public:
   /// Shows a window and pumps until it has gone again. No other window gets events in that time.
   void ShowModal(Window &window);
 
+  /// Makes sure that the files which a window shows can be read, before they are needed.
+  /// @throws FileError  that names the file and says why
+  virtual void CheckFiles(const Window &window) = 0;
+
   /// Brings all properties of a window to the screen at once.
   virtual void Repaint(Window &window) = 0;
 

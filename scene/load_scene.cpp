@@ -4,6 +4,7 @@
 
 #include "match/frm_snapwedge.h"
 #include "scene/places.h"
+#include "scene/scene_files.h"
 
 namespace {
 
@@ -36,6 +37,16 @@ constexpr float GrassRepeat = 0.03f;
 constexpr float CrowdRepeat = 0.01f;
 
 } // namespace
+
+void CheckSceneFiles(const std::filesystem::path &directory) {
+  for (const char *model : {"fb.dax", "bonus.dax", "extra.dax", "table.dax", "dir.dax", "goal.dax",
+                            "stadium4.dax", "lines.dax"}) {
+    CheckMeshFile(directory / model);
+  }
+  for (const char *texture : {"loose.dab", "grass.dab", "sky.dab", "crowd2.dab"}) {
+    CheckImageFile(directory / texture);
+  }
+}
 
 void frmSnapwedge::LoadScene() {
   const auto directory = machine.AppPath();

@@ -2,6 +2,7 @@
 
 #include "platform/desktop/desktop_direct_x.h"
 #include "platform/desktop/display.h"
+#include "platform/desktop/files.h"
 #include "platform/desktop/plain_box.h"
 #include "platform/desktop/renderer/renderer.h"
 #include "platform/desktop/window_view.h"
@@ -141,6 +142,23 @@ void DesktopMachine::Hide(Window &window) {
   Forget(window);
   pointer_.Hold(nullptr);
   std::erase_if(views_, [&](const auto &view) { return &view->Model() == &window; });
+}
+
+void DesktopMachine::CheckFiles(const Window &window) {
+  constexpr QSize IconSize(128, 128); // the least
+  const auto directory = AppPath();
+  const double density = QGuiApplication::primaryScreen()->devicePixelRatio();
+  CheckPicture(directory, "icon", 1.0, IconSize);
+  if (!window.Picture.empty())
+    CheckPicture(directory, window.Picture, density, {window.Width, window.Height});
+  for (const Control *control : window.Controls) {
+    if (const auto *picture = dynamic_cast<const PictureBox *>(control)) {
+      CheckPicture(directory, picture->Picture, density, {picture->Place.Width, picture->Place.Height});
+    }
+    if (const auto *document = dynamic_cast<const RichTextBox *>(control)) {
+      CheckDocument(directory / document->Document);
+    }
+  }
 }
 
 void DesktopMachine::Repaint(Window &window) {

@@ -27,6 +27,7 @@ public:
   void Hide(Window &window) override;
   void Repaint(Window &window) override;
   void SetFocus(Control &control) override;
+  void CheckFiles(const Window &window) override;
   void DrawCanvas(Canvas &canvas) override;
   void MsgBox(const MessageBox &box) override;
   void mouse_event(std::int32_t flags, std::int32_t dx, std::int32_t dy, std::int32_t data,

@@ -1,5 +1,6 @@
 // The controls that only show: labels, pictures, the document, the meter, lines and shapes.
 
+#include "platform/desktop/files.h"
 #include "platform/desktop/painted_views.h"
 #include "platform/desktop/typed_view.h"
 #include "platform/desktop/window_view.h"
@@ -9,9 +10,7 @@
 #include <QScrollBar>
 #include <QTextBrowser>
 
-#include <filesystem>
 #include <functional>
-#include <stdexcept>
 
 namespace {
 
@@ -81,9 +80,7 @@ public:
   DocumentView(DesktopMachine &machine, Window &window, RichTextBox &model, QWidget &parent)
       : View(machine, window, model, parent) {
     const auto file = machine.AppPath() / model.Document;
-    if (!std::filesystem::is_regular_file(file)) {
-      throw std::runtime_error('"' + model.Document + "\": the document can't be read");
-    }
+    CheckDocument(file);
     widget_->setSource(QUrl::fromLocalFile(Text(file.string())));
     widget_->setTextInteractionFlags(Qt::NoTextInteraction);
     widget_->setFocusPolicy(Qt::NoFocus);

@@ -1,47 +1,13 @@
 #include "platform/desktop/window_view.h"
 
 #include "platform/desktop/desktop_machine.h"
+#include "platform/desktop/files.h"
 
 #include <QCloseEvent>
 #include <QKeyEvent>
 #include <QPainter>
 #include <QScreen>
 #include <QWindow>
-
-#include <algorithm>
-#include <cmath>
-#include <iterator>
-#include <stdexcept>
-
-namespace {
-
-/// Pixels per pixel of the design of the sets in which every picture is made, and how their files' names end.
-constexpr struct {
-  double density;
-  const char *ending;
-} Sets[] = {{1.0, ".png"}, {1.5, "@1.5x.png"}, {2.0, "@2x.png"}, {3.5, "@3.5x.png"}};
-
-} // namespace
-
-QPixmap LoadPicture(DesktopMachine &machine, const QWidget &shownOn, const std::string &name) {
-  const double density = shownOn.devicePixelRatioF();
-  constexpr double SameDensity = 0.01;
-  // The one that is made for the screen, else the next larger one scaled down.
-  const auto *set =
-      std::ranges::find_if(Sets, [&](const auto &each) { return each.density > density - SameDensity; });
-  if (set == std::end(Sets)) --set;
-  const std::string file = name + set->ending;
-  QImage picture;
-  if (!picture.load(QString::fromStdString((machine.AppPath() / "pictures" / file).string()))) {
-    throw std::runtime_error('"' + file + "\": the picture can't be read");
-  }
-  if (std::abs(set->density - density) > SameDensity) {
-    picture = picture.scaled((picture.size().toSizeF() * (density / set->density)).toSize(),
-                             Qt::IgnoreAspectRatio, Qt::SmoothTransformation);
-  }
-  picture.setDevicePixelRatio(density);
-  return QPixmap::fromImage(std::move(picture));
-}
 
 WindowView::WindowView(DesktopMachine &machine, Window &window)
     : QWidget(nullptr, Qt::Window | Qt::CustomizeWindowHint | Qt::WindowTitleHint | Qt::WindowSystemMenuHint |

@@ -17,7 +17,7 @@ class DesktopMachine;
 
 class WindowView : public QWidget {
 public:
-  /// @throws std::runtime_error  that names a picture which can't be read
+  /// @throws FileError  that names a picture or document which can't be read
   WindowView(DesktopMachine &machine, Window &window);
   ~WindowView() override;
 
@@ -49,7 +49,3 @@ private:
   QElapsedTimer activation_; ///< since the window became active or inactive
   std::vector<std::unique_ptr<ControlView>> views_;
 };
-
-/// A picture of the game at the density of that widget's screen.
-/// @throws std::runtime_error  that names a picture which can't be read
-QPixmap LoadPicture(DesktopMachine &machine, const QWidget &shownOn, const std::string &name);

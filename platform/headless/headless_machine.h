@@ -90,6 +90,7 @@ public:
   std::int32_t timeGetTime() override { return Now(); }
   void Show(Window &window) override;
   void Hide(Window &window) override;
+  void CheckFiles(const Window &) override {} // it reads none
   void Repaint(Window &window) override;
   void SetFocus(Control &control) override { Focus = &control; }
   void DrawCanvas(Canvas &canvas) override;

@@ -1,0 +1,128 @@
+#include "platform/desktop/files.h"
+
+#include "platform/desktop/desktop_machine.h"
+#include "platform/files.h"
+
+#include <QStringDecoder>
+
+#include <zlib.h>
+
+#include <algorithm>
+#include <cmath>
+#include <cstdint>
+#include <iterator>
+#include <string_view>
+
+namespace {
+
+namespace fs = std::filesystem;
+
+constexpr std::uintmax_t LargestPicture = 16UL << 20, LargestDocument = 1UL << 20; ///< bytes
+
+/// Pixels per pixel of the design of the sets in which every picture is made, and how their files' names end.
+constexpr struct PictureSet {
+  double density;
+  const char *ending;
+} Sets[] = {{1.0, ".png"}, {1.5, "@1.5x.png"}, {2.0, "@2x.png"}, {3.5, "@3.5x.png"}};
+
+constexpr double SameDensity = 0.01;
+
+/// The one that is made for the screen, else the next larger one, to be scaled down.
+const PictureSet &SetFor(double density) {
+  const auto *set =
+      std::ranges::find_if(Sets, [&](const auto &each) { return each.density > density - SameDensity; });
+  return set == std::end(Sets) ? *std::prev(set) : *set;
+}
+
+fs::path PictureFile(const fs::path &directory, const std::string &name, const char *ending) {
+  return directory / "pictures" / (name + ending);
+}
+
+/// The size that a PNG file tells of itself. Each of its chunks has a check sum, so damage shows without
+/// unpacking it.
+QSize CheckPng(const fs::path &file, const std::vector<char> &bytes) {
+  constexpr std::string_view Signature("\x89PNG\r\n\x1a\n", 8);
+  constexpr std::size_t Number = 4, Type = 4, Sum = 4; // bytes
+  constexpr std::size_t HeaderLength = 13;
+  const auto number = [&](std::size_t at) {
+    std::uint32_t value = 0;
+    for (std::size_t i = 0; i < Number; ++i) value = value << 8 | static_cast<unsigned char>(bytes[at + i]);
+    return value;
+  };
+  const std::string_view all(bytes.data(), bytes.size());
+  if (!all.starts_with(Signature)) RefuseFile(file, "not a PNG picture");
+  QSize size;
+  for (std::size_t at = Signature.size();;) {
+    if (bytes.size() - at < Number + Type + Sum) RefuseFile(file, "the picture's end is missing");
+    const std::size_t length = number(at);
+    if (length > bytes.size() - at - Number - Type - Sum) RefuseFile(file, "the picture's end is missing");
+    const char *chunk = &bytes[at + Number];
+    const auto sum = crc32(0, reinterpret_cast<const Bytef *>(chunk), static_cast<uInt>(Type + length));
+    if (sum != number(at + Number + Type + length)) RefuseFile(file, "the picture is damaged");
+    const std::string_view type(chunk, Type);
+    if (size.isEmpty()) {
+      if (type != "IHDR" || length != HeaderLength) RefuseFile(file, "the picture has no header");
+      size = QSize(static_cast<int>(number(at + Number + Type)),
+                   static_cast<int>(number(at + Number + Type + Number)));
+      if (size.isEmpty()) RefuseFile(file, "the picture has no pixels");
+    }
+    at += Number + Type + length + Sum;
+    if (type != "IEND") continue;
+    if (at != bytes.size()) RefuseFile(file, "the picture goes on behind its end");
+    return size;
+  }
+}
+
+void CheckPictureFile(const fs::path &file, double density, const QSize &place) {
+  constexpr int Slack = 4;     // pixels of the design that a picture may leave bare
+  constexpr int MostTimes = 2; // how much larger than its place it may be
+  CheckOnce(file, [&] {
+    const QSize size = CheckPng(file, ReadFile(file, LargestPicture));
+    const QSizeF shown = QSizeF(size) / density;
+    const auto fits = [&](double is, double wanted) {
+      return is >= wanted - Slack && is <= MostTimes * wanted;
+    };
+    if (fits(shown.width(), place.width()) && fits(shown.height(), place.height())) return;
+    RefuseFile(file, "the picture is " + std::to_string(size.width()) + " by " +
+                         std::to_string(size.height()) + " pixels large");
+  });
+}
+
+} // namespace
+
+QPixmap LoadPicture(DesktopMachine &machine, const QWidget &shownOn, const std::string &name) {
+  const double density = shownOn.devicePixelRatioF();
+  const PictureSet &set = SetFor(density);
+  const fs::path file = PictureFile(machine.AppPath(), name, set.ending);
+  const std::vector<char> bytes = ReadFile(file, LargestPicture);
+  CheckPng(file, bytes);
+  QImage picture;
+  if (!picture.loadFromData(reinterpret_cast<const uchar *>(bytes.data()), static_cast<int>(bytes.size()),
+                            "PNG"))
+    RefuseFile(file, "the picture can't be read");
+  if (std::abs(set.density - density) > SameDensity) {
+    picture = picture.scaled((picture.size().toSizeF() * (density / set.density)).toSize(),
+                             Qt::IgnoreAspectRatio, Qt::SmoothTransformation);
+  }
+  picture.setDevicePixelRatio(density);
+  return QPixmap::fromImage(std::move(picture));
+}
+
+void CheckPicture(const fs::path &directory, const std::string &name, double density, const QSize &place) {
+  const PictureSet &set = SetFor(density);
+  CheckPictureFile(PictureFile(directory, name, set.ending), set.density, place);
+}
+
+void CheckDocument(const fs::path &file) {
+  CheckOnce(file, [&] {
+    const std::vector<char> bytes = ReadFile(file, LargestDocument);
+    QStringDecoder decoder(QStringDecoder::Utf8);
+    const QString text =
+        QString(decoder(QByteArrayView(bytes.data(), static_cast<qsizetype>(bytes.size())))).trimmed();
+    if (decoder.hasError() || text.contains(QChar::Null)) RefuseFile(file, "not a text");
+    if (!text.startsWith("<!DOCTYPE html", Qt::CaseInsensitive) &&
+        !text.startsWith("<html", Qt::CaseInsensitive))
+      RefuseFile(file, "not an HTML document");
+    if (!text.endsWith("</html>", Qt::CaseInsensitive)) RefuseFile(file, "the document's end is missing");
+  });
+}
