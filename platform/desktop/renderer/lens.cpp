@@ -29,10 +29,13 @@ constexpr float AimAhead = 45.0f;  ///< scene units of the aim that are held, fr
 constexpr float AimHalf = 5.0f;    ///< half its width
 constexpr float AimBehind = 7.0f;  ///< ... and behind it
 constexpr float EdgeReach = 32.0f; ///< scene units from the target within which the table's edge is held
-constexpr float LeastLoss = 0.002f;   ///< of its speed, from frame to frame, by a target that will stop
-constexpr float Level = 0.0001f;      ///< scene units a frame, up or down, of what slides
-constexpr float EaseShare = 0.25f;    ///< of the way to the wanted framing, each frame
-constexpr float Still = 0.0005f;      ///< radians, or of the height, below which nothing is left of that way
+constexpr float LeastLoss = 0.002f; ///< of its speed, from frame to frame, by a target that will stop
+constexpr float Level = 0.0001f;    ///< scene units a frame, up or down, of what slides
+constexpr float EaseShare = 0.25f;  ///< of the way to the wanted framing, each frame
+constexpr float Still = 0.0005f;    ///< radians, or of the height, below which nothing is left of that way
+// A still picture doesn't follow every motion of the aim: it would swim before the player's eyes.
+constexpr float Slack = 0.05f;        ///< radians, less than `Room`
+constexpr float HeightSlack = 0.15f;  ///< of the height
 constexpr float SteepestPitch = 1.5f; ///< radians
 
 constexpr float HoldReach =
@@ -116,6 +119,11 @@ bool Approach(float &value, float to, float still) {
 
 } // namespace
 
+bool Lens::Near(const Framing &a, const Framing &b) {
+  return std::abs(a.Yaw - b.Yaw) < Slack && std::abs(a.Pitch - b.Pitch) < Slack &&
+         std::abs(std::log(a.Height / b.Height)) < HeightSlack;
+}
+
 bool Lens::Ease(Framing &framing, const Framing &to) {
   // Heights are compared by their quotient: half as much shows with the same steps as twice as much.
   float height = std::log(framing.Height), toHeight = std::log(to.Height);
@@ -134,17 +142,19 @@ View Lens::Next(const Direct3DRMFrame3 &camera, std::span<const Seen> scene, flo
   }
   const Vector target = subject->Place.Origin;
   const QVector3D step = V(target) - V(target_);
-  const bool cut = !started_ || Distance(from.Origin, camera_) > Jump || step.length() > Jump;
+  const bool cut = !started_ || Distance(from.Origin, from_.Origin) > Jump || step.length() > Jump;
   FollowMovers(scene, looked.get(), cut, step.length() > 0);
   const auto held = Held(from, scene, *subject, cut ? QVector3D() : step);
   const bool swings = (cut || step.length() == 0) && std::ranges::any_of(movers_, &Mover::Moves);
   const Framing wanted = Wanted(from, *subject, held, swings, aspect);
+  const bool still = started_ && from == from_ && step.length() == 0;
+  if (!still || !Near(wanted, wanted_)) wanted_ = wanted;
 
   // Eased twice over, a change begins as softly as it ends.
-  if (cut) approached_ = framing_ = wanted;
-  settled_ = Ease(approached_, wanted) & Ease(framing_, approached_);
+  if (cut) approached_ = framing_ = wanted_;
+  settled_ = Ease(approached_, wanted_) & Ease(framing_, approached_);
   started_ = true;
-  camera_ = from.Origin;
+  from_ = from;
   target_ = target;
   step_ = cut ? QVector3D() : step;
 

@@ -55,6 +55,8 @@ private:
                     ///< the cut
   };
 
+  /// Whether the one shows what the other was wanted for.
+  static bool Near(const Framing &a, const Framing &b);
   static bool Ease(Framing &framing, const Framing &to);
   void FollowMovers(std::span<const Seen> scene, const Direct3DRMFrame3 *target, bool cut, bool targetMoves);
   std::vector<Vector> Held(const Transform &camera, std::span<const Seen> scene, const Seen &subject,
@@ -64,9 +66,11 @@ private:
 
   bool started_ = false;
   bool settled_ = false;
-  Vector camera_, target_; ///< places at the last frame
-  QVector3D step_;         ///< of the target, to the last frame
+  Transform from_; ///< the camera at the last frame
+  Vector target_;  ///< its place at the last frame
+  QVector3D step_; ///< of the target, to the last frame
   std::vector<Mover> movers_;
+  Framing wanted_;
   Framing approached_; ///< follows the wanted framing
   Framing framing_;    ///< follows that
 };
