@@ -9,6 +9,7 @@
 
 #include <cstdlib>
 #include <random>
+#include <utility>
 
 namespace {
 
@@ -70,7 +71,7 @@ TEST(RendererTest, APictureThatIsDrawnInPartsIsTheWholeOne) {
     const auto any = [&](float low, float high) {
       return std::uniform_real_distribution<float>(low, high)(random);
     };
-    for (int i = 0; i < 60; ++i) {
+    for (int i = 0; i < 24; ++i) {
       SCOPED_TRACE(i);
       window.Wind();
       switch (random() % 8) {
@@ -194,6 +195,39 @@ TEST(RendererTest, ThePieceThrowsItsShadowWhileSomebodyAims) {
   const int aiming = pieceAndShadow();
   window.ArrowFrame->DeleteVisual(window.ArrowMesh);
   EXPECT_NEAR(aiming, pieceAndShadow(), 3);
+}
+
+/// The painted lines that each column of a picture crosses, from top to bottom.
+std::vector<int> LinesInColumns(const QImage &with, const QImage &without, int first, int last) {
+  constexpr int Visible = 12; // levels of all colours together
+  std::vector<int> lines;
+  for (int x = first; x < last; ++x) {
+    bool painted = false;
+    lines.push_back(0);
+    for (int y = 0; y < CanvasSize.height(); ++y) {
+      const QColor p = with.pixelColor(x, y), q = without.pixelColor(x, y);
+      const bool was = std::exchange(painted, std::abs(p.red() - q.red()) + std::abs(p.green() - q.green()) +
+                                                      std::abs(p.blue() - q.blue()) >
+                                                  Visible);
+      if (painted && !was) ++lines.back();
+    }
+  }
+  return lines;
+}
+
+TEST(RendererTest, LinesFarDownTheFieldDoNotBreak) {
+  constexpr int AfterHashMarks = 156,
+                BeforeTarget = 185; // columns that only the lines across the field cross
+  constexpr int LinesAcross = 10;
+  for (const Quality quality : {Quality::Full, Quality::Low}) {
+    Picture picture(quality);
+    auto &window = picture.game.window;
+    window.ArrowFrame->DeleteVisual(window.ArrowMesh);
+    const QImage with = picture.Draw();
+    window.StadiumFrame->DeleteVisual(window.LinesMesh);
+    for (const int lines : LinesInColumns(with, picture.Draw(), AfterHashMarks, BeforeTarget))
+      EXPECT_GE(lines, LinesAcross);
+  }
 }
 
 /// How many pixels jump to and fro while the camera moves slowly past the piece: a surface that fights with

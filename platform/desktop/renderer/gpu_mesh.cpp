@@ -6,7 +6,8 @@
 
 namespace {
 
-constexpr GLuint PositionSlot = 0, NormalSlot = 1, CoordinateSlot = 2, ShadeSlot = 3, LitSlot = 4;
+constexpr GLuint PositionSlot = 0, NormalSlot = 1, CoordinateSlot = 2, ShadeSlot = 3, LitSlot = 4,
+                 AcrossSlot = 5;
 constexpr std::size_t FacesInCluster = 192;
 
 struct GpuVertex {
@@ -38,11 +39,50 @@ void SortByPlace(std::vector<std::uint32_t> &faces, std::size_t first, std::size
   SortByPlace(faces, first + half, count - half, middles);
 }
 
+/// For each vertex of strokes of paint the way across its stroke, to the other side.
+///
+/// A stroke is a strip of quads, and its vertices have more than three edges but for those at its ends. The
+/// way across is the shortest edge that two faces share; at an end, and in a stroke of a single quad, the
+/// shortest of all.
+std::vector<Vector> WaysAcross(const MeshData &data) {
+  struct Edge {
+    std::uint32_t To;
+    bool Shared;
+  };
+  std::vector<std::vector<Edge>> edges(data.Positions.size());
+  for (std::size_t i = 0; i < data.Indices.size(); ++i) {
+    const std::size_t next = i % 3 == 2 ? i - 2 : i + 1;
+    for (const auto &[from, to] :
+         {std::pair(data.Indices[i], data.Indices[next]), std::pair(data.Indices[next], data.Indices[i])}) {
+      const auto known = std::ranges::find(edges[from], to, &Edge::To);
+      if (known == edges[from].end()) {
+        edges[from].push_back({to, false});
+      } else {
+        known->Shared = true;
+      }
+    }
+  }
+  std::vector<Vector> across(data.Positions.size());
+  for (std::size_t vertex = 0; vertex < edges.size(); ++vertex) {
+    const Vector &at = data.Positions[vertex];
+    const bool inside = edges[vertex].size() > 3;
+    QVector3D shortest;
+    for (const Edge &edge : edges[vertex]) {
+      const Vector &to = data.Positions[edge.To];
+      const QVector3D way(to.x - at.x, to.y - at.y, to.z - at.z);
+      if ((edge.Shared || !inside) && (shortest.isNull() || way.length() < shortest.length())) shortest = way;
+    }
+    across[vertex] = {shortest.x(), shortest.y(), shortest.z()};
+  }
+  return across;
+}
+
 } // namespace
 
 GpuMesh::GpuMesh(Gl &gl) : gl_(gl) {
   gl_.glGenVertexArrays(1, &array_);
-  for (GLuint *buffer : {&positions_, &coordinates_, &light_, &indices_}) gl_.glGenBuffers(1, buffer);
+  for (GLuint *buffer : {&positions_, &coordinates_, &light_, &indices_, &across_})
+    gl_.glGenBuffers(1, buffer);
   gl_.glBindVertexArray(array_);
   gl_.glBindBuffer(GL_ELEMENT_ARRAY_BUFFER, indices_);
   gl_.glBindBuffer(GL_ARRAY_BUFFER, positions_);
@@ -63,7 +103,7 @@ GpuMesh::GpuMesh(Gl &gl) : gl_(gl) {
 }
 
 GpuMesh::~GpuMesh() {
-  for (const GLuint *buffer : {&positions_, &coordinates_, &light_, &indices_})
+  for (const GLuint *buffer : {&positions_, &coordinates_, &light_, &indices_, &across_})
     gl_.glDeleteBuffers(1, buffer);
   gl_.glDeleteVertexArrays(1, &array_);
 }
@@ -73,6 +113,7 @@ void GpuMesh::Upload(const Direct3DRMMeshBuilder3 &mesh, const Transform &place)
   if (reshaped) {
     geometryRevision_ = mesh.GeometryRevision();
     UploadGeometry(mesh.Data());
+    if (IsPaint(mesh)) UploadWaysAcross(mesh.Data());
   }
   if (reshaped || coordinateRevision_ != mesh.TextureCoordinateRevision()) {
     coordinateRevision_ = mesh.TextureCoordinateRevision();
@@ -136,6 +177,20 @@ void GpuMesh::UploadGeometry(const MeshData &data) {
                    vertices.data(), GL_STATIC_DRAW);
   gl_.glBufferData(GL_ELEMENT_ARRAY_BUFFER, static_cast<GLsizeiptr>(indices.size() * sizeof(std::uint32_t)),
                    indices.data(), GL_STATIC_DRAW);
+}
+
+bool GpuMesh::IsPaint(const Direct3DRMMeshBuilder3 &mesh) const { return !mesh.Texture() && IsWide(box_); }
+
+void GpuMesh::UploadWaysAcross(const MeshData &data) {
+  const std::vector<Vector> all = WaysAcross(data);
+  std::vector<Vector> across;
+  for (const Corner &corner : corners_) across.push_back(all[corner.Index]);
+  gl_.glBindVertexArray(array_);
+  gl_.glBindBuffer(GL_ARRAY_BUFFER, across_);
+  gl_.glBufferData(GL_ARRAY_BUFFER, static_cast<GLsizeiptr>(across.size() * sizeof(Vector)), across.data(),
+                   GL_STATIC_DRAW);
+  gl_.glVertexAttribPointer(AcrossSlot, 3, GL_FLOAT, GL_FALSE, 0, nullptr);
+  gl_.glEnableVertexAttribArray(AcrossSlot);
 }
 
 void GpuMesh::UploadCoordinates(const MeshData &data) {

@@ -22,6 +22,9 @@ public:
   /// Brings the mesh up to date, where it hangs now.
   void Upload(const Direct3DRMMeshBuilder3 &mesh, const Transform &place);
 
+  /// Whether it is paint on the ground: strokes that must not break where they are thinner than a pixel.
+  bool IsPaint(const Direct3DRMMeshBuilder3 &mesh) const;
+
   /// Draws the parts that show.
   void Draw(const QMatrix4x4 &toClip);
 
@@ -41,12 +44,13 @@ private:
   };
 
   void UploadGeometry(const MeshData &data);
+  void UploadWaysAcross(const MeshData &data);
   void UploadCoordinates(const MeshData &data);
   void UploadLight(const Direct3DRMMeshBuilder3 &mesh, const Transform &place);
 
   Gl &gl_;
   GLuint array_ = 0;
-  GLuint positions_ = 0, coordinates_ = 0, light_ = 0, indices_ = 0;
+  GLuint positions_ = 0, coordinates_ = 0, light_ = 0, indices_ = 0, across_ = 0;
   std::vector<Corner> corners_;
   std::vector<Cluster> clusters_;
   Bounds box_;

@@ -52,8 +52,12 @@ bool Painter::Paint(std::span<const Placed> placed, const Direct3DRMFrame3 &came
   std::ranges::stable_sort(items, {}, [](const Item &item) { return item.Box.Extent(); });
   MarkGround(items);
   std::ranges::copy_if(items, std::back_inserter(grounds), &Item::Ground);
+  // Paint covers pixels in part, so what lies under it comes first.
+  std::ranges::stable_partition(
+      grounds, [](const Item &ground) { return !ground.Mesh->IsPaint(**ground.Where.Mesh); });
 
   gl_.glEnable(GL_DEPTH_TEST);
+  gl_.glBlendFunc(GL_SRC_ALPHA, GL_ONE_MINUS_SRC_ALPHA);
   gl_.glDisable(GL_CULL_FACE);
   const bool shadowsMoved = shadows_.Update(items, grounds);
 
@@ -119,7 +123,8 @@ void Painter::DrawItem(const Item &item, int taps) {
   const auto &material = (*item.Where.Mesh)->Material();
   const auto &texture = (*item.Where.Mesh)->Texture();
   const ColorValue specular = material ? material->Specular : ColorValue{};
-  QOpenGLShaderProgram &surface = SurfaceProgram(taps, texture != nullptr);
+  const bool paint = item.Mesh->IsPaint(**item.Where.Mesh);
+  QOpenGLShaderProgram &surface = SurfaceProgram({taps, texture != nullptr, paint});
   if (bound_ != &surface) {
     bound_ = &surface;
     surface.bind();
@@ -128,17 +133,20 @@ void Painter::DrawItem(const Item &item, int taps) {
   surface.setUniformValue("toWorld", item.Where.ToWorld);
   surface.setUniformValue("specular", QVector3D(specular.Red, specular.Green, specular.Blue));
   if (texture) gl_.glBindTexture(GL_TEXTURE_2D, store_.Texture(texture));
+  if (paint) gl_.glEnable(GL_BLEND);
   item.Mesh->Draw(shown);
+  if (paint) gl_.glDisable(GL_BLEND);
 }
 
 /// The program for surfaces of one kind: a test that never changes isn't made at every fragment.
-QOpenGLShaderProgram &Painter::SurfaceProgram(int taps, bool pictured) {
-  auto &program = surfaces_[{taps, pictured}];
+QOpenGLShaderProgram &Painter::SurfaceProgram(const SurfaceKind &kind) {
+  auto &program = surfaces_[kind];
   if (!program) {
     program = std::make_unique<QOpenGLShaderProgram>();
-    const std::string kind = "#version 330 core\n#define SHADOW_TAPS " + std::to_string(taps) +
-                             "\n#define PICTURED " + std::to_string(pictured) + "\n";
-    BuildProgram(*program, SurfaceVertexShader, kind + SurfaceFragmentShader);
+    const std::string definitions =
+        "#version 330 core\n#define SHADOW_TAPS " + std::to_string(kind.ShadowTaps) + "\n#define PICTURED " +
+        std::to_string(kind.Pictured) + "\n#define PAINT " + std::to_string(kind.Paint) + "\n";
+    BuildProgram(*program, definitions + SurfaceVertexShader, definitions + SurfaceFragmentShader);
   }
   return *program;
 }
@@ -146,7 +154,10 @@ QOpenGLShaderProgram &Painter::SurfaceProgram(int taps, bool pictured) {
 /// What is the same for every mesh of a picture.
 void Painter::SetScene(QOpenGLShaderProgram &surface) {
   const Vector key = KeyLight();
+  const QSize size = target_->Size();
   surface.setUniformValue("toClip", toClip_);
+  surface.setUniformValue("halfPicture",
+                          QVector2D(static_cast<float>(size.width()), static_cast<float>(size.height())) / 2);
   surface.setUniformValue("toShadow", Shadows::ToMap());
   surface.setUniformValue("camera", camera_);
   surface.setUniformValue("keyDirection", QVector3D(key.x, key.y, key.z));

@@ -43,7 +43,14 @@ private:
   void Confine(const QRect &part);
   void DrawItem(const Item &item, int taps);
   void DrawGrounds(std::span<const Item> grounds, const QRect &part);
-  QOpenGLShaderProgram &SurfaceProgram(int taps, bool pictured);
+  /// What a shading program for surfaces is made for.
+  struct SurfaceKind {
+    int ShadowTaps; ///< looks for a shadow's halo; 0 where none can lie
+    bool Pictured;  ///< with a texture
+    bool Paint;     ///< strokes of paint on the ground
+    auto operator<=>(const SurfaceKind &) const = default;
+  };
+  QOpenGLShaderProgram &SurfaceProgram(const SurfaceKind &kind);
   void SetScene(QOpenGLShaderProgram &surface);
 
   Gl &gl_;
@@ -54,7 +61,7 @@ private:
   Backdrop backdrop_;
   Damage damage_;
   std::unique_ptr<FrameBuffer> target_;
-  std::map<std::pair<int, bool>, std::unique_ptr<QOpenGLShaderProgram>> surfaces_;
+  std::map<SurfaceKind, std::unique_ptr<QOpenGLShaderProgram>> surfaces_;
   QOpenGLShaderProgram *bound_ = nullptr;
   QMatrix4x4 toClip_;
   QMatrix4x4 shown_; ///< the same, or the clip space of the part that is drawn now

@@ -12,14 +12,21 @@
 
 /// Compiles and links a program.
 /// @throws RendererError  with what the driver says
-void BuildProgram(QOpenGLShaderProgram &program, const char *vertex, const std::string &fragment);
+void BuildProgram(QOpenGLShaderProgram &program, const std::string &vertex, const std::string &fragment);
 
-inline constexpr const char *SurfaceVertexShader = R"(#version 330 core
+// PAINT is defined in front of both: 1 for strokes on the ground. One that is thinner than a pixel is drawn a
+// pixel thick, and covers as much of it as it is thick: its pixels would come and go along its way otherwise.
+inline constexpr const char *SurfaceVertexShader = R"(
 layout(location = 0) in vec3 position;
 layout(location = 1) in vec3 normal;
 layout(location = 2) in vec2 coordinate;
 layout(location = 3) in vec4 shade; // in the shadow; its fourth part: how much of the texture shows
 layout(location = 4) in vec3 lit;   // in the key light
+#if PAINT
+layout(location = 5) in vec3 across; // to the other side of the stroke
+uniform vec2 halfPicture;            // pixels
+out float coverage;
+#endif
 uniform mat4 toWorld;
 uniform mat4 toClip;
 uniform mat4 toShadow;
@@ -51,6 +58,20 @@ void main() {
   float depth = distance * fogDensity;
   fog = 1.0 - exp(-depth * depth);
   gl_Position = toClip * place;
+#if PAINT
+  vec3 way = mat3(toWorld) * across;
+  vec4 otherSide = toClip * (place + vec4(way, 0.0));
+  vec4 ahead = toClip * (place + vec4(cross(normalize(mat3(toWorld) * normal), way), 0.0));
+  coverage = 1.0;
+  if (min(gl_Position.w, min(otherSide.w, ahead.w)) > 1.0) {
+    vec2 here = gl_Position.xy / gl_Position.w * halfPicture;
+    vec2 thick = otherSide.xy / otherSide.w * halfPicture - here;
+    vec2 along = normalize(ahead.xy / ahead.w * halfPicture - here);
+    coverage = clamp(abs(thick.x * along.y - thick.y * along.x), 0.05, 1.0);
+    // Widened on the ground, so that it stays before what lies under it.
+    gl_Position -= toClip * vec4(way, 0.0) * (0.5 / coverage - 0.5);
+  }
+#endif
 }
 )";
 
@@ -67,6 +88,9 @@ in vec4 shadeLight;
 in vec3 litLight;
 in vec3 shadowPlace;
 in float fog;
+#if PAINT
+in float coverage;
+#endif
 out vec4 result;
 #if SHADOW_TAPS > 0
 float Look(vec2 away) { return texture(shadows, shadowPlace + vec3(away, 0.0)); }
@@ -97,7 +121,11 @@ void main() {
 #if PICTURED
   light *= mix(vec3(1.0), texture(picture, surfaceCoordinate).rgb, shadeLight.a);
 #endif
+#if PAINT
+  result = vec4(mix(light, fogColor, fog), coverage);
+#else
   result = vec4(mix(light, fogColor, fog), 1.0);
+#endif
 }
 )";
 
