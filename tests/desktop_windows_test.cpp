@@ -19,12 +19,13 @@ public:
   using DesktopMachine::DesktopMachine;
   std::filesystem::path AppPath() const override { return SNAPWEDGE_GAME_DIR; }
 
+  /// One serves all tests, and is never taken down: Qt's own statics, which it would need for that, go first.
   static GameMachine &Get() {
     static int count = 1;
     static char name[] = "test";
     static char *arguments[] = {name, nullptr};
-    static GameMachine machine(count, arguments);
-    return machine;
+    static auto *machine = new GameMachine(count, arguments);
+    return *machine;
   }
 };
 
@@ -94,6 +95,36 @@ TEST(DesktopWindowsTest, LabelsOfThePlayWindowCanBeRead) {
     window.TurnColor();
     EXPECT_EQ(ExpectReadableLabels(machine, window), 6);
   }
+}
+
+/// The widget of a control on the window that stands open under that name.
+QWidget *WidgetOf(const Window &window, const char *control) {
+  for (QWidget *shown : QApplication::topLevelWidgets()) {
+    if (shown->isVisible() && shown->objectName().toStdString() == window.Name)
+      return shown->findChild<QWidget *>(control);
+  }
+  return nullptr;
+}
+
+TEST(DesktopWindowsTest, ThePlayWindowComesUpWithItsFirstPictureAndWithoutTheLastCard) {
+  GameMachine &machine = GameMachine::Get();
+  Program program(machine);
+  program.SoundOn = False;
+  program.GameMode = "Human";
+  frmSnapwedge window(machine, program);
+  window.RMCanvas1.Start();
+  window.LoadScene();
+  machine.Show(window);
+  const QImage first = WidgetOf(window, "RMCanvas1")->grab().toImage();
+  EXPECT_GT(QColor(first.pixel(first.width() / 2, first.height() / 3)).lightness(), 40) << "no picture yet";
+  window.Picture4.Visible = true;
+  machine.Repaint(window);
+  const QWidget *card = WidgetOf(window, "Picture4");
+  EXPECT_TRUE(card->isVisible());
+  window.Picture4.Visible = false;
+  window.PieceFrame->SetPosition(window.RMCanvas1.SceneFrame, 3, 0, 40);
+  window.RMCanvas1.Update();
+  EXPECT_FALSE(card->isVisible()) << "it stands over the next possession's first picture";
 }
 
 } // namespace

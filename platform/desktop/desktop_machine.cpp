@@ -94,12 +94,14 @@ void DesktopMachine::CarryOver() {
 }
 
 void DesktopMachine::Collect() {
+  leaving_.clear();
   CarryOver();
   QCoreApplication::processEvents();
   QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
 }
 
 void DesktopMachine::Sleep(std::optional<std::int32_t> deadline) {
+  leaving_.clear();
   CarryOver();
   std::int32_t milliseconds = deadline ? std::max(Elapsed(timeGetTime(), *deadline), 0) : -1;
   if (HasPolls()) milliseconds = deadline ? std::min(milliseconds, NetworkLookMs) : NetworkLookMs;
@@ -134,14 +136,23 @@ void DesktopMachine::Show(Window &window) {
     if (owner && !window.CapturesPointer) view.BelongTo(*owner);
   }
   view.CarryOver();
+  // The first picture takes long; the window comes up with it rather than black.
+  for (Control *control : window.Controls) {
+    if (auto *canvas = dynamic_cast<RMCanvas *>(control); canvas && canvas->SceneFrame) DrawCanvas(*canvas);
+  }
   view.Open();
+  leaving_.clear();
 }
 
 void DesktopMachine::Hide(Window &window) {
   window.Visible = false;
   Forget(window);
   pointer_.Hold(nullptr);
-  std::erase_if(views_, [&](const auto &view) { return &view->Model() == &window; });
+  const auto view = std::ranges::find_if(views_, [&](const auto &each) { return &each->Model() == &window; });
+  if (view == views_.end()) return;
+  // One window that makes room for another goes when that has come.
+  leaving_.push_back(std::move(*view));
+  views_.erase(view);
 }
 
 void DesktopMachine::CheckFiles(const Window &window) {
@@ -173,12 +184,15 @@ void DesktopMachine::SetFocus(Control &control) {
 }
 
 void DesktopMachine::DrawCanvas(Canvas &canvas) {
-  CanvasView *view = nullptr;
-  for (const auto &window : views_) view = view ? view : window->FindCanvas(canvas);
-  if (!view) return; // the window doesn't show yet
+  const auto shown = std::ranges::find_if(views_, [&](const auto &view) { return view->FindCanvas(canvas); });
+  if (shown == views_.end()) return; // the window doesn't show yet
+  CanvasView &view = *(*shown)->FindCanvas(canvas);
   if (!renderer_) renderer_ = std::make_unique<Renderer>();
-  const QSize pixels = view->size() * view->devicePixelRatioF();
-  if (renderer_->Draw(static_cast<const RMCanvas &>(canvas), pixels)) view->ShowPicture(renderer_->Picture());
+  const QSize pixels = view.size() * view.devicePixelRatioF();
+  if (!renderer_->Draw(static_cast<const RMCanvas &>(canvas), pixels)) return;
+  // A card that has come down must not stand over the picture of what follows.
+  (*shown)->CarryOver();
+  view.ShowPicture(renderer_->Picture());
 }
 
 void DesktopMachine::MsgBox(const MessageBox &box) {
@@ -187,6 +201,7 @@ void DesktopMachine::MsgBox(const MessageBox &box) {
   // events.
   Window record;
   const ModalScope scope(*this, record);
+  leaving_.clear(); // none of them may own the box
   pointer_.LetGo();
   bool answered = false;
   const auto answer = [&] {

@@ -60,5 +60,6 @@ private:
   HomeRouter router_;
   DesktopSockets sockets_{&router_};
   std::vector<std::unique_ptr<WindowView>> views_;
+  std::vector<std::unique_ptr<WindowView>> leaving_; ///< hidden, but on the screen until the next pump
   std::unique_ptr<Renderer> renderer_;
 };
