@@ -6,18 +6,43 @@
 #include "platform/files.h"
 #include "scene/scene_files.h"
 
+#include <string>
+
 namespace {
 
-PictureWindow Home(Machine &machine) { return {machine, "frmHome", "Home Team Wins!!", 4500, 3465}; }
+constexpr float ScorePoints = 18.0f;
+constexpr Color PrintersInk{18, 16, 13};
 
-PictureWindow Away(Machine &machine) { return {machine, "frmAway", "Away Team Wins!!", 4500, 3465}; }
+/// A front page with the score of the match in its box.
+class FrontPage : public PictureWindow {
+public:
+  FrontPage(frmSnapwedge &play, const std::string &name, const std::string &caption, int width, int height)
+      : PictureWindow(play.machine, name, caption, width, height) {
+    const std::string home = std::to_string(play.HomeScore), away = std::to_string(play.AwayScore);
+    lblScore.Name = "lblScore";
+    lblScore.Caption = home + " - " + away;
+    lblScore.AccessibleName = "Home Team " + home + ", Away Team " + away;
+    lblScore.Place = {40, 136, 70, 24};
+    lblScore.Font = {"Times New Roman", ScorePoints, true};
+    lblScore.ForeColor = PrintersInk;
+    lblScore.Alignment = Align::Center;
+    Controls = {&lblScore};
+  }
 
-PictureWindow Tie(Machine &machine) { return {machine, "frmTie", "It's All Tied Up!", 4470, 3390}; }
+private:
+  Label lblScore;
+};
+
+FrontPage Home(frmSnapwedge &play) { return {play, "frmHome", "Home Team Wins!!", 4500, 3465}; }
+
+FrontPage Away(frmSnapwedge &play) { return {play, "frmAway", "Away Team Wins!!", 4500, 3465}; }
+
+FrontPage Tie(frmSnapwedge &play) { return {play, "frmTie", "It's All Tied Up!", 4470, 3390}; }
 
 /// A page that has gone bad during the match doesn't take the result with it.
-void ShowPage(Machine &machine, PictureWindow &&page) {
+void ShowPage(FrontPage &&page) {
   try {
-    machine.ShowModal(page);
+    page.ShowModal();
   } catch (const FileError &error) {
     throw FileError(page.Caption + "\n\n" + error.what());
   }
@@ -25,16 +50,17 @@ void ShowPage(Machine &machine, PictureWindow &&page) {
 
 } // namespace
 
-void frmSnapwedge::ShowHome() { ShowPage(machine, Home(machine)); }
+void frmSnapwedge::ShowHome() { ShowPage(Home(*this)); }
 
-void frmSnapwedge::ShowAway() { ShowPage(machine, Away(machine)); }
+void frmSnapwedge::ShowAway() { ShowPage(Away(*this)); }
 
-void frmSnapwedge::ShowTie() { ShowPage(machine, Tie(machine)); }
+void frmSnapwedge::ShowTie() { ShowPage(Tie(*this)); }
 
 void CheckMatchFiles(Machine &machine, Program &program) {
   CheckSceneFiles(machine.AppPath());
-  machine.CheckFiles(frmSnapwedge(machine, program));
-  machine.CheckFiles(Home(machine));
-  machine.CheckFiles(Away(machine));
-  machine.CheckFiles(Tie(machine));
+  frmSnapwedge play(machine, program);
+  machine.CheckFiles(play);
+  machine.CheckFiles(Home(play));
+  machine.CheckFiles(Away(play));
+  machine.CheckFiles(Tie(play));
 }

@@ -7,6 +7,7 @@ namespace {
 
 constexpr float ButtonPoints = 9.75f;
 constexpr float DocumentPoints = 12.0f;
+constexpr std::int32_t DeafMs = 400; ///< of a picture window, from its opening, to clicks
 
 /// The read-me and the one button that closes it.
 class frmText : public Window {
@@ -48,23 +49,33 @@ PictureWindow Background(Machine &machine) { return {machine, "frmBackground", "
 } // namespace
 
 PictureWindow::PictureWindow(Machine &machine, const std::string &name, const std::string &caption, int width,
-                             int height) {
+                             int height)
+    : machine_(machine) {
   Name = name;
   Caption = caption;
   Picture = name;
   Width = width / TwipsPerPixel;
   Height = height / TwipsPerPixel;
-  Click = [this, &machine] { machine.Hide(*this); };
+  Click = [this] {
+    if (machine_.ClockReached(clicksFrom_)) machine_.Hide(*this);
+  };
+}
+
+void PictureWindow::ShowModal() {
+  clicksFrom_ = machine_.ClockIn(DeafMs);
+  machine_.ShowModal(*this);
 }
 
 void ShowControls(Machine &machine) {
   PictureWindow frmControls = Controls(machine);
-  machine.ShowModal(frmControls);
+  frmControls.Escape = [&] { machine.Hide(frmControls); };
+  frmControls.ShowModal();
 }
 
 void ShowBackground(Machine &machine) {
   PictureWindow frmBackground = Background(machine);
-  machine.ShowModal(frmBackground);
+  frmBackground.Escape = [&] { machine.Hide(frmBackground); };
+  frmBackground.ShowModal();
 }
 
 void ShowReadMe(Machine &machine) {

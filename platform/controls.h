@@ -166,6 +166,7 @@ struct Window {
   bool CapturesPointer = false; ///< while it is the active window, the pointer is hidden and held at its home
 
   std::function<void()> Click;      ///< a click where no control stands
+  std::function<void()> Escape;     ///< Esc, where neither a button nor a canvas takes it
   std::function<void()> QueryClose; ///< the close box; without a handler the window hides
   std::function<void()> Deactivate; ///< the window has lost the keyboard to another window or a box
 };

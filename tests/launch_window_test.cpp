@@ -240,13 +240,20 @@ TEST(LaunchWindowTest, TheInformationWindowsOpenOverItAndCloseAgain) {
           EXPECT_EQ(window->Height, row.height);
           // The launch window waits below it.
           launch.machine.Press(launch.At<CommandButton>("Command1"));
-          auto *button = dynamic_cast<CommandButton *>(launch.machine.Find(row.window, "Command1"));
-          if (button)
-            launch.machine.Press(*button);
-          else
-            launch.machine.ClickOn(*window);
+          // The second click of a double-click on the button.
+          launch.machine.ClickOn(*window);
         });
-        launch.machine.After(time * 1000 + 600, [&] { EXPECT_FALSE(launch.machine.FindWindow(row.window)); });
+        launch.machine.After(time * 1000 + 500, [&, time] {
+          Window *window = launch.machine.FindWindow(row.window);
+          ASSERT_TRUE(window) << "it stays for who opened it with a double-click";
+          if (auto *button = dynamic_cast<CommandButton *>(launch.machine.Find(row.window, "Command1")))
+            launch.machine.Press(*button);
+          else if (time == 0)
+            launch.machine.ClickOn(*window);
+          else
+            launch.machine.PressKey(KeyCodes::Escape);
+        });
+        launch.machine.After(time * 1000 + 700, [&] { EXPECT_FALSE(launch.machine.FindWindow(row.window)); });
       }
     });
     EXPECT_EQ(seen, 2);
@@ -256,12 +263,17 @@ TEST(LaunchWindowTest, TheInformationWindowsOpenOverItAndCloseAgain) {
 
 TEST(LaunchWindowTest, TheEndOfAMatchShowsItsCardAndEndsTheProgram) {
   Launch launch;
-  std::string card;
+  std::string card, score;
+  std::int32_t shown = 0, closed = 0;
   // Nobody lets the button go: every shot is overcharged and falls.
   const auto holdTheButton = [&] {
+    launch.machine.After(10, [] {}); // looks again soon
     for (const char *name : {"frmHome", "frmAway", "frmTie"}) {
       if (Window *window = launch.machine.FindWindow(name)) {
+        if (card.empty()) shown = launch.machine.Now();
+        closed = launch.machine.Now();
         card = window->Caption;
+        score = dynamic_cast<Label &>(*launch.machine.Find(name, "lblScore")).Caption;
         launch.machine.PressKey(KeyCodes::Escape);
         launch.machine.ClickOn(*window);
         return;
@@ -277,6 +289,8 @@ TEST(LaunchWindowTest, TheEndOfAMatchShowsItsCardAndEndsTheProgram) {
       },
       1000000);
   EXPECT_EQ(card, "It's All Tied Up!");
+  EXPECT_EQ(score, "0 - 0");
+  EXPECT_NEAR(closed - shown, 400, 20) << "not by an impatient click, and not by a key";
   EXPECT_EQ(launch.machine.Sounds.back(), "play yeah.daw");
   EXPECT_EQ(launch.status, 0);
 }

@@ -98,6 +98,10 @@ void WindowView::keyPressEvent(QKeyEvent *event) {
     // Enter presses the button that has the keyboard, or else the window's own.
     if (view->PressedBy(enter, escape)) return;
   }
+  if (escape && window_.Escape) {
+    machine_.Post(window_, [this] { window_.Escape(); });
+    return;
+  }
   for (const auto &view : views_) view->ScrollBy(*event);
 }
 

@@ -161,6 +161,11 @@ void HeadlessMachine::PressKey(std::int16_t keyCode) {
     PostTo(*canvas, [canvas, keyCode] {
       if (canvas->KeyDown) canvas->KeyDown(keyCode, 0);
     });
+  } else if (keyCode == KeyCodes::Escape && !Shown.empty()) {
+    Window &window = *Shown.back();
+    Post(window, [&window] {
+      if (window.Escape) window.Escape();
+    });
   }
 }
 
