@@ -100,6 +100,7 @@ void frmNewNet::Form_Load() {
   }
   FillConnections();
   machine.Show(*this);
+  machine.SetFocus(Command1);
 }
 
 void frmNewNet::Check1_Click() { program.StadiumOn = Check1.Value ? True : False; }

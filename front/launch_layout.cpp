@@ -89,6 +89,7 @@ void frmNewNet::LayOutLeft() {
   Put(Label6, "Label6", 480, 4320, 2295, 255, "Rounds to Play:", Align::Right);
   Put(Text1, "Text1", 3000, 4320, 375, 285);
   Text1.Text = "5";
+  Text1.MaxLength = 2; // digits of 99
   Text1.AccessibleName = "Rounds to Play";
   Put(Label10, "Label10", 3480, 4320, 735, 255, "(1-99)");
   Put(Label7, "Label7", 480, 4680, 2295, 255, "Stadium/Sky On:", Align::Right);

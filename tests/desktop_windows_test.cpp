@@ -127,4 +127,24 @@ TEST(DesktopWindowsTest, ThePlayWindowComesUpWithItsFirstPictureAndWithoutTheLas
   EXPECT_FALSE(card->isVisible()) << "it stands over the next possession's first picture";
 }
 
+TEST(DesktopWindowsTest, TheControlWithTheKeyboardHasARingThatStandsOut) {
+  GameMachine &machine = GameMachine::Get();
+  Program program(machine);
+  frmNewNet window(machine, program);
+  machine.Show(window);
+  machine.SetFocus(window.Command1);
+  QWidget *button = WidgetOf(window, "Command1");
+  const auto rim = [&](int beyond) {
+    const QPoint at = button->geometry().topLeft() + QPoint(-beyond, button->height() / 2);
+    return button->window()->grab(QRect(at, QSize(1, 1))).toImage().pixelColor(0, 0);
+  };
+  for (int tries = 0; tries < 200 && !button->hasFocus(); ++tries) machine.WaitUntil(machine.ClockIn(10));
+  ASSERT_TRUE(button->hasFocus());
+  const double ground = Luminance(rim(3));
+  for (const int beyond : {1, 2}) EXPECT_GE((Luminance(rim(beyond)) + 0.05) / (ground + 0.05), 3.0);
+  machine.SetFocus(window.Text1);
+  machine.Pump();
+  EXPECT_NEAR(Luminance(rim(1)), ground, 0.1) << "it has moved on";
+}
+
 } // namespace

@@ -261,6 +261,14 @@ TEST(LaunchWindowTest, TheInformationWindowsOpenOverItAndCloseAgain) {
   }
 }
 
+TEST(LaunchWindowTest, EnterStartsAMatchAndRoundsTakeTwoDigits) {
+  Launch launch;
+  launch.Run([&] {
+    EXPECT_EQ(launch.machine.Focus, &launch.At<CommandButton>("Command1"));
+    EXPECT_EQ(launch.At<TextBox>("Text1").MaxLength, 2);
+  });
+}
+
 TEST(LaunchWindowTest, TheEndOfAMatchShowsItsCardAndEndsTheProgram) {
   Launch launch;
   std::string card, score;

@@ -2,12 +2,20 @@
 
 #include "platform/desktop/desktop_machine.h"
 #include "platform/desktop/files.h"
+#include "platform/desktop/focus_ring.h"
 
 #include <QCloseEvent>
 #include <QKeyEvent>
 #include <QPainter>
 #include <QScreen>
 #include <QWindow>
+
+namespace {
+
+/// Whether the window is painted by the game, and so dark, rather than by the toolkit.
+bool OwnGround(const Window &window) { return window.HasBackColor || !window.Picture.empty(); }
+
+} // namespace
 
 WindowView::WindowView(DesktopMachine &machine, Window &window)
     : QWidget(nullptr, Qt::Window | Qt::CustomizeWindowHint | Qt::WindowTitleHint | Qt::WindowSystemMenuHint |
@@ -27,6 +35,8 @@ WindowView::WindowView(DesktopMachine &machine, Window &window)
     if (last) setTabOrder(last, widget);
     last = widget;
   }
+  // It belongs to this widget.
+  new FocusRing(*this, OwnGround(window) ? QColor(255, 225, 77) : palette().color(QPalette::WindowText));
 }
 
 WindowView::~WindowView() = default;
