@@ -6,6 +6,7 @@
 #include "match/program.h"
 #include "scene/graph/rm_canvas.h"
 
+#include <array>
 #include <cstdint>
 #include <deque>
 #include <memory>
@@ -16,6 +17,17 @@
 struct ReceivedShot;
 
 constexpr std::int16_t AttemptsInPossession = 3;
+
+/// What tells of one side behind the controls: a frame around its score line, and a tile with its points in
+/// large digits.
+struct SideBoard {
+  static constexpr std::size_t MostDigits = 3; ///< a side can score 990 points at the most
+
+  BackPicture Line, Tile;
+  std::array<BackPicture, MostDigits> Digits;
+  std::int32_t Points = 0;     ///< as shown
+  std::int16_t FlashSteps = 0; ///< steps for which the board goes on flashing
+};
 
 class frmSnapwedge : public Window {
 public:
@@ -206,6 +218,13 @@ public:
   void ToggleStadium(); ///< the S key: takes stadium, lines and sky away or back (scene/camera.cpp)
   void TurnColor();     ///< marks the side on turn and writes shots and round (scene/play_window.cpp)
 
+  // scene/score_board.cpp
+  void LayOutBoards();
+  void LightBoards(); ///< marks the side on turn behind the controls
+  void ShowShots();   ///< writes the attempts that are left, and lays out a paper triangle for each
+  void CountScores(); ///< brings both scores to their boards; one that has risen flashes
+  void StepBoards();  ///< one step of the flashing
+
   RMCanvas RMCanvas1;
   Ref<Direct3DRMFrame3> CameraFrame, PieceFrame, AimFrame, ArrowFrame, CornerA, CornerB, CornerC, TableFrame,
       GoalFrame, SkyFrame, StadiumFrame;
@@ -226,6 +245,9 @@ public:
   Label Label1, Label2, Label5; ///< round, shots, the other computer's version
   TextBox Text1, Text2;         ///< chat: the other's last line, the line being typed
   ProgressBar ProgressBar1;     ///< the power meter
+  SideBoard HomeBoard, AwayBoard;
+  std::array<BackPicture, AttemptsInPossession> Tries; ///< a paper triangle for each attempt that is left
+  BackPicture VersionSlip;                             ///< the paper behind `Label5`
   PictureBox Picture1, Picture2, Picture3, Picture4, Picture5, Picture6, Picture7; ///< the result cards
 
   // ---- The other computer ------------------------------------------------------------------------

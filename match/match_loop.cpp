@@ -47,6 +47,7 @@ void frmSnapwedge::SetUp() {
   Round = 0;
   Reset();
   if (program.GameMode == "INET") {
+    VersionSlip.Visible = true;
     Text1.Enabled = true;
     Text2.Enabled = true;
     LineWatch = machine.OnPump([this] { ShowLine(); });
@@ -146,6 +147,7 @@ void frmSnapwedge::WhatPlayer(const std::string & /*WMOD*/) {}
 void frmSnapwedge::BeginStep(std::int32_t milliseconds) {
   FrameStart = machine.timeGetTime();
   FrameEnd = Machine::ClockAfter(FrameStart, milliseconds);
+  StepBoards();
 }
 
 void frmSnapwedge::WaitForStepEnd() {

@@ -136,6 +136,25 @@ struct Canvas : Control {
   std::function<void(std::int16_t Button, std::int16_t Shift, float X, float Y)> MouseUp;
 };
 
+/// A picture that lies on a window's background, behind its controls, and may follow the state of the game.
+struct BackPicture {
+  std::string Picture; ///< file in the game's "pictures" directory, without ".png"
+  int Left = 0;        ///< in the client area, logical pixels
+  int Top = 0;
+  bool Visible = false;
+  /// A picture may be a row of several of one width: how many, and which of them shows.
+  int Columns = 1;
+  int Column = 0;
+  bool operator==(const BackPicture &) const = default;
+};
+
+/// A file of the game's "pictures" directory and the size that it must have.
+struct PictureFile {
+  std::string Name; ///< without ".png"
+  int Width = 0;    ///< logical pixels
+  int Height = 0;
+};
+
 /// The key codes that the game knows; every other key has a code that none of these equals.
 namespace KeyCodes {
 constexpr std::int16_t Enter = 13;
@@ -161,6 +180,8 @@ struct Window {
       Picture; ///< background: file in the game's "pictures" directory, without ".png"; empty for none
   bool HasBackColor = false;
   Color BackColor;
+  std::vector<const BackPicture *> BackPictures; ///< a later one lies over an earlier one
+  std::vector<PictureFile> BackPictureFiles;     ///< all that they may come to show
   std::vector<Control *> Controls; ///< in the order of Tab; a later one lies over an earlier one
   bool Visible = false;            ///< written by the machine's `Show` and `Hide` and by nobody else
   bool CapturesPointer = false; ///< while it is the active window, the pointer is hidden and held at its home

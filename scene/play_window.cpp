@@ -98,6 +98,8 @@ frmSnapwedge::frmSnapwedge(Machine &onMachine, Program &ofProgram)
   LayOutCard(Picture7, "Picture7", "Short of End Zone!", 208);
   LayOutCard(Picture6, "Picture6", "Penalty!!", 240);
 
+  LayOutBoards();
+
   Controls = {&lblPlayer1, &lblPlayer2, &Label3,   &Label4,   &Label1,       &Label2,
               &Label5,     &RMCanvas1,  &Text1,    &Text2,    &ProgressBar1, &Picture3,
               &Picture5,   &Picture1,   &Picture2, &Picture4, &Picture7,     &Picture6};
@@ -116,6 +118,7 @@ void frmSnapwedge::TurnColor() {
     Label4.Visible = true;
     Label3.Visible = false;
   }
-  Label2.Caption = "Shots: " + std::to_string(Shots);
+  LightBoards();
+  ShowShots();
   Label1.Caption = "Round: " + std::to_string(Round) + " of " + std::to_string(program.Rounds);
 }

@@ -27,7 +27,7 @@ void frmSnapwedge::Flick(float &ShotX, float &ShotY, float &ShotZ, float &Power,
   AimFrame->SetPosition(scene, ShotX, ShotY, ShotZ);
   AimFrame->SetOrientation(scene, DirX, DirY, DirZ, UpX, UpY, UpZ);
   ArrowFrame->DeleteVisual(ArrowMesh);
-  Label2.Caption = "Shots: " + std::to_string(Shots);
+  ShowShots();
   program.PlayOnce(program.SndSwoosh);
 
   while (Power != 0.0f) {

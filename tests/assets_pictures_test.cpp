@@ -25,6 +25,25 @@ public:
       : pixels_(stbi_load((SNAPWEDGE_GAME_DIR "/pictures/" + file).c_str(), &width, &height, nullptr, 3),
                 stbi_image_free) {}
   bool Empty() const { return !pixels_; }
+
+  /// Lays a picture of the background on it.
+  void Lay(const BackPicture &picture) {
+    int wide = 0, high = 0;
+    const std::unique_ptr<stbi_uc, void (*)(void *)> over(
+        stbi_load((SNAPWEDGE_GAME_DIR "/pictures/" + picture.Picture + ".png").c_str(), &wide, &high, nullptr,
+                  4),
+        stbi_image_free);
+    ASSERT_TRUE(over) << picture.Picture;
+    const int column = wide / picture.Columns;
+    for (int y = 0; y < high; ++y) {
+      for (int x = 0; x < column; ++x) {
+        const stbi_uc *from = over.get() + 4 * (y * wide + picture.Column * column + x);
+        stbi_uc *to = pixels_.get() + 3 * ((picture.Top + y) * width + picture.Left + x);
+        for (int channel = 0; channel < 3; ++channel)
+          to[channel] = static_cast<stbi_uc>((from[channel] * from[3] + to[channel] * (255 - from[3])) / 255);
+      }
+    }
+  }
   Color At(int x, int y) const {
     const stbi_uc *pixel = pixels_.get() + 3 * (y * width + x);
     return {pixel[0], pixel[1], pixel[2]};
@@ -63,9 +82,12 @@ double LeastContrast(const Label &label, const Image &background) {
 /// @return how many labels stand on the background itself
 int ExpectReadableLabels(const Window &window) {
   constexpr double LeastReadable = 4.5;
-  const Image background(window.Picture + ".png");
+  Image background(window.Picture + ".png");
   EXPECT_FALSE(background.Empty()) << window.Picture;
   if (background.Empty()) return 0;
+  for (const BackPicture *picture : window.BackPictures) {
+    if (picture->Visible) background.Lay(*picture);
+  }
   int labels = 0;
   for (const Control *control : window.Controls) {
     const auto *label = dynamic_cast<const Label *>(control);
@@ -84,11 +106,17 @@ TEST(PicturesTest, EveryPictureHasItsSize) {
     const char *name;
     int width, height;
   } rows[] = {
-      {"frmSnapwedge", 640, 480},  {"frmNewNet", 640, 480}, {"frmControls", 500, 400},
-      {"frmBackground", 500, 400}, {"frmHome", 300, 300},   {"frmAway", 300, 300},
-      {"frmTie", 300, 300},        {"Picture1", 200, 173},  {"Picture2", 200, 173},
-      {"Picture3", 200, 173},      {"Picture4", 200, 173},  {"Picture5", 200, 173},
+      {"frmSnapwedge", 640, 480},  {"frmNewNet", 640, 480},
+      {"frmControls", 500, 400},   {"frmBackground", 500, 400},
+      {"frmHome", 300, 300},       {"frmAway", 300, 300},
+      {"frmTie", 300, 300},        {"Picture1", 200, 173},
+      {"Picture2", 200, 173},      {"Picture3", 200, 173},
+      {"Picture4", 200, 173},      {"Picture5", 200, 173},
       {"Picture6", 200, 173},      {"Picture7", 200, 173},
+      {"VersionSlip", 102, 22},    {"ScoreLine", 174, 26},
+      {"ScoreTile", 92, 46},       {"Digits", 140, 26},
+      {"ScoreLineFlash", 174, 26}, {"ScoreTileFlash", 92, 46},
+      {"DigitsLit", 140, 26},      {"Try", 28, 23},
   };
   for (const auto &row : rows) {
     SCOPED_TRACE(row.name);
@@ -109,11 +137,18 @@ TEST(PicturesTest, LabelsOfThePlayWindowAreReadable) {
   HeadlessMachine machine(SNAPWEDGE_GAME_DIR);
   Program program(machine);
   frmSnapwedge window(machine, program);
+  window.VersionSlip.Visible = true;
   for (const std::int16_t player : {std::int16_t{1}, std::int16_t{2}}) {
     window.Player = player;
     window.TurnColor();
     EXPECT_EQ(ExpectReadableLabels(window), 7);
   }
+  // Both boards flash, the dim one's too.
+  window.HomeScore = window.AwayScore = 3;
+  window.PostScore();
+  ASSERT_EQ(window.HomeBoard.Line.Picture, "ScoreLineFlash");
+  ASSERT_EQ(window.AwayBoard.Line.Picture, "ScoreLineFlash");
+  EXPECT_EQ(ExpectReadableLabels(window), 7);
 }
 
 TEST(PicturesTest, LabelsOfTheLaunchWindowAreReadable) {

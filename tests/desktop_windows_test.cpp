@@ -89,6 +89,7 @@ TEST(DesktopWindowsTest, LabelsOfThePlayWindowCanBeRead) {
   Program program(machine);
   frmSnapwedge window(machine, program);
   window.Label5.Caption = "OV:SW:1"; // what the other program says of itself
+  window.VersionSlip.Visible = true;
   machine.Show(window);
   for (const std::int16_t player : {std::int16_t{1}, std::int16_t{2}}) {
     window.Player = player;
@@ -125,6 +126,33 @@ TEST(DesktopWindowsTest, ThePlayWindowComesUpWithItsFirstPictureAndWithoutTheLas
   window.PieceFrame->SetPosition(window.RMCanvas1.SceneFrame, 3, 0, 40);
   window.RMCanvas1.Update();
   EXPECT_FALSE(card->isVisible()) << "it stands over the next possession's first picture";
+}
+
+TEST(DesktopWindowsTest, PicturesBehindTheControlsFollowTheGame) {
+  GameMachine &machine = GameMachine::Get();
+  Program program(machine);
+  frmSnapwedge window(machine, program);
+  machine.Show(window);
+  window.Player = 1;
+  window.TurnColor();
+  machine.Pump();
+  const auto look = [&](const BackPicture &picture) {
+    QWidget *shown = WidgetOf(window, "RMCanvas1")->window();
+    return shown->grab(QRect(picture.Left, picture.Top, 20, 20)).toImage();
+  };
+  const QImage lit = look(window.HomeBoard.Tile), unlit = look(window.AwayBoard.Tile);
+  const QImage three = look(window.Tries[2]);
+  window.Player = 2;
+  window.Shots = 2;
+  window.TurnColor();
+  window.HomeScore = 8;
+  window.PostScore();
+  window.HomeBoard.FlashSteps = 0;
+  window.LightBoards();
+  machine.Pump();
+  EXPECT_NE(look(window.HomeBoard.Tile), lit);
+  EXPECT_NE(look(window.AwayBoard.Tile), unlit);
+  EXPECT_NE(look(window.Tries[2]), three);
 }
 
 TEST(DesktopWindowsTest, TheControlWithTheKeyboardHasARingThatStandsOut) {

@@ -13,6 +13,12 @@ constexpr float PointsToPixels = 96.0f / 72.0f; ///< the windows are laid out fo
 
 QColor Convert(const Color &color) { return {color.Red, color.Green, color.Blue}; }
 
+/// The ground of a box that can't be used now: its own colour with the light off.
+QColor Unlit(const Color &color) {
+  constexpr int Dimmed = 5; ///< its lightness is divided by it
+  return {color.Red / Dimmed, color.Green / Dimmed, color.Blue / Dimmed};
+}
+
 QFont FontOf(const Typeface &typeface) {
   const bool serif = typeface.Name == "Times New Roman";
   // Each is as wide as the other: where one is missing the layout stays.
@@ -81,10 +87,14 @@ void ControlView::CarryOver() {
     QPalette palette = widget->palette();
     if (OwnColor()) palette.setColor(QPalette::WindowText, Convert(foreColor_));
     if (control_.HasBackColor) {
-      for (const auto group : {QPalette::Active, QPalette::Inactive, QPalette::Disabled}) {
+      for (const auto group : {QPalette::Active, QPalette::Inactive}) {
         palette.setColor(group, QPalette::Base, Convert(control_.BackColor));
         palette.setColor(group, QPalette::Text, Convert(foreColor_));
       }
+      // The toolkit draws a box's edge in a shade of the window's colour.
+      for (const auto role : {QPalette::Base, QPalette::Window})
+        palette.setColor(QPalette::Disabled, role, Unlit(control_.BackColor));
+      palette.setColor(QPalette::Disabled, QPalette::Text, Convert(control_.BackColor));
     }
     widget->setPalette(palette);
   }

@@ -162,6 +162,8 @@ void DesktopMachine::CheckFiles(const Window &window) {
   CheckPicture(directory, "icon", 1.0, IconSize);
   if (!window.Picture.empty())
     CheckPicture(directory, window.Picture, density, {window.Width, window.Height});
+  for (const PictureFile &file : window.BackPictureFiles)
+    CheckPicture(directory, file.Name, density, {file.Width, file.Height});
   for (const Control *control : window.Controls) {
     if (const auto *picture = dynamic_cast<const PictureBox *>(control)) {
       CheckPicture(directory, picture->Picture, density, {picture->Place.Width, picture->Place.Height});

@@ -34,7 +34,7 @@ const PictureSet &SetFor(double density) {
   return set == std::end(Sets) ? *std::prev(set) : *set;
 }
 
-fs::path PictureFile(const fs::path &directory, const std::string &name, const char *ending) {
+fs::path PathOf(const fs::path &directory, const std::string &name, const char *ending) {
   return directory / "pictures" / (name + ending);
 }
 
@@ -93,7 +93,7 @@ void CheckPictureFile(const fs::path &file, double density, const QSize &place) 
 QPixmap LoadPicture(DesktopMachine &machine, const QWidget &shownOn, const std::string &name) {
   const double density = shownOn.devicePixelRatioF();
   const PictureSet &set = SetFor(density);
-  const fs::path file = PictureFile(machine.AppPath(), name, set.ending);
+  const fs::path file = PathOf(machine.AppPath(), name, set.ending);
   const std::vector<char> bytes = ReadFile(file, LargestPicture);
   CheckPng(file, bytes);
   QImage picture;
@@ -110,7 +110,7 @@ QPixmap LoadPicture(DesktopMachine &machine, const QWidget &shownOn, const std::
 
 void CheckPicture(const fs::path &directory, const std::string &name, double density, const QSize &place) {
   const PictureSet &set = SetFor(density);
-  CheckPictureFile(PictureFile(directory, name, set.ending), set.density, place);
+  CheckPictureFile(PathOf(directory, name, set.ending), set.density, place);
 }
 
 void CheckDocument(const fs::path &file) {

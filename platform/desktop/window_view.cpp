@@ -12,6 +12,11 @@
 
 namespace {
 
+QRect PlaceOf(const BackPicture &picture, const QPixmap &pixmap) {
+  const QSize size = pixmap.deviceIndependentSize().toSize();
+  return {picture.Left, picture.Top, size.width() / picture.Columns, size.height()};
+}
+
 /// Whether the window is painted by the game, and so dark, rather than by the toolkit.
 bool OwnGround(const Window &window) { return window.HasBackColor || !window.Picture.empty(); }
 
@@ -44,7 +49,28 @@ WindowView::~WindowView() = default;
 void WindowView::CarryOver() {
   const QString caption = QString::fromStdString(window_.Caption);
   if (windowTitle() != caption) setWindowTitle(caption);
+  CarryOverBackPictures();
   for (const auto &view : views_) view->CarryOver();
+}
+
+const QPixmap &WindowView::BackPixmap(const std::string &name) {
+  auto found = backPixmaps_.find(name);
+  if (found == backPixmaps_.end())
+    found = backPixmaps_.emplace(name, LoadPicture(machine_, *this, name)).first;
+  return found->second;
+}
+
+void WindowView::CarryOverBackPictures() {
+  backPictures_.resize(window_.BackPictures.size());
+  for (std::size_t i = 0; i < backPictures_.size(); ++i) {
+    const BackPicture &now = *window_.BackPictures[i];
+    BackPicture &before = backPictures_[i];
+    if (now == before) continue;
+    for (const BackPicture &changed : {before, now}) {
+      if (changed.Visible) update(PlaceOf(changed, BackPixmap(changed.Picture)));
+    }
+    before = now;
+  }
 }
 
 void WindowView::BelongTo(const WindowView &owner) {
@@ -93,6 +119,13 @@ void WindowView::paintEvent(QPaintEvent *) {
     painter.fillRect(rect(), QColor(window_.BackColor.Red, window_.BackColor.Green, window_.BackColor.Blue));
   }
   if (!background_.isNull()) painter.drawPixmap(0, 0, background_);
+  for (const BackPicture &picture : backPictures_) {
+    if (!picture.Visible) continue;
+    const QPixmap &pixmap = BackPixmap(picture.Picture);
+    const double column = static_cast<double>(pixmap.width()) / picture.Columns;
+    painter.drawPixmap(QRectF(PlaceOf(picture, pixmap)), pixmap,
+                       QRectF(picture.Column * column, 0, column, pixmap.height()));
+  }
 }
 
 void WindowView::mousePressEvent(QMouseEvent *) {

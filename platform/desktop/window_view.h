@@ -10,7 +10,9 @@
 #include <QPixmap>
 #include <QWidget>
 
+#include <map>
 #include <memory>
+#include <string>
 #include <vector>
 
 class DesktopMachine;
@@ -43,9 +45,14 @@ protected:
   void changeEvent(QEvent *event) override;
 
 private:
+  void CarryOverBackPictures();
+  const QPixmap &BackPixmap(const std::string &name);
+
   DesktopMachine &machine_;
   Window &window_;
   QPixmap background_;
+  std::vector<BackPicture> backPictures_; ///< as carried over last
+  std::map<std::string, QPixmap> backPixmaps_;
   QElapsedTimer activation_; ///< since the window became active or inactive
   std::vector<std::unique_ptr<ControlView>> views_;
 };

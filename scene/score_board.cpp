@@ -1,0 +1,112 @@
+// What stands behind the play window's controls and follows the match: lit boards for the side on turn, large
+// digits for the points, a paper triangle for each attempt that is left. All of it can be read from across
+// the room.
+
+#include "match/frm_snapwedge.h"
+
+#include <string>
+
+namespace {
+
+// Places, pixels.
+constexpr int LineTop = 1;
+constexpr int HomeLineLeft = 97, AwayLineLeft = 369;
+constexpr int TileTop = 34;
+constexpr int HomeTileLeft = 4, AwayTileLeft = 51;
+constexpr int TileWidth = 46;
+constexpr int DigitsTop = 49;
+constexpr int DigitWidth = 14;
+constexpr int TriesTop = 82, TriesLeft = 6, TryWidth = 31;
+
+constexpr int Numerals = 10; ///< in a row of digits
+constexpr int Sides = 2;     ///< in a row of tiles
+
+constexpr std::int16_t FlashSteps = 60; ///< a little more than a second
+constexpr std::int16_t FlashPhase = 10; ///< steps between on and off
+
+void LayOut(SideBoard &board, int side, int lineLeft, int tileLeft) {
+  board.Line = {"ScoreLine", lineLeft, LineTop};
+  board.Tile = {"ScoreTile", tileLeft, TileTop, false, Sides, side};
+  for (BackPicture &digit : board.Digits) digit = {"Digits", tileLeft, DigitsTop, false, Numerals};
+}
+
+/// Lays out the points in the middle of the tile.
+void Write(SideBoard &board) {
+  const std::string points = std::to_string(board.Points);
+  const int left = board.Tile.Left + (TileWidth - static_cast<int>(points.size()) * DigitWidth) / 2;
+  for (std::size_t i = 0; i < SideBoard::MostDigits; ++i) {
+    BackPicture &digit = board.Digits[i];
+    digit.Visible = i < points.size();
+    if (!digit.Visible) continue;
+    digit.Left = left + static_cast<int>(i) * DigitWidth;
+    digit.Column = points[i] - '0';
+  }
+}
+
+void Light(SideBoard &board, bool onTurn) {
+  const bool flash = board.FlashSteps > 0 && (board.FlashSteps - 1) / FlashPhase % 2 == 1;
+  const bool lit = onTurn || flash;
+  board.Line.Visible = board.Tile.Visible = lit;
+  board.Line.Picture = flash ? "ScoreLineFlash" : "ScoreLine";
+  board.Tile.Picture = flash ? "ScoreTileFlash" : "ScoreTile";
+  for (BackPicture &digit : board.Digits) digit.Picture = lit ? "DigitsLit" : "Digits";
+}
+
+void Count(SideBoard &board, std::int32_t points) {
+  if (points > board.Points) board.FlashSteps = FlashSteps;
+  board.Points = points;
+  Write(board);
+}
+
+bool Step(SideBoard &board) {
+  if (board.FlashSteps == 0) return false;
+  board.FlashSteps = static_cast<std::int16_t>(board.FlashSteps - 1);
+  return true;
+}
+
+} // namespace
+
+void frmSnapwedge::LayOutBoards() {
+  LayOut(HomeBoard, 0, HomeLineLeft, HomeTileLeft);
+  LayOut(AwayBoard, 1, AwayLineLeft, AwayTileLeft);
+  VersionSlip = {"VersionSlip", 0, 0};
+  BackPictureFiles = {{"VersionSlip", 102, 22}, {"Try", 28, 23}};
+  for (const char *name : {"ScoreLine", "ScoreLineFlash"}) BackPictureFiles.push_back({name, 174, 26});
+  for (const char *name : {"ScoreTile", "ScoreTileFlash"})
+    BackPictureFiles.push_back({name, Sides * TileWidth, 46});
+  for (const char *name : {"Digits", "DigitsLit"})
+    BackPictureFiles.push_back({name, Numerals * DigitWidth, 26});
+  BackPictures = {&VersionSlip};
+  for (SideBoard *board : {&HomeBoard, &AwayBoard}) {
+    Write(*board);
+    BackPictures.insert(BackPictures.end(), {&board->Line, &board->Tile});
+    for (const BackPicture &digit : board->Digits) BackPictures.push_back(&digit);
+  }
+  int left = TriesLeft;
+  for (BackPicture &attempt : Tries) {
+    attempt = {"Try", left, TriesTop, true};
+    left += TryWidth;
+    BackPictures.push_back(&attempt);
+  }
+}
+
+void frmSnapwedge::LightBoards() {
+  Light(HomeBoard, Player == 1);
+  Light(AwayBoard, Player == 2);
+}
+
+void frmSnapwedge::ShowShots() {
+  Label2.Caption = "Shots: " + std::to_string(Shots);
+  for (std::size_t i = 0; i < Tries.size(); ++i) Tries[i].Visible = static_cast<int>(i) < Shots;
+}
+
+void frmSnapwedge::CountScores() {
+  Count(HomeBoard, HomeScore);
+  Count(AwayBoard, AwayScore);
+  LightBoards();
+}
+
+void frmSnapwedge::StepBoards() {
+  const bool home = Step(HomeBoard), away = Step(AwayBoard);
+  if (home || away) LightBoards();
+}

@@ -1,0 +1,80 @@
+// What stands behind the controls: the lit boards, the points in large digits, the attempts that are left.
+
+#include "tests/network_kit.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+
+namespace {
+
+/// The points as the board's digits show them.
+std::string Written(const SideBoard &board) {
+  std::string points;
+  for (const BackPicture &digit : board.Digits) {
+    if (digit.Visible) points += static_cast<char>('0' + digit.Column);
+  }
+  return points;
+}
+
+int TriesShown(const Game &game) {
+  return static_cast<int>(
+      std::ranges::count_if(game.window.Tries, [](const BackPicture &attempt) { return attempt.Visible; }));
+}
+
+TEST(ScoreBoardTest, TheSideOnTurnIsLitAndItsAttemptsAreLaidOut) {
+  Game game;
+  game.SetUp();
+  const auto lit = [&](const SideBoard &board) { return board.Line.Visible && board.Tile.Visible; };
+  EXPECT_TRUE(lit(game.window.HomeBoard));
+  EXPECT_FALSE(lit(game.window.AwayBoard));
+  std::vector<int> tries = {TriesShown(game)};
+  for (int attempt = 0; attempt < 3; ++attempt) {
+    game.Shoot(2);
+    tries.push_back(TriesShown(game));
+  }
+  EXPECT_EQ(tries, (std::vector<int>{3, 2, 1, 3}));
+  EXPECT_FALSE(lit(game.window.HomeBoard));
+  EXPECT_TRUE(lit(game.window.AwayBoard));
+  EXPECT_EQ(game.window.AwayBoard.Digits[0].Picture, "DigitsLit");
+  EXPECT_EQ(game.window.HomeBoard.Digits[0].Picture, "Digits");
+}
+
+TEST(ScoreBoardTest, PointsAreWrittenInTheMiddleAndFlashForAMoment) {
+  Game game;
+  game.SetUp();
+  SideBoard &board = game.window.HomeBoard;
+  EXPECT_EQ(Written(board), "0");
+  const int middle = board.Digits[0].Left;
+  game.PutPiece(0, -70, 3);
+  game.Shoot(3); // the bonus
+  EXPECT_EQ(Written(board), "3");
+  int flashing = 0, changes = 0;
+  bool before = false;
+  for (int frame = 0; frame < 200; ++frame) {
+    const bool now = board.Tile.Picture == "ScoreTileFlash";
+    flashing += now ? 1 : 0;
+    changes += now != before ? 1 : 0;
+    before = now;
+    game.Frames(1);
+  }
+  EXPECT_EQ(flashing, 30);
+  EXPECT_EQ(changes, 6);
+  EXPECT_EQ(board.Line.Picture, "ScoreLine");
+  for (const auto &[points, left] : {std::pair{7, middle}, {42, middle - 7}, {990, middle - 14}}) {
+    game.window.HomeScore = points;
+    game.window.PostScore();
+    EXPECT_EQ(Written(board), std::to_string(points));
+    EXPECT_EQ(board.Digits[0].Left, left);
+  }
+}
+
+TEST(ScoreBoardTest, ThePaperForTheOthersVersionLiesInANetworkGameAlone) {
+  Game game;
+  game.SetUp();
+  EXPECT_FALSE(game.window.VersionSlip.Visible);
+  const NetworkGame network(false);
+  EXPECT_TRUE(network.window.VersionSlip.Visible);
+}
+
+} // namespace
