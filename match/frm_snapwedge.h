@@ -140,6 +140,10 @@ public:
   void RMCanvas1_MouseDown(std::int16_t Button, std::int16_t Shift, float X, float Y);
   void RMCanvas1_MouseUp(std::int16_t Button, std::int16_t Shift, float X, float Y);
 
+  // shot/meter.cpp
+  void ScaleForFlick(); ///< what each step of the meter is worth: yards
+  void ScaleForKick();  ///< the same in the point-after: what clears the bar
+
   // shot/keys.cpp
   void RMCanvas1_KeyDown(std::int16_t KeyCode, std::int16_t Shift);
   void RMCanvas1_KeyUp(std::int16_t KeyCode, std::int16_t Shift);

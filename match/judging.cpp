@@ -5,12 +5,12 @@
 #include "match/arithmetic.h"
 #include "match/frm_snapwedge.h"
 #include "match/results.h"
+#include "scene/places.h"
 
 #include <string>
 
 namespace {
 
-constexpr float FarEdgeZ = -88.0f;       ///< a corner below it with nothing under it is over the End Zone
 constexpr std::int16_t FirstAttempt = 2; ///< `Shots` after a flick took its attempt
 constexpr std::int16_t SecondAttempt = 1;
 constexpr std::int32_t BonusPoints = 3;
@@ -104,7 +104,7 @@ void frmSnapwedge::CheckScore(std::int16_t & /*Side*/) {
     // Nothing lies under the corner looked at last: the piece hangs over an edge.
   }
 
-  const bool past = ZA < FarEdgeZ || ZB < FarEdgeZ || ZC < FarEdgeZ;
+  const bool past = ZA < Places::FarEdgeZ || ZB < Places::FarEdgeZ || ZC < Places::FarEdgeZ;
   if (!past || PieceSurface.substr(0, 5) != "Table") {
     // Over a side edge the possession goes on, but not without an attempt: nothing would ever end it.
     if (Shots < SecondAttempt) FallShort();

@@ -21,6 +21,9 @@ void frmSnapwedge::Reset() {
   Force = 0;
   TurnColor();
   ProgressBar1.Value = 0;
+  ProgressBar1.Ghost.reset();
+  ProgressBar1.CapLit = false;
+  ScaleForFlick();
   Place(PieceFrame, scene, Places::Start);
   Place(AimFrame, scene, Places::Start);
   Place(ArrowFrame, scene, Places::Start);

@@ -6,6 +6,7 @@
 
 #include <cstdint>
 #include <functional>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -114,6 +115,19 @@ struct ProgressBar : Control {
   float Max = 100.0f;
   float Value = 0.0f;
   bool Vertical = false;
+
+  /// A step of the scale beside a vertical bar.
+  struct Mark {
+    float Value = 0.0f;
+    std::string Text;    ///< right of the step; empty for a stroke alone
+    bool Strong = false; ///< a limit: its stroke crosses the bar
+    bool operator==(const Mark &) const = default;
+  };
+  std::vector<Mark> Scale;
+  int ScaleWidth = 0;         ///< room for the scale, right of the bar's place, logical pixels
+  std::optional<float> Ghost; ///< a value to remember: marked on the bar and on the scale
+  float CapFrom = 100.0f;     ///< from here to `Max` the bar has a red cap; `Max` for none
+  bool CapLit = false;
 };
 
 /// Shows a document that can be scrolled but not changed or selected.

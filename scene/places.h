@@ -9,6 +9,8 @@ namespace Places {
 constexpr Vector Start{0.0f, 0.0f, 85.0f}; ///< of the piece, its aim and the arrow
 constexpr Vector Goal{0.0f, 20.0f, -95.0f};
 constexpr Vector Camera{0.0f, 10.0f, 120.0f};
+constexpr Vector KickAim{0.0f, 0.0f, 87.0f}; ///< of the aim in a point-after: a kick starts here
+constexpr float FarEdgeZ = -88.0f;           ///< the edge behind the End Zone
 } // namespace Places
 
 /// Repeats of the sky's texture to the scene unit, as it hangs and as it drifts.

@@ -13,6 +13,10 @@ constexpr Color DimYellow{192, 192, 0};
 constexpr Color LightRed{255, 192, 192};
 constexpr Color AquaBlue{192, 255, 255};
 
+// The meter's cap begins at the strongest shot that is aimed.
+constexpr float StrongestAimed = 96.0f;
+constexpr int ScaleWidth = 82; ///< of the meter, pixels
+
 void LayOut(Label &label, const std::string &name, Rectangle place, Color color, Align alignment,
             const std::string &caption) {
   label.Name = name;
@@ -89,6 +93,8 @@ frmSnapwedge::frmSnapwedge(Machine &onMachine, Program &ofProgram)
   ProgressBar1.AccessibleName = "Power";
   ProgressBar1.Place = {536, 32, 17, 409};
   ProgressBar1.Vertical = true;
+  ProgressBar1.ScaleWidth = ScaleWidth;
+  ProgressBar1.CapFrom = StrongestAimed;
 
   LayOutCard(Picture3, "Picture3", "Touchdown!!", 56);
   LayOutCard(Picture5, "Picture5", "3 Points!", 88);

@@ -4,14 +4,13 @@
 
 #include "match/arithmetic.h"
 #include "match/frm_snapwedge.h"
+#include "shot/meter.h"
 
 namespace {
 
 constexpr std::int32_t HomePoint = 30000; ///< on the absolute pointer grid of 0 to 65535, both axes
 constexpr std::int32_t EveryFlag = -1;
 
-constexpr float MeterRise = 8.0f;      ///< a frame
-constexpr float MeterLimit = 100.0f;   ///< strictly above it the shot fires by itself
 constexpr float AimDivisor = 300.0f;   ///< pixels to the radian
 constexpr float CameraDivisor = 10.0f; ///< pixels to the scene unit, zoom and orbit
 
@@ -142,6 +141,7 @@ void frmSnapwedge::RMCanvas1_MouseDown(std::int16_t Button, std::int16_t /*Shift
   if (Button == LeftButton) {
     ShotPending = True;
     MouseMode = 1;
+    ProgressBar1.CapLit = false;
   }
   if (Button == RightButton) MouseMode = 2;
 }
@@ -153,6 +153,7 @@ void frmSnapwedge::RMCanvas1_MouseUp(std::int16_t Button, std::int16_t /*Shift*/
   MouseMode = 0;
   if (Button != LeftButton) return;
   ReadAim();
+  if (Force > 0.0f) ProgressBar1.Ghost = Force;
   if (!KickMode) {
     ReadShotPlace();
     if (program.GameMode == "INET") SendFlick(FrameX, FrameY, FrameZ, Force, X1, Y1, Z1, X2, Y2, Z2, Player);

@@ -3,8 +3,9 @@
 
 #include "match/arithmetic.h"
 #include "match/frm_snapwedge.h"
+#include "shot/meter.h"
 
-#include <string>
+#include <algorithm>
 
 namespace {
 
@@ -12,7 +13,17 @@ constexpr float TravelDivisor = 50.0f; ///< scene units a step = Power / TravelD
 constexpr float SpinDivisor = 200.0f;  ///< radians a step = Power / SpinDivisor
 constexpr float OverchargePower = 120.0f;
 
+float Travel(float power) { return Quotient(power, TravelDivisor); }
+
+float Slower(float power, float decay) { return std::max(Difference(power, decay), 0.0f); }
+
 } // namespace
+
+float FlickReach(float power, float decay) {
+  float reach = 0.0f;
+  for (; power != 0.0f; power = Slower(power, decay)) reach = Sum(reach, Travel(power));
+  return reach;
+}
 
 void frmSnapwedge::Flick(float &ShotX, float &ShotY, float &ShotZ, float &Power, float &DirX, float &DirY,
                          float &DirZ, float &UpX, float &UpY, float &UpZ, std::int16_t &Side) {
@@ -32,11 +43,10 @@ void frmSnapwedge::Flick(float &ShotX, float &ShotY, float &ShotZ, float &Power,
 
   while (Power != 0.0f) {
     BeginStep(program.FlickMs);
-    AimFrame->SetPosition(AimFrame, 0, 0, Quotient(-Power, TravelDivisor));
+    AimFrame->SetPosition(AimFrame, 0, 0, -Travel(Power));
     PieceFrame->AddRotation(D3DRMCOMBINE_BEFORE, 0, 1, 0, Quotient(-Power, SpinDivisor));
     PieceFrame->SetPosition(AimFrame, 0, 0, 0);
-    Power = Difference(Power, ForceDecay);
-    if (Power < 0.0f) Power = 0.0f;
+    Power = Slower(Power, ForceDecay);
     if (ProgressBar1.Value > 0.0f) ProgressBar1.Value -= 1.0f;
     Wind();
     RMCanvas1.Update();
@@ -62,6 +72,7 @@ void frmSnapwedge::Flick(float &ShotX, float &ShotY, float &ShotZ, float &Power,
 void frmSnapwedge::PrematureFlick() {
   NoShot = True;
   Force = OverchargePower;
+  ProgressBar1.CapLit = true;
   ReadAim();
   ReadShotPlace();
   if (program.GameMode == "INET") SendFlick(FrameX, FrameY, FrameZ, Force, X1, Y1, Z1, X2, Y2, Z2, Player);

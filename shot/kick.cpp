@@ -4,6 +4,8 @@
 #include "match/arithmetic.h"
 #include "match/frm_snapwedge.h"
 #include "match/results.h"
+#include "scene/places.h"
+#include "shot/meter.h"
 
 namespace {
 
@@ -11,12 +13,40 @@ constexpr float ForwardDivisor = 40.0f;          ///< scene units a step = Power
 constexpr float RiseDivisor = 3.0f;              ///< first rise in half a step = forward step / RiseDivisor
 constexpr float DropDivisors[] = {20.0f, 10.0f}; ///< loss of the rise in a step = forward step / both
 constexpr float TumbleDivisor = 7.0f;            ///< radians a step = forward step / TumbleDivisor
-constexpr float PostsZ = -95.0f;                 ///< the flight ends at or beyond it
 constexpr float HalfGoalWidth = 14.0f;           ///< scene units from the middle of the posts to either
 constexpr float GoalReach = 88.0f;               ///< beyond it, to either side, the posts turn
 constexpr float OverchargePower = 30.0f;
 
+float Forward(float power) { return Quotient(-power, ForwardDivisor); }
+
+float FirstRise(float forward) { return Quotient(-forward, RiseDivisor); }
+
+float Drop(float forward) {
+  return static_cast<float>(static_cast<double>(forward) / DropDivisors[0] * -1.0 / DropDivisors[1]);
+}
+
+/// Whether a kick that is there flies on.
+bool Flies(const Vector &place, float drop) {
+  // A force so small that its gravity rounds to 0 would keep the piece in the air for ever.
+  return place.z > Places::Goal.z && !(place.y < 0.0f) && drop > 0.0f;
+}
+
 } // namespace
+
+std::optional<float> KickHeightAtPosts(float power) {
+  const float forward = Forward(power), drop = Drop(forward);
+  float rise = FirstRise(forward);
+  Vector aim = Places::KickAim, piece = aim;
+  while (Flies(piece, drop)) {
+    aim.y = Sum(aim.y, rise);
+    aim.z = Sum(aim.z, forward);
+    piece = aim;
+    aim.y = Sum(aim.y, rise);
+    rise = Difference(rise, drop);
+  }
+  if (piece.z > Places::Goal.z) return std::nullopt;
+  return piece.y;
+}
 
 void frmSnapwedge::KickFB(float &ShotX, float &ShotY, float &ShotZ, float &Power, float &DirX, float &DirY,
                           float &DirZ, float &UpX, float &UpY, float &UpZ) {
@@ -24,15 +54,14 @@ void frmSnapwedge::KickFB(float &ShotX, float &ShotY, float &ShotZ, float &Power
   NoShot = True;
   AimFrame->SetPosition(scene, ShotX, ShotY, ShotZ);
   AimFrame->SetOrientation(scene, DirX, DirY, DirZ, UpX, UpY, UpZ);
-  Power = Quotient(-Power, ForwardDivisor);
-  KickRise = Quotient(-Power, RiseDivisor);
-  KickDrop = static_cast<float>(static_cast<double>(Power) / DropDivisors[0] * -1.0 / DropDivisors[1]);
+  Power = Forward(Power);
+  KickRise = FirstRise(Power);
+  KickDrop = Drop(Power);
   ArrowFrame->DeleteVisual(ArrowMesh);
   Vector place;
   AimFrame->GetPosition(scene, place);
 
-  // A force so small that its gravity rounds to 0 would keep the piece in the air for ever.
-  while (place.z > PostsZ && !(place.y < 0.0f) && KickDrop > 0.0f) {
+  while (Flies(place, KickDrop)) {
     BeginStep(program.FlickMs);
     MoveGoal();
     SideCam();
@@ -83,6 +112,7 @@ void frmSnapwedge::MoveGoal() {
 void frmSnapwedge::PrematureKick() {
   NoShot = True;
   Force = OverchargePower;
+  ProgressBar1.CapLit = true;
   ReadAim();
   GetFmain();
   if (program.GameMode == "INET") SendFG(FrameX, FrameY, FrameZ, Force, X1, Y1, Z1, X2, Y2, Z2, Player);

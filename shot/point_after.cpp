@@ -7,7 +7,6 @@ namespace {
 
 // Where the kick is set up, scene units.
 constexpr Vector PiecePlace{0.0f, 4.0f, 85.0f};
-constexpr Vector AimPlace{0.0f, 0.0f, 87.0f};
 constexpr Vector KickCamera{0.0f, 15.0f, 120.0f};
 
 // The computer kicks when the posts have just turned at +x: they are in the middle of the field when the
@@ -23,7 +22,7 @@ void frmSnapwedge::MPAT() {
   Shots = AttemptsInPossession;
   ArrowFrame->AddVisual(ArrowMesh);
   Place(PieceFrame, scene, PiecePlace);
-  Place(AimFrame, scene, AimPlace);
+  Place(AimFrame, scene, Places::KickAim);
   Place(CameraFrame, scene, KickCamera);
   LookCam();
   RMCanvas1.Update();
@@ -31,6 +30,8 @@ void frmSnapwedge::MPAT() {
   ShotPending = False;
   PieceFrame->SetOrientation(scene, 0, 0, 1, 1, 0, 0);
   AimFrame->SetOrientation(scene, 0, 0, 1, 0, 1, 0);
+  ProgressBar1.Ghost.reset();
+  ScaleForKick();
   RMCanvas1.Update();
 
   using Part = void (frmSnapwedge::*)();

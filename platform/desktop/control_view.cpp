@@ -57,7 +57,7 @@ std::unique_ptr<ControlView> MakeView(DesktopMachine &machine, Window &window, C
                                       QWidget &parent) {
   auto view = MakeBare({machine, window, parent}, control);
   QWidget *widget = view->Widget();
-  const Rectangle &place = control.Place;
+  const Rectangle place = view->Extent();
   if (dynamic_cast<const PictureBox *>(&control)) {
     widget->move(place.Left, place.Top);
   } else {

@@ -20,6 +20,9 @@ public:
   const Control &Model() const { return control_; }
   virtual QWidget *Widget() const = 0;
 
+  /// The rectangle that its widget covers: the control's place and what it draws beside it.
+  virtual Rectangle Extent() const { return control_.Place; }
+
   /// Brings the properties that have changed since the last call to the widget.
   void CarryOver();
 

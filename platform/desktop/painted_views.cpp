@@ -1,35 +1,114 @@
 #include "platform/desktop/painted_views.h"
 
 #include <QLinearGradient>
+#include <QPaintEvent>
 #include <QPainter>
 
 #include <algorithm>
 #include <cmath>
 
-void MeterWidget::SetLevel(float level) {
-  level = std::clamp(level, 0.0f, 1.0f);
-  if (level == level_) return;
-  level_ = level;
-  update();
+namespace {
+
+const QColor Written(244, 250, 236);
+const QColor Remembered(255, 225, 77);
+const QColor Warning(255, 138, 122);
+const QColor LitRed(255, 36, 24);
+
+} // namespace
+
+void MeterWidget::Show(const Face &face) {
+  if (face == face_) return;
+  // While the meter rises or falls the letters beside it stand still.
+  Face standing = face;
+  standing.Level = face_.Level;
+  const bool levelAlone = standing == face_;
+  face_ = face;
+  if (levelAlone) {
+    update(0, 0, barWidth_, height());
+  } else {
+    update();
+  }
 }
 
-void MeterWidget::paintEvent(QPaintEvent *) {
-  constexpr int Marks = 10; // tenths of the full power
+QRect MeterWidget::Inside() const {
   constexpr int Border = 2; // pixels
+  return QRect(0, 0, barWidth_, height()).adjusted(Border, Border, -Border, -Border);
+}
+
+int MeterWidget::LevelY(float share) const {
+  const QRect inside = Inside();
+  return inside.bottom() + 1 -
+         static_cast<int>(std::lround(std::clamp(share, 0.0f, 1.0f) * static_cast<float>(inside.height())));
+}
+
+void MeterWidget::paintEvent(QPaintEvent *event) {
   QPainter painter(this);
-  const QRect inside = rect().adjusted(Border, Border, -Border, -Border);
-  painter.fillRect(rect(), QColor(16, 22, 16));
+  PaintBar(painter);
+  if (event->rect().right() >= barWidth_) PaintScale(painter);
+}
+
+void MeterWidget::PaintBar(QPainter &painter) const {
+  const QRect inside = Inside();
+  const auto rows = [&](int from, int to) { return QRect(inside.left(), from, inside.width(), to - from); };
+  const int end = inside.bottom() + 1;
+  painter.fillRect(QRect(0, 0, barWidth_, height()), QColor(16, 22, 16));
   painter.fillRect(inside, QColor(44, 56, 44));
   QLinearGradient power(inside.bottomLeft(), inside.topLeft());
   power.setColorAt(0.0, QColor(64, 200, 72));
   power.setColorAt(0.55, QColor(244, 220, 64));
   power.setColorAt(1.0, QColor(236, 56, 40));
-  const int filled = static_cast<int>(std::lround(level_ * static_cast<float>(inside.height())));
-  painter.fillRect(QRect(inside.left(), inside.bottom() + 1 - filled, inside.width(), filled), power);
-  painter.setPen(QColor(0, 0, 0, 120));
-  for (int mark = 1; mark < Marks; ++mark) {
-    const int y = inside.bottom() + 1 - inside.height() * mark / Marks;
-    painter.drawLine(inside.left(), y, inside.right(), y);
+  painter.fillRect(rows(LevelY(face_.Level), end), power);
+
+  if (face_.CapFrom < 1.0f) {
+    const QRect cap = rows(inside.top(), LevelY(face_.CapFrom));
+    painter.fillRect(cap, face_.CapLit ? LitRed : QColor(92, 22, 20));
+    painter.fillRect(cap,
+                     QBrush(face_.CapLit ? QColor(255, 190, 170) : QColor(150, 44, 36), Qt::BDiagPattern));
+  }
+  for (const ProgressBar::Mark &mark : face_.Scale) {
+    const int y = LevelY(mark.Value);
+    if (y <= inside.top() || y >= end) continue;
+    painter.fillRect(rows(y, y + 1), QColor(0, 0, 0, 120));
+    if (mark.Strong) painter.fillRect(rows(y - 1, y + 1), Written);
+  }
+  if (face_.Ghost) {
+    const int y = LevelY(*face_.Ghost);
+    painter.fillRect(rows(y - 2, y + 2), QColor(16, 22, 16));
+    painter.fillRect(rows(y - 1, y + 1), Remembered);
+  }
+}
+
+void MeterWidget::PaintScale(QPainter &painter) const {
+  // Pixels from the bar.
+  constexpr int StrokeFrom = 1, StrokeTo = 6, WordsFrom = 9;
+  const int wordsHeight = painter.fontMetrics().height();
+  for (const ProgressBar::Mark &mark : face_.Scale) {
+    const int y = LevelY(mark.Value);
+    const bool remembered = face_.Ghost && LevelY(*face_.Ghost) == y;
+    const bool overTheTop = mark.Value > face_.CapFrom;
+    if (remembered) {
+      painter.setRenderHint(QPainter::Antialiasing);
+      painter.setPen(Qt::NoPen);
+      painter.setBrush(Remembered);
+      const int tip = barWidth_ + StrokeFrom, back = barWidth_ + StrokeTo + 1;
+      painter.drawPolygon(QPolygonF({QPointF(tip, y), QPointF(back, y - 5), QPointF(back, y + 5)}));
+    } else if (mark.Value > 0.0f && !overTheTop) {
+      painter.fillRect(barWidth_ + StrokeFrom, y - (mark.Strong ? 1 : 0), StrokeTo - StrokeFrom,
+                       mark.Strong ? 2 : 1, Written);
+    }
+    if (mark.Text.empty()) continue;
+    const int left = barWidth_ + (overTheTop ? StrokeFrom + 1 : WordsFrom);
+    const int top = std::clamp(y - wordsHeight / 2, 0, height() - wordsHeight);
+    const QRect place(left, top, width() - left, wordsHeight);
+    const QString words = QString::fromStdString(mark.Text);
+    QColor ink = remembered || mark.Strong ? Remembered : Written;
+    if (overTheTop) {
+      ink = face_.CapLit ? Qt::white : Warning;
+      const int wide = painter.fontMetrics().horizontalAdvance(words);
+      if (face_.CapLit) painter.fillRect(QRect(left - 1, top, wide + 4, wordsHeight), QColor(176, 16, 10));
+    }
+    painter.setPen(ink);
+    painter.drawText(place, Qt::AlignLeft | Qt::AlignVCenter, words);
   }
 }
 

@@ -2,21 +2,42 @@
 
 // Widgets that the toolkit doesn't have: the power meter, a line, an empty rectangle.
 
+#include "platform/controls.h"
+
 #include <QWidget>
 
-/// A vertical meter that fills from below, green to yellow to red.
+#include <optional>
+#include <vector>
+
+/// A vertical meter that fills from below, green to yellow to red, with its scale to the right.
 class MeterWidget : public QWidget {
 public:
   using QWidget::QWidget;
 
-  /// 0 empty to 1 full.
-  void SetLevel(float level);
+  /// What it shows. All values are shares of the full meter, 0 to 1.
+  struct Face {
+    float Level = 0.0f;
+    std::vector<ProgressBar::Mark> Scale;
+    std::optional<float> Ghost;
+    float CapFrom = 1.0f; ///< where the red cap begins
+    bool CapLit = false;
+    bool operator==(const Face &) const = default;
+  };
+
+  void SetBarWidth(int pixels) { barWidth_ = pixels; } ///< the rest of the width is the scale's
+  void Show(const Face &face);
 
 protected:
   void paintEvent(QPaintEvent *event) override;
 
 private:
-  float level_ = 0;
+  void PaintBar(QPainter &painter) const;
+  void PaintScale(QPainter &painter) const;
+  QRect Inside() const;          ///< the bar without its border
+  int LevelY(float share) const; ///< where a level's upper edge lies
+
+  int barWidth_ = 0;
+  Face face_;
 };
 
 class LineWidget : public QWidget {

@@ -134,10 +134,26 @@ private:
 
 class MeterView : public View<ProgressBar, MeterWidget> {
 public:
-  using View::View;
+  MeterView(DesktopMachine &machine, Window &window, ProgressBar &model, QWidget &parent)
+      : View(machine, window, model, parent) {
+    widget_->SetBarWidth(model.Place.Width);
+  }
+
+  Rectangle Extent() const override {
+    Rectangle extent = model_.Place;
+    extent.Width += model_.ScaleWidth;
+    return extent;
+  }
 
 protected:
-  void CarryOverOwn() override { widget_->SetLevel((model_.Value - model_.Min) / (model_.Max - model_.Min)); }
+  void CarryOverOwn() override {
+    const auto share = [&](float value) { return (value - model_.Min) / (model_.Max - model_.Min); };
+    MeterWidget::Face face{share(model_.Value), model_.Scale, model_.Ghost, share(model_.CapFrom),
+                           model_.CapLit};
+    for (ProgressBar::Mark &mark : face.Scale) mark.Value = share(mark.Value);
+    if (face.Ghost) face.Ghost = share(*face.Ghost);
+    widget_->Show(face);
+  }
 };
 
 class LineView : public View<Line, LineWidget> {

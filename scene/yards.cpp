@@ -1,0 +1,10 @@
+#include "scene/yards.h"
+
+#include <cmath>
+
+std::string InYards(float distance) {
+  constexpr long Whole = 100; ///< tenths, from which on the decimal is left out
+  const long tenths = std::lround(distance / UnitsPerYard * 10.0f);
+  if (tenths >= Whole) return std::to_string(std::lround(distance / UnitsPerYard));
+  return std::to_string(tenths / 10) + "." + std::to_string(tenths % 10);
+}

@@ -1,0 +1,39 @@
+// What stands beside the meter: what each of its steps is worth.
+
+#include "shot/meter.h"
+
+#include "match/frm_snapwedge.h"
+#include "scene/places.h"
+#include "scene/yards.h"
+
+namespace {
+
+/// What a kick of that force comes to if it is straight.
+const char *KickWords(float power) {
+  const auto height = KickHeightAtPosts(power);
+  if (!height) return "short";
+  return *height > Places::Goal.y ? "over the bar" : "under the bar";
+}
+
+} // namespace
+
+void frmSnapwedge::ScaleForFlick() {
+  ProgressBar1.Scale = {{0.0f, "yards"}};
+  for (float power = MeterRise; power <= MeterLimit; power += MeterRise)
+    ProgressBar1.Scale.push_back({power, InYards(FlickReach(power, ForceDecay))});
+  ProgressBar1.Scale.push_back({MeterLimit, "too hard"});
+}
+
+void frmSnapwedge::ScaleForKick() {
+  ProgressBar1.Scale.clear();
+  const std::string clears = "over the bar";
+  std::string last;
+  for (float power = MeterRise; power <= MeterLimit; power += MeterRise) {
+    // A step at which nothing changes has no words.
+    const std::string words = KickWords(power);
+    const bool changed = words != last;
+    ProgressBar1.Scale.push_back({power, changed ? words : "", changed && words == clears});
+    last = words;
+  }
+  ProgressBar1.Scale.push_back({MeterLimit, "too weak"});
+}
