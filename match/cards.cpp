@@ -51,6 +51,7 @@ void frmSnapwedge::ShowMessage(std::int16_t &MES) {
     MyDelay2();
     return;
   }
+  HintResult(MES);
   Busy = True;
   PlayResult(program, MES);
   if (!network && !program.MessagesOn) {

@@ -96,6 +96,14 @@ public:
   void PostScore();                   ///< writes both score lines and the round line
   PictureBox &Card(std::int16_t MES); ///< the card of that result, one of `Results`
 
+  // match/hints.cpp: all that `lblHint` says
+  void HintAim();                         ///< what the side on turn can do now, and what its last try was
+  void HintFlight();                      ///< a shot of `ShotPower` has begun
+  void HintNoKick();                      ///< a kick was let go of without power
+  void HintResult(std::int16_t MES);      ///< why the card of this side's result comes up
+  void HintOtherResult(std::int16_t MES); ///< what the card of the other computer's result means
+  void HintOver();                        ///< the match is over
+
   Program &program;
   Machine &machine;
 
@@ -108,6 +116,8 @@ public:
   std::int32_t FrameEnd = 0;                 ///< clock at which the present step may end, ms
   std::string PieceSurface; ///< name found under the piece's centre by the last `CheckRay`; empty for nothing
   std::string CornerSurface; ///< name found under the corner that `CheckScore` tested last
+  Flag OverSide = False;     ///< the last rest had a corner over an edge, and none past the far one
+  Flag OnCircle = False;     ///< the last rest had a corner over the bonus area
 
   // ---- Phase: what the mouse may do --------------------------------------------------------------
 
@@ -199,6 +209,7 @@ public:
   std::int32_t CursorX = 0; ///< the pointer's place as last read, screen pixels
   std::int32_t CursorY = 0;
   float Force = 0;      ///< power of the shot; the meter's value while it charges; a running flick's speed
+  float ShotPower = 0;  ///< the force with which the last flick or kick began
   float ForceDecay = 0; ///< loss of `Force` in a step
   float FrameX = 0, FrameY = 0, FrameZ = 0;             ///< `AimFrame`'s place at the flick
   float X1 = 0, Y1 = 0, Z1 = 0;                         ///< its direction
@@ -249,6 +260,7 @@ public:
   Label Label1, Label2, Label5; ///< round, shots, the other computer's version
   TextBox Text1, Text2;         ///< chat: the other's last line, the line being typed
   ProgressBar ProgressBar1;     ///< the power meter
+  Label lblHint;                ///< what can be done now, and after a shot what happened and why
   SideBoard HomeBoard, AwayBoard;
   std::array<BackPicture, AttemptsInPossession> Tries; ///< a paper triangle for each attempt that is left
   BackPicture VersionSlip;                             ///< the paper behind `Label5`

@@ -82,11 +82,15 @@ void frmSnapwedge::CheckScore(std::int16_t & /*Side*/) {
   const auto &scene = RMCanvas1.SceneFrame;
   float ZA = 0, ZB = 0, ZC = 0; // a corner that isn't reached keeps 0
   Flag Bonus = False;
+  OverSide = False;
+  OnCircle = False;
   std::int32_t &score = program.MyTurn ? HomeScore : AwayScore;
   const auto lookUnder = [&](const Ref<Direct3DRMFrame3> &corner, float &z) {
     z = LookDownFrom(corner, scene, Ray).z;
     CornerSurface = NameUnder(TableFrame, scene, Ray);
-    if (CornerSurface == "TableBon" && Shots == FirstAttempt) Bonus = True;
+    if (CornerSurface != "TableBon") return;
+    OnCircle = True;
+    if (Shots == FirstAttempt) Bonus = True;
   };
 
   try {
@@ -106,6 +110,7 @@ void frmSnapwedge::CheckScore(std::int16_t & /*Side*/) {
 
   const bool past = ZA < Places::FarEdgeZ || ZB < Places::FarEdgeZ || ZC < Places::FarEdgeZ;
   if (!past || PieceSurface.substr(0, 5) != "Table") {
+    OverSide = True;
     // Over a side edge the possession goes on, but not without an attempt: nothing would ever end it.
     if (Shots < SecondAttempt) FallShort();
     return;

@@ -89,12 +89,16 @@ void frmSnapwedge::PlayRounds() {
     SendOver();
   }
   // What the other side's last possession is worth may still be on its way.
-  if (network) AwaitOver();
+  if (network) {
+    HintOver();
+    AwaitOver();
+  }
 }
 
 void frmSnapwedge::EndMatch() {
   program.PlayOnce(program.SndWis3);
   NoShot = True;
+  HintOver();
   machine.ShowCursor(-1);
   program.PlayOnce(program.SndGuit2);
   program.PlayLoop(program.SndTheme);

@@ -38,5 +38,6 @@ void frmSnapwedge::Reset() {
     SideCam();
     LookCam();
   }
+  HintAim();
   RMCanvas1.Update();
 }

@@ -147,12 +147,15 @@ void frmSnapwedge::ShowOtherResult(std::int16_t MES) {
   ResultDue = False;
   RestMouse(); // the card would swallow the release, and the meter go on without a hand
   PlayBeforeCard(program, MES);
+  const std::string hint = lblHint.Caption;
+  HintOtherResult(MES);
   PictureBox &card = Card(MES);
   card.Visible = true;
   machine.Repaint(*this);
   PlayWithCard(program, MES);
   CanIContinue();
   card.Visible = false;
+  lblHint.Caption = hint;
   RMCanvas1.SetFocus();
   Busy = False;
   // The pause in which this card was waited for ends with it. The next shot may lie in the queue already, and

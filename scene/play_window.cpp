@@ -12,6 +12,8 @@ constexpr Color Yellow{255, 255, 0};
 constexpr Color DimYellow{192, 192, 0};
 constexpr Color LightRed{255, 192, 192};
 constexpr Color AquaBlue{192, 255, 255};
+constexpr Color Cream{255, 250, 224};
+constexpr float HintPoints = 9.0f;
 
 // The meter's cap begins at the strongest shot that is aimed.
 constexpr float StrongestAimed = 96.0f;
@@ -69,6 +71,9 @@ frmSnapwedge::frmSnapwedge(Machine &onMachine, Program &ofProgram)
   Label3.Visible = false;
   Label4.Visible = false;
 
+  LayOut(lblHint, "lblHint", {110, 449, 526, 17}, Cream, Align::Left, "");
+  lblHint.Font.Points = HintPoints;
+
   LayOut(Text1, "Text1", {112, 30, 417, 27}, LightRed);
   LayOut(Text2, "Text2", {110, 420, 417, 27}, AquaBlue);
   Text1.AccessibleName = "The other player's message";
@@ -106,9 +111,9 @@ frmSnapwedge::frmSnapwedge(Machine &onMachine, Program &ofProgram)
 
   LayOutBoards();
 
-  Controls = {&lblPlayer1, &lblPlayer2, &Label3,   &Label4,   &Label1,       &Label2,
-              &Label5,     &RMCanvas1,  &Text1,    &Text2,    &ProgressBar1, &Picture3,
-              &Picture5,   &Picture1,   &Picture2, &Picture4, &Picture7,     &Picture6};
+  Controls = {&lblPlayer1, &lblPlayer2, &Label3,   &Label4,   &Label1,       &Label2,   &Label5,
+              &lblHint,    &RMCanvas1,  &Text1,    &Text2,    &ProgressBar1, &Picture3, &Picture5,
+              &Picture1,   &Picture2,   &Picture4, &Picture7, &Picture6};
 }
 
 void frmSnapwedge::TurnColor() {

@@ -163,6 +163,7 @@ void frmSnapwedge::RMCanvas1_MouseUp(std::int16_t Button, std::int16_t /*Shift*/
   if (Force == 0.0f) {
     // A click shorter than a frame is no kick: it would never come down.
     RestMeter();
+    HintNoKick();
     return;
   }
   if (program.GameMode == "INET") SendFG(FrameX, FrameY, FrameZ, Force, X1, Y1, Z1, X2, Y2, Z2, Player);

@@ -38,7 +38,9 @@ void frmSnapwedge::Flick(float &ShotX, float &ShotY, float &ShotZ, float &Power,
   AimFrame->SetPosition(scene, ShotX, ShotY, ShotZ);
   AimFrame->SetOrientation(scene, DirX, DirY, DirZ, UpX, UpY, UpZ);
   ArrowFrame->DeleteVisual(ArrowMesh);
+  ShotPower = Power;
   ShowShots();
+  HintFlight();
   program.PlayOnce(program.SndSwoosh);
 
   while (Power != 0.0f) {
@@ -66,6 +68,7 @@ void frmSnapwedge::Flick(float &ShotX, float &ShotY, float &ShotZ, float &Power,
   ArrowFrame->AddVisual(ArrowMesh);
   PostScore();
   LookCam();
+  HintAim();
   ShotPending = False;
 }
 

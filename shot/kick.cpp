@@ -54,6 +54,8 @@ void frmSnapwedge::KickFB(float &ShotX, float &ShotY, float &ShotZ, float &Power
   NoShot = True;
   AimFrame->SetPosition(scene, ShotX, ShotY, ShotZ);
   AimFrame->SetOrientation(scene, DirX, DirY, DirZ, UpX, UpY, UpZ);
+  ShotPower = Power;
+  HintFlight();
   Power = Forward(Power);
   KickRise = FirstRise(Power);
   KickDrop = Drop(Power);

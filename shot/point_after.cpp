@@ -32,6 +32,7 @@ void frmSnapwedge::MPAT() {
   AimFrame->SetOrientation(scene, 0, 0, 1, 0, 1, 0);
   ProgressBar1.Ghost.reset();
   ScaleForKick();
+  HintAim();
   RMCanvas1.Update();
 
   using Part = void (frmSnapwedge::*)();

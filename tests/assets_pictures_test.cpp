@@ -141,14 +141,14 @@ TEST(PicturesTest, LabelsOfThePlayWindowAreReadable) {
   for (const std::int16_t player : {std::int16_t{1}, std::int16_t{2}}) {
     window.Player = player;
     window.TurnColor();
-    EXPECT_EQ(ExpectReadableLabels(window), 7);
+    EXPECT_EQ(ExpectReadableLabels(window), 8);
   }
   // Both boards flash, the dim one's too.
   window.HomeScore = window.AwayScore = 3;
   window.PostScore();
   ASSERT_EQ(window.HomeBoard.Line.Picture, "ScoreLineFlash");
   ASSERT_EQ(window.AwayBoard.Line.Picture, "ScoreLineFlash");
-  EXPECT_EQ(ExpectReadableLabels(window), 7);
+  EXPECT_EQ(ExpectReadableLabels(window), 8);
 }
 
 TEST(PicturesTest, LabelsOfTheLaunchWindowAreReadable) {

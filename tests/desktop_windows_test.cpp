@@ -1,6 +1,7 @@
 // The windows as they come to the screen: every label can be read on what lies behind it.
 
 #include "match/frm_snapwedge.h"
+#include "match/results.h"
 #include "net/frm_new_net.h"
 #include "platform/desktop/desktop_machine.h"
 
@@ -10,6 +11,8 @@
 #include <algorithm>
 #include <cmath>
 #include <optional>
+#include <string>
+#include <vector>
 
 namespace {
 
@@ -90,11 +93,12 @@ TEST(DesktopWindowsTest, LabelsOfThePlayWindowCanBeRead) {
   frmSnapwedge window(machine, program);
   window.Label5.Caption = "OV:SW:1"; // what the other program says of itself
   window.VersionSlip.Visible = true;
+  window.HintResult(Results::Penalty);
   machine.Show(window);
   for (const std::int16_t player : {std::int16_t{1}, std::int16_t{2}}) {
     window.Player = player;
     window.TurnColor();
-    EXPECT_EQ(ExpectReadableLabels(machine, window), 6);
+    EXPECT_EQ(ExpectReadableLabels(machine, window), 7);
   }
 }
 
@@ -105,6 +109,71 @@ QWidget *WidgetOf(const Window &window, const char *control) {
       return shown->findChild<QWidget *>(control);
   }
   return nullptr;
+}
+
+/// All that `lblHint` says in the course of a match, and more: every text with its longest names and numbers.
+std::vector<std::string> AllHints(frmSnapwedge &window) {
+  std::vector<std::string> all;
+  const auto keep = [&] { all.push_back(window.lblHint.Caption); };
+  for (const char *mode : {"Human", "Computer", "INET"}) {
+    window.program.GameMode = mode;
+    for (const Flag turn : {True, False}) {
+      window.program.MyTurn = turn;
+      for (const Flag kick : {True, False}) {
+        window.KickMode = kick;
+        for (window.Shots = 0; window.Shots <= AttemptsInPossession; ++window.Shots) {
+          for (const float power : {0.0f, 96.0f, 120.0f}) {
+            window.ShotPower = power;
+            for (int rest = 0; rest < 4; ++rest) {
+              window.OverSide = rest & 1 ? True : False;
+              window.OnCircle = rest & 2 ? True : False;
+              window.HintAim();
+              keep();
+              window.HintFlight();
+              keep();
+              for (std::int16_t result = Results::First; result <= Results::Last; ++result) {
+                window.HintResult(result);
+                keep();
+                window.HintOtherResult(result);
+                keep();
+              }
+            }
+          }
+        }
+      }
+    }
+    window.HintOver();
+    keep();
+  }
+  window.HintNoKick();
+  keep();
+  return all;
+}
+
+TEST(DesktopWindowsTest, EveryHintFitsItsLineInItsOwnSize) {
+  GameMachine &machine = GameMachine::Get();
+  Program program(machine);
+  program.SoundOn = False;
+  program.GameMode = "Human";
+  frmSnapwedge window(machine, program);
+  window.SetUp();
+  const std::vector<std::string> hints = AllHints(window);
+  ASSERT_GT(hints.size(), 100U);
+  const auto *label = qobject_cast<QLabel *>(WidgetOf(window, "lblHint"));
+  ASSERT_TRUE(label);
+  constexpr int FullSize = 12; // pixels, 9 points
+  for (const std::string &hint : hints) {
+    const QRect needed = label->fontMetrics().boundingRect(QString::fromStdString(hint));
+    EXPECT_LE(needed.width(), label->width()) << hint;
+    EXPECT_LE(needed.height(), label->height()) << hint;
+  }
+  EXPECT_EQ(label->font().pixelSize(), FullSize);
+  window.lblHint.Caption = std::string(200, 'w');
+  machine.Pump();
+  EXPECT_LT(label->font().pixelSize(), FullSize) << "a typeface that is wider must not cut it off";
+  window.lblHint.Caption = hints.front();
+  machine.Pump();
+  EXPECT_EQ(label->font().pixelSize(), FullSize);
 }
 
 TEST(DesktopWindowsTest, ThePlayWindowComesUpWithItsFirstPictureAndWithoutTheLastCard) {

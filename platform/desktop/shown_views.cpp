@@ -11,6 +11,7 @@
 #include <QTextBrowser>
 
 #include <functional>
+#include <optional>
 
 namespace {
 
@@ -38,7 +39,9 @@ public:
   /// Where the typeface is missing another takes its place, and a wider one would be cut off.
   void Fit() override {
     constexpr int SmallestLetters = 8; // pixels
-    QFont font = widget_->font();
+    if (!full_) full_ = widget_->font();
+    QFont font = *full_;
+    widget_->setFont(font);
     const auto fits = [&] {
       return model_.WordWrap ? widget_->heightForWidth(widget_->width()) <= widget_->height()
                              : widget_->sizeHint().width() <= widget_->width();
@@ -51,12 +54,17 @@ public:
 
 protected:
   void CarryOverOwn() override {
-    if (widget_->text() != Text(model_.Caption)) widget_->setText(Text(model_.Caption));
+    if (widget_->text() == Text(model_.Caption)) return;
+    widget_->setText(Text(model_.Caption));
+    if (full_) Fit();
   }
   /// On the toolkit's own ground, dark on some desktops, only the toolkit knows what can be read.
   bool OwnColor() const override {
     return !model_.Border && (window_.HasBackColor || !window_.Picture.empty());
   }
+
+private:
+  std::optional<QFont> full_; ///< the label's own font, once it is known
 };
 
 class PictureView : public View<PictureBox, QLabel> {

@@ -1,0 +1,182 @@
+// All that the line under the view says: what can be done now, and after a shot what happened and why. It
+// tells what the rules have found and never decides anything. On the waiting computer of a network game it
+// says no more than the other computer has told.
+
+#include "match/frm_snapwedge.h"
+#include "match/results.h"
+#include "scene/places.h"
+#include "scene/yards.h"
+#include "shot/meter.h"
+
+#include <algorithm>
+#include <string>
+
+namespace {
+
+constexpr float TableReach = 88.0f; ///< from the table's middle to each edge, scene units
+
+Vector PlaceOf(const Ref<Direct3DRMFrame3> &frame, const frmSnapwedge &window) {
+  Vector place;
+  frame->GetPosition(window.RMCanvas1.SceneFrame, place);
+  return place;
+}
+
+std::string ToTheEdge(const frmSnapwedge &window) {
+  return InYards(std::max(PlaceOf(window.PieceFrame, window).z - Places::FarEdgeZ, 0.0f));
+}
+
+/// What the attempt is called that has begun, by those that are left.
+std::string TryName(std::int16_t shots) {
+  return shots >= 2 ? "first try" : shots == 1 ? "second try" : "third try";
+}
+
+enum class Shooter { Here, Computer, Other };
+
+Shooter WhoShoots(const Program &program) {
+  if (program.MyTurn || program.GameMode == "Human") return Shooter::Here;
+  return program.GameMode == "Computer" ? Shooter::Computer : Shooter::Other;
+}
+
+std::string WhoseTurn(const Program &program) {
+  if (program.GameMode != "Human") return "Your turn";
+  return program.MyTurn ? "Home Team's turn" : "Away Team's turn";
+}
+
+/// The second or third try of who sits at this mouse.
+std::string NextTry(const frmSnapwedge &window) {
+  const bool last = window.Shots < 2;
+  const std::string yards = ToTheEdge(window) + " yards to the edge";
+  if (window.ShotPower == 0.0f)
+    return std::string("No power: let go before the meter rose. ") +
+           (last ? "One try is left." : "Two tries are left.");
+  if (window.OverSide) return "A corner over the side counts for nothing. " + yards + ".";
+  if (!last) return yards + ". Don't cross it yet: only the third try counts.";
+  if (window.OnCircle)
+    return "The circle pays on try one only. Last try, " + ToTheEdge(window) +
+           " yards: hang a corner over the edge.";
+  return "Last try, " + yards + ": stop with a corner hanging over it.";
+}
+
+std::string FallWords(const frmSnapwedge &window) {
+  if (window.ProgressBar1.CapLit || window.ShotPower > MeterLimit)
+    return "Held past the top of the meter: the shot fires by itself, far too hard.";
+  const Vector place = PlaceOf(window.PieceFrame, window);
+  if (place.z < Places::FarEdgeZ) return "Too hard: it slid off the far edge.";
+  if (place.z > TableReach) return "It slid off the near edge.";
+  return "Aimed too far aside: it slid off the side.";
+}
+
+std::string ShortWords(const frmSnapwedge &window) {
+  if (window.ShotPower == 0.0f) return "No power: let go before the meter rose. That was the third try.";
+  if (window.OverSide) return "A corner over the side counts for nothing. That was the third try.";
+  return "No corner hangs over the far edge: " + ToTheEdge(window) + " yards short on the third try.";
+}
+
+std::string MissWords(const frmSnapwedge &window) {
+  if (window.ProgressBar1.CapLit) return "Held past the top of the meter: the kick comes off far too weak.";
+  const Vector piece = PlaceOf(window.PieceFrame, window), goal = PlaceOf(window.GoalFrame, window);
+  if (piece.z > Places::Goal.z) return "Too weak: the kick came down before the posts.";
+  if (piece.y <= goal.y) return "Too weak: the kick passed under the bar.";
+  return piece.x > goal.x ? "Wide to the left of the posts." : "Wide to the right of the posts.";
+}
+
+} // namespace
+
+void frmSnapwedge::HintAim() {
+  if (LastWait && program.MyTurn) {
+    HintOver();
+    return;
+  }
+  switch (WhoShoots(program)) {
+  case Shooter::Computer:
+    lblHint.Caption = KickMode ? "The computer waits for the posts." : "The computer's turn.";
+    return;
+  case Shooter::Other:
+    lblHint.Caption = KickMode ? "The other player kicks for 1 point."
+                               : "The other player's turn. Press ~ to write a message.";
+    return;
+  case Shooter::Here:
+    break;
+  }
+  if (KickMode) {
+    lblHint.Caption = "Kick for 1 point: over the bar, and ahead of the moving posts.";
+  } else if (Shots < AttemptsInPossession) {
+    lblHint.Caption = NextTry(*this);
+  } else {
+    lblHint.Caption = WhoseTurn(program) + ": " + ToTheEdge(*this) +
+                      " yards to the edge. Hold the left button, let go to shoot.";
+  }
+}
+
+void frmSnapwedge::HintFlight() {
+  const bool overcharged = ProgressBar1.CapLit || ShotPower > MeterLimit;
+  switch (WhoShoots(program)) {
+  case Shooter::Computer:
+    lblHint.Caption = KickMode ? "The computer kicks." : "The computer's " + TryName(Shots) + ".";
+    return;
+  case Shooter::Other:
+    lblHint.Caption = KickMode      ? "The other player kicks. Whether it is good is judged over there."
+                      : overcharged ? "The other player held past the top of the meter: far too hard."
+                                    : "The other player's " + TryName(Shots) + ".";
+    return;
+  case Shooter::Here:
+    break;
+  }
+  if (overcharged) {
+    lblHint.Caption = std::string("Held past the top of the meter: the shot fires by itself, far too ") +
+                      (KickMode ? "weak." : "hard.");
+  } else if (KickMode) {
+    lblHint.Caption = "The posts go on moving while it flies.";
+  } else {
+    lblHint.Caption = "Power for " + InYards(FlickReach(ShotPower, ForceDecay)) + " yards.";
+  }
+}
+
+void frmSnapwedge::HintNoKick() {
+  lblHint.Caption = "No kick: let go before the meter rose. Hold the left button a little longer.";
+}
+
+void frmSnapwedge::HintResult(std::int16_t MES) {
+  switch (MES) {
+  case Results::GoodKick:
+    lblHint.Caption = "Between the posts and over the bar: 1 point.";
+    break;
+  case Results::MissedKick:
+    lblHint.Caption = MissWords(*this);
+    break;
+  case Results::Touchdown:
+    lblHint.Caption = "A corner over the edge on the third try: 6 points, and a kick for 1 more.";
+    break;
+  case Results::Turnover:
+    lblHint.Caption = FallWords(*this);
+    break;
+  case Results::Bonus:
+    lblHint.Caption = "A corner on the circle on the first try: 3 points. Two tries are left.";
+    break;
+  case Results::Penalty:
+    lblHint.Caption = "Over the edge on the " + TryName(Shots) + ": that counts on the third try only.";
+    break;
+  default:
+    lblHint.Caption = ShortWords(*this);
+    break;
+  }
+}
+
+void frmSnapwedge::HintOtherResult(std::int16_t MES) {
+  static const char *const Words[] = {
+      "The other player's kick is good: 1 point.",
+      "The other player's kick is no good.",
+      "The other player has a Touchdown: 6 points, and a kick for 1 more.",
+      "The other player's piece slid off the table.",
+      "The other player reached the circle on the first try: 3 points.",
+      "The other player crossed the edge before the third try.",
+      "The other player's third try ended short of the edge.",
+  };
+  lblHint.Caption = Words[MES - Results::First];
+}
+
+void frmSnapwedge::HintOver() {
+  lblHint.Caption = OtherSideOver || program.GameMode != "INET"
+                        ? "The match is over. A click on the front page ends the game."
+                        : "The match is over. Waiting for the other player's last result.";
+}
