@@ -3,12 +3,12 @@
 //   contact_sheet DIRECTORY
 
 #include "front/information_windows.h"
-#include "front/picture_window.h"
 #include "match/frm_snapwedge.h"
 #include "net/frm_new_net.h"
 #include "platform/desktop/desktop_machine.h"
 #include "platform/desktop/renderer/renderer.h"
 #include "platform/headless/headless_machine.h"
+#include "tools/played_windows.h"
 
 #include <QImage>
 #include <QPainter>
@@ -337,37 +337,32 @@ public:
     launch.lstConnections.List = {"This Computer", "Internet TCP/IP Connection"};
     launch.lstConnections.ListIndex = 1;
     Take(launch);
-    RenderPlay();
     TakeModal("frmControls", ShowControls);
     TakeModal("frmBackground", ShowBackground);
     TakeModal("frmText", ShowReadMe);
-    for (const char *name : {"frmHome", "frmAway", "frmTie"}) {
-      PictureWindow page(machine_, name, name, 300 * TwipsPerPixel, 300 * TwipsPerPixel);
-      Take(page);
-      machine_.Hide(page);
-    }
+    RenderEndCards();
     const bool dense = pictures_.front().second.devicePixelRatio() > 1.0;
-    WriteSheet(pictures_, 3, directory + (dense ? "/windows@2x.png" : "/windows@1x.png"));
+    const std::string ending = dense ? "@2x.png" : "@1x.png";
+    WriteSheet(pictures_, 3, directory + "/windows" + ending);
+    machine_.Hide(launch);
+    WriteSheet(PlayWindows(machine_, GameDirectory()), 4, directory + "/play" + ending);
   }
 
 private:
-  void RenderPlay() {
+  void RenderEndCards() {
     frmSnapwedge play(machine_, program_);
-    play.SetUp();
-    play.Round = 1;
-    play.TurnColor();
-    play.ProgressBar1.Value = 64;
-    play.AimFrame->AddRotation(D3DRMCOMBINE_BEFORE, 0, 1, 0, 0.08f);
-    play.RMCanvas1.Update();
-    Take(play);
-    play.ProgressBar1.Value = 0;
-    play.ArrowFrame->DeleteVisual(play.ArrowMesh);
-    play.PieceFrame->SetPosition(play.RMCanvas1.SceneFrame, 12, 0, -86.5f);
-    play.PieceFrame->AddRotation(D3DRMCOMBINE_BEFORE, 0, 1, 0, 2.2f);
-    play.Label2.Caption = "Shots: 0";
-    play.Picture3.Visible = true;
-    play.WinCam();
-    Take(play);
+    struct Row {
+      const char *name;
+      void (frmSnapwedge::*show)();
+      std::int32_t home, away;
+    };
+    for (const Row &row :
+         {Row{"frmHome", &frmSnapwedge::ShowHome, 13, 7}, Row{"frmAway", &frmSnapwedge::ShowAway, 0, 20},
+          Row{"frmTie", &frmSnapwedge::ShowTie, 990, 990}}) {
+      play.HomeScore = row.home;
+      play.AwayScore = row.away;
+      TakeModal(row.name, [&](Machine &) { (play.*row.show)(); });
+    }
   }
 
   /// The window that stands open under this name.
@@ -383,7 +378,7 @@ private:
     pictures_.emplace_back(window.Name, Find(window.Name)->grab().toImage());
   }
 
-  void TakeModal(const std::string &name, void (*show)(Machine &)) {
+  void TakeModal(const std::string &name, const std::function<void(Machine &)> &show) {
     const auto poll = machine_.OnPump([&, taken = false]() mutable {
       QWidget *widget = Find(name);
       if (!widget || taken) return;
