@@ -62,6 +62,8 @@ void frmSnapwedge::Fall() {
   Vector piece;
   PieceFrame->GetPosition(scene, piece);
   PieceFrame->SetRotation(scene, 1, 1, 1, TumblePerStep);
+  // The waiting computer of a network game is told by the other.
+  if (program.GameMode != "INET" || program.MyTurn) HintResult(Results::Turnover);
   for (int step = 0; step < FallSteps; ++step) {
     BeginStep(program.FlickMs);
     PieceFrame->SetPosition(scene, piece.x, piece.y, piece.z);

@@ -149,6 +149,9 @@ TEST(HintsTest, EveryEndOfAFlickHasItsReason) {
       ASSERT_EQ(told.atCard.size(), 1U);
       EXPECT_EQ(told.atCard[0].first, row.card);
       EXPECT_EQ(told.atCard[0].second, row.atCard);
+      if (row.card == Results::Turnover) {
+        EXPECT_EQ(told.inFlight.back(), row.atCard) << "while it falls";
+      }
     } else {
       EXPECT_TRUE(told.atCard.empty());
     }
