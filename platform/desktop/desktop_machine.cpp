@@ -24,13 +24,6 @@ namespace {
 
 constexpr std::int32_t NetworkLookMs = 5; ///< longest sleep while something wants to run at every pump
 
-/// The pointer can be put back to its home through X alone, and a Wayland session has X as well.
-void PreferX() {
-  if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM") && !qEnvironmentVariableIsEmpty("DISPLAY")) {
-    qputenv("QT_QPA_PLATFORM", "xcb");
-  }
-}
-
 /// Stands in for Qt's own words about a display that can't be used: they are many, and an abort follows.
 void RefuseDisplay(QtMsgType type, const QMessageLogContext &, const QString &) {
   if (type != QtFatalMsg) return;
@@ -48,8 +41,7 @@ bool ScreenStaysDark() { return QGuiApplication::primaryScreen()->depth() < 15; 
 } // namespace
 
 DesktopMachine::DesktopMachine(int &argc, char **argv) {
-  PreferX();
-  ChooseScale();
+  ChooseDisplay();
   // Every single motion counts, so that the pointer's offsets add up to what the hand did.
   QCoreApplication::setAttribute(Qt::AA_CompressHighFrequencyEvents, false);
   const QtMessageHandler before = qInstallMessageHandler(RefuseDisplay);

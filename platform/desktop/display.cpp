@@ -3,98 +3,50 @@
 #include "platform/desktop/window_scale.h"
 
 #include <QByteArrayList>
-#include <QRect>
-
-#include <xcb/randr.h>
-#include <xcb/xcb.h>
+#include <QCoreApplication>
+#include <QDir>
 
 #include <algorithm>
-#include <cstdlib>
-#include <memory>
-#include <optional>
-#include <string_view>
 
 namespace {
 
-constexpr double DotsPerInch = 96.0; ///< of a screen whose factor is 1
+bool IsSet(const char *name) { return !qEnvironmentVariableIsEmpty(name); }
 
-struct Display {
-  QRect freeArea;         ///< of the primary screen, device pixels
-  double ownFactor = 1.0; ///< device pixels that the desktop counts as one
-  int screens = 1;
-};
-
-template <class Reply> using Freed = std::unique_ptr<Reply, decltype(&std::free)>;
-template <class Reply> Freed<Reply> Own(Reply *reply) { return {reply, std::free}; }
-
-Freed<xcb_get_property_reply_t> Property(xcb_connection_t *x, xcb_window_t root, xcb_atom_t name,
-                                         xcb_atom_t type) {
-  constexpr std::uint32_t Longest = 1 << 16; // words
-  return Own(xcb_get_property_reply(x, xcb_get_property(x, 0, root, name, type, 0, Longest), nullptr));
+/// Whether Qt's part for Wayland is installed.
+bool QtKnowsWayland() {
+  const auto paths = QCoreApplication::libraryPaths();
+  return std::ranges::any_of(paths, [](const QString &path) {
+    return !QDir(path + "/platforms").entryList({"libqwayland-*.so"}, QDir::Files).isEmpty();
+  });
 }
 
-/// Desktops write the factor that their user has chosen into the resources of the display.
-double OwnFactor(xcb_connection_t *x, xcb_window_t root) {
-  constexpr std::string_view Name = "\nXft.dpi:";
-  const auto property = Property(x, root, XCB_ATOM_RESOURCE_MANAGER, XCB_ATOM_STRING);
-  if (!property) return 1.0;
-  const auto length = static_cast<std::size_t>(xcb_get_property_value_length(property.get()));
-  const std::string resources =
-      '\n' + std::string(static_cast<const char *>(xcb_get_property_value(property.get())), length);
-  const auto found = resources.find(Name);
-  if (found == std::string::npos) return 1.0;
-  return std::max(std::atof(resources.c_str() + found + Name.size()) / DotsPerInch, 1.0);
-}
-
-/// What panels leave free, over all screens.
-QRect WorkArea(xcb_connection_t *x, xcb_window_t root, const QRect &all) {
-  constexpr std::string_view Name = "_NET_WORKAREA";
-  const auto atom = Own(xcb_intern_atom_reply(x, xcb_intern_atom(x, 1, Name.size(), Name.data()), nullptr));
-  if (!atom || atom->atom == XCB_ATOM_NONE) return all;
-  const auto property = Property(x, root, atom->atom, XCB_ATOM_CARDINAL);
-  constexpr int BytesOfAnArea = 16;
-  if (!property || property->format != 32 || xcb_get_property_value_length(property.get()) < BytesOfAnArea)
-    return all;
-  const auto *area = static_cast<const std::int32_t *>(xcb_get_property_value(property.get()));
-  return {area[0], area[1], area[2], area[3]};
-}
-
-std::optional<Display> AskX() {
-  int number = 0;
-  const std::unique_ptr<xcb_connection_t, decltype(&xcb_disconnect)> x(xcb_connect(nullptr, &number),
-                                                                       xcb_disconnect);
-  if (xcb_connection_has_error(x.get())) return std::nullopt;
-  auto screens = xcb_setup_roots_iterator(xcb_get_setup(x.get()));
-  for (; number > 0 && screens.rem > 1; --number) xcb_screen_next(&screens);
-  const xcb_screen_t &root = *screens.data;
-
-  const QRect all(0, 0, root.width_in_pixels, root.height_in_pixels);
-  Display display{all, OwnFactor(x.get(), root.root)};
-  const auto *extension = xcb_get_extension_data(x.get(), &xcb_randr_id);
-  if (extension && extension->present) {
-    const auto monitors =
-        Own(xcb_randr_get_monitors_reply(x.get(), xcb_randr_get_monitors(x.get(), root.root, 1), nullptr));
-    auto each = monitors ? xcb_randr_get_monitors_monitors_iterator(monitors.get())
-                         : xcb_randr_monitor_info_iterator_t{};
-    display.screens = std::max(each.rem, 1);
-    for (bool first = true; each.rem > 0; xcb_randr_monitor_info_next(&each), first = false) {
-      const auto &monitor = *each.data;
-      if (first || monitor.primary) display.freeArea = {monitor.x, monitor.y, monitor.width, monitor.height};
-    }
+/// Asks the display that Qt will use, and tells Qt which that is.
+std::optional<DisplayFacts> ChoosePlatform() {
+  constexpr const char *Choice = "QT_QPA_PLATFORM";
+  if (IsSet(Choice)) {
+    const QByteArray chosen = qgetenv(Choice);
+    return chosen.startsWith("wayland") ? AskWayland() : chosen.startsWith("xcb") ? AskX() : std::nullopt;
   }
-  const QRect free = display.freeArea & WorkArea(x.get(), root.root, all);
-  if (!free.isEmpty()) display.freeArea = free;
-  return display;
+  const auto wayland = IsSet("WAYLAND_DISPLAY") && QtKnowsWayland() ? AskWayland() : std::nullopt;
+  const auto x = wayland && wayland->holdsPointer ? std::nullopt : AskX();
+  if (x) {
+    qputenv(Choice, "xcb");
+    return x;
+  }
+  if (wayland) qputenv(Choice, "wayland");
+  return wayland;
 }
 
 } // namespace
 
-void ChooseScale() {
-  for (const char *name : {"QT_SCALE_FACTOR", "QT_SCREEN_SCALE_FACTORS", "QT_ENABLE_HIGHDPI_SCALING"})
-    if (!qEnvironmentVariableIsEmpty(name)) return;
-  const auto display = AskX();
-  if (!display) return;
-  const QByteArray scale = QByteArray::number(WindowScale(display->freeArea.size(), display->ownFactor));
-  // For each screen in the place of its own factor, so that the windows stay as they are on all of them.
-  qputenv("QT_SCREEN_SCALE_FACTORS", QByteArrayList(display->screens, scale).join(';'));
+void ChooseDisplay() {
+  const auto display = ChoosePlatform();
+  if (!display || IsSet("QT_SCALE_FACTOR") || IsSet("QT_SCREEN_SCALE_FACTORS")) return;
+  const double scale = WindowScale(display->freeArea.size(), display->ownFactor);
+  if (display->scalesItself) {
+    qputenv("QT_SCALE_FACTOR", QByteArray::number(scale / display->ownFactor));
+  } else {
+    // For each screen in the place of its own factor, so that the windows stay as they are on all of them.
+    qputenv("QT_SCREEN_SCALE_FACTORS", QByteArrayList(display->screens, QByteArray::number(scale)).join(';'));
+  }
 }

@@ -20,19 +20,14 @@ void Pointer::MoveHome(int gridX, int gridY) {
 
 void Pointer::Hold(QWidget *widget) {
   if (!hidden_) widget = nullptr;
-  if (widget == widget_) return;
+  if (widget == widget_ && !(hold_ && hold_->Lost())) return;
   hold_.reset();
-  if (widget_) {
-    widget_->releaseMouse();
-    QGuiApplication::restoreOverrideCursor();
-  }
+  if (widget_) QGuiApplication::restoreOverrideCursor();
   widget_ = widget;
   place_ = home_;
   if (!widget_) return;
   // Hidden first: a compositor that keeps programs from moving the pointer allows it for a hidden one.
   QGuiApplication::setOverrideCursor(Qt::BlankCursor);
-  // A quick motion may leave the window before the pointer is moved back.
-  widget_->grabMouse();
   // The game counts what the display counts, whatever the scale of the windows: the hand that moves the
   // pointer so far across the desk turns the aim by the same angle at each.
   hold_ = HoldPointer(*widget_, [this](Dots way) { place_ += QPointF(way.x, way.y); });

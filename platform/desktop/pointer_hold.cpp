@@ -35,6 +35,7 @@ private:
 } // namespace
 
 std::unique_ptr<PointerHold> HoldPointer(QWidget &over, const PointerHold::Moved &moved) {
+  if (auto hold = HoldPointerOnWayland(over, moved)) return hold;
   if (auto hold = HoldPointerOnX(over, moved)) return hold;
   return std::make_unique<PlainHold>(over, moved);
 }

@@ -17,6 +17,9 @@ public:
   using Moved = std::function<void(Dots way)>;
 
   virtual ~PointerHold() = default;
+
+  /// Whether another hold must take its place: the mouse isn't the one any more that it was made for.
+  virtual bool Lost() const { return false; }
 };
 
 /// A hold by the means of the display that the program runs on. The pointer must be hidden already.
@@ -24,3 +27,6 @@ std::unique_ptr<PointerHold> HoldPointer(QWidget &over, const PointerHold::Moved
 
 /// Null where X doesn't serve the program.
 std::unique_ptr<PointerHold> HoldPointerOnX(QWidget &over, const PointerHold::Moved &moved);
+
+/// Null where no Wayland compositor serves the program, or it lets nobody hold the pointer.
+std::unique_ptr<PointerHold> HoldPointerOnWayland(QWidget &over, const PointerHold::Moved &moved);

@@ -58,7 +58,9 @@ Dots ValuesOf(const xcb_input_raw_motion_event_t &report) {
 class XHold : public PointerHold, QAbstractNativeEventFilter {
 public:
   XHold(QWidget &over, xcb_connection_t *x, std::uint8_t extension, Moved moved)
-      : x_(x), extension_(extension), moved_(std::move(moved)), travel_(Look(over)) {
+      : over_(over), x_(x), extension_(extension), moved_(std::move(moved)), travel_(Look()) {
+    // A quick motion may leave the window before the pointer is moved back.
+    over_.grabMouse();
     TellReports(true);
     MoveBack();
     qGuiApp->installNativeEventFilter(this);
@@ -67,13 +69,14 @@ public:
   ~XHold() override {
     qGuiApp->removeNativeEventFilter(this);
     TellReports(false);
+    over_.releaseMouse();
   }
 
 private:
   /// Finds out where the widget's middle is. Returns where the pointer is.
-  Dots Look(const QWidget &over) {
-    const QWidget &window = *over.window();
-    const QPointF middle = QPointF(over.mapTo(&window, over.rect().center())) * over.devicePixelRatioF();
+  Dots Look() {
+    const QWidget &window = *over_.window();
+    const QPointF middle = QPointF(over_.mapTo(&window, over_.rect().center())) * over_.devicePixelRatioF();
     const auto asked = xcb_query_pointer(x_, static_cast<xcb_window_t>(window.winId()));
     const auto reply = Own(xcb_query_pointer_reply(x_, asked, nullptr));
     if (!reply) return {};
@@ -129,6 +132,7 @@ private:
     return kinds_[id] = KindOf(x_, id);
   }
 
+  QWidget &over_;
   xcb_connection_t *x_;
   std::uint8_t extension_; ///< number of the extension that tells of devices
   Moved moved_;

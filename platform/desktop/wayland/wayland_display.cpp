@@ -1,0 +1,102 @@
+// Asking a Wayland compositor.
+
+#include "platform/desktop/display.h"
+
+#include "pointer-constraints-unstable-v1-client-protocol.h"
+#include "relative-pointer-unstable-v1-client-protocol.h"
+#include "xdg-output-unstable-v1-client-protocol.h"
+
+#include <wayland-client.h>
+
+#include <memory>
+#include <string_view>
+
+namespace {
+
+template <class Object> using Owned = std::unique_ptr<Object, void (*)(Object *)>;
+
+/// What the compositor has told so far. Of several screens the first counts.
+struct Answers {
+  bool constrains = false, tellsMotion = false;
+  Owned<wl_output> screen{nullptr, wl_output_destroy};
+  Owned<zxdg_output_manager_v1> sizes{nullptr, zxdg_output_manager_v1_destroy};
+  QSize pixels;        ///< of the screen's mode
+  bool turned = false; ///< whether the screen stands on its side
+  int factor = 1;      ///< at which programs draw; the next whole one to the screen's own
+  QSize counted;       ///< what the desktop counts for the screen, empty if it doesn't tell
+};
+
+Answers &Of(void *data) { return *static_cast<Answers *>(data); }
+
+const wl_output_listener ScreenListener = {
+    .geometry = [](void *data, wl_output *, int, int, int, int, int, const char *, const char *,
+                   int transform) { Of(data).turned = transform % 2 != 0; },
+    .mode =
+        [](void *data, wl_output *, std::uint32_t flags, int width, int height, int) {
+          if (flags & WL_OUTPUT_MODE_CURRENT) Of(data).pixels = {width, height};
+        },
+    .done = [](void *, wl_output *) {},
+    .scale = [](void *data, wl_output *, int factor) { Of(data).factor = factor; },
+    .name = [](void *, wl_output *, const char *) {},
+    .description = [](void *, wl_output *, const char *) {},
+};
+
+const zxdg_output_v1_listener SizeListener = {
+    .logical_position = [](void *, zxdg_output_v1 *, int, int) {},
+    .logical_size =
+        [](void *data, zxdg_output_v1 *, int width, int height) {
+          Of(data).counted = {width, height};
+        },
+    .done = [](void *, zxdg_output_v1 *) {},
+    .name = [](void *, zxdg_output_v1 *, const char *) {},
+    .description = [](void *, zxdg_output_v1 *, const char *) {},
+};
+
+const wl_registry_listener RegistryListener = {
+    .global =
+        [](void *data, wl_registry *registry, std::uint32_t number, const char *interface,
+           std::uint32_t version) {
+          Answers &answers = Of(data);
+          const std::string_view name = interface;
+          constexpr std::uint32_t WithScale = 2;
+          if (name == zwp_pointer_constraints_v1_interface.name) {
+            answers.constrains = true;
+          } else if (name == zwp_relative_pointer_manager_v1_interface.name) {
+            answers.tellsMotion = true;
+          } else if (name == wl_output_interface.name && version >= WithScale && !answers.screen) {
+            answers.screen.reset(static_cast<wl_output *>(
+                wl_registry_bind(registry, number, &wl_output_interface, WithScale)));
+            wl_output_add_listener(answers.screen.get(), &ScreenListener, data);
+          } else if (name == zxdg_output_manager_v1_interface.name) {
+            answers.sizes.reset(static_cast<zxdg_output_manager_v1 *>(
+                wl_registry_bind(registry, number, &zxdg_output_manager_v1_interface, 1)));
+          }
+        },
+    .global_remove = [](void *, wl_registry *, std::uint32_t) {},
+};
+
+} // namespace
+
+std::optional<DisplayFacts> AskWayland() {
+  const Owned<wl_display> compositor(wl_display_connect(nullptr), wl_display_disconnect);
+  if (!compositor) return std::nullopt;
+  Answers answers;
+  const Owned<wl_registry> registry(wl_display_get_registry(compositor.get()), wl_registry_destroy);
+  wl_registry_add_listener(registry.get(), &RegistryListener, &answers);
+  if (wl_display_roundtrip(compositor.get()) < 0) return std::nullopt;
+  Owned<zxdg_output_v1> size(nullptr, zxdg_output_v1_destroy);
+  if (answers.screen && answers.sizes) {
+    size.reset(zxdg_output_manager_v1_get_xdg_output(answers.sizes.get(), answers.screen.get()));
+    zxdg_output_v1_add_listener(size.get(), &SizeListener, &answers);
+  }
+  if (wl_display_roundtrip(compositor.get()) < 0 || answers.pixels.isEmpty()) return std::nullopt;
+
+  DisplayFacts display;
+  const QSize pixels = answers.turned ? answers.pixels.transposed() : answers.pixels;
+  display.freeArea = QRect(QPoint(), pixels);
+  display.ownFactor =
+      answers.counted.isEmpty() ? answers.factor : double(pixels.width()) / answers.counted.width();
+  display.holdsPointer = answers.constrains && answers.tellsMotion;
+  display.scalesItself = true;
+  return display;
+}

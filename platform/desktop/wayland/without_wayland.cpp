@@ -1,0 +1,8 @@
+// What stands in where the game is built without Wayland.
+
+#include "platform/desktop/display.h"
+#include "platform/desktop/pointer_hold.h"
+
+std::optional<DisplayFacts> AskWayland() { return std::nullopt; }
+
+std::unique_ptr<PointerHold> HoldPointerOnWayland(QWidget &, const PointerHold::Moved &) { return nullptr; }
