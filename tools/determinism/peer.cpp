@@ -1,0 +1,78 @@
+// One side of a match between two processes on this computer, over real sockets, by a scripted player.
+//   peer host|join SESSION ROUNDS SEED
+// Prints what it saw: the same on both sides, whatever processor and compiler each was built for.
+
+#include "front/run_program.h"
+#include "platform/desktop/asio/asio_network.h"
+#include "tools/netsim/scripted_player.h"
+
+#include <bit>
+#include <chrono>
+#include <cinttypes>
+#include <cstdio>
+#include <cstdlib>
+#include <exception>
+#include <thread>
+
+namespace {
+
+constexpr int Speed = 4; ///< the machine's clock runs so many times as fast as the wall's
+
+/// The machine of memory on a quick clock, with a real network.
+class QuickMachine : public HeadlessMachine {
+public:
+  explicit QuickMachine(const std::filesystem::path &game) : HeadlessMachine(game) {
+    MakeDirectPlay = [this] { return CreateAsioDirectPlay(*this); };
+    Sleeper = [this](std::int32_t) {
+      std::this_thread::sleep_for(std::chrono::milliseconds(1));
+      const auto since = std::chrono::steady_clock::now() - begun_;
+      const auto elapsed = std::chrono::duration_cast<std::chrono::milliseconds>(since).count();
+      SetNow(static_cast<std::int32_t>(Speed * elapsed));
+    };
+  }
+
+private:
+  std::chrono::steady_clock::time_point begun_ = std::chrono::steady_clock::now();
+};
+
+int Play(bool host, const std::string &session, int rounds, std::uint32_t seed) {
+  const auto tools = std::filesystem::weakly_canonical("/proc/self/exe").parent_path();
+  QuickMachine machine(tools.parent_path() / "game");
+  Program program(machine);
+  ScriptedPlayer player(machine, host, rounds, seed);
+  player.LookFor(session);
+  // In the lobby: the connection within this computer, and the session's name.
+  machine.Player = [&, act = machine.Player] {
+    if (auto *lobby = dynamic_cast<frmNewNet *>(machine.FindWindow("frmNewNet"))) {
+      lobby->lstConnections.ListIndex = 0;
+      lobby->txtName.Text = session;
+    }
+    act();
+  };
+  RunProgram(machine, program);
+  const SeenMatch &seen = player.Seen();
+  for (const std::uint64_t flick : seen.Flicks) std::printf("flick %016" PRIx64 "\n", flick);
+  for (const float kick : seen.Kicks) std::printf("kick %08" PRIx32 "\n", std::bit_cast<std::uint32_t>(kick));
+  std::printf("rounds %d, host %d, joiner %d\n", seen.Rounds, host ? seen.Home : seen.Away,
+              host ? seen.Away : seen.Home);
+  if (!seen.Box.empty()) std::printf("ended by: %s\n", seen.Box.c_str());
+  return seen.Box.empty() && !seen.EndCard.empty() && seen.Dropped == 0 ? 0 : 1;
+}
+
+} // namespace
+
+int main(int argc, char **argv) {
+  const std::string role = argc == 5 ? argv[1] : "";
+  const int rounds = argc == 5 ? std::atoi(argv[3]) : 0;
+  if ((role != "host" && role != "join") || rounds < 1) {
+    std::fprintf(stderr, "usage: peer host|join SESSION ROUNDS SEED\n");
+    return 2;
+  }
+  try {
+    return Play(role == "host", argv[2], rounds,
+                static_cast<std::uint32_t>(std::strtoul(argv[4], nullptr, 10)));
+  } catch (const std::exception &error) {
+    std::fprintf(stderr, "peer: %s\n", error.what());
+    return 1;
+  }
+}
