@@ -59,7 +59,7 @@ Ref<const ImageData> ReadImageFile(const std::filesystem::path &file) {
 }
 
 void CheckMeshFile(const std::filesystem::path &file) {
-  CheckOnce(file, [&] { Parse(file, LargestModel, CheckMesh); });
+  CheckOnce(file, [&] { Parse(file, LargestModel, PlainMesh); });
 }
 
 void CheckImageFile(const std::filesystem::path &file) {

@@ -26,7 +26,11 @@ void Append(const aiMesh &mesh, const aiScene &scene, bool colored, MeshData &da
       throw SceneError("not a mesh file: a vertex lies beyond all measure");
     }
     data.Positions.push_back(v);
-    data.Normals.push_back(mesh.mNormals ? Convert(mesh.mNormals[i]) : Vector{0, 1, 0});
+    const Vector normal = mesh.mNormals ? Convert(mesh.mNormals[i]) : Vector{0, 1, 0};
+    if (!Bounded(normal.x) || !Bounded(normal.y) || !Bounded(normal.z)) {
+      throw SceneError("not a mesh file: a normal points nowhere");
+    }
+    data.Normals.push_back(normal);
     const aiVector3D *coordinates = mesh.mTextureCoords[0];
     data.TextureCoordinates.push_back(coordinates ? TextureCoordinate{coordinates[i].x, coordinates[i].y}
                                                   : TextureCoordinate{});
@@ -56,11 +60,11 @@ void Append(const aiMesh &mesh, const aiScene &scene, bool colored, MeshData &da
 } // namespace
 
 MeshData ParseMesh(std::span<const char> bytes) {
-  CheckMesh(bytes);
+  const std::string plain = PlainMesh(bytes);
   Assimp::Importer importer;
   importer.SetPropertyFloat(AI_CONFIG_PP_GSN_MAX_SMOOTHING_ANGLE, SmoothAngle);
   const aiScene *scene = importer.ReadFileFromMemory(
-      bytes.data(), bytes.size(),
+      plain.data(), plain.size(),
       aiProcess_ConvertToLeftHanded | aiProcess_Triangulate | aiProcess_PreTransformVertices |
           aiProcess_GenSmoothNormals | aiProcess_JoinIdenticalVertices,
       "x");

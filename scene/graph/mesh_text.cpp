@@ -1,6 +1,6 @@
 // Mesh files are text of nested objects. What a file says of itself, how many vertices, faces and normals it
-// has and which of them belong together, is compared with what it holds before the mesh library reads it: the
-// library takes a file at its word.
+// has and which of them belong together, is compared with what it holds. What is true is written anew in the
+// plainest form for the mesh library, which takes a file at its word and loses its way in unusual ones.
 
 #include "scene/graph/parsing.h"
 #include "scene/graph/scene_error.h"
@@ -10,6 +10,7 @@
 #include <charconv>
 #include <cmath>
 #include <cstdint>
+#include <map>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -17,6 +18,7 @@
 namespace {
 
 constexpr std::string_view Header = "xof 0303txt 0032", OlderHeader = "xof 0302txt 0032";
+constexpr char Separator = ';';
 constexpr std::size_t MostVertices = 200000, MostFaces = 200000; ///< of all meshes of a file
 constexpr std::size_t MostMeshes = 100, MostFrames = 100, MostMaterials = 100;
 constexpr std::size_t DeepestFrame = 16;
@@ -32,19 +34,22 @@ class Text {
 public:
   explicit Text(std::string_view text) : text_(text) {}
 
-  void Check() {
+  std::string Plain() {
     if (!text_.starts_with(Header) && !text_.starts_with(OlderHeader)) Fail("it doesn't begin as one");
     at_ = Header.size();
     SkipLine();
+    plain_.reserve(text_.size());
+    plain_ = Header;
+    plain_ += '\n';
     while (true) {
       const std::string_view kind = Token();
-      if (kind.empty()) return;
+      if (kind.empty()) return std::move(plain_);
       if (kind == "template") {
         Template();
       } else if (kind == "Header") {
         PassOver();
       } else if (kind == "Material") {
-        Material();
+        SharedMaterial();
       } else if (kind == "Mesh") {
         Mesh();
       } else if (kind == "Frame") {
@@ -113,20 +118,35 @@ private:
   }
 
   /// An object's name, which may be left out, and its opening brace.
-  void Open() {
-    if (NeededToken() != "{") Expect("{");
+  std::string_view Open() {
+    const std::string_view name = NeededToken();
+    if (name == "{") return {};
+    Expect("{");
+    return name;
   }
 
-  void Separator() {
+  /// The same of an object that the library gets to see, without its name.
+  void Begin(std::string_view kind) {
+    Open();
+    plain_ += kind;
+    plain_ += " {\n";
+  }
+
+  void End() { plain_ += "}\n"; }
+
+  void Separate() {
     SkipBlanks();
     if (at_ >= text_.size()) Fail("the end is missing");
     if (!IsSeparator(text_[at_])) Fail("a number is followed by neither ';' nor ','");
     ++at_;
+    plain_ += Separator;
   }
 
-  void MaybeSeparator() {
+  /// Behind a row of numbers.
+  void EndRow() {
     SkipBlanks();
     if (IsSeparator(Next())) ++at_;
+    plain_ += '\n';
   }
 
   // Numbers, each with the separator behind it.
@@ -139,7 +159,8 @@ private:
       value = value * 10 + static_cast<std::size_t>(Next() - '0');
     if (digits == 0) Fail(at_ < text_.size() ? "a whole number is missing" : "the end is missing");
     if (digits > MostDigits) Fail("a whole number is too large");
-    Separator();
+    plain_ += std::to_string(value);
+    Separate();
     return value;
   }
 
@@ -172,8 +193,7 @@ private:
     const std::size_t begin = at_;
     if (Next() == '-') ++at_;
     Digits();
-    const bool decimals = Next() == '.';
-    if (decimals) {
+    if (Next() == '.') {
       ++at_;
       Digits();
     }
@@ -188,14 +208,13 @@ private:
     if (std::from_chars(first, text_.data() + at_, value).ec != std::errc() ||
         std::abs(value) > LargestNumber)
       Fail("a number is too large");
-    // The library takes a comma for a decimal point.
-    if (!decimals && Next() == ',' && IsDigit(Next(1))) Fail("a number before a comma has no decimals");
-    Separator();
+    plain_ += text_.substr(begin, at_ - begin);
+    Separate();
   }
 
   void Numbers(int count) {
     for (int i = 0; i < count; ++i) Number();
-    MaybeSeparator();
+    EndRow();
   }
 
   // Objects.
@@ -218,17 +237,19 @@ private:
   void Frame(std::size_t depth) {
     if (depth > DeepestFrame) Fail("frames are nested too deeply");
     if (++frames_ > MostFrames) Fail("it has too many frames");
-    Open();
+    Begin("Frame");
     while (true) {
       const std::string_view kind = NeededToken();
-      if (kind == "}") return;
+      if (kind == "}") return End();
       if (kind == "Frame") {
         Frame(depth + 1);
       } else if (kind == "FrameTransformMatrix") {
-        Open();
+        Begin(kind);
         for (int i = 0; i < 16; ++i) Number();
         Expect(";");
+        plain_ += Separator;
         Expect("}");
+        End();
       } else if (kind == "Mesh") {
         Mesh();
       } else {
@@ -245,7 +266,7 @@ private:
       const std::size_t corners = Whole();
       if (corners < Triangle || corners > Square) Fail("a face has " + std::to_string(corners) + " corners");
       for (std::size_t corner = 0; corner < corners; ++corner) Index(what, things);
-      MaybeSeparator();
+      EndRow();
       faces.push_back(static_cast<std::uint8_t>(corners));
     }
     return faces;
@@ -253,17 +274,18 @@ private:
 
   void Mesh() {
     if (++meshes_ > MostMeshes) Fail("it has too many meshes");
-    Open();
+    Begin("Mesh");
     const std::size_t vertices = Count("vertices", MostVertices - vertices_);
     vertices_ += vertices;
     for (std::size_t vertex = 0; vertex < vertices; ++vertex) Numbers(3);
     const std::size_t count = Count("faces", MostFaces - faces_);
     faces_ += count;
+    if (count == 0) Fail("a mesh has no faces");
     const std::vector<std::uint8_t> faces = Faces(count, "vertex", vertices);
     std::vector<std::string_view> seen;
     while (true) {
       const std::string_view kind = NeededToken();
-      if (kind == "}") return;
+      if (kind == "}") return End();
       if (std::ranges::find(seen, kind) != seen.end()) Fail("a second \"" + Shown(kind) + "\" in a mesh");
       seen.push_back(kind);
       if (kind == "MeshNormals") {
@@ -271,10 +293,11 @@ private:
       } else if (kind == "MeshVertexColors") {
         Colors(vertices);
       } else if (kind == "MeshTextureCoords") {
-        Open();
+        Begin(kind);
         CountOf("texture coordinates", vertices);
         for (std::size_t vertex = 0; vertex < vertices; ++vertex) Numbers(2);
         Expect("}");
+        End();
       } else if (kind == "MeshMaterialList") {
         Materials(faces.size());
       } else if (kind == "VertexDuplicationIndices") {
@@ -286,37 +309,45 @@ private:
   }
 
   void Normals(const std::vector<std::uint8_t> &faces) {
-    Open();
+    Begin("MeshNormals");
     const std::size_t normals = Count("normals", MostVertices * 4);
     for (std::size_t normal = 0; normal < normals; ++normal) Numbers(3);
     CountOf("faces of normals", faces.size());
     if (Faces(faces.size(), "normal", normals) != faces) Fail("a face has not one normal a corner");
     Expect("}");
+    End();
   }
 
   void Colors(std::size_t vertices) {
-    Open();
+    Begin("MeshVertexColors");
     CountOf("colours", vertices);
     for (std::size_t color = 0; color < vertices; ++color) {
       Index("vertex", vertices);
       Numbers(4);
-      MaybeSeparator();
+      EndRow();
     }
     Expect("}");
+    End();
   }
 
   void Materials(std::size_t faces) {
-    Open();
+    Begin("MeshMaterialList");
     const std::size_t materials = Count("materials", MostMaterials), indices = Whole();
     if (indices != faces && indices != 1) Fail("the faces have not one material each");
     for (std::size_t index = 0; index < indices; ++index) Index("material", materials);
-    if (Next() == ';') ++at_;
+    if (Next() == Separator) ++at_;
+    plain_ += Separator;
+    std::size_t given = 0;
     while (true) {
       const std::string_view kind = NeededToken();
-      if (kind == "}") return;
+      if (kind == "}") break;
       if (kind == ";") continue;
+      ++given;
       if (kind == "{") {
-        NeededToken();
+        const std::string_view name = NeededToken();
+        const auto shared = shared_.find(name);
+        if (shared == shared_.end()) Fail("there is no material \"" + Shown(name) + "\"");
+        plain_ += shared->second;
         Expect("}");
       } else if (kind == "Material") {
         Material();
@@ -324,37 +355,58 @@ private:
         Fail("\"" + Shown(kind) + "\" isn't known among materials");
       }
     }
+    if (given != materials) Fail("a mesh has not as many materials as it says");
+    End();
   }
 
-  void Material() {
+  /// Outside of all meshes, which name it. The library sees it in each of them.
+  void SharedMaterial() {
+    const std::size_t before = plain_.size();
+    const std::string_view name = Material();
+    if (!name.empty()) shared_[name] = plain_.substr(before);
+    plain_.resize(before);
+  }
+
+  /// Returns its name.
+  std::string_view Material() {
     if (++materials_ > MostMaterials) Fail("it has too many materials");
-    Open();
+    const std::string_view name = Open();
+    plain_ += "Material {\n";
     Numbers(4);
     Number();
     Numbers(3);
     Numbers(3);
     while (true) {
       const std::string_view kind = NeededToken();
-      if (kind == "}") return;
+      if (kind == "}") break;
       if (kind != "TextureFilename" && kind != "TextureFileName")
         Fail("\"" + Shown(kind) + "\" isn't known in a material");
-      Open();
-      SkipBlanks();
-      if (Next() != '"') Fail("a file's name has no quotation mark");
-      const std::size_t end = text_.find('"', at_ + 1);
-      if (end == std::string_view::npos) Fail("the end is missing");
-      at_ = end + 1;
-      if (Next() != ';') Fail("\";\" is missing");
-      ++at_;
-      Expect("}");
+      TextureName();
     }
+    End();
+    return name;
+  }
+
+  /// The game chooses textures itself.
+  void TextureName() {
+    Open();
+    SkipBlanks();
+    if (Next() != '"') Fail("a file's name has no quotation mark");
+    const std::size_t end = text_.find('"', at_ + 1);
+    if (end == std::string_view::npos) Fail("the end is missing");
+    at_ = end + 1;
+    if (Next() != ';') Fail("\";\" is missing");
+    ++at_;
+    Expect("}");
   }
 
   std::string_view text_;
   std::size_t at_ = 0;
+  std::string plain_;
+  std::map<std::string_view, std::string> shared_; ///< materials by their names
   std::size_t vertices_ = 0, faces_ = 0, meshes_ = 0, frames_ = 0, materials_ = 0;
 };
 
 } // namespace
 
-void CheckMesh(std::span<const char> bytes) { Text({bytes.data(), bytes.size()}).Check(); }
+std::string PlainMesh(std::span<const char> bytes) { return Text({bytes.data(), bytes.size()}).Plain(); }

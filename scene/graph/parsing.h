@@ -6,10 +6,12 @@
 #include "scene/graph/mesh_builder.h"
 
 #include <span>
+#include <string>
 
-/// Whether the bytes are the text of a mesh file and true to themselves: as many vertices, faces, normals and
-/// colours as they say, and no index beyond them.
-void CheckMesh(std::span<const char> bytes);
+/// The same mesh file without names, comments and whatever else the game doesn't need, all numbers as they
+/// are. Makes sure that the file is true to itself: as many vertices, faces, normals and colours as it says,
+/// and no index beyond them.
+std::string PlainMesh(std::span<const char> bytes);
 
 MeshData ParseMesh(std::span<const char> bytes);
 

@@ -33,10 +33,11 @@ bool ReadModel(session::ByteView bytes) {
           "a face has three corners");
   Require(std::ranges::all_of(mesh.Indices, [&](std::uint32_t index) { return index < vertices; }),
           "a corner is a vertex");
-  Require(std::ranges::all_of(
-              mesh.Positions,
-              [](const Vector &v) { return std::isfinite(v.x) && std::isfinite(v.y) && std::isfinite(v.z); }),
-          "a vertex lies somewhere");
+  const auto finite = [](const Vector &v) {
+    return std::isfinite(v.x) && std::isfinite(v.y) && std::isfinite(v.z);
+  };
+  Require(std::ranges::all_of(mesh.Positions, finite), "a vertex lies somewhere");
+  Require(std::ranges::all_of(mesh.Normals, finite), "a normal points somewhere");
   return true;
 }
 
