@@ -67,7 +67,7 @@ double ArchHeight(double x, double z) {
 /// The flat top: turf with a kerb around it. The turf's border has a corner at each block of the kerb, since
 /// a gap between two faces would be a hole to the eye and to the rules.
 void AddTop(Mesh &mesh) {
-  constexpr Point Up{0.0, 1.0, 0.0};
+  static constexpr Point Up{0.0, 1.0, 0.0};
   constexpr double Inner = HalfSide - KerbWidth;
   constexpr double Core = Inner * (TopCells - 2) / TopCells;
   Grid(mesh, Even(TopCells - 2, Core), [](double x, double z) { return Vertex{{x, 0.0, z}, Up, Turf}; });
@@ -81,7 +81,8 @@ void AddTop(Mesh &mesh) {
     };
     for (int cell = 0; cell < TopCells; ++cell) {
       const auto border = [&](int block) {
-        return blocks[static_cast<std::size_t>(cell * BlocksPerCell + block)];
+        const int index = cell * BlocksPerCell + block;
+        return blocks[static_cast<std::size_t>(index)];
       };
       const double from = border(0), to = border(BlocksPerCell);
       const Point foot = at(std::clamp(from, -Core, Core), Core);
