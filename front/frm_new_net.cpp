@@ -99,6 +99,7 @@ void frmNewNet::Form_Load() {
     }
   }
   FillConnections();
+  machine.CheckFiles(*this);
   machine.Show(*this);
   machine.SetFocus(Command1);
 }

@@ -1,6 +1,7 @@
 // Every file of the game, damaged in every way: it is named, and why it can't be used, before a match begins.
 
 #include "front/check_files.h"
+#include "match/frm_snapwedge.h"
 #include "net/frm_new_net.h"
 #include "platform/desktop/desktop_machine.h"
 #include "platform/desktop/open_al_sound.h"
@@ -153,6 +154,29 @@ TEST_F(FilesTest, AnyPictureIsNamed) {
     Put("pictures/" + name, Content(directory / "pictures" / "icon-48.png"));
     ExpectNamed<FileError>(name, Start);
     Restore("pictures/" + name);
+  }
+}
+
+TEST_F(FilesTest, AnEndCardThatGoesBadDuringAMatchTellsTheResultAllTheSame) {
+  ASSERT_NO_THROW(Start());
+  CopyMachine &machine = CopyMachine::Get();
+  Program program(machine);
+  frmSnapwedge play(machine, program);
+  const struct {
+    std::string file, result;
+    void (frmSnapwedge::*show)();
+  } cards[] = {{"frmHome.png", "Home Team Wins!!", &frmSnapwedge::ShowHome},
+               {"frmAway.png", "Away Team Wins!!", &frmSnapwedge::ShowAway},
+               {"frmTie.png", "It's All Tied Up!", &frmSnapwedge::ShowTie}};
+  for (const auto &card : cards) {
+    SCOPED_TRACE(card.file);
+    Put("pictures/" + card.file, "damaged");
+    try {
+      (play.*card.show)();
+      ADD_FAILURE() << "it was shown";
+    } catch (const FileError &error) {
+      EXPECT_EQ(error.what(), card.result + "\n\n\"" + card.file + "\": not a PNG picture");
+    }
   }
 }
 

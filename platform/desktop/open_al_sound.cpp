@@ -7,8 +7,8 @@
 #include <sndfile.h>
 
 #include <cstdint>
-#include <fstream>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace {
@@ -56,28 +56,22 @@ struct Wave {
 /// one.
 /// @throws FileError
 void RequireWhole(const std::filesystem::path &path) {
-  constexpr std::streamoff Mark = 4, ChunkHeader = 8, FileHeader = 12; // bytes
-  const auto size = static_cast<std::streamoff>(StampOf(path).Size);
-  if (static_cast<std::uintmax_t>(size) > LargestFile) RefuseFile(path, "the sound is too large");
-  std::ifstream file(path, std::ios::binary);
-  const auto mark = [&] {
-    char letters[Mark] = {};
-    file.read(letters, Mark);
-    return std::string(letters, Mark);
-  };
-  const auto number = [&] {
-    std::streamoff value = 0;
-    for (int i = 0; i < 4; ++i) value |= static_cast<std::streamoff>(file.get() & 0xFF) << (8 * i);
+  constexpr std::size_t Mark = 4, ChunkHeader = 8, FileHeader = 12; // bytes
+  const std::vector<char> bytes = ReadFile(path, LargestFile);
+  const auto mark = [&](std::size_t at) { return std::string_view(&bytes[at], Mark); };
+  const auto number = [&](std::size_t at) {
+    std::size_t value = 0;
+    for (std::size_t i = 4; i > 0; --i) value = value << 8 | static_cast<unsigned char>(bytes[at + i - 1]);
     return value;
   };
-  if (mark() != "RIFF" || number() < 0 || mark() != "WAVE") RefuseFile(path, "not a wave file");
-  for (std::streamoff at = FileHeader; at + ChunkHeader <= size;) {
-    file.seekg(at);
-    const std::string chunk = mark();
-    const std::streamoff length = number();
+  if (bytes.size() < FileHeader || mark(0) != "RIFF" || mark(8) != "WAVE")
+    RefuseFile(path, "not a wave file");
+  for (std::size_t at = FileHeader; at + ChunkHeader <= bytes.size();) {
+    const std::size_t length = number(at + Mark);
+    const bool sound = mark(at) == "data";
     at += ChunkHeader + length;
-    if (at > size) RefuseFile(path, "the sound's end is missing");
-    if (chunk == "data") return;
+    if (at > bytes.size()) RefuseFile(path, "the sound's end is missing");
+    if (sound) return;
     at += length % 2; // filled up to an even number
   }
   RefuseFile(path, "the wave file has no sound in it");
