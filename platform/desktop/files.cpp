@@ -78,13 +78,15 @@ void CheckPictureFile(const fs::path &file, double density, const QSize &place) 
   constexpr int MostTimes = 2; // how much larger than its place it may be
   CheckOnce(file, [&] {
     const QSize size = CheckPng(file, ReadFile(file, LargestPicture));
-    const QSizeF shown = QSizeF(size) / density;
-    const auto fits = [&](double is, double wanted) {
-      return is >= wanted - Slack && is <= MostTimes * wanted;
+    const QSize wanted = (QSizeF(place) * density).toSize();
+    const auto fits = [&](int is, int needed) {
+      return is >= needed - Slack * density && is <= MostTimes * needed;
     };
-    if (fits(shown.width(), place.width()) && fits(shown.height(), place.height())) return;
-    RefuseFile(file, "the picture is " + std::to_string(size.width()) + " by " +
-                         std::to_string(size.height()) + " pixels large");
+    if (fits(size.width(), wanted.width()) && fits(size.height(), wanted.height())) return;
+    const auto told = [](const QSize &pixels) {
+      return std::to_string(pixels.width()) + " by " + std::to_string(pixels.height());
+    };
+    RefuseFile(file, "the picture is " + told(size) + " pixels large and its place " + told(wanted));
   });
 }
 
