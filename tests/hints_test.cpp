@@ -316,6 +316,7 @@ TEST(HintsTest, ACardThatComesLateGivesTheLineBack) {
   game.window.Reset(); // this side's own possession has begun
   const std::string before = game.window.lblHint.Caption;
   for (std::int32_t code = Results::First; code <= Results::Last; ++code) {
+    game.window.ResultDue = True; // the flick that was replayed last has an outcome that nobody has told yet
     game.Receive({"RESULT", code});
     game.ReceiveIn(100, {"Continue"});
     game.Frames(2);
