@@ -1,7 +1,7 @@
 #pragma once
 
-// What of a picture must be drawn again. A player who aims sees the arrow turn and the clouds drift: that is
-// a small part of the picture, and without a graphics card every pixel counts.
+// What of a frame must be drawn again. A player who aims sees the hand turn and the clouds drift: that is a
+// part of the frame, and without a graphics card every pixel counts.
 
 #include "platform/desktop/renderer/shadows.h"
 
@@ -10,25 +10,26 @@
 
 class Damage {
 public:
-  /// The parts of the picture that differ from the last one, none of which overlaps another.
-  std::vector<QRect> Parts(std::span<const Item> items, std::span<const ShadowRegion> shadows,
-                           bool shadowsMoved, const QMatrix4x4 &toClip, QSize size);
+  /// Rectangles around everything in which the frame differs from the last one. They may overlap.
+  std::vector<QRect> Rectangles(std::span<const Item> items, std::span<const ShadowRegion> shadows,
+                                bool shadowsMoved, const QMatrix4x4 &toClip, QSize size);
 
-  /// Nothing of the last picture can stay.
+  /// Nothing of the last frame can stay.
   void Forget() { drawn_.clear(); }
 
 private:
-  /// Everything that decides how a mesh looks.
-  struct Look {
+  /// Everything that decides how a mesh is drawn.
+  struct Appearance {
     const Direct3DRMMeshBuilder3 *Mesh;
     std::uint64_t Geometry, Coordinates; ///< revisions
     const Direct3DRMTexture *Texture;
     const Direct3DRMMaterial2 *Material;
     Transform Place;
-    bool operator==(const Look &) const = default;
+    bool operator==(const Appearance &) const = default;
   };
   struct Drawn {
-    Look As;
+    Appearance As;
+    QMatrix4x4 ToWorld;
     Bounds Box; ///< in the scene
   };
 

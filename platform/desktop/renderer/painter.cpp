@@ -65,7 +65,7 @@ bool Painter::Paint(std::span<const Placed> placed, const Direct3DRMFrame3 &came
   const View view = lens_.Next(camera, seen, aspect);
   toClip_ = Projection(view.Height, aspect, back) * MatrixOf(view.Camera).inverted();
   camera_ = QVector3D(view.Camera.Origin.x, view.Camera.Origin.y, view.Camera.Origin.z);
-  const std::vector<QRect> parts = damage_.Parts(items, shadows_.Regions(), shadowsMoved, toClip_, size);
+  const std::vector<QRect> parts = damage_.Rectangles(items, shadows_.Regions(), shadowsMoved, toClip_, size);
   for (const QRect &part : parts) DrawPart(items, grounds, part);
   for (const QRect &part : parts) target_->Read(picture, part);
   return !parts.empty();
