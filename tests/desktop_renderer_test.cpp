@@ -244,7 +244,8 @@ int Flips(Picture &picture, const Vector &from) {
     window.LookCam();
     last[0] = last[1];
     last[1] = last[2];
-    last[2] = picture.Draw();
+    picture.renderer.Draw(window.RMCanvas1, CanvasSize);
+    last[2] = picture.renderer.Picture().copy();
     if (last[0].isNull()) continue;
     for (int y = 0; y < CanvasSize.height(); ++y) {
       const auto line = [&](int image) {
