@@ -162,6 +162,21 @@ TEST(ReplayTest, TheComputersShotsComeByThemselvesAndTheMatchEndsWithoutAnotherC
   EXPECT_NE(told[0], told[2]);
 }
 
+TEST(ReplayTest, TheSkillScalesTheComputersErrors) {
+  constexpr float Plan = 96; // force of the first attempt without an error
+  const std::string named = R"("force":)";
+  std::vector<float> errors;
+  for (const std::string skill : {"Easy", "Medium", "Hard"}) {
+    const auto told = Play("mode Computer\nseed 3\nskill " + skill + "\nflick 120 0\nflick 120 0\n");
+    ASSERT_GE(told.Lines.size(), 2u);
+    const std::string &first = told.Lines[1]; // the computer's
+    errors.push_back(std::stof(first.substr(first.find(named) + named.size())) - Plan);
+  }
+  EXPECT_NE(errors[0], 0.0f);
+  EXPECT_EQ(errors[0], 2 * errors[1]);
+  EXPECT_EQ(errors[1], 2 * errors[2]);
+}
+
 TEST(ReplayTest, InputMayEndAnywhereAndNumbersMayBeExtreme) {
   struct Row {
     std::string input;
@@ -193,7 +208,9 @@ TEST(ReplayTest, ALineThatCantBePlayedIsNamedAndNothingOfItIsPlayed) {
       {"rounds 100\n", 1, 0},
       {"mode Human\nrounds 5\n", 2, 0},
       {"mode human\n", 1, 0},
+      {"skill Hardest\n", 1, 0},
       {"flick 8 0\nmode Human\n", 2, 1},
+      {"flick 8 0\nskill Easy\n", 2, 1},
       {"probe 0 0\nseed 1\n", 2, 1},
       {"\nflick 8\n", 2, 0},
       {"flick 8 0 0\n", 1, 0},

@@ -75,6 +75,13 @@ Command Parse(Words &words, const CommandReader &reader) {
       reader.Refuse("the mode is neither Human nor Computer: \"" + mode + '"');
     return ModeCommand{mode};
   }
+  if (name == "skill") {
+    const std::string skill = words.Next("the skill");
+    if (skill == "Easy") return SkillCommand{SkillLevel::Easy};
+    if (skill == "Medium") return SkillCommand{SkillLevel::Medium};
+    if (skill == "Hard") return SkillCommand{SkillLevel::Hard};
+    reader.Refuse("the skill is neither Easy nor Medium nor Hard: \"" + skill + '"');
+  }
   if (name == "seed") {
     return SeedCommand{words.NextNumber<std::uint32_t>("seed", 0, std::numeric_limits<std::uint32_t>::max())};
   }

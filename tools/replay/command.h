@@ -2,6 +2,8 @@
 
 // The replay tool's language: one command a line.
 
+#include "match/program.h"
+
 #include <cstdint>
 #include <iosfwd>
 #include <optional>
@@ -20,6 +22,9 @@ struct RoundsCommand {
 };
 struct ModeCommand {
   std::string GameMode; ///< "Human" or "Computer"
+};
+struct SkillCommand {
+  SkillLevel Skill; ///< of the computer
 };
 struct SeedCommand {
   std::uint32_t Seed;
@@ -40,8 +45,8 @@ struct FramesCommand {
   int Count;
 };
 
-using Command = std::variant<RoundsCommand, ModeCommand, SeedCommand, ProbeCommand, FlickCommand, KickCommand,
-                             FramesCommand>;
+using Command = std::variant<RoundsCommand, ModeCommand, SkillCommand, SeedCommand, ProbeCommand,
+                             FlickCommand, KickCommand, FramesCommand>;
 
 /// Reads commands and knows the number of the line.
 class CommandReader {

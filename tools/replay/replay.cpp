@@ -79,6 +79,7 @@ private:
 
   void Do(const RoundsCommand &) { commands_.Refuse("rounds stands in the first line only"); }
   void Do(const ModeCommand &) { commands_.Refuse("mode comes before the first shot"); }
+  void Do(const SkillCommand &) { commands_.Refuse("skill comes before the first shot"); }
   void Do(const SeedCommand &) { commands_.Refuse("seed comes before the first shot"); }
   void Do(const FramesCommand &frames) { framesLeft_ = frames.Count; }
 
@@ -190,6 +191,8 @@ bool ReadSettings(CommandReader &commands, HeadlessMachine &machine, Program &pr
       program.Rounds = rounds->Rounds;
     else if (const auto *mode = std::get_if<ModeCommand>(&*next))
       program.GameMode = mode->GameMode;
+    else if (const auto *skill = std::get_if<SkillCommand>(&*next))
+      program.Skill = skill->Skill;
     else if (const auto *seed = std::get_if<SeedCommand>(&*next))
       machine.Seed = seed->Seed;
     else
