@@ -1,5 +1,6 @@
 #include "front/run_program.h"
 #include "platform/desktop/desktop_machine.h"
+#include "platform/desktop/opengl_test.h"
 
 #include <iostream>
 
@@ -14,7 +15,9 @@ int Fail(const std::string &why) {
 
 int main(int argc, char **argv) {
   try {
+    if (AsksForOpenGLTest(argc, argv)) return TestOpenGL(argc, argv);
     DesktopMachine machine(argc, argv);
+    machine.TryOpenGL();
     Program program(machine);
     try {
       return RunProgram(machine, program);

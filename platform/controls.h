@@ -199,6 +199,7 @@ struct Window {
   std::vector<Control *> Controls; ///< in the order of Tab; a later one lies over an earlier one
   bool Visible = false;            ///< written by the machine's `Show` and `Hide` and by nobody else
   bool CapturesPointer = false; ///< while it is the active window, the pointer is hidden and held at its home
+  bool KeepsScreenAwake = false; ///< while it is open, the desktop doesn't blank its screen
 
   std::function<void()> Click;      ///< a click where no control stands
   std::function<void()> Escape;     ///< Esc, where neither a button nor a canvas takes it

@@ -58,6 +58,8 @@ frmSnapwedge::frmSnapwedge(Machine &onMachine, Program &ofProgram)
   HasBackColor = true;
   BackColor = Black;
   CapturesPointer = true;
+  KeepsScreenAwake =
+      program.GameMode == "INET"; // the other player's turns pass without a touch of mouse or keys
   QueryClose = [this] { Quit(); };
   Deactivate = [this] { LetGo(); };
 

@@ -129,6 +129,62 @@ TEST(DesktopMachineTest, ALabelIsNeverCutOffAndIsReadableOnTheDesktopsOwnGround)
   }
 }
 
+TEST(DesktopMachineTest, WordsOfButtonsAndDropDownListsAreNeverCutOff) {
+  struct Row {
+    const char *words;
+    bool shrinks;
+  };
+  for (const Row &row : {Row{"Go", false}, Row{"Refresh more", true}}) {
+    SCOPED_TRACE(row.words);
+    Window window;
+    CommandButton button;
+    ComboBox list;
+    window.Width = window.Height = 200;
+    button.Name = "button";
+    button.Place = {0, 0, 70, 24};
+    button.Caption = row.words;
+    list.Name = "list";
+    list.Place = {0, 40, 90, 24};
+    list.List = {"a", row.words};
+    window.Controls = {&button, &list};
+    TheMachine().Show(window);
+    const auto wide = [&](const QWidget *widget) {
+      return widget->fontMetrics().horizontalAdvance(QString::fromUtf8(row.words));
+    };
+    constexpr int FullSize = 11, Arrow = 20; // pixels
+    EXPECT_LT(wide(WidgetOf("button")), 70);
+    EXPECT_LT(wide(WidgetOf("list")), 90 - Arrow);
+    for (const char *name : {"button", "list"})
+      EXPECT_EQ(WidgetOf(name)->font().pixelSize() < FullSize, row.shrinks) << name;
+    TheMachine().Hide(window);
+  }
+}
+
+TEST(DesktopMachineTest, AStretchedWindowHasItsContentInTheMiddleOfBlack) {
+  Form form(TheMachine());
+  QWidget &window = *WidgetOf("label")->window();
+  const auto show = [&](QSize size) {
+    window.setFixedSize(size); // a window manager doesn't ask
+    PumpFor(form.machine, 50);
+    return window.grab().toImage();
+  };
+  const QImage plain = show({300, 200});
+  show({500, 270});
+  EXPECT_EQ(show({300, 200}), plain) << "and back";
+  const QImage wide = show({500, 270});
+  EXPECT_EQ(wide.copy(100, 35, 300, 200), plain);
+  int lit = 0;
+  for (int y = 0; y < wide.height(); ++y)
+    for (int x = 0; x < wide.width(); ++x)
+      if (!QRect(100, 35, 300, 200).contains(x, y) && wide.pixelColor(x, y) != Qt::black) ++lit;
+  EXPECT_EQ(lit, 0);
+  int clicks = 0;
+  form.button.Click = [&] { ++clicks; };
+  QTest::mouseClick(window.childAt(100 + 20, 35 + 90), Qt::LeftButton);
+  form.machine.Pump();
+  EXPECT_EQ(clicks, 1);
+}
+
 TEST(DesktopMachineTest, HandlersRunInThePumpAndMayThrow) {
   Form form(TheMachine());
   int clicks = 0;

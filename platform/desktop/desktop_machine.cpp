@@ -3,8 +3,10 @@
 #include "platform/desktop/desktop_direct_x.h"
 #include "platform/desktop/display.h"
 #include "platform/desktop/files.h"
+#include "platform/desktop/opengl_test.h"
 #include "platform/desktop/plain_box.h"
 #include "platform/desktop/renderer/renderer.h"
+#include "platform/desktop/screen_awake.h"
 #include "platform/desktop/window_view.h"
 #include "scene/graph/rm_canvas.h"
 
@@ -54,7 +56,26 @@ DesktopMachine::DesktopMachine(int &argc, char **argv) {
       QIcon(QString::fromStdString((DesktopMachine::AppPath() / "pictures" / "icon.png").string())));
 }
 
-DesktopMachine::~DesktopMachine() { pointer_.LetGo(); }
+DesktopMachine::~DesktopMachine() {
+  pointer_.LetGo();
+  openGLTest_.kill();
+  openGLTest_.waitForFinished();
+}
+
+void DesktopMachine::TryOpenGL() {
+  QObject::connect(&openGLTest_, &QProcess::finished, [this](int status, QProcess::ExitStatus exit) {
+    // What crashes there tells nothing; a match will.
+    if (exit != QProcess::NormalExit || status == EXIT_SUCCESS || views_.empty()) return;
+    const std::string why = openGLTest_.readAllStandardOutput().toStdString();
+    Post(
+        views_.front()->Model(), [why] { throw RendererError(why); }, Delivery::UnderModal);
+  });
+  // The launch window's first picture comes first.
+  constexpr int Later = 500; // ms
+  QTimer::singleShot(Later, &openGLTest_, [this] {
+    openGLTest_.start(QCoreApplication::applicationFilePath(), {OpenGLTestOption});
+  });
+}
 
 std::int32_t DesktopMachine::timeGetTime() {
   using namespace std::chrono;
@@ -81,6 +102,9 @@ void DesktopMachine::CarryOver() {
     view->CarryOver();
     if (view->Settled()) active = view.get();
   }
+  const bool awake =
+      std::ranges::any_of(views_, [](const auto &view) { return view->Model().KeepsScreenAwake; });
+  if (awake != (screenAwake_ != nullptr)) screenAwake_ = awake ? std::make_unique<ScreenAwake>() : nullptr;
   const bool held = active && active->Model().CapturesPointer && Receives(active->Model());
   pointer_.Hold(held ? active->AnyCanvas() : nullptr);
 }

@@ -9,11 +9,13 @@
 #include "platform/machine.h"
 
 #include <QApplication>
+#include <QProcess>
 
 #include <memory>
 #include <vector>
 
 class Renderer;
+class ScreenAwake;
 class WindowView;
 
 class DesktopMachine : public Machine {
@@ -21,6 +23,10 @@ public:
   /// Where no display answers it says so and ends the process.
   DesktopMachine(int &argc, char **argv);
   ~DesktopMachine() override;
+
+  /// Finds out, beside everything else, whether the game can draw here. If it can't, a pump soon throws what
+  /// `DrawCanvas` would.
+  void TryOpenGL();
 
   std::int32_t timeGetTime() override;
   void Show(Window &window) override;
@@ -62,4 +68,6 @@ private:
   std::vector<std::unique_ptr<WindowView>> views_;
   std::vector<std::unique_ptr<WindowView>> leaving_; ///< hidden, but on the screen until the next pump
   std::unique_ptr<Renderer> renderer_;
+  std::unique_ptr<ScreenAwake> screenAwake_;
+  QProcess openGLTest_;
 };

@@ -7,7 +7,10 @@
 #include <QLineEdit>
 #include <QListWidget>
 #include <QPushButton>
+#include <QStyle>
+#include <QStyleOptionComboBox>
 
+#include <algorithm>
 #include <string>
 #include <type_traits>
 #include <vector>
@@ -78,6 +81,14 @@ public:
     }
   }
 
+  void Fit() override {
+    constexpr int Edge = 4; // pixels, on each side
+    ShrinkLettersUntil([&] {
+      const auto words = widget_->fontMetrics().size(Qt::TextShowMnemonic, widget_->text());
+      return words.width() + 2 * Edge <= widget_->width() && words.height() <= widget_->height();
+    });
+  }
+
   bool PressedBy(bool enter, bool escape) override {
     if (!widget_->isEnabled()) return false;
     if (!(enter && (widget_->hasFocus() || model_.Default)) && !(escape && model_.Cancel)) return false;
@@ -145,6 +156,23 @@ public:
       QObject::connect(this->widget_, &QListWidget::currentRowChanged, chosen);
     } else {
       QObject::connect(this->widget_, &QComboBox::currentIndexChanged, chosen);
+    }
+  }
+
+  /// Of the rows of a drop-down list that are known from the beginning each fits into the box. A list box
+  /// scrolls.
+  void Fit() override {
+    if constexpr (std::is_same_v<QtWidget, QComboBox>) {
+      constexpr int Edge = 2; // pixels, on each side
+      this->ShrinkLettersUntil([&] {
+        QStyleOptionComboBox option;
+        option.initFrom(this->widget_);
+        const QRect room = this->widget_->style()->subControlRect(
+            QStyle::CC_ComboBox, &option, QStyle::SC_ComboBoxEditField, this->widget_);
+        return std::ranges::all_of(carriedRows_, [&](const std::string &row) {
+          return this->widget_->fontMetrics().horizontalAdvance(Text(row)) + 2 * Edge <= room.width();
+        });
+      });
     }
   }
 

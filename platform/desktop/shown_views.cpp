@@ -36,20 +36,13 @@ public:
     }
   }
 
-  /// Where the typeface is missing another takes its place, and a wider one would be cut off.
   void Fit() override {
-    constexpr int SmallestLetters = 8; // pixels
     if (!full_) full_ = widget_->font();
-    QFont font = *full_;
-    widget_->setFont(font);
-    const auto fits = [&] {
+    widget_->setFont(*full_);
+    ShrinkLettersUntil([&] {
       return model_.WordWrap ? widget_->heightForWidth(widget_->width()) <= widget_->height()
                              : widget_->sizeHint().width() <= widget_->width();
-    };
-    while (!fits() && font.pixelSize() > SmallestLetters) {
-      font.setPixelSize(font.pixelSize() - 1);
-      widget_->setFont(font);
-    }
+    });
   }
 
 protected:

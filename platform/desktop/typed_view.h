@@ -6,6 +6,7 @@
 #include "platform/desktop/control_view.h"
 #include "platform/desktop/desktop_machine.h"
 
+#include <QFont>
 #include <QString>
 
 #include <functional>
@@ -25,6 +26,16 @@ public:
 
 protected:
   void Post(std::function<void()> call) { machine_.Post(window_, std::move(call)); }
+
+  /// Where the typeface is missing another takes its place, and a wider one would be cut off.
+  template <class Fits> void ShrinkLettersUntil(Fits fits) {
+    constexpr int SmallestLetters = 8; // pixels
+    QFont font = widget_->font();
+    while (!fits() && font.pixelSize() > SmallestLetters) {
+      font.setPixelSize(font.pixelSize() - 1);
+      widget_->setFont(font);
+    }
+  }
 
   DesktopMachine &machine_;
   Window &window_;

@@ -67,7 +67,7 @@ void WindowView::CarryOverBackPictures() {
     BackPicture &before = backPictures_[i];
     if (now == before) continue;
     for (const BackPicture &changed : {before, now}) {
-      if (changed.Visible) update(PlaceOf(changed, BackPixmap(changed.Picture)));
+      if (changed.Visible) update(PlaceOf(changed, BackPixmap(changed.Picture)).translated(corner_));
     }
     before = now;
   }
@@ -113,11 +113,28 @@ bool WindowView::Settled() const {
   return isActiveWindow() && (!activation_.isValid() || activation_.hasExpired(PressFollows));
 }
 
+void WindowView::resizeEvent(QResizeEvent *) {
+  const QPoint corner((width() - window_.Width) / 2, (height() - window_.Height) / 2);
+  for (QObject *child : children()) {
+    auto *widget = qobject_cast<QWidget *>(child);
+    if (widget && !widget->isWindow()) widget->move(widget->pos() + corner - corner_);
+  }
+  corner_ = corner;
+}
+
 void WindowView::paintEvent(QPaintEvent *) {
   QPainter painter(this);
-  if (window_.HasBackColor) {
-    painter.fillRect(rect(), QColor(window_.BackColor.Red, window_.BackColor.Green, window_.BackColor.Blue));
+  const QRect content(corner_, QSize(window_.Width, window_.Height));
+  if (content != rect()) {
+    // A window manager has stretched what asks for one size: full screen, or a tile.
+    painter.fillRect(rect(), Qt::black);
+    painter.fillRect(content, palette().window());
+    painter.setClipRect(content);
   }
+  if (window_.HasBackColor) {
+    painter.fillRect(content, QColor(window_.BackColor.Red, window_.BackColor.Green, window_.BackColor.Blue));
+  }
+  painter.translate(corner_);
   if (!background_.isNull()) painter.drawPixmap(0, 0, background_);
   for (const BackPicture &picture : backPictures_) {
     if (!picture.Visible) continue;

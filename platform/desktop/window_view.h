@@ -38,6 +38,7 @@ public:
   bool Settled() const;
 
 protected:
+  void resizeEvent(QResizeEvent *event) override;
   void paintEvent(QPaintEvent *event) override;
   void mousePressEvent(QMouseEvent *event) override;
   void keyPressEvent(QKeyEvent *event) override;
@@ -53,6 +54,7 @@ private:
   QPixmap background_;
   std::vector<BackPicture> backPictures_; ///< as carried over last
   std::map<std::string, QPixmap> backPixmaps_;
+  QPoint corner_;            ///< of the content: the window's own, unless it has been stretched
   QElapsedTimer activation_; ///< since the window became active or inactive
   std::vector<std::unique_ptr<ControlView>> views_;
 };
