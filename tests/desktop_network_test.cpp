@@ -113,6 +113,7 @@ TEST(DesktopNetworkTest, AHostIsFoundByNameAndAddressWhateverItsPort) {
   asio::ip::tcp::acceptor other(context);
   std::error_code taken;
   other.open(asio::ip::tcp::v4());
+  other.set_option(asio::socket_base::reuse_address(true)); // a test before may have left the port waiting
   other.bind({asio::ip::address_v4::any(), session::DefaultPort + 1}, taken);
   if (!taken) other.listen();
 
