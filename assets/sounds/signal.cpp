@@ -134,8 +134,8 @@ void Level(Signal &signal, double decibels) {
 
 void Limit(Signal &signal, double ceiling) {
   constexpr double Reach = 0.006; // seconds before and after a peak within which the gain falls and rises
-  if (signal.empty()) return;
   const std::size_t reach = Samples(Reach), count = signal.size();
+  if (count == 0) return;
   // The lowest gain that anything within reach needs, then the mean of it over the reach: it falls in time.
   std::vector<double> needed(count, 1.0);
   for (std::size_t i = 0; i < count; ++i) {
