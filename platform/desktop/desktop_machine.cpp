@@ -72,9 +72,11 @@ void DesktopMachine::TryOpenGL() {
   });
   // The launch window's first picture comes first.
   constexpr int Later = 500; // ms
-  QTimer::singleShot(Later, &openGLTest_, [this] {
+  QObject::connect(&openGLTestDelay_, &QTimer::timeout, [this] {
     openGLTest_.start(QCoreApplication::applicationFilePath(), {OpenGLTestOption});
   });
+  openGLTestDelay_.setSingleShot(true);
+  openGLTestDelay_.start(Later);
 }
 
 std::int32_t DesktopMachine::timeGetTime() {

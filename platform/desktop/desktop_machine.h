@@ -10,6 +10,7 @@
 
 #include <QApplication>
 #include <QProcess>
+#include <QTimer>
 
 #include <memory>
 #include <vector>
@@ -70,4 +71,5 @@ private:
   std::unique_ptr<Renderer> renderer_;
   std::unique_ptr<ScreenAwake> screenAwake_;
   QProcess openGLTest_;
+  QTimer openGLTestDelay_;
 };

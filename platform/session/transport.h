@@ -7,6 +7,7 @@
 
 #include <memory>
 #include <optional>
+#include <tuple>
 
 namespace session {
 
@@ -14,7 +15,10 @@ namespace session {
 struct Endpoint {
   std::string Address;
   std::uint16_t Port = 0;
-  auto operator<=>(const Endpoint &) const = default;
+  bool operator==(const Endpoint &) const = default;
+  bool operator<(const Endpoint &other) const {
+    return std::tie(Address, Port) < std::tie(other.Address, other.Port);
+  }
 };
 
 constexpr const char *LoopbackAddress = "127.0.0.1";

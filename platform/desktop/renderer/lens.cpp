@@ -129,7 +129,8 @@ bool Lens::Ease(Framing &framing, const Framing &to) {
   float height = std::log(framing.Height), toHeight = std::log(to.Height);
   const bool there = Approach(height, toHeight, Still);
   framing.Height = there ? to.Height : std::exp(height);
-  return there & Approach(framing.Yaw, to.Yaw, Still) & Approach(framing.Pitch, to.Pitch, Still);
+  const bool turned = Approach(framing.Yaw, to.Yaw, Still), raised = Approach(framing.Pitch, to.Pitch, Still);
+  return there && turned && raised;
 }
 
 View Lens::Next(const Direct3DRMFrame3 &camera, std::span<const Seen> scene, float aspect) {
@@ -152,7 +153,8 @@ View Lens::Next(const Direct3DRMFrame3 &camera, std::span<const Seen> scene, flo
 
   // Eased twice over, a change begins as softly as it ends.
   if (cut) approached_ = framing_ = wanted_;
-  settled_ = Ease(approached_, wanted_) & Ease(framing_, approached_);
+  const bool approached = Ease(approached_, wanted_), framed = Ease(framing_, approached_);
+  settled_ = approached && framed;
   started_ = true;
   from_ = from;
   target_ = target;

@@ -53,8 +53,8 @@ bool Painter::Paint(std::span<const Placed> placed, const Direct3DRMFrame3 &came
   MarkGround(items);
   std::ranges::copy_if(items, std::back_inserter(grounds), &Item::Ground);
   // Paint covers pixels in part, so what lies under it comes first.
-  std::ranges::stable_partition(
-      grounds, [](const Item &ground) { return !ground.Mesh->IsPaint(**ground.Where.Mesh); });
+  std::stable_partition(grounds.begin(), grounds.end(),
+                        [](const Item &ground) { return !ground.Mesh->IsPaint(**ground.Where.Mesh); });
 
   gl_.glEnable(GL_DEPTH_TEST);
   gl_.glBlendFunc(GL_SRC_ALPHA, GL_ONE_MINUS_SRC_ALPHA);

@@ -12,6 +12,7 @@
 #include <map>
 #include <memory>
 #include <span>
+#include <tuple>
 
 /// What a level of quality gives.
 struct PaintQuality {
@@ -48,7 +49,9 @@ private:
     int ShadowTaps; ///< looks for a shadow's halo; 0 where none can lie
     bool Pictured;  ///< with a texture
     bool Paint;     ///< strokes of paint on the ground
-    auto operator<=>(const SurfaceKind &) const = default;
+    bool operator<(const SurfaceKind &other) const {
+      return std::tie(ShadowTaps, Pictured, Paint) < std::tie(other.ShadowTaps, other.Pictured, other.Paint);
+    }
   };
   QOpenGLShaderProgram &SurfaceProgram(const SurfaceKind &kind);
   void SetScene(QOpenGLShaderProgram &surface);
