@@ -105,12 +105,14 @@ std::string Compare(const SeenMatch &host, const SeenMatch &joiner) {
   if (const auto flick = CompareShots("flick", host.Flicks, joiner.Flicks); !flick.empty()) return flick;
   if (const auto kick = CompareShots("kick", host.Kicks, joiner.Kicks); !kick.empty()) return kick;
   if (host.Quit || joiner.Quit) {
-    // Who is left is told, unless the match is over there already: the host waits for the joiner, the joiner
-    // for nobody.
+    // Who is left is told, unless the match is over there already. The joiner waits for nobody. The host
+    // waits for the joiner's last words, after which the joiner may still press Esc; then both have the same
+    // points.
+    const bool samePoints = host.Home == joiner.Away && host.Away == joiner.Home;
     const auto fits = [](const SeenMatch &side, bool mayBeOver) {
       return side.Quit || side.Box == "Away Team Disconnected!" || (mayBeOver && !side.EndCard.empty());
     };
-    return fits(host, false) && fits(joiner, true) ? "" : "a side wasn't told that the other has left";
+    return fits(host, samePoints) && fits(joiner, true) ? "" : "a side wasn't told that the other has left";
   }
   if (!host.Box.empty() || !joiner.Box.empty()) return "a box ended it: " + host.Box + joiner.Box;
   if (host.Rounds != joiner.Rounds) return "rounds differ";
