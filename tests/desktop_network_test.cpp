@@ -162,7 +162,10 @@ bool EnterNamespace() {
   return true;
 }
 
+constexpr char Returned = '=', NoNamespace = '-'; ///< first letter of what the process tells
+
 /// What `look` returns in a process and a network namespace of its own; nothing where none can be made.
+/// A process that ends without a word has crashed.
 std::optional<std::string> InNamespace(const std::function<std::string()> &look) {
   std::array<int, 2> pipe{};
   if (::pipe(pipe.data()) != 0) return std::nullopt;
@@ -170,9 +173,9 @@ std::optional<std::string> InNamespace(const std::function<std::string()> &look)
   if (child == 0) {
     std::string result;
     try {
-      if (EnterNamespace()) result = "=" + look();
+      result = EnterNamespace() ? Returned + look() : std::string(1, NoNamespace);
     } catch (const std::exception &error) {
-      result = std::string("=") + error.what();
+      result = Returned + std::string(error.what());
     }
     const auto written = write(pipe[1], result.data(), result.size());
     _exit(written == static_cast<ssize_t>(result.size()) ? 0 : 1);
@@ -182,7 +185,8 @@ std::optional<std::string> InNamespace(const std::function<std::string()> &look)
   const auto count = read(pipe[0], result.data(), result.size());
   close(pipe[0]);
   waitpid(child, nullptr, 0);
-  if (count < 1) return std::nullopt;
+  if (count < 1) return "the process has crashed";
+  if (result[0] == NoNamespace) return std::nullopt;
   return std::string(result.data() + 1, static_cast<std::size_t>(count - 1));
 }
 

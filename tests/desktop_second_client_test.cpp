@@ -2,8 +2,8 @@
 // flick come to rest at the same place, to the bit, and the same score at the end.
 
 #include "front/run_program.h"
-#include "platform/desktop/asio/asio_network.h"
 #include "tests/game_kit.h"
+#include "tools/netsim/quick_machine.h"
 #include "tools/netsim/scripted_player.h"
 
 #include <gtest/gtest.h>
@@ -11,34 +11,15 @@
 
 #include <algorithm>
 #include <bit>
-#include <chrono>
 #include <cstdint>
 #include <future>
 #include <iomanip>
 #include <sstream>
-#include <thread>
 
 namespace {
 
 constexpr int Speed = 10; ///< the machine's clock runs so many times as fast as the wall's
 constexpr int Rounds = 3;
-
-/// The machine of memory on a quick clock, with a real network.
-class QuickMachine : public HeadlessMachine {
-public:
-  QuickMachine() : HeadlessMachine(SNAPWEDGE_GAME_DIR) {
-    MakeDirectPlay = [this] { return CreateAsioDirectPlay(*this); };
-    Sleeper = [this](std::int32_t) {
-      std::this_thread::sleep_for(std::chrono::milliseconds(1));
-      const auto since = std::chrono::steady_clock::now() - begun_;
-      const auto elapsed = std::chrono::duration_cast<std::chrono::milliseconds>(since).count();
-      SetNow(static_cast<std::int32_t>(Speed * elapsed));
-    };
-  }
-
-private:
-  std::chrono::steady_clock::time_point begun_ = std::chrono::steady_clock::now();
-};
 
 /// Runs the client and returns what it printed, a line each, and its exit status last.
 std::vector<std::string> RunClient(const std::string &arguments) {
@@ -95,7 +76,7 @@ struct Real {
     flicks.push_back(line.str());
   }
 
-  QuickMachine machine;
+  QuickMachine machine{SNAPWEDGE_GAME_DIR, Speed};
   Program program;
   ScriptedPlayer player;
   std::string name;

@@ -3,41 +3,22 @@
 // Prints what it saw: the same on both sides, whatever processor and compiler each was built for.
 
 #include "front/run_program.h"
-#include "platform/desktop/asio/asio_network.h"
+#include "tools/netsim/quick_machine.h"
 #include "tools/netsim/scripted_player.h"
 
 #include <bit>
-#include <chrono>
 #include <cinttypes>
 #include <cstdio>
 #include <cstdlib>
 #include <exception>
-#include <thread>
 
 namespace {
 
 constexpr int Speed = 4; ///< the machine's clock runs so many times as fast as the wall's
 
-/// The machine of memory on a quick clock, with a real network.
-class QuickMachine : public HeadlessMachine {
-public:
-  explicit QuickMachine(const std::filesystem::path &game) : HeadlessMachine(game) {
-    MakeDirectPlay = [this] { return CreateAsioDirectPlay(*this); };
-    Sleeper = [this](std::int32_t) {
-      std::this_thread::sleep_for(std::chrono::milliseconds(1));
-      const auto since = std::chrono::steady_clock::now() - begun_;
-      const auto elapsed = std::chrono::duration_cast<std::chrono::milliseconds>(since).count();
-      SetNow(static_cast<std::int32_t>(Speed * elapsed));
-    };
-  }
-
-private:
-  std::chrono::steady_clock::time_point begun_ = std::chrono::steady_clock::now();
-};
-
 int Play(bool host, const std::string &session, int rounds, std::uint32_t seed) {
   const auto tools = std::filesystem::weakly_canonical("/proc/self/exe").parent_path();
-  QuickMachine machine(tools.parent_path() / "game");
+  QuickMachine machine(tools.parent_path() / "game", Speed);
   Program program(machine);
   ScriptedPlayer player(machine, host, rounds, seed);
   player.LookFor(session);
