@@ -4,6 +4,7 @@
 
 #include "match/frm_snapwedge.h"
 #include "match/results.h"
+#include "match/shot_power.h"
 #include "scene/places.h"
 #include "scene/yards.h"
 #include "shot/meter.h"

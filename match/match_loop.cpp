@@ -2,6 +2,7 @@
 // end.
 
 #include "match/frm_snapwedge.h"
+#include "platform/network_times.h"
 
 #include <string>
 
@@ -14,9 +15,6 @@ constexpr float GoalStep = 1.0f;    ///< of the posts, scene units
 constexpr float FarPlane = 5000.0f; ///< scene units from the camera
 constexpr std::int32_t CardMs = 3000;
 constexpr std::int32_t PauseMs = 1000; ///< of a result without its card, and of the waiting computer
-constexpr std::int32_t NetworkLookMs =
-    5; ///< longest time between two looks at the network while waiting for it
-constexpr std::int32_t LastWordsMs = 60000; ///< longest wait, at the end, for what was sent last to arrive
 
 } // namespace
 
@@ -150,7 +148,7 @@ void frmSnapwedge::WhatPlayer(const std::string & /*WMOD*/) {}
 
 void frmSnapwedge::BeginStep(std::int32_t milliseconds) {
   FrameStart = machine.timeGetTime();
-  FrameEnd = Machine::ClockAfter(FrameStart, milliseconds);
+  FrameEnd = ClockAfter(FrameStart, milliseconds);
   StepBoards();
 }
 

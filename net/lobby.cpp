@@ -2,11 +2,12 @@
 
 #include "net/frm_new_net.h"
 
+#include "platform/network_times.h"
+
 namespace {
 
 const std::string ApplicationGuid = "{7AB2F242-475F-11D4-AF9B-00C04F361528}";
 constexpr std::int32_t MaxPlayers = 2;
-constexpr std::int32_t PollMs = 25; ///< longest time between two looks at the queue while the host waits
 
 const std::string NetworkTitle = "Error initializing DirectPlay.";
 const std::string NetworkText =
@@ -155,7 +156,7 @@ void frmNewNet::AwaitJoiner() {
       machine, [this] { return program.DP->GetMessageCount(program.MyPlayerId) > 0; });
   while (Polling) {
     CheckMessages();
-    machine.WaitUntil(machine.ClockIn(PollMs));
+    machine.WaitUntil(machine.ClockIn(LobbyLookMs));
     machine.Show(*this);
   }
 }

@@ -4,13 +4,11 @@
 #include "match/frm_snapwedge.h"
 #include "match/results.h"
 #include "net/received.h"
+#include "platform/network_times.h"
 
 #include <string>
 
 namespace {
-
-constexpr std::int32_t NetworkLookMs = 5; ///< longest time between two looks while waiting for "Continue"
-constexpr std::int32_t LineBackMs = 4000; ///< how long the title tells that the line has come back
 
 /// Takes the oldest message and returns its tag; empty for one that begins with no text.
 std::string ReceiveTag(Program &program) {

@@ -2,6 +2,7 @@
 
 #include "match/program.h"
 #include "match/results.h"
+#include "match/shot_power.h"
 #include "platform/plain_text.h"
 
 #include <array>
@@ -9,8 +10,7 @@
 
 namespace {
 
-constexpr float FarthestPlace = 300.0f; ///< scene units from the origin, in any axis
-constexpr float StrongestShot = 120.0f;
+constexpr float FarthestPlace = 300.0f;    ///< scene units from the origin, in any axis
 constexpr double VectorTolerance = 0.001;  ///< of a length of 1 and of a right angle
 constexpr std::int32_t PointsInRound = 10; ///< the most that a side can score in one
 constexpr std::size_t LongestBuildTag = 8; ///< bytes
@@ -49,7 +49,7 @@ std::optional<ReceivedShot> ReadShot(DirectPlayMessage &message) {
     const float force = value[3];
     const float *direction = &value[4];
     const float *up = &value[7];
-    if (force < 0.0f || force > StrongestShot) return std::nullopt;
+    if (force < 0.0f || force > OverchargedFlick) return std::nullopt;
     if (!IsUnit(direction) || !IsUnit(up) || std::abs(Dot(direction, up)) > VectorTolerance)
       return std::nullopt;
     return ReceivedShot{value[0],

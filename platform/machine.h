@@ -3,6 +3,7 @@
 // The machine: everything that the game asks of the computer that it runs on. Two kinds stand behind it, the
 // desktop and the headless one, and the game can't tell which. One thread calls all of it.
 
+#include "platform/clock.h"
 #include "platform/controls.h"
 #include "platform/direct_x.h"
 #include "platform/sockets.h"
@@ -44,12 +45,6 @@ public:
 
   /// Whether the clock has reached `end`; holds across the wrap of the clock for spans below 24 days.
   bool ClockReached(std::int32_t end) { return Elapsed(end, timeGetTime()) >= 0; }
-
-  /// The clock's value so many milliseconds after `start`, wrapped.
-  static std::int32_t ClockAfter(std::int32_t start, std::int32_t milliseconds) {
-    return static_cast<std::int32_t>(static_cast<std::uint32_t>(start) +
-                                     static_cast<std::uint32_t>(milliseconds));
-  }
 
   /// The clock's value in so many milliseconds, wrapped.
   std::int32_t ClockIn(std::int32_t milliseconds) { return ClockAfter(timeGetTime(), milliseconds); }
@@ -198,11 +193,6 @@ protected:
 
   /// Whether an event waits for delivery.
   bool HasEvents() const { return !events_.empty(); }
-
-  /// Signed difference `to` - `from`, wrapped.
-  static std::int32_t Elapsed(std::int32_t from, std::int32_t to) {
-    return static_cast<std::int32_t>(static_cast<std::uint32_t>(to) - static_cast<std::uint32_t>(from));
-  }
 
   /// Modal windows that are up, the topmost last.
   std::vector<Window *> modal_;

@@ -111,3 +111,7 @@ void SearchDialog::TellNobody(NobodyFound why, int port) {
   Command1.Caption = "Try again";
   Command2.Caption = "Close";
 }
+
+std::unique_ptr<SearchPrompt> ShowSearchDialog(Machine &machine, const std::string &host) {
+  return std::make_unique<SearchDialog>(machine, host);
+}

@@ -1,38 +1,21 @@
 #pragma once
 
-// The dialog of the Internet connection method: where to search for a session, how the search goes, and what
-// to look at when nobody was found.
+// The dialog of the Internet connection method: asks where to search for a session, shows the search, and
+// says what to check when nobody was found.
 
 #include "platform/machine.h"
+#include "platform/search_prompt.h"
 
-#include <optional>
-
-/// Why a search found nobody. Of several reasons the later one says more.
-enum class NobodyFound {
-  NoPlace,       ///< what was entered is no name and no address
-  UnknownName,   ///< no address belongs to the name, or no name server answers
-  NobodyAnswers, ///< silence
-  NoGame,        ///< a computer answers, but no game waits there
-  Full,          ///< a game is there that takes nobody any more
-  OtherVersion,  ///< a game is there that speaks another version of the protocol
-};
-
-class SearchDialog : public Window {
+class SearchDialog : public Window, public SearchPrompt {
 public:
   /// Puts the dialog up; its end takes it down.
   /// @param host  what stands in the text box at first
   SearchDialog(Machine &machine, const std::string &host);
   ~SearchDialog() override { machine_.Hide(*this); }
 
-  /// Waits until the player has decided. Returns what was entered; nothing if the dialog was given up.
-  std::optional<std::string> Ask();
-
-  /// Tells what the search does, while it runs. Returns false as soon as the player has given it up.
-  bool ShowSearching(const std::string &what);
-
-  /// Tells why nobody was found. The next `Ask` lets the player correct the place and try again.
-  /// @param port  that the host has to open
-  void TellNobody(NobodyFound why, int port);
+  std::optional<std::string> Ask() override;
+  bool ShowSearching(const std::string &what) override;
+  void TellNobody(NobodyFound why, int port) override;
 
   Label Label1; ///< what to enter
   TextBox Text1;
@@ -49,3 +32,6 @@ private:
   Machine::ModalScope scope_;
   Answer answer_ = Answer::None;
 };
+
+/// A `MakeSearchPrompt`.
+std::unique_ptr<SearchPrompt> ShowSearchDialog(Machine &machine, const std::string &host);

@@ -2,6 +2,7 @@
 // turn.
 
 #include "match/frm_snapwedge.h"
+#include "match/shot_power.h"
 
 #include <string>
 
@@ -15,8 +16,6 @@ constexpr Color AquaBlue{192, 255, 255};
 constexpr Color Cream{255, 250, 224};
 constexpr float HintPoints = 9.0f;
 
-// The meter's cap begins at the strongest shot that is aimed.
-constexpr float StrongestAimed = 96.0f;
 constexpr int ScaleWidth = 82; ///< of the meter, pixels
 
 void LayOut(Label &label, const std::string &name, Rectangle place, Color color, Align alignment,

@@ -4,7 +4,7 @@
 
 #include "match/arithmetic.h"
 #include "match/frm_snapwedge.h"
-#include "shot/meter.h"
+#include "match/shot_power.h"
 
 namespace {
 

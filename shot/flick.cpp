@@ -3,6 +3,7 @@
 
 #include "match/arithmetic.h"
 #include "match/frm_snapwedge.h"
+#include "match/shot_power.h"
 #include "shot/meter.h"
 
 #include <algorithm>
@@ -11,7 +12,6 @@ namespace {
 
 constexpr float TravelDivisor = 50.0f; ///< scene units a step = Power / TravelDivisor
 constexpr float SpinDivisor = 200.0f;  ///< radians a step = Power / SpinDivisor
-constexpr float OverchargePower = 120.0f;
 
 float Travel(float power) { return Quotient(power, TravelDivisor); }
 
@@ -74,7 +74,7 @@ void frmSnapwedge::Flick(float &ShotX, float &ShotY, float &ShotZ, float &Power,
 
 void frmSnapwedge::PrematureFlick() {
   NoShot = True;
-  Force = OverchargePower;
+  Force = OverchargedFlick;
   ProgressBar1.CapLit = true;
   ReadAim();
   ReadShotPlace();

@@ -4,6 +4,7 @@
 #include "match/arithmetic.h"
 #include "match/frm_snapwedge.h"
 #include "match/results.h"
+#include "match/shot_power.h"
 #include "scene/places.h"
 #include "shot/meter.h"
 
@@ -15,7 +16,6 @@ constexpr float DropDivisors[] = {20.0f, 10.0f}; ///< loss of the rise in a step
 constexpr float TumbleDivisor = 7.0f;            ///< radians a step = forward step / TumbleDivisor
 constexpr float HalfGoalWidth = 14.0f;           ///< scene units from the middle of the posts to either
 constexpr float GoalReach = 88.0f;               ///< beyond it, to either side, the posts turn
-constexpr float OverchargePower = 30.0f;
 
 float Forward(float power) { return Quotient(-power, ForwardDivisor); }
 
@@ -113,12 +113,12 @@ void frmSnapwedge::MoveGoal() {
 
 void frmSnapwedge::PrematureKick() {
   NoShot = True;
-  Force = OverchargePower;
+  Force = OverchargedKick;
   ProgressBar1.CapLit = true;
   ReadAim();
   GetFmain();
   if (program.GameMode == "INET") SendFG(FrameX, FrameY, FrameZ, Force, X1, Y1, Z1, X2, Y2, Z2, Player);
-  float power = OverchargePower;
+  float power = OverchargedKick;
   KickFB(KickFrameX, KickFrameY, KickFrameZ, power, KickX1, KickY1, KickZ1, KickX2, KickY2, KickZ2);
   Force = 0;
   ProgressBar1.Value = 0;

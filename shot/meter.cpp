@@ -3,6 +3,7 @@
 #include "shot/meter.h"
 
 #include "match/frm_snapwedge.h"
+#include "match/shot_power.h"
 #include "scene/places.h"
 #include "scene/yards.h"
 

@@ -5,8 +5,8 @@
 
 #include "match/frm_snapwedge.h"
 #include "platform/headless/headless_machine.h"
+#include "tools/fnv_hash.h"
 
-#include <cstring>
 #include <string>
 #include <utility>
 #include <vector>
@@ -118,11 +118,7 @@ public:
 /// A 64-bit FNV-1a hash of a sequence of floats, by their bits.
 class PathHash {
 public:
-  void Add(float value) {
-    unsigned char bytes[sizeof value];
-    std::memcpy(bytes, &value, sizeof value);
-    for (const unsigned char byte : bytes) hash_ = (hash_ ^ byte) * 0x100000001B3ULL;
-  }
+  void Add(float value) { AddToHash(hash_, value); }
   void Add(const Vector &v) {
     Add(v.x);
     Add(v.y);
@@ -131,5 +127,5 @@ public:
   std::uint64_t Value() const { return hash_; }
 
 private:
-  std::uint64_t hash_ = 0xCBF29CE484222325ULL;
+  std::uint64_t hash_ = FnvStart;
 };

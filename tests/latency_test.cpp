@@ -1,6 +1,7 @@
 // How long after the release on one computer the other begins to replay the shot.
 
 #include "platform/headless/wire.h"
+#include "platform/search_dialog.h"
 #include "platform/session/session_direct_play.h"
 #include "tests/game_kit.h"
 #include "tools/netsim/fibre.h"
@@ -20,8 +21,8 @@ constexpr std::size_t Shots = 6 * Rounds;
 /// One computer, whose player flicks softly at odd moments.
 struct Computer {
   Computer(FaultyWire &line, const std::string &address, std::uint32_t seed)
-      : game("INET", Rounds), random(seed),
-        play(std::make_shared<session::SessionDirectPlay>(game.machine, line.Plug(address))),
+      : game("INET", Rounds), random(seed), play(std::make_shared<session::SessionDirectPlay>(
+                                                game.machine, line.Plug(address), ShowSearchDialog)),
         nextMoment(
             [this, &line, address] { return std::min(wake, line.NextArrival(address).value_or(wake)); }) {
     game.program.DP = play;

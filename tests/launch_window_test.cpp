@@ -5,6 +5,7 @@
 #include "net/frm_new_net.h"
 #include "platform/headless/headless_machine.h"
 #include "platform/headless/wire.h"
+#include "platform/search_dialog.h"
 #include "platform/session/session_direct_play.h"
 
 #include <gtest/gtest.h>
@@ -15,7 +16,7 @@ namespace {
 struct Launch {
   Launch() : machine(SNAPWEDGE_GAME_DIR), program(machine), wire([this] { return machine.Now(); }, 1) {
     machine.MakeDirectPlay = [this] {
-      return std::make_shared<session::SessionDirectPlay>(machine, wire.Plug("10.0.0.1"));
+      return std::make_shared<session::SessionDirectPlay>(machine, wire.Plug("10.0.0.1"), ShowSearchDialog);
     };
     machine.NextArrival = [this] { return wire.NextArrival("10.0.0.1"); };
   }

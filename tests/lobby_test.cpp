@@ -5,6 +5,7 @@
 #include "net/frm_new_net.h"
 #include "platform/headless/headless_machine.h"
 #include "platform/headless/wire.h"
+#include "platform/search_dialog.h"
 #include "platform/session/session_direct_play.h"
 
 #include <gtest/gtest.h>
@@ -17,7 +18,7 @@ struct Lobby {
       : machine(SNAPWEDGE_GAME_DIR), program(machine), wire([this] { return machine.Now(); }, 1),
         window(machine, program) {
     machine.MakeDirectPlay = [this] {
-      return std::make_shared<session::SessionDirectPlay>(machine, wire.Plug("10.0.0.1"));
+      return std::make_shared<session::SessionDirectPlay>(machine, wire.Plug("10.0.0.1"), ShowSearchDialog);
     };
     machine.NextArrival = [this] { return wire.NextArrival("10.0.0.1"); };
     // The dialog that asks for an address is left blank.
@@ -179,7 +180,8 @@ TEST(LobbyTest, AHostsSessionIsListedAndGoneAfterItsCancel) {
 
 TEST(LobbyTest, WhereNobodyAnswersThePlayerTriesAgainOrCloses) {
   Lobby lobby;
-  const auto host = std::make_shared<session::SessionDirectPlay>(lobby.machine, lobby.wire.Plug("10.0.0.2"));
+  const auto host = std::make_shared<session::SessionDirectPlay>(lobby.machine, lobby.wire.Plug("10.0.0.2"),
+                                                                 ShowSearchDialog);
   host->InitializeConnection(host->GetDPEnumConnections("", 1)->GetAddress(2));
   const auto in = [&](const char *name) { return lobby.machine.Find("frmSearch", name); };
   const auto press = [&](const char *name, const char *caption) {
@@ -230,8 +232,8 @@ TEST(LobbyTest, AJoinerThatHasLeftAgainStartsNoMatch) {
   for (const bool cancels : {false, true}) {
     SCOPED_TRACE(cancels ? "the host cancels" : "the host looks");
     Lobby lobby;
-    const auto guest =
-        std::make_shared<session::SessionDirectPlay>(lobby.machine, lobby.wire.Plug("10.0.0.2"));
+    const auto guest = std::make_shared<session::SessionDirectPlay>(
+        lobby.machine, lobby.wire.Plug("10.0.0.2"), ShowSearchDialog);
     guest->InitializeConnection(guest->GetDPEnumConnections("", 1)->GetAddress(2));
     lobby.window.cmdConnect_Click();
     // All of it happens between two looks of the host, as under a box that it has open.

@@ -1,6 +1,7 @@
 // The worked example of docs/protocol.md, played by a joiner of the document's own bytes against the game.
 
 #include "platform/headless/wire.h"
+#include "platform/search_dialog.h"
 #include "platform/session/session_direct_play.h"
 #include "tests/game_kit.h"
 
@@ -68,7 +69,8 @@ struct Played {
       : game("INET", 3), wire([this] { return game.machine.Now(); }, 1), transport(wire.Plug("10.0.0.2")),
         datagrams(transport->OpenDatagrams(session::Reach::Network, 0)), lines(ReadExample()) {
     game.machine.NextArrival = [this] { return wire.NextArrival("10.0.0.1"); };
-    const auto play = std::make_shared<session::SessionDirectPlay>(game.machine, wire.Plug("10.0.0.1"));
+    const auto play =
+        std::make_shared<session::SessionDirectPlay>(game.machine, wire.Plug("10.0.0.1"), ShowSearchDialog);
     game.program.DP = play;
     game.program.IsHost = True;
     play->InitializeConnection("internet");

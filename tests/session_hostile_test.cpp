@@ -290,7 +290,7 @@ TEST(SessionHostileTest, APlayerThatOnlySeemsToListenIsGivenUp) {
       lobby.network.Run(1000);
     }
     EXPECT_TRUE(joiner.Closed());
-    lobby.network.Run(session::GiveUpMs + 100);
+    lobby.network.Run(GiveUpMs + 100);
     EXPECT_EQ(TakeAll(*lobby.host, lobby.player), std::vector<std::string>{"lost"});
     EXPECT_TRUE(lobby.host->Delivered()) << "the end of a match waits for it";
   }

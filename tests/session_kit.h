@@ -5,6 +5,7 @@
 
 #include "platform/headless/headless_machine.h"
 #include "platform/headless/wire.h"
+#include "platform/search_dialog.h"
 #include "platform/session/connection.h"
 #include "platform/session/session_direct_play.h"
 
@@ -67,7 +68,8 @@ struct Network {
   std::shared_ptr<session::SessionDirectPlay> Program(const std::string &address,
                                                       const std::string &method = Internet) {
     addresses.insert(address);
-    auto program = std::make_shared<session::SessionDirectPlay>(machine, wire.Plug(address));
+    auto program =
+        std::make_shared<session::SessionDirectPlay>(machine, wire.Plug(address), ShowSearchDialog);
     program->InitializeConnection(method);
     return program;
   }

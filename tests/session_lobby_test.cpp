@@ -18,8 +18,8 @@ std::vector<std::string> Names(const std::vector<DirectPlaySessionData> &rows) {
 
 TEST(SessionLobbyTest, MethodsComeInTheOrderThatPlayersKnow) {
   Network network;
-  const auto program =
-      std::make_shared<session::SessionDirectPlay>(network.machine, network.wire.Plug("10.0.0.1"));
+  const auto program = std::make_shared<session::SessionDirectPlay>(
+      network.machine, network.wire.Plug("10.0.0.1"), ShowSearchDialog);
   const auto methods = program->GetDPEnumConnections("", DPCONNECTION_DIRECTPLAY);
   ASSERT_EQ(methods->GetCount(), 2);
   EXPECT_EQ(methods->GetName(1), "This Computer");
@@ -106,7 +106,6 @@ TEST(SessionLobbyTest, TheDialogTakesNamesAndAddressesWithAndWithoutAPort) {
 }
 
 TEST(SessionLobbyTest, ASearchAtANamedHostTakesItsTimeAndTellsWhyNobodyWasFound) {
-  using session::LookupMs;
   struct Row {
     const char *name;
     std::function<void(FaultyWire::Quality &)> arrange;

@@ -8,6 +8,7 @@
 #include "platform/desktop/renderer/renderer.h"
 #include "platform/desktop/screen_awake.h"
 #include "platform/desktop/window_view.h"
+#include "platform/network_times.h"
 #include "scene/graph/rm_canvas.h"
 
 #include <QAbstractEventDispatcher>
@@ -23,8 +24,6 @@
 #include <iostream>
 
 namespace {
-
-constexpr std::int32_t NetworkLookMs = 5; ///< longest sleep while something wants to run at every pump
 
 /// Stands in for Qt's own words about a display that can't be used: they are many, and an abort follows.
 void RefuseDisplay(QtMsgType type, const QMessageLogContext &, const QString &) {
@@ -71,12 +70,12 @@ void DesktopMachine::TryOpenGL() {
         views_.front()->Model(), [why] { throw RendererError(why); }, Delivery::UnderModal);
   });
   // The launch window's first picture comes first.
-  constexpr int Later = 500; // ms
+  constexpr int AfterFirstPictureMs = 500;
   QObject::connect(&openGLTestDelay_, &QTimer::timeout, [this] {
     openGLTest_.start(QCoreApplication::applicationFilePath(), {OpenGLTestOption});
   });
   openGLTestDelay_.setSingleShot(true);
-  openGLTestDelay_.start(Later);
+  openGLTestDelay_.start(AfterFirstPictureMs);
 }
 
 std::int32_t DesktopMachine::timeGetTime() {

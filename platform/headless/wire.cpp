@@ -1,7 +1,7 @@
 #include "platform/headless/wire.h"
 
+#include "platform/clock.h"
 #include "platform/headless/wire_state.h"
-#include "platform/session/connection.h"
 
 #include <algorithm>
 
@@ -85,7 +85,7 @@ class WireLookup : public session::Lookup {
 public:
   WireLookup(std::shared_ptr<WireState> state, std::vector<std::string> addresses)
       : state_(std::move(state)), begun_(state_->clock()), addresses_(std::move(addresses)) {}
-  bool Done() override { return session::Since(begun_, state_->clock()) >= state_->line.LookupMs; }
+  bool Done() override { return Elapsed(begun_, state_->clock()) >= state_->line.LookupMs; }
   std::vector<std::string> Addresses() override { return addresses_; }
 
 private:

@@ -3,21 +3,12 @@
 // One connection that carries frames: bytes cut into frames on the way in, kept until the network takes them
 // on the way out, and the times at which either side was last heard.
 
+#include "platform/clock.h"
+#include "platform/network_times.h"
 #include "platform/session/frame.h"
 #include "platform/session/transport.h"
 
 namespace session {
-
-/// Signed difference of two moments of the machine's clock, which may wrap round.
-constexpr std::int32_t Since(std::int32_t from, std::int32_t to) {
-  return static_cast<std::int32_t>(static_cast<std::uint32_t>(to) - static_cast<std::uint32_t>(from));
-}
-
-/// The moment so many milliseconds later.
-constexpr std::int32_t Later(std::int32_t moment, std::int32_t milliseconds) {
-  return static_cast<std::int32_t>(static_cast<std::uint32_t>(moment) +
-                                   static_cast<std::uint32_t>(milliseconds));
-}
 
 class Connection {
 public:

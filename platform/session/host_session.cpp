@@ -116,7 +116,7 @@ bool HostSession::Greet(std::unique_ptr<Connection> &connection, std::int32_t no
     const auto frame = connection->Next();
     if (!frame) {
       const bool open = came || connection->GetState() == StreamState::Open;
-      return open && Since(connection->Begun(), now) < PendingMs;
+      return open && Elapsed(connection->Begun(), now) < PendingMs;
     }
     if (const auto *join = std::get_if<JoinFrame>(&*frame)) {
       TakeJoiner(std::move(connection), *join, now);
@@ -175,7 +175,7 @@ void HostSession::PollCandidates(std::int32_t now) {
     return;
   }
   std::erase_if(candidates_, [&](const Candidate &each) {
-    return each.Line.GetState() == Link::State::Lost || Since(each.Welcomed, now) >= GiveUpMs;
+    return each.Line.GetState() == Link::State::Lost || Elapsed(each.Welcomed, now) >= GiveUpMs;
   });
 }
 
@@ -196,13 +196,13 @@ void HostSession::SayBye(std::int32_t now) {
 std::optional<std::int32_t> HostSession::NextDeadline() const {
   std::optional<std::int32_t> deadline = link_.NextDeadline();
   const auto earlier = [&](std::int32_t moment) {
-    if (!deadline || Since(moment, *deadline) > 0) deadline = moment;
+    if (!deadline || Elapsed(moment, *deadline) > 0) deadline = moment;
   };
   for (const Candidate &each : candidates_) {
-    earlier(Later(each.Welcomed, GiveUpMs));
+    earlier(ClockAfter(each.Welcomed, GiveUpMs));
     if (const auto line = each.Line.NextDeadline()) earlier(*line);
   }
-  for (const auto &connection : pending_) earlier(Later(connection->Begun(), PendingMs));
+  for (const auto &connection : pending_) earlier(ClockAfter(connection->Begun(), PendingMs));
   return deadline;
 }
 

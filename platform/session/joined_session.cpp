@@ -35,14 +35,14 @@ void JoinedSession::Poll(std::int32_t now) {
   }
   if (dial_) PollDial(now);
   const bool over = !failure_.empty() || link_.IsUp() || link_.GetState() == Link::State::Lost;
-  if (!dial_ && !over && Since(dialAt_, now) >= 0) Dial(now);
+  if (!dial_ && !over && Elapsed(dialAt_, now) >= 0) Dial(now);
   if (!link_.IsUp()) link_.Poll(now);
 }
 
 void JoinedSession::Dial(std::int32_t now) {
   dial_ = std::make_unique<Connection>(transport_.Connect(address_.Host), now);
   introduced_ = false;
-  dialAt_ = Later(now, RedialMs);
+  dialAt_ = ClockAfter(now, RedialMs);
 }
 
 void JoinedSession::PollDial(std::int32_t now) {
@@ -59,7 +59,7 @@ void JoinedSession::PollDial(std::int32_t now) {
     if (const auto frame = dial_->Next()) {
       refusals_ = 0;
       HandleReply(*frame, now);
-    } else if ((state == StreamState::Closed && !came) || Since(dial_->Begun(), now) >= DialMs) {
+    } else if ((state == StreamState::Closed && !came) || Elapsed(dial_->Begun(), now) >= DialMs) {
       refusals_ = 0;
       dial_.reset();
     }
@@ -124,8 +124,8 @@ void JoinedSession::Fail(const std::string &why) { failure_ = why; }
 std::optional<std::int32_t> JoinedSession::NextDeadline() const {
   std::optional<std::int32_t> deadline = link_.NextDeadline();
   if (link_.IsUp() || link_.GetState() == Link::State::Lost || !failure_.empty()) return deadline;
-  const std::int32_t dial = dial_ ? Later(dial_->Begun(), DialMs) : dialAt_;
-  return deadline && Since(*deadline, dial) > 0 ? deadline : dial;
+  const std::int32_t dial = dial_ ? ClockAfter(dial_->Begun(), DialMs) : dialAt_;
+  return deadline && Elapsed(*deadline, dial) > 0 ? deadline : dial;
 }
 
 } // namespace session

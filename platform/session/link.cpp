@@ -44,7 +44,7 @@ bool Link::Attach(std::unique_ptr<Connection> connection, std::uint32_t peerNext
 
 void Link::Poll(std::int32_t now) {
   if (!connection_) {
-    if (state_ == State::Broken && Since(brokenAt_, now) >= GiveUpMs) Lose();
+    if (state_ == State::Broken && Elapsed(brokenAt_, now) >= GiveUpMs) Lose();
     return;
   }
   const bool came = connection_->Fill(now);
@@ -62,16 +62,16 @@ void Link::Poll(std::int32_t now) {
     return;
   }
   const bool ended = connection_->GetState() != StreamState::Open && !came;
-  if (ended || Since(connection_->Heard(), now) >= SilenceMs) {
+  if (ended || Elapsed(connection_->Heard(), now) >= SilenceMs) {
     Break(now);
     return;
   }
-  if (!unacknowledged_.empty() && Since(thankedAt_, now) >= GiveUpMs) {
+  if (!unacknowledged_.empty() && Elapsed(thankedAt_, now) >= GiveUpMs) {
     Lose(); // it lives, and doesn't take what is sent
     return;
   }
   // An acknowledgement never queues up behind one that hasn't gone out yet.
-  const bool signDue = Since(connection_->Sent(), now) >= SignOfLifeMs;
+  const bool signDue = Elapsed(connection_->Sent(), now) >= SignOfLifeMs;
   if ((ackDue_ || signDue) && connection_->Unsent() == 0) WriteAck(now);
   connection_->Flush();
 }
@@ -175,11 +175,11 @@ void Link::WriteAck(std::int32_t now) {
 
 std::optional<std::int32_t> Link::NextDeadline() const {
   if (connection_) {
-    const std::int32_t sign = Later(connection_->Sent(), SignOfLifeMs);
-    const std::int32_t silence = Later(connection_->Heard(), SilenceMs);
-    return connection_->Unsent() > 0 || Since(sign, silence) < 0 ? silence : sign;
+    const std::int32_t sign = ClockAfter(connection_->Sent(), SignOfLifeMs);
+    const std::int32_t silence = ClockAfter(connection_->Heard(), SilenceMs);
+    return connection_->Unsent() > 0 || Elapsed(sign, silence) < 0 ? silence : sign;
   }
-  if (state_ == State::Broken) return Later(brokenAt_, GiveUpMs);
+  if (state_ == State::Broken) return ClockAfter(brokenAt_, GiveUpMs);
   return std::nullopt;
 }
 

@@ -1,6 +1,7 @@
 #pragma once
 
-// The fixed numbers of the session protocol. docs/protocol.md tells what they are for.
+// The fixed numbers of the session protocol, except its times (platform/network_times.h). docs/protocol.md
+// explains them.
 
 #include <array>
 #include <cstddef>
@@ -35,20 +36,7 @@ constexpr std::size_t MostSessionsFound = 64; ///< rows of a search
 constexpr int MostDatagramsAtOnce = 32;       ///< taken in one poll
 constexpr int MostAcceptedAtOnce = 16;        ///< connections taken in one poll
 constexpr int MostBrokenFrames = 5;           ///< from one peer, before it is given up
-
-// Times, ms.
-constexpr std::int32_t SignOfLifeMs = 2000; ///< longest pause between two frames of a sender
-constexpr std::int32_t SilenceMs = 10000;   ///< a connection that is silent for so long is broken
-constexpr std::int32_t GiveUpMs = 30000;    ///< who doesn't come back, take or go on in this time is lost
-constexpr std::int32_t RedialMs = 1000;     ///< from one attempt to connect to the next
-constexpr std::int32_t DialMs = 4000;       ///< an attempt, from the connect to the end of the handshake
-constexpr std::int32_t OpenMs = 5000;       ///< joining a session, in all
-constexpr std::int32_t PendingMs = 5000;    ///< a stranger's time to say who it is
-constexpr std::int32_t LookupMs = 8000;     ///< a name server's time; it may lose a question and get it again
-constexpr std::int32_t SearchMs = 1000;     ///< a search waits so long for answers
-constexpr std::int32_t AskAgainMs = 300;    ///< and repeats its question in these steps
-constexpr std::int32_t FarewellMs = 300;    ///< what was sent has so long to go out at the end
-constexpr int MostFruitlessResumes = 10;    ///< in a row, that broke before any frame came
-constexpr int RefusalsThatEnd = 3;          ///< in a row: no program listens there any more
+constexpr int MostFruitlessResumes = 10;      ///< in a row, that broke before any frame came
+constexpr int RefusalsThatEnd = 3;            ///< in a row: no program listens there any more
 
 } // namespace session

@@ -83,19 +83,19 @@ std::vector<std::uint16_t> Search::Ports() const {
 void Search::Poll(std::int32_t now) {
   if (done_) return;
   if (lookup_ && !FinishLookup(now)) return;
-  if (Since(askAt_, now) >= 0) {
-    askAt_ = Later(now, AskAgainMs);
+  if (Elapsed(askAt_, now) >= 0) {
+    askAt_ = ClockAfter(now, AskAgainMs);
     Ask();
   }
   TakeDatagrams();
   std::erase_if(calls_, [&](Call &call) { return !PollCall(call, now); });
   const bool answered = host_ && host_->Port && !found_.empty();
-  done_ = answered || Since(begun_, now) >= SearchMs;
+  done_ = answered || Elapsed(begun_, now) >= SearchMs;
 }
 
 /// Returns whether the search itself can go on. A name that has no address is the end of it.
 bool Search::FinishLookup(std::int32_t now) {
-  if (!lookup_->Done() && Since(begun_, now) < LookupMs) return false;
+  if (!lookup_->Done() && Elapsed(begun_, now) < LookupMs) return false;
   const auto addresses = lookup_->Done() ? lookup_->Addresses() : std::vector<std::string>();
   lookup_.reset();
   if (addresses.empty()) {
@@ -109,8 +109,8 @@ bool Search::FinishLookup(std::int32_t now) {
 }
 
 std::int32_t Search::NextDeadline() const {
-  const std::int32_t end = Later(begun_, lookup_ ? LookupMs : SearchMs);
-  return !lookup_ && Since(askAt_, end) > 0 ? askAt_ : end;
+  const std::int32_t end = ClockAfter(begun_, lookup_ ? LookupMs : SearchMs);
+  return !lookup_ && Elapsed(askAt_, end) > 0 ? askAt_ : end;
 }
 
 void Search::BeginCalls(const std::vector<std::string> &addresses, std::int32_t now) {

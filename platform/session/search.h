@@ -3,7 +3,7 @@
 // The search for sessions: on this computer, on the local network, or at a host that the player has named.
 
 #include "platform/direct_play.h"
-#include "platform/search_dialog.h"
+#include "platform/search_prompt.h"
 #include "platform/session/connection.h"
 
 #include <algorithm>

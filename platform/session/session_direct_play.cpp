@@ -1,6 +1,5 @@
 #include "platform/session/session_direct_play.h"
 
-#include "platform/search_dialog.h"
 #include "platform/session/host_session.h"
 #include "platform/session/joined_session.h"
 
@@ -12,8 +11,6 @@ namespace {
 
 constexpr std::int32_t HostPlayer = 1;
 constexpr std::int32_t JoiningPlayer = 2;
-constexpr std::int32_t LookMs = 5; ///< longest time between two looks while a search or a join runs
-constexpr std::int32_t RestMs = 5; ///< the same in a farewell
 
 struct Method {
   const char *name;
@@ -78,8 +75,10 @@ struct StillWindows {
 
 } // namespace
 
-SessionDirectPlay::SessionDirectPlay(Machine &machine, std::shared_ptr<Transport> transport)
-    : machine_(machine), transport_(std::move(transport)), poll_(machine.OnPump([this] { Poll(); })) {}
+SessionDirectPlay::SessionDirectPlay(Machine &machine, std::shared_ptr<Transport> transport,
+                                     MakeSearchPrompt makePrompt)
+    : machine_(machine), transport_(std::move(transport)), makePrompt_(std::move(makePrompt)),
+      poll_(machine.OnPump([this] { Poll(); })) {}
 
 SessionDirectPlay::~SessionDirectPlay() {
   try {
@@ -119,7 +118,7 @@ void SessionDirectPlay::Poll() {
   if (session_) {
     session_->Poll(now);
     const auto deadline = session_->NextDeadline();
-    if (deadline && (!wake || Since(*deadline, *wake) > 0)) wake = deadline;
+    if (deadline && (!wake || Elapsed(*deadline, *wake) > 0)) wake = deadline;
   }
   transport_->WakeAt(wake);
 }
@@ -129,7 +128,7 @@ SessionDirectPlay::GetDPEnumSessions(const DirectPlaySessionData &wanted, std::i
   ExpectConnection();
   const Guid game = ExpectGuid(wanted);
   const EndOf<Search> end{search_};
-  if (*reach_ == Reach::Network) return std::make_shared<EnumSessions>(SearchByDialog(game));
+  if (*reach_ == Reach::Network && makePrompt_) return std::make_shared<EnumSessions>(SearchByPrompt(game));
   const StillWindows still(machine_);
   RunSearch(std::nullopt, game, [](const Search &) { return true; });
   return std::make_shared<EnumSessions>(search_->Sessions());
@@ -140,31 +139,31 @@ void SessionDirectPlay::RunSearch(std::optional<HostName> host, const Guid &game
                                   const std::function<bool(const Search &)> &goesOn) {
   search_ = std::make_unique<Search>(*transport_, *reach_, std::move(host), game, machine_.timeGetTime());
   Poll();
-  while (!search_->Done() && goesOn(*search_)) machine_.WaitUntil(machine_.ClockIn(LookMs));
+  while (!search_->Done() && goesOn(*search_)) machine_.WaitUntil(machine_.ClockIn(NetworkLookMs));
 }
 
 /// Lets the player name the place, and try again as long as nobody answers there.
-std::vector<DirectPlaySessionData> SessionDirectPlay::SearchByDialog(const Guid &game) {
-  SearchDialog dialog(machine_, machine_.SearchedHost);
-  while (const auto answer = dialog.Ask()) {
+std::vector<DirectPlaySessionData> SessionDirectPlay::SearchByPrompt(const Guid &game) {
+  const auto prompt = makePrompt_(machine_, machine_.SearchedHost);
+  while (const auto answer = prompt->Ask()) {
     machine_.SearchedHost = *answer;
     const bool everybody = answer->find_first_not_of(" \t") == std::string::npos;
     std::optional<HostName> host;
     if (!everybody) host = HostName::Parse(*answer);
     if (!everybody && !host) {
-      dialog.TellNobody(NobodyFound::NoPlace, DefaultPort);
+      prompt->TellNobody(NobodyFound::NoPlace, DefaultPort);
       continue;
     }
     const std::string place = everybody ? "the local network" : *answer;
     bool goesOn = true;
     RunSearch(host, game, [&](const Search &search) {
       const std::string what = search.LooksUp() ? "Looking up the name " : "Searching ";
-      goesOn = dialog.ShowSearching(what + place);
+      goesOn = prompt->ShowSearching(what + place);
       return goesOn;
     });
     // Who hosts comes this way too: on the local network an empty list is no failure.
     if (!goesOn || everybody || !search_->Sessions().empty()) return search_->Sessions();
-    dialog.TellNobody(search_->WhyNobody(), host->Port.value_or(DefaultPort));
+    prompt->TellNobody(search_->WhyNobody(), host->Port.value_or(DefaultPort));
     search_.reset();
   }
   return {};
@@ -235,7 +234,7 @@ void SessionDirectPlay::Await(const std::function<bool()> &over) {
   Poll();
   const StillWindows still(machine_);
   while (!over() && !machine_.ClockReached(end)) {
-    machine_.WaitUntil(machine_.ClockIn(LookMs));
+    machine_.WaitUntil(machine_.ClockIn(NetworkLookMs));
     if (!session_) throw DirectPlayError("session: closed while it was being joined");
   }
 }
@@ -281,8 +280,9 @@ void SessionDirectPlay::Close() {
   if (!session_) return;
   // No pump here: the game may be on its way out, and must not be called any more.
   session_->SayBye(machine_.timeGetTime());
-  for (std::int32_t waited = 0; waited < FarewellMs && !session_->GetLink().ByeIsOver(); waited += RestMs) {
-    if (!transport_->Rest(RestMs)) break;
+  for (std::int32_t waited = 0; waited < FarewellMs && !session_->GetLink().ByeIsOver();
+       waited += NetworkLookMs) {
+    if (!transport_->Rest(NetworkLookMs)) break;
     transport_->Poll();
     session_->Poll(machine_.timeGetTime());
   }

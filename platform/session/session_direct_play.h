@@ -3,6 +3,7 @@
 // The network as the game sees it, over any transport.
 
 #include "platform/machine.h"
+#include "platform/search_prompt.h"
 #include "platform/session/search.h"
 #include "platform/session/session.h"
 
@@ -10,7 +11,10 @@ namespace session {
 
 class SessionDirectPlay : public DirectPlay4 {
 public:
-  SessionDirectPlay(Machine &machine, std::shared_ptr<Transport> transport);
+  /// @param makePrompt  asks for the host of a search by the Internet method; without it the search covers
+  /// the
+  ///                    local network
+  SessionDirectPlay(Machine &machine, std::shared_ptr<Transport> transport, MakeSearchPrompt makePrompt = {});
   ~SessionDirectPlay() override;
 
   std::shared_ptr<DirectPlayEnumConnections> GetDPEnumConnections(const std::string &guid,
@@ -40,12 +44,13 @@ private:
   void ExpectConnection() const;
   void RunSearch(std::optional<HostName> host, const Guid &game,
                  const std::function<bool(const Search &)> &goesOn);
-  std::vector<DirectPlaySessionData> SearchByDialog(const Guid &game);
+  std::vector<DirectPlaySessionData> SearchByPrompt(const Guid &game);
   void Join(const DirectPlaySessionData &description);
   void Await(const std::function<bool()> &over);
 
   Machine &machine_;
   std::shared_ptr<Transport> transport_;
+  MakeSearchPrompt makePrompt_;
   std::shared_ptr<void> poll_;
   std::optional<Reach> reach_;
   std::unique_ptr<Search> search_;         ///< while a search runs

@@ -1,6 +1,7 @@
 #include "tests/fuzz/hostile_bytes.h"
 
 #include "platform/headless/wire.h"
+#include "platform/search_dialog.h"
 #include "platform/session/frame.h"
 #include "platform/session/session_direct_play.h"
 #include "tests/game_kit.h"
@@ -41,7 +42,8 @@ struct Match {
       : acts(row), game("INET", Rounds), wire([this] { return game.machine.Now(); }, 1),
         transport(wire.Plug("10.0.0.2")) {
     game.machine.NextArrival = [this] { return wire.NextArrival("10.0.0.1"); };
-    const auto play = std::make_shared<SessionDirectPlay>(game.machine, wire.Plug("10.0.0.1"));
+    const auto play =
+        std::make_shared<SessionDirectPlay>(game.machine, wire.Plug("10.0.0.1"), ShowSearchDialog);
     game.program.DP = play;
     play->InitializeConnection("internet");
     DirectPlaySessionData data;

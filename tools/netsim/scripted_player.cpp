@@ -1,28 +1,20 @@
 #include "tools/netsim/scripted_player.h"
 
+#include "match/shot_power.h"
+#include "tools/fnv_hash.h"
+
 #include <algorithm>
 #include <cstdlib>
-#include <cstring>
 #include <string>
 
 namespace {
 
 constexpr float TouchdownPlan[] = {96, 24, 16};
-constexpr std::uint64_t HashStart = 0xCBF29CE484222325ULL;
-constexpr std::uint64_t HashPrime = 0x100000001B3ULL;
 constexpr float KickFrom = 80.0f; ///< place of the posts, scene units
 constexpr int ThinkMs = 120;      ///< shortest pause between two acts
 constexpr int LongestHoldMs = 3000;
-constexpr float OverchargedFlick = 120.0f;
-constexpr float OverchargedKick = 30.0f;
 const std::string ChatBegins = "well played ";
 const std::string LineIsBroken = "waiting for the other computer ...";
-
-void AddToHash(std::uint64_t &hash, float value) {
-  unsigned char bytes[sizeof value];
-  std::memcpy(bytes, &value, sizeof value);
-  for (const unsigned char byte : bytes) hash = (hash ^ byte) * HashPrime;
-}
 
 } // namespace
 
@@ -242,7 +234,7 @@ void ScriptedPlayer::MoveMouse(int reachX, int reachY) {
 
 void ScriptedPlayer::Listen() {
   for (; heard_ < machine_.Sounds.size(); ++heard_) {
-    if (machine_.Sounds[heard_] == "play swoosh.daw") seen_.Flicks.push_back(HashStart);
+    if (machine_.Sounds[heard_] == "play swoosh.daw") seen_.Flicks.push_back(FnvStart);
   }
 }
 

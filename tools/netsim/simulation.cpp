@@ -1,7 +1,9 @@
 #include "tools/netsim/simulation.h"
 
 #include "front/run_program.h"
+#include "platform/search_dialog.h"
 #include "platform/session/session_direct_play.h"
+#include "tools/fnv_hash.h"
 #include "tools/netsim/fibre.h"
 #include "tools/netsim/scripted_player.h"
 
@@ -15,15 +17,11 @@ namespace {
 constexpr std::int32_t LongestRoundMs = 900000;
 constexpr std::int32_t LongestRestMs = 300000;
 
-// Of a 64-bit FNV-1a hash.
-constexpr std::uint64_t HashStart = 0xCBF29CE484222325ULL;
-constexpr std::uint64_t HashPrime = 0x100000001B3ULL;
-
 /// A network that shows its player the shots that go out.
 class WatchedPlay : public session::SessionDirectPlay {
 public:
   WatchedPlay(Machine &machine, std::shared_ptr<session::Transport> transport, ScriptedPlayer &player)
-      : SessionDirectPlay(machine, std::move(transport)), player_(player) {}
+      : SessionDirectPlay(machine, std::move(transport), ShowSearchDialog), player_(player) {}
 
   void Send(std::int32_t from, std::int32_t to, std::int32_t flags,
             const DirectPlayMessage &message) override {
@@ -225,10 +223,8 @@ SimulatedMatch Simulate(const std::filesystem::path &game, std::uint32_t seed, i
 }
 
 std::uint64_t SimulatedMatch::Digest() const {
-  std::uint64_t hash = HashStart;
-  const auto add = [&hash](std::uint64_t value) {
-    for (int byte = 0; byte < 8; ++byte, value >>= 8) hash = (hash ^ (value & 0xFF)) * HashPrime;
-  };
+  std::uint64_t hash = FnvStart;
+  const auto add = [&hash](std::uint64_t value) { AddToHash(hash, value); };
   for (const SeenMatch *side : {&Host, &Joiner}) {
     for (const std::uint64_t flick : side->Flicks) add(flick);
     for (const float kick : side->Kicks) add(std::bit_cast<std::uint32_t>(kick));

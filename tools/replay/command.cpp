@@ -1,6 +1,7 @@
 #include "tools/replay/command.h"
 
 #include "match/program.h"
+#include "match/shot_power.h"
 
 #include <charconv>
 #include <cmath>
@@ -12,7 +13,6 @@
 
 namespace {
 
-constexpr float StrongestShot = 120.0f;
 constexpr int MostFrames = 10'000'000; ///< more than two days of play
 
 /// The words of one line.
@@ -90,11 +90,11 @@ Command Parse(Words &words, const CommandReader &reader) {
     return ProbeCommand{x, words.NextFloat("Z")};
   }
   if (name == "flick") {
-    const float force = words.NextNumber<float>("FORCE", 0.0f, StrongestShot);
+    const float force = words.NextNumber<float>("FORCE", 0.0f, OverchargedFlick);
     return FlickCommand{force, words.NextFloat("TURN")};
   }
   if (name == "kick") {
-    const float force = words.NextNumber<float>("FORCE", 0.0f, StrongestShot);
+    const float force = words.NextNumber<float>("FORCE", 0.0f, OverchargedFlick);
     const float turn = words.NextFloat("TURN");
     return KickCommand{force, turn, words.NextNumber<int>("WAIT", 0, MostFrames)};
   }

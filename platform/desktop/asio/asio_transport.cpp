@@ -3,6 +3,7 @@
 #include "platform/desktop/asio/asio_datagrams.h"
 #include "platform/desktop/asio/asio_network.h"
 #include "platform/desktop/router/home_router.h"
+#include "platform/search_dialog.h"
 #include "platform/session/session_direct_play.h"
 
 #include <netdb.h>
@@ -198,5 +199,6 @@ bool AsioTransport::Rest(std::int32_t milliseconds) {
 }
 
 std::shared_ptr<DirectPlay4> CreateAsioDirectPlay(Machine &machine, HomeRouter *router) {
-  return std::make_shared<session::SessionDirectPlay>(machine, std::make_shared<AsioTransport>(router));
+  return std::make_shared<session::SessionDirectPlay>(machine, std::make_shared<AsioTransport>(router),
+                                                      ShowSearchDialog);
 }

@@ -1,6 +1,7 @@
 #include "platform/desktop/router/home_router.h"
 
 #include "platform/desktop/router/router_protocol.h"
+#include "platform/network_times.h"
 #include "platform/session/protocol.h"
 
 #include <arpa/inet.h>
@@ -16,13 +17,7 @@
 
 namespace {
 
-using Clock = std::chrono::steady_clock;
-using Seconds = std::chrono::seconds;
-
-constexpr Seconds RenewAfter(LeaseSeconds / 3);
-constexpr Seconds LookAgainAfter(60); ///< where no router has opened the port
-constexpr Seconds FirstAnswerTakes(2);
-constexpr Seconds FarewellTakes(1);
+using Milliseconds = std::chrono::milliseconds;
 
 struct Range {
   std::uint32_t network;
@@ -93,7 +88,7 @@ public:
       if (wanted == 0) {
         state_->changed.wait(lock, other);
       } else {
-        state_->changed.wait_for(lock, opened_ ? RenewAfter : LookAgainAfter, other);
+        state_->changed.wait_for(lock, Milliseconds(opened_ ? RouterRenewMs : RouterLookAgainMs), other);
       }
     }
   }
@@ -189,7 +184,7 @@ HomeRouter::~HomeRouter() {
   state_->wanted = 0;
   state_->ending = true;
   state_->changed.notify_all();
-  state_->changed.wait_for(lock, FarewellTakes, [&] { return !state_->asking; });
+  state_->changed.wait_for(lock, Milliseconds(RouterFarewellMs), [&] { return !state_->asking; });
 }
 
 std::unique_ptr<session::RouterPort> HomeRouter::Open(std::uint16_t port) {
@@ -212,7 +207,7 @@ std::unique_ptr<session::RouterPort> HomeRouter::Open(std::uint16_t port) {
 std::optional<std::string> HomeRouter::PublicAddress() {
   std::unique_lock lock(state_->mutex);
   if (state_->wanted != 0) {
-    state_->changed.wait_for(lock, FirstAnswerTakes,
+    state_->changed.wait_for(lock, Milliseconds(RouterFirstAnswerMs),
                              [&] { return state_->looked || !state_->address.empty(); });
   }
   if (state_->address.empty()) return std::nullopt;

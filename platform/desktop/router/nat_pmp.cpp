@@ -15,8 +15,6 @@ namespace {
 using Clock = std::chrono::steady_clock;
 using Milliseconds = std::chrono::milliseconds;
 
-constexpr Milliseconds Patience(800); ///< for an answer: three questions, the later ones 250 and 500 ms apart
-
 /// The library's object, and with it a socket to the gateway.
 class Gateway {
 public:
@@ -38,7 +36,7 @@ private:
 /// The answer to the question that was sent last; nothing if none comes or the router refuses.
 std::optional<natpmpresp_t> Await(natpmp_t &gateway, const std::function<bool()> &wanted) {
   natpmpresp_t answer{};
-  for (const auto end = Clock::now() + Patience; Clock::now() < end && wanted();) {
+  for (const auto end = Clock::now() + Milliseconds(NatPmpAnswerMs); Clock::now() < end && wanted();) {
     timeval wait{};
     getnatpmprequesttimeout(&gateway, &wait);
     const auto milliseconds = std::clamp<long>(wait.tv_sec * 1000 + wait.tv_usec / 1000, 1, 100);

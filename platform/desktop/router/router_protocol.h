@@ -3,14 +3,16 @@
 // What every protocol that opens a router's port looks like. The calls block, and run on a thread of their
 // own (home_router.cpp).
 
+#include "platform/network_times.h"
+
 #include <cstdint>
 #include <functional>
 #include <memory>
 #include <optional>
 #include <string>
 
-/// Life of an opened port, seconds. It is renewed long before; after a crash it runs out by itself.
-constexpr unsigned LeaseSeconds = 900;
+/// Lifetime of a port mapping, seconds, as both protocols have it.
+constexpr unsigned LeaseSeconds = RouterLeaseMs / 1000;
 
 class RouterProtocol {
 public:

@@ -9,7 +9,6 @@
 
 namespace {
 
-constexpr int AnswerMs = 1000;           ///< a device's time to answer a question for one type
 constexpr unsigned char HopLimit = 2;    ///< as the protocol has it
 constexpr int OnlyPermanentLeases = 725; ///< error of a router that knows no time limit
 
@@ -23,7 +22,7 @@ using Devices = std::unique_ptr<UPNPDev, void (*)(UPNPDev *)>;
 
 Devices Discover(const char *type) {
   int error = 0;
-  return {upnpDiscoverDevice(type, AnswerMs, nullptr, nullptr, UPNP_LOCAL_PORT_ANY, 0, HopLimit, &error),
+  return {upnpDiscoverDevice(type, UpnpAnswerMs, nullptr, nullptr, UPNP_LOCAL_PORT_ANY, 0, HopLimit, &error),
           freeUPNPDevlist};
 }
 
