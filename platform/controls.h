@@ -1,8 +1,8 @@
 #pragma once
 
-// Controls as data. A control is a record of plain properties and handlers: the game writes a property and
-// that is all, and whatever stands behind the machine carries the change to the screen. What the user does
-// comes back as a call of the control's handler, made from inside a pump.
+// Controls as data. A control is a record of properties and handlers: the game only writes properties, and
+// the machine copies the changes to the screen. User input comes back as calls of the handlers, from inside a
+// pump.
 
 #include <cstdint>
 #include <functional>
@@ -17,8 +17,8 @@ struct Color {
   bool operator==(const Color &) const = default;
 };
 
-/// Where a control stands in the client area of its window, in logical pixels. For a `Line`, Width and Height
-/// are the differences from its start point to its end point.
+/// Position and size in the client area of the window, logical pixels. For a `Line`, Width and Height are the
+/// differences from its start point to its end point.
 struct Rectangle {
   int Left = 0;
   int Top = 0;
@@ -27,10 +27,10 @@ struct Rectangle {
   bool operator==(const Rectangle &) const = default;
 };
 
-/// One twip is a twentieth of a point; fifteen make a logical pixel.
+/// A twip is a twentieth of a point; a logical pixel is fifteen twips.
 constexpr int TwipsPerPixel = 15;
 
-/// A place given in twips, rounded to whole pixels edge by edge, so that controls which touch still touch.
+/// A rectangle given in twips, rounded to pixels edge by edge, so that adjacent controls stay adjacent.
 constexpr Rectangle FromTwips(int left, int top, int width, int height) {
   const auto pixels = [](int twips) { return (twips + TwipsPerPixel / 2) / TwipsPerPixel; };
   return {pixels(left), pixels(top), pixels(left + width) - pixels(left), pixels(top + height) - pixels(top)};
@@ -45,23 +45,22 @@ struct Typeface {
 
 enum class Align { Left, Center, Right };
 
-/// What every control has. A control is known by its address from the first showing of its window to the
-/// window's end, so it can't be copied or moved.
+/// What every control has. The machine identifies a control by its address while its window exists, so it
+/// can't be copied or moved.
 struct Control {
   Control() = default;
   Control(const Control &) = delete;
   Control &operator=(const Control &) = delete;
   virtual ~Control() = default;
 
-  std::string Name;           ///< as in the code, for scripts and tests
-  std::string AccessibleName; ///< what a screen reader says where the control has no words of its own
+  std::string Name;           ///< the name in the code, for scripts and tests
+  std::string AccessibleName; ///< for screen readers, where the control has no text of its own
   Rectangle Place;
   bool Visible = true;
   bool Enabled = true;
   Typeface Font;
   Color ForeColor;
-  bool HasBackColor =
-      false; ///< false: the window's background shows through a label, the toolkit's own elsewhere
+  bool HasBackColor = false; ///< false: transparent for a label, the toolkit's default for others
   Color BackColor;
 };
 
@@ -74,10 +73,10 @@ struct Label : Control {
 
 struct TextBox : Control {
   std::string Text;
-  int SelStart = 0;    ///< first selected character; the machine reads both when the box gets the focus
-  int SelLength = 0;   ///< characters selected
+  int SelStart = 0;    ///< first selected character; both are read when the box gets the focus
+  int SelLength = 0;   ///< number of selected characters
   int MaxLength = 0;   ///< 0: no limit
-  bool Locked = false; ///< shows text that the user can't change
+  bool Locked = false; ///< read-only
   std::function<void(std::int16_t KeyCode)> KeyPress;
 };
 
@@ -99,7 +98,7 @@ struct ListBox : Control {
   std::function<void()> Click;
 };
 
-/// A drop-down list without a text of its own.
+/// A drop-down list; its text can't be edited.
 struct ComboBox : Control {
   std::vector<std::string> List;
   int ListIndex = -1;
@@ -119,18 +118,18 @@ struct ProgressBar : Control {
   /// A step of the scale beside a vertical bar.
   struct Mark {
     float Value = 0.0f;
-    std::string Text;    ///< right of the step; empty for a stroke alone
-    bool Strong = false; ///< a limit: its stroke crosses the bar
+    std::string Text;    ///< right of the step; empty for a tick without text
+    bool Strong = false; ///< a limit: its tick crosses the bar
     bool operator==(const Mark &) const = default;
   };
   std::vector<Mark> Scale;
-  int ScaleWidth = 0;         ///< room for the scale, right of the bar's place, logical pixels
-  std::optional<float> Ghost; ///< a value to remember: marked on the bar and on the scale
+  int ScaleWidth = 0;         ///< space for the scale to the right of `Place`, logical pixels
+  std::optional<float> Ghost; ///< the last released value, marked on the bar and the scale
   float CapFrom = 100.0f;     ///< from here to `Max` the bar has a red cap; `Max` for none
   bool CapLit = false;
 };
 
-/// Shows a document that can be scrolled but not changed or selected.
+/// Shows a document that can be scrolled but not edited or selected.
 struct RichTextBox : Control {
   std::string Document; ///< HTML file in the directory of the game
   std::function<void()> GotFocus;
@@ -141,8 +140,8 @@ struct Line : Control {};
 /// An empty rectangle with a thin border.
 struct Shape : Control {};
 
-/// The rectangle in which a scene is drawn. Buttons: 1 left, 2 right. Key codes are those of `KeyCodes`. The
-/// place of the pointer is told in logical pixels from the control's corner.
+/// The rectangle in which a scene is drawn. Buttons: 1 left, 2 right. Key codes are those of `KeyCodes`. X
+/// and Y are the pointer's position in logical pixels from the control's corner.
 struct Canvas : Control {
   std::function<void(std::int16_t KeyCode, std::int16_t Shift)> KeyDown;
   std::function<void(std::int16_t KeyCode, std::int16_t Shift)> KeyUp;
@@ -150,26 +149,26 @@ struct Canvas : Control {
   std::function<void(std::int16_t Button, std::int16_t Shift, float X, float Y)> MouseUp;
 };
 
-/// A picture that lies on a window's background, behind its controls, and may follow the state of the game.
+/// An image on a window's background, behind its controls, that can follow the state of the game.
 struct BackPicture {
   std::string Picture; ///< file in the game's "pictures" directory, without ".png"
   int Left = 0;        ///< in the client area, logical pixels
   int Top = 0;
   bool Visible = false;
-  /// A picture may be a row of several of one width: how many, and which of them shows.
+  /// The file may hold a row of images of equal width: how many, and which one is shown.
   int Columns = 1;
   int Column = 0;
   bool operator==(const BackPicture &) const = default;
 };
 
-/// A file of the game's "pictures" directory and the size that it must have.
+/// A file of the game's "pictures" directory and its required size.
 struct PictureFile {
   std::string Name; ///< without ".png"
   int Width = 0;    ///< logical pixels
   int Height = 0;
 };
 
-/// The key codes that the game knows; every other key has a code that none of these equals.
+/// The key codes that the game uses. Other keys have other codes.
 namespace KeyCodes {
 constexpr std::int16_t Enter = 13;
 constexpr std::int16_t Shift = 16;
@@ -178,8 +177,7 @@ constexpr std::int16_t S = 83;
 constexpr std::int16_t Tilde = 192; ///< the key left of "1", and any key that types "~" or "`"
 } // namespace KeyCodes
 
-/// A window of the desktop: title bar, fixed size, no minimise or maximise box, opened in the middle of the
-/// screen.
+/// A window of the desktop: title bar, fixed size, no minimise or maximise box, centred on the screen.
 struct Window {
   Window() = default;
   Window(const Window &) = delete;
@@ -195,14 +193,14 @@ struct Window {
   bool HasBackColor = false;
   Color BackColor;
   std::vector<const BackPicture *> BackPictures; ///< a later one lies over an earlier one
-  std::vector<PictureFile> BackPictureFiles;     ///< all that they may come to show
+  std::vector<PictureFile> BackPictureFiles;     ///< every file that they can show
   std::vector<Control *> Controls; ///< in the order of Tab; a later one lies over an earlier one
-  bool Visible = false;            ///< written by the machine's `Show` and `Hide` and by nobody else
-  bool CapturesPointer = false; ///< while it is the active window, the pointer is hidden and held at its home
-  bool KeepsScreenAwake = false; ///< while it is open, the desktop doesn't blank its screen
+  bool Visible = false;            ///< written only by the machine's `Show` and `Hide`
+  bool CapturesPointer = false;    ///< while it is active, the pointer is hidden and captured
+  bool KeepsScreenAwake = false;   ///< while it is open, the screen isn't blanked
 
-  std::function<void()> Click;      ///< a click where no control stands
-  std::function<void()> Escape;     ///< Esc, where neither a button nor a canvas takes it
+  std::function<void()> Click;      ///< a click outside the controls
+  std::function<void()> Escape;     ///< Esc, unless a button or a canvas handles it
   std::function<void()> QueryClose; ///< the close box; without a handler the window hides
-  std::function<void()> Deactivate; ///< the window has lost the keyboard to another window or a box
+  std::function<void()> Deactivate; ///< another window or a box has taken the keyboard
 };

@@ -1,14 +1,14 @@
 #pragma once
 
-// Sessions of two computers and the messages between them: connection methods, search, create, join, players,
-// a queue of messages for each player, guaranteed delivery.
+// Sessions of two computers and their messages: connection methods, search, create, join, players, a message
+// queue for each player, guaranteed delivery.
 
 #include <cstdint>
 #include <memory>
 #include <stdexcept>
 #include <string>
 
-/// A network operation that failed; says on what and why.
+/// A network operation that failed; says which and why.
 class DirectPlayError : public std::runtime_error {
 public:
   using std::runtime_error::runtime_error;
@@ -23,7 +23,7 @@ constexpr std::int32_t DPRECEIVE_ALL = 1;
 constexpr std::int32_t DPSEND_GUARANTEED = 1;
 constexpr std::int32_t DPID_ALLPLAYERS = 0;
 
-/// A sequence of typed fields, read back in the order written.
+/// A sequence of typed fields, read in the order written.
 class DirectPlayMessage {
 public:
   virtual ~DirectPlayMessage() = default;
@@ -40,7 +40,8 @@ public:
   /// Whether every field has been read.
   virtual bool AtEnd() const = 0;
 
-  /// News of the session layer itself, below all tags: a player came, the other player is lost for good.
+  /// A message of the game, or one of the session layer: a player has joined, the other player is lost for
+  /// good.
   enum class Kind { Game, PlayerJoined, ConnectionLost };
   virtual Kind GetKind() const = 0;
 };
@@ -52,11 +53,11 @@ struct DirectPlaySessionData {
   void SetSessionPassword(const std::string &password) { password_ = password; }
   void SetMaxPlayers(std::int32_t players) { maxPlayers_ = players; }
   void SetFlags(std::int32_t flags) { flags_ = flags; }
-  /// Rounds of the match: the host's, carried to everybody who finds the session.
+  /// Rounds of the match, chosen by the host and told to everybody who finds the session.
   void SetRounds(std::int16_t rounds) { rounds_ = rounds; }
   /// Filled by a search.
   void SetCurrentPlayers(std::int32_t players) { currentPlayers_ = players; }
-  /// How to reach the session: for the layer that found it.
+  /// How to reach the session. Only the layer that found it understands it.
   void SetAddress(const std::string &address) { address_ = address; }
 
   const std::string &GetGuidApplication() const { return guid_; }
@@ -88,7 +89,7 @@ public:
   virtual std::string GetAddress(std::int32_t index) const = 0;
 };
 
-/// What a search found. Indices run from 1; another index is a failure.
+/// The result of a search. Indices run from 1; any other index fails.
 class DirectPlayEnumSessions {
 public:
   virtual ~DirectPlayEnumSessions() = default;
@@ -96,7 +97,7 @@ public:
   virtual DirectPlaySessionData GetItem(std::int32_t index) const = 0;
 };
 
-/// The network. Every operation but the message queue's throws DirectPlayError on failure.
+/// The network. Every operation except those of the message queue throws DirectPlayError on failure.
 class DirectPlay4 {
 public:
   virtual ~DirectPlay4() = default;
@@ -104,25 +105,24 @@ public:
   virtual std::shared_ptr<DirectPlayEnumConnections> GetDPEnumConnections(const std::string &guid,
                                                                           std::int32_t flags) = 0;
 
-  /// Binds a fresh object to a connection method. Called once.
+  /// Binds a new object to a connection method. Called once.
   virtual void InitializeConnection(const std::string &address) = 0;
 
   virtual DirectPlaySessionData CreateSessionData() = 0;
 
   /// Searches for sessions that can be joined and returns when the search is over, after about a second. May
-  /// put up a dialog first that asks where to search, and that stays until somebody was found there or the
-  /// player gives up.
+  /// show a dialog that asks where to search; it stays until a session is found or the player gives up.
   virtual std::shared_ptr<DirectPlayEnumSessions>
   GetDPEnumSessions(const DirectPlaySessionData &wanted, std::int32_t timeout, std::int32_t flags) = 0;
 
   /// Creates the session and becomes its host, or joins it.
   virtual void Open(const DirectPlaySessionData &session, std::int32_t flags) = 0;
 
-  /// Makes the local player and returns its id. The other computer gets a system message.
+  /// Creates the local player and returns its id. The other computer gets a system message.
   virtual std::int32_t CreatePlayer(const std::string &friendly, const std::string &formal,
                                     std::int32_t event, std::int32_t flags) = 0;
 
-  /// Messages that wait for a player, system messages included.
+  /// Number of messages in a player's queue, including system messages.
   virtual std::int32_t GetMessageCount(std::int32_t player) = 0;
 
   /// Takes the oldest message off the queue.
@@ -131,19 +131,17 @@ public:
 
   virtual std::shared_ptr<DirectPlayMessage> CreateMessage() = 0;
 
-  /// Sends to the other player without loss, without repeat and in order, across breaks of the line. Never
-  /// blocks.
+  /// Sends to the other player, exactly once and in order, across breaks of the line. Never blocks.
   virtual void Send(std::int32_t from, std::int32_t to, std::int32_t flags,
                     const DirectPlayMessage &message) = 0;
 
-  /// Whether all that was sent has reached the other computer, or never will.
+  /// Whether everything sent has reached the other computer, or never will.
   virtual bool Delivered() = 0;
 
-  /// Whether the line to the other computer is down. It may come back; if it doesn't, the other player is
-  /// lost for good.
+  /// Whether the line to the other computer is down. If it doesn't come back, the other player is lost for
+  /// good.
   virtual bool Broken() = 0;
 
-  /// Leaves the session at once; nobody can join it any more. What was sent before still goes out, so far as
-  /// it can without waiting longer than a moment.
+  /// Leaves the session; nobody can join it any more. Waits a moment at most for queued messages to go out.
   virtual void Close() = 0;
 };

@@ -12,7 +12,7 @@ FileStamp StampOf(const std::filesystem::path &file) {
   std::error_code error;
   const auto status = std::filesystem::status(file, error);
   if (!std::filesystem::exists(status)) RefuseFile(file, "can't be found");
-  if (!std::filesystem::is_regular_file(status)) RefuseFile(file, "not a plain file");
+  if (!std::filesystem::is_regular_file(status)) RefuseFile(file, "not a regular file");
   FileStamp stamp;
   stamp.Time = std::filesystem::last_write_time(file, error);
   if (!error) stamp.Size = std::filesystem::file_size(file, error);
@@ -24,8 +24,7 @@ std::vector<char> ReadFile(const std::filesystem::path &file, std::uintmax_t lar
   const std::uintmax_t size = StampOf(file).Size;
   if (size == 0) RefuseFile(file, "is empty");
   if (size > largest) {
-    RefuseFile(file,
-               std::to_string(size) + " bytes are too many, " + std::to_string(largest) + " are allowed");
+    RefuseFile(file, std::to_string(size) + " bytes is too large, the limit is " + std::to_string(largest));
   }
   std::ifstream stream(file, std::ios::binary);
   if (!stream) RefuseFile(file, "can't be opened");

@@ -1,7 +1,6 @@
 #pragma once
 
-// The game's own files. Whatever is wrong with one, it is told with the file's name, and before the file is
-// read as far as its size is wrong.
+// Reading the game's own files. Every error names the file. The size is checked before the file is read.
 
 #include <cstdint>
 #include <filesystem>
@@ -10,29 +9,29 @@
 #include <string>
 #include <vector>
 
-/// A file that the game needs and can't use: its name and why.
+/// A file that the game needs and can't use; says which and why.
 class FileError : public std::runtime_error {
 public:
   using std::runtime_error::runtime_error;
 };
 
-/// @throws FileError  that names the file and says why
+/// @throws FileError  always: names the file and says why
 [[noreturn]] void RefuseFile(const std::filesystem::path &file, const std::string &why);
 
 /// All bytes of a file.
-/// @param largest  bytes beyond which it isn't read
-/// @throws FileError  if it is missing, empty, too large, no plain file or can't be read
+/// @param largest  maximum size, bytes
+/// @throws FileError  if it is missing, empty, too large, not a regular file or can't be read
 std::vector<char> ReadFile(const std::filesystem::path &file, std::uintmax_t largest);
 
-/// By what a change of a file is known.
+/// Time and size of a file, to detect a change.
 struct FileStamp {
   std::filesystem::file_time_type Time;
   std::uintmax_t Size = 0;
   bool operator==(const FileStamp &) const = default;
 };
 
-/// @throws FileError  if the file is missing or no plain file
+/// @throws FileError  if the file is missing or not a regular file
 FileStamp StampOf(const std::filesystem::path &file);
 
-/// Runs a check of a file; does nothing if the check has passed before and the file hasn't changed since.
+/// Runs a check of a file, unless it has passed before and the file hasn't changed since.
 void CheckOnce(const std::filesystem::path &file, const std::function<void()> &check);

@@ -57,7 +57,7 @@ void Machine::Forget(Window &window) {
 }
 
 float Machine::Rnd() {
-  // 24 random bits are as many as a 32-bit float below 1 can hold, so the quotient is exact.
+  // A 32-bit float has 24 bits of precision, so the quotient is exact.
   constexpr float Range = 16777216.0f;
   return static_cast<float>(generator_() >> 8) / Range;
 }

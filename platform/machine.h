@@ -1,7 +1,8 @@
 #pragma once
 
-// The machine: everything that the game asks of the computer that it runs on. Two kinds stand behind it, the
-// desktop and the headless one, and the game can't tell which. One thread calls all of it.
+// The machine: everything that the game needs from the computer. There are two implementations, the desktop
+// and the headless one, and the game can't tell which it runs on. Not thread-safe: one thread makes all
+// calls.
 
 #include "platform/clock.h"
 #include "platform/controls.h"
@@ -19,12 +20,12 @@
 #include <utility>
 #include <vector>
 
-/// Ends the program from wherever the stack stands, by unwinding it to `main`.
+/// Thrown to end the program, from any depth of the stack; caught in `main`.
 struct ProgramEnd {
   int Status = 0; ///< exit status of the process
 };
 
-/// A small modal window with a text, a title and an OK button.
+/// A modal box with a text, a title and an OK button.
 struct MessageBox {
   std::string Text;
   std::string Title;
@@ -40,24 +41,23 @@ public:
 
   // The clock.
 
-  /// Milliseconds since some moment, as a signed number that may wrap round.
+  /// Milliseconds since an arbitrary moment; wraps round (platform/clock.h).
   virtual std::int32_t timeGetTime() = 0;
 
-  /// Whether the clock has reached `end`; holds across the wrap of the clock for spans below 24 days.
+  /// Whether the clock has reached `end`.
   bool ClockReached(std::int32_t end) { return Elapsed(end, timeGetTime()) >= 0; }
 
-  /// The clock's value in so many milliseconds, wrapped.
+  /// The clock's value `milliseconds` from now.
   std::int32_t ClockIn(std::int32_t milliseconds) { return ClockAfter(timeGetTime(), milliseconds); }
 
   // The pump.
 
-  /// Delivers every window event that waits to its handler, and returns. Handlers run inside this call; they
+  /// Delivers all pending window events to their handlers, and returns. Handlers run inside this call; they
   /// may pump again and may throw.
   void Pump();
 
-  /// Gives the processor up until an event comes, something arrives from the network or the clock reaches
-  /// `deadline`, then pumps. Returns at once, having pumped, if the deadline has passed. To be called in a
-  /// loop that looks at what it waits for.
+  /// Sleeps until an event comes, data arrives from the network or the clock reaches `deadline`, then pumps.
+  /// Doesn't sleep if the deadline has passed. May return early: call it in a loop that tests the condition.
   void WaitUntil(std::int32_t deadline);
 
   /// The same without a deadline.
@@ -65,13 +65,13 @@ public:
 
   // Windows.
 
-  /// Puts a window on the screen; on a window that is there it changes nothing.
+  /// Opens a window; does nothing if it is open.
   virtual void Show(Window &window) = 0;
 
-  /// Takes a window off the screen and forgets it: none of its events is delivered any more.
+  /// Closes a window and drops its pending events.
   virtual void Hide(Window &window) = 0;
 
-  /// While it lives, no window but this one, and those that it puts over itself, gets events.
+  /// While it lives, only this window, and those opened over it, get events.
   class ModalScope {
   public:
     ModalScope(Machine &machine, Window &window) : machine_(machine), window_(window) {
@@ -86,8 +86,8 @@ public:
     Window &window_;
   };
 
-  /// While it lives, every modal window and box goes off the screen by itself as soon as `happened` is true:
-  /// what the user reads doesn't hold up what happens meanwhile. Asked after each pump of a modal wait.
+  /// While it lives, every modal window and box closes by itself once `happened` returns true, so that an
+  /// open box doesn't delay the game. Called after each pump of a modal wait.
   class CloseModalsWhen {
   public:
     CloseModalsWhen(Machine &machine, std::function<bool()> happened)
@@ -101,33 +101,33 @@ public:
     std::function<bool()> before_;
   };
 
-  /// Shows a window and pumps until it has gone again. No other window gets events in that time.
+  /// Opens a window and pumps until it is closed. No other window gets events meanwhile.
   void ShowModal(Window &window);
 
-  /// Makes sure that the files which a window shows can be read, before they are needed.
+  /// Checks, before they are needed, that the files which a window shows are readable.
   /// @throws FileError  that names the file and says why
   virtual void CheckFiles(const Window &window) = 0;
 
-  /// Brings all properties of a window to the screen at once.
+  /// Updates the screen from all properties of a window, at once.
   virtual void Repaint(Window &window) = 0;
 
-  /// Gives a control the keyboard.
+  /// Gives a control the keyboard focus.
   virtual void SetFocus(Control &control) = 0;
 
-  /// Draws the scene behind a canvas and returns. Skipped where nothing that shows has changed.
+  /// Draws the scene of a canvas. Skipped if nothing visible has changed.
   virtual void DrawCanvas(Canvas &canvas) = 0;
 
-  /// Shows a box and pumps until the user has answered it.
+  /// Shows a box and pumps until the user answers it.
   virtual void MsgBox(const MessageBox &box) = 0;
 
   // The pointer.
 
-  /// Puts the pointer at (dx, dy) of a grid of 0 to 65535 on each axis of the screen. The other arguments
-  /// aren't looked at. No button event comes of it.
+  /// Moves the pointer to (dx, dy) on a grid of 0 to 65535 on each axis of the screen. The other arguments
+  /// are ignored. Causes no button event.
   virtual void mouse_event(std::int32_t flags, std::int32_t dx, std::int32_t dy, std::int32_t data,
                            std::int32_t extra) = 0;
 
-  /// The pointer's place in pixels of the screen.
+  /// The pointer's position, screen pixels.
   virtual void GetCursorPos(std::int32_t &x, std::int32_t &y) = 0;
 
   /// 0 hides the pointer, -1 shows it.
@@ -138,63 +138,62 @@ public:
   /// Seeds the generator from the clock.
   void Randomize() { generator_.seed(RandomSeed()); }
 
-  /// The next number of a uniform distribution from 0 to below 1.
+  /// A random number, uniform in [0, 1).
   float Rnd();
 
   // The rest.
 
-  /// The directory in which the game's files lie.
+  /// The directory of the game's files.
   virtual std::filesystem::path AppPath() const = 0;
 
   /// The root object of sound, network and display.
   virtual std::unique_ptr<DirectX7> CreateDirectX() = 0;
 
-  /// The sockets library by which the computer's own address is found.
+  /// The sockets library, for finding the computer's own address.
   virtual Sockets &WinSock() = 0;
 
-  /// Something that must run whenever the machine pumps, the network above all. Called before the events of a
-  /// pump are delivered; must not call the game. Runs until the returned handle is destroyed.
+  /// Registers a function to run at every pump, such as the network's. It runs before the events are
+  /// delivered and must not call the game. Destroying the returned handle unregisters it.
   [[nodiscard]] std::shared_ptr<void> OnPump(std::function<void()> poll);
 
-  /// What the player entered last as the place to search for a session, for the next search.
+  /// What the player last entered in the search dialog, for the next search.
   std::string SearchedHost;
 
 protected:
-  /// Lets the platform put what waits on the queue. Must not call handlers of the game.
+  /// Puts the pending events of the platform into the queue. Must not call handlers of the game.
   virtual void Collect() = 0;
 
-  /// Sleeps until there is something to collect or the clock reaches `deadline` (never, if there is none).
-  /// Returning early is allowed.
+  /// Sleeps until there is something to collect or the clock reaches `deadline`, if there is one. May return
+  /// early.
   virtual void Sleep(std::optional<std::int32_t> deadline) = 0;
 
   /// A seed that differs from call to call.
   virtual std::uint32_t RandomSeed() = 0;
 
   enum class Delivery {
-    OnTop, ///< dropped if a modal window lies over the window by then: what the user does there doesn't count
-    UnderModal ///< delivered all the same: what happens to the window by itself
+    OnTop,     ///< dropped if another window is modal at delivery: user input
+    UnderModal ///< always delivered: changes of the window itself
   };
 
-  /// Puts a call of one of `window`'s handlers on the queue. It is dropped if the window has gone by the time
-  /// of its delivery.
+  /// Queues a call of one of `window`'s handlers. It is dropped if the window is closed before delivery.
   void Post(Window &window, std::function<void()> call, Delivery delivery = Delivery::OnTop);
 
-  /// Drops the events of a window that goes. Every `Hide` calls it.
+  /// Drops the pending events of a closing window. Every `Hide` calls it.
   void Forget(Window &window);
 
-  /// Whether events of this window are delivered now: it is the topmost modal window, or there is none.
+  /// Whether this window gets events: it is the topmost modal window, or none is modal.
   bool Receives(const Window &window) const { return modal_.empty() || modal_.back() == &window; }
 
-  /// Whether what is modal has to go now.
+  /// Whether modal windows must close now.
   bool ModalsEnd() const { return modalsEnd_ && modalsEnd_(); }
 
-  /// Whether something wants to run at every pump.
+  /// Whether any function runs at every pump.
   bool HasPolls() const { return !polls_.empty(); }
 
-  /// Whether an event waits for delivery.
+  /// Whether any event is pending.
   bool HasEvents() const { return !events_.empty(); }
 
-  /// Modal windows that are up, the topmost last.
+  /// Open modal windows, the topmost last.
   std::vector<Window *> modal_;
 
 private:
@@ -212,5 +211,5 @@ private:
   std::mt19937 generator_;
 };
 
-/// What the close box of a window does: its own handler, or else hiding it.
+/// The action of a window's close box: its handler, or else `Hide`.
 void CloseByUser(Machine &machine, Window &window);

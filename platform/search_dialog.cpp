@@ -3,7 +3,7 @@
 namespace {
 
 constexpr int LongestHost = 255;     ///< characters
-constexpr std::uint32_t DotMs = 250; ///< a search that runs shows a dot more in these steps
+constexpr std::uint32_t DotMs = 250; ///< a running search shows one more dot after each
 constexpr std::uint32_t MostDots = 4;
 
 const std::string Instruction =
@@ -12,7 +12,7 @@ const std::string Hint =
     "Over the Internet: the host presses Create, then \"What's my IP address?\", and tells you "
     "the address.";
 
-/// What the host can do about it.
+/// What to check on the host's side.
 std::string Questions(int port) {
   return "\n-  Is the address right?"
          "\n-  Has the host pressed Create? Its title bar then says \"Polling...\"."

@@ -100,7 +100,7 @@ TEST(SessionFrameTest, WhateverComesIsAFrameOrRefused) {
     if (random() % 4 == 0) bytes.resize(random() % (bytes.size() + 4));
     try {
       const AnyFrame frame = session::DecodeDatagram(bytes);
-      if (std::holds_alternative<session::StrangerFrame>(frame)) continue;
+      if (std::holds_alternative<session::OtherVersionFrame>(frame)) continue;
       // What was understood is exactly what was there; only a question's filling says nothing.
       const Bytes again = session::EncodeDatagram(frame);
       if (!std::holds_alternative<session::AskFrame>(frame)) {

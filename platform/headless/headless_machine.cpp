@@ -8,7 +8,7 @@ namespace {
 
 constexpr std::int32_t ScreenWidth = 1024;
 constexpr std::int32_t ScreenHeight = 768;
-constexpr std::int32_t WatchMs = 10;        ///< between two looks of a player while nothing else happens
+constexpr std::int32_t WatchMs = 10;        ///< interval of `Player` while nothing else happens
 constexpr std::int32_t PointerGrid = 65536; ///< steps of the absolute pointer grid on an axis
 
 } // namespace
@@ -40,8 +40,8 @@ void HeadlessMachine::Sleep(std::optional<std::int32_t> deadline) {
   if (NextArrival) {
     if (const auto arrival = NextArrival()) earlier(Unwrapped(*arrival));
   }
-  if (!wake && Player) earlier(now_ + WatchMs); // whoever watches may act at any time
-  if (!wake) throw std::logic_error("the program waits, and nothing will ever happen");
+  if (!wake && Player) earlier(now_ + WatchMs); // the player may act at any time
+  if (!wake) throw std::logic_error("the program waits for an event, and none is scheduled");
   if (Sleeper) {
     Sleeper(static_cast<std::int32_t>(*wake));
   } else {
@@ -121,7 +121,7 @@ Control *HeadlessMachine::Find(const std::string &window, const std::string &con
   return found == owner->Controls.end() || !(*found)->Visible ? nullptr : *found;
 }
 
-// What the user does.
+// Input.
 
 void HeadlessMachine::PostTo(const Control &control, std::function<void()> call) {
   if (Window *window = WindowOf(control)) Post(*window, std::move(call));

@@ -1,7 +1,7 @@
 #pragma once
 
-// A machine for tests and tools. Its clock is virtual and jumps to the next thing that happens, its pointer
-// and keys are scripted, its windows are only data, its sounds are a list of what was asked.
+// A machine for tests and tools. Its clock is virtual and jumps to the next event, its pointer and keys are
+// scripted, its windows are only data, and its sounds are a log.
 
 #include "platform/machine.h"
 
@@ -13,18 +13,17 @@ public:
   /// @param gameDirectory  where the models and textures lie
   explicit HeadlessMachine(std::filesystem::path gameDirectory) : gameDirectory_(std::move(gameDirectory)) {}
 
-  // What a script does. Everything that a user does is put on the queue and reaches the game in its next
-  // pump.
+  // Input. Everything that a user does goes into the event queue and reaches the game in its next pump.
 
-  /// Runs `action` in the first pump at or after that moment of the virtual clock. It may press and move
-  /// things, and may throw, which ends the program under test.
+  /// Runs `action` in the first pump at or after `moment` of the virtual clock. It may call anything below,
+  /// and may throw, which ends the program under test.
   void At(std::int32_t moment, std::function<void()> action);
   void After(std::int32_t milliseconds, std::function<void()> action) {
     At(ClockIn(milliseconds), std::move(action));
   }
 
-  /// Called at every pump before events are delivered: a player who watches and acts. What it does to the
-  /// game itself happens on the game's own stack.
+  /// Called at every pump before events are delivered: a player who watches and acts. Runs on the game's own
+  /// stack.
   std::function<void()> Player;
 
   void MoveMouse(int dx, int dy);
@@ -32,65 +31,64 @@ public:
   void ReleaseMouse(std::int16_t button);
   void PressKey(std::int16_t keyCode);
   void ReleaseKey(std::int16_t keyCode);
-  void
-  Type(const std::string &text); ///< into the text box that has the focus, a key a character; '\r' is Enter
+  void Type(const std::string &text); ///< into the focused text box, one key per character; '\r' is Enter
   void Press(CommandButton &button);
   void Tick(CheckBox &box);
   void Select(ListBox &list, int row);
   void ClickOn(Window &window);
   void CloseBox(Window &window);
 
-  /// Another program gets the keyboard.
+  /// Another program takes the keyboard.
   void LoseFocus();
 
-  /// A visible control by its window's and its own name; null if there is none.
+  /// A visible control by the names of its window and itself; null if there is none.
   Control *Find(const std::string &window, const std::string &control);
   Window *FindWindow(const std::string &name);
 
-  // What can be seen of the game.
+  // Output.
 
-  std::vector<MessageBox> Boxes; ///< every box that was shown
+  std::vector<MessageBox> Boxes; ///< every box shown so far
   std::vector<std::string>
-      Sounds;                  ///< every sound operation: "play yeah.daw", "loop crowd.daw", "stop theme.daw"
+      Sounds; ///< every sound operation so far: "play yeah.daw", "loop crowd.daw", "stop theme.daw"
   std::vector<Window *> Shown; ///< windows on the screen, the topmost last
-  Control *Focus = nullptr;    ///< control that has the keyboard
+  Control *Focus = nullptr;    ///< the control with the keyboard focus
   bool CursorShown = true;
-  long Draws = 0; ///< pictures drawn of any canvas
+  long Draws = 0; ///< frames drawn, of any canvas
   long Repaints = 0;
   std::int32_t PointerX = 500, PointerY = 300;
-  std::function<void()> OnRepaint;      ///< sees every window as it is repainted
-  std::function<void(Canvas &)> OnDraw; ///< sees every picture as it is drawn
+  std::function<void()> OnRepaint;      ///< called at each repaint
+  std::function<void(Canvas &)> OnDraw; ///< called at each drawn frame
 
-  // What goes wrong, or differs from machine to machine.
+  // Faults and properties of the computer.
 
   bool NoSoundDevice = false;
   std::set<std::string> BrokenSounds; ///< files that can't be read
   std::set<std::string> BrokenPlays;  ///< files whose buffer fails to play
   int Bpp = 16;
-  std::int32_t DrawMs = 0;     ///< virtual time that a picture takes: a slow computer
-  std::int32_t BoxMs = 500;    ///< virtual time after which somebody presses OK
-  std::function<void()> OnBox; ///< called when a box has come up
+  std::int32_t DrawMs = 0;     ///< virtual time to draw a frame: a slow computer
+  std::int32_t BoxMs = 500;    ///< virtual time after which OK is pressed
+  std::function<void()> OnBox; ///< called when a box is shown
   std::function<std::shared_ptr<DirectPlay4>()> MakeDirectPlay; ///< empty: the computer has no network
   std::unique_ptr<Sockets> SocketsLibrary;                      ///< empty: `WinSock` fails
   std::uint32_t Seed = 1;                                       ///< of the random numbers
 
-  /// When something comes from the network, if that is known: the clock doesn't jump past it, and a sleep
-  /// ends at once for what has come already.
+  /// When the next data arrives from the network, if known. The clock doesn't jump past it, and a sleep
+  /// returns at once for data that has already arrived.
   std::function<std::optional<std::int32_t>()> NextArrival;
 
-  /// Replaces the clock's jump, for several machines on one clock: returns when the clock has moved on. Gets
-  /// the moment at which this machine has something to do at the latest.
+  /// Replaces the clock's jump, for several machines on one clock: returns when the clock has advanced.
+  /// `wake` is when this machine must run again at the latest.
   std::function<void(std::int32_t wake)> Sleeper;
-  bool Drawing = false; ///< the time of a picture passes: nothing from the network wakes the machine
+  bool Drawing = false; ///< a frame is being drawn: the network doesn't wake the machine
 
-  /// The virtual clock, ms. Only a `Sleeper` and a test that wants another start write it.
+  /// The virtual clock, ms. Set only by a `Sleeper` and by tests that start at another time.
   std::int32_t Now() const { return static_cast<std::int32_t>(now_); }
   void SetNow(std::int32_t now);
 
   std::int32_t timeGetTime() override { return Now(); }
   void Show(Window &window) override;
   void Hide(Window &window) override;
-  void CheckFiles(const Window &) override {} // it reads none
+  void CheckFiles(const Window &) override {} // reads no files
   void Repaint(Window &window) override;
   void SetFocus(Control &control) override { Focus = &control; }
   void DrawCanvas(Canvas &canvas) override;
@@ -109,16 +107,16 @@ protected:
   std::uint32_t RandomSeed() override;
 
 private:
-  /// The window that a control stands on, if it is on the screen.
+  /// The shown window that holds a control.
   Window *WindowOf(const Control &control);
   void PostTo(const Control &control, std::function<void()> call);
   Canvas *ActiveCanvas();
 
-  /// A value of the clock as the moment nearest to now that has it.
+  /// The unwrapped time nearest to now with this clock value.
   std::int64_t Unwrapped(std::int32_t moment) const;
 
   std::filesystem::path gameDirectory_;
-  std::int64_t now_ = 0; ///< the clock without its wrap
+  std::int64_t now_ = 0; ///< the unwrapped clock
   std::multimap<std::int64_t, std::function<void()>> script_;
   std::optional<std::mt19937> seeds_;
 };

@@ -1,6 +1,6 @@
 #pragma once
 
-// Sound and display of the headless machine: a list of what was asked.
+// Sound and display of the headless machine.
 
 #include "platform/headless/headless_machine.h"
 

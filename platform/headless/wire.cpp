@@ -12,7 +12,7 @@ using session::Reach;
 
 namespace {
 
-constexpr std::int32_t DialAgainMs = 1000; ///< the wire's own first pause before it dials again
+constexpr std::int32_t DialAgainMs = 1000; ///< before the first retransmission of a dial
 
 class ListenerEnd : public session::Listener {
 public:
@@ -173,7 +173,7 @@ public:
 
   void WakeAt(std::optional<std::int32_t> moment) override { plug_->wake = moment; }
 
-  /// The virtual clock stands still here, and what was sent arrives whether anybody waits or not.
+  /// The virtual clock stands still here, and sent bytes arrive without waiting.
   bool Rest(std::int32_t) override { return false; }
 
 private:
@@ -234,7 +234,7 @@ void FaultyWire::Kill(const std::string &address) {
 }
 
 std::optional<std::int32_t> FaultyWire::NextArrival(const std::string &address) const {
-  // What has happened since the computer looked last, in a long draw, is still news to it.
+  // Arrivals since the last poll, for example during a long draw, are still unseen.
   std::int32_t known = state_->clock();
   for (const auto &weak : state_->plugs) {
     const auto plug = weak.lock();

@@ -1,8 +1,7 @@
 #pragma once
 
-// A network of memory between computers of memory, as good or as bad as a test wants it: latency, jitter,
-// loss, breaks of the line, computers that die. Everything happens on a virtual clock and by a seed, so that
-// a run that fails can be run again.
+// A simulated network between simulated computers, with configurable latency, jitter, loss, outages and
+// crashes. It runs on a virtual clock and from a seed, so that a failing run can be repeated.
 
 #include "platform/session/transport.h"
 
@@ -14,48 +13,49 @@ struct WireState;
 
 class FaultyWire {
 public:
+  /// An outage: no packet passes between two moments of the clock.
   struct Break {
-    std::int32_t From = 0; ///< nothing passes from this moment of the clock
-    std::int32_t To = 0;   ///< until this one
+    std::int32_t From = 0;
+    std::int32_t To = 0;
   };
 
-  /// The line between two computers. A computer reaches itself without any of it.
+  /// The line between two computers. Traffic of a computer with itself is not affected.
   struct Quality {
     std::int32_t LatencyMs = 1; ///< one way, at least 1
-    std::int32_t JitterMs = 0;  ///< up to so much more, evenly spread
-    double Loss = 0.0;          ///< share of the packets that get lost
-    std::int32_t LookupMs = 0;  ///< time that a name server takes
+    std::int32_t JitterMs = 0;  ///< random addition, uniform from 0 to this
+    double Loss = 0.0;          ///< fraction of packets lost
+    std::int32_t LookupMs = 0;  ///< time of a name lookup
     std::vector<Break> Breaks;
   };
 
-  /// What has happened on the line.
+  /// Statistics of the line.
   struct Counters {
     long Packets = 0;
-    long Lost = 0;       ///< of those; a connection's are sent again by the wire itself
-    long Connects = 0;   ///< connections that came up
+    long Lost = 0;       ///< of those; the wire retransmits a connection's itself
+    long Connects = 0;   ///< connections established
     long CutStreams = 0; ///< connections that `CutConnections` ended
   };
 
   /// @param clock  the virtual clock, ms
   FaultyWire(std::function<std::int32_t()> clock, std::uint32_t seed);
 
-  /// The network of the computer with that address.
+  /// The network as the computer with that address sees it.
   std::shared_ptr<session::Transport> Plug(const std::string &address);
 
-  /// Lets computers be found by name.
+  /// Adds a name to the name service.
   void Name(const std::string &name, const std::string &address);
 
-  /// Ends every connection between two computers, as a router does that starts anew. The line itself holds.
+  /// Ends every connection between two computers, as a restarting router does. The line itself stays up.
   void CutConnections();
 
-  /// The program on that computer ends without a word; its system closes the connections.
+  /// The program on that computer crashes; its system closes the connections.
   void Kill(const std::string &address);
 
-  /// When something reaches that computer, or its session wants to be polled: in the future, or already past
-  /// if the computer hasn't looked at its network since.
+  /// When something next reaches that computer, or its session is due for a poll. In the past if the computer
+  /// hasn't polled since.
   std::optional<std::int32_t> NextArrival(const std::string &address) const;
 
-  /// Ports that programs have had their home routers open just now: address and port of each.
+  /// The ports that home routers currently forward: address and port of each.
   const std::multiset<session::Endpoint> &RouterPorts() const;
 
   Quality &Line();

@@ -1,6 +1,6 @@
 #pragma once
 
-// The inside of the memory network: what is on its way, and to whom.
+// The state of the simulated network: everything in transit.
 
 #include "platform/headless/wire.h"
 
@@ -10,7 +10,7 @@
 #include <random>
 #include <set>
 
-/// Bytes on their way to one end of a connection.
+/// Bytes in transit to one end of a connection.
 struct WirePipe {
   struct Chunk {
     std::int32_t arrival;
@@ -19,20 +19,20 @@ struct WirePipe {
   };
   std::deque<Chunk> chunks;
   std::size_t held = 0;                 ///< bytes not yet taken by the receiver
-  std::int32_t last = 0;                ///< arrival of the last chunk: bytes keep their order
-  std::optional<std::int32_t> closedAt; ///< when the receiver learns that no more will come
-  bool dead = false;                    ///< the wire has given up to send again
+  std::int32_t last = 0;                ///< arrival of the last chunk; later bytes don't overtake it
+  std::optional<std::int32_t> closedAt; ///< when the receiver sees the end of the stream
+  bool dead = false;                    ///< the wire has given up retransmitting
 };
 
-/// A connection. Side 0 has dialled, side 1 was listening.
+/// A connection. Side 0 dialled, side 1 listened.
 struct WireCircuit {
   std::array<std::string, 2> address;
   std::uint16_t port = 0;
   std::array<WirePipe, 2> to;
   std::array<bool, 2> ended{};
-  std::optional<std::int32_t> dialArrival; ///< when the dial reaches the other computer
-  std::optional<std::int32_t> answerTime;  ///< time that its answer takes
-  std::optional<std::int32_t> answeredAt;  ///< when the dialler learns of it
+  std::optional<std::int32_t> dialArrival; ///< when the dial reaches the listener
+  std::optional<std::int32_t> answerTime;  ///< travel time of the answer
+  std::optional<std::int32_t> answeredAt;  ///< when the answer reaches the dialler
   bool refused = false;
 };
 
@@ -58,7 +58,7 @@ struct WireDatagrams {
 struct WirePlug {
   std::string address;
   std::optional<std::int32_t> wake;
-  std::optional<std::int32_t> polledAt; ///< what has happened by then, the computer knows
+  std::optional<std::int32_t> polledAt; ///< the computer has seen what arrived before
 };
 
 struct WireState {
@@ -75,17 +75,17 @@ struct WireState {
   std::multiset<session::Endpoint> routerPorts;
   std::uint16_t nextPort = 50000;
 
-  /// Lets the dials that have arrived by now find their listeners, and drops what is over.
+  /// Delivers the dials that have arrived to their listeners, and removes finished connections.
   void Advance();
 
   /// When a packet sent at `sent` arrives; nothing if it gets lost.
   std::optional<std::int32_t> Packet(std::int32_t sent, bool sameComputer);
 
-  /// When a packet arrives that is sent again until it does, after `pause` ms and then twice as long each
-  /// time.
+  /// When a packet arrives if it is retransmitted until it does, first after `pause` ms and then after twice
+  /// as long each time. Nothing if the wire gives up.
   std::optional<std::int32_t> Transit(std::int32_t sent, bool sameComputer, std::int32_t pause);
 
-  /// Ends one side of a connection and lets the other learn it.
+  /// Ends one side of a connection and notifies the other.
   void EndSide(WireCircuit &circuit, std::size_t side);
 };
 

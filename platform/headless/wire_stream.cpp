@@ -6,8 +6,8 @@ using session::StreamState;
 
 namespace {
 
-constexpr std::size_t Window = 64 * 1024; ///< bytes under way in one direction at most
-constexpr std::int32_t SendAgainMs = 200; ///< the wire's own first pause before it sends a packet again
+constexpr std::size_t Window = 64 * 1024; ///< bytes in flight in one direction, at most
+constexpr std::int32_t SendAgainMs = 200; ///< before the first retransmission of a packet
 
 class WireStream : public session::Stream {
 public:
@@ -62,7 +62,7 @@ public:
     }
     pipe.last = std::max(pipe.last, *arrival);
     if (circuit_->ended[1 - side_]) {
-      // Nobody is there any more: the other system says so.
+      // The other side is gone, and its system says so.
       auto &closedAt = circuit_->to[side_].closedAt;
       if (!closedAt) closedAt = state_->Transit(pipe.last, same, SendAgainMs);
       return count;

@@ -1,6 +1,6 @@
 #pragma once
 
-// Numbers as bytes, the lowest byte first, whatever processor runs the game.
+// Numbers as little-endian bytes, on every processor.
 
 #include <cstdint>
 #include <span>
@@ -14,13 +14,13 @@ namespace session {
 using Bytes = std::vector<std::uint8_t>;
 using ByteView = std::span<const std::uint8_t>;
 
-/// Bytes from the network that are no valid frame, datagram or message; says in what.
+/// Bytes from the network that are not a valid frame, datagram or message; says what is wrong.
 class MalformedError : public std::runtime_error {
 public:
   using std::runtime_error::runtime_error;
 };
 
-/// Appends numbers and texts to a row of bytes.
+/// Appends numbers and strings to a byte buffer.
 class ByteWriter {
 public:
   explicit ByteWriter(Bytes &out) : out_(out) {}
@@ -40,7 +40,7 @@ private:
   Bytes &out_;
 };
 
-/// Reads them back. Every read throws MalformedError where too few bytes are left.
+/// Reads them back. Every read throws MalformedError if too few bytes are left.
 class ByteReader {
 public:
   explicit ByteReader(ByteView bytes) : bytes_(bytes) {}

@@ -1,7 +1,7 @@
 #pragma once
 
-// One connection that carries frames: bytes cut into frames on the way in, kept until the network takes them
-// on the way out, and the times at which either side was last heard.
+// One connection that carries frames: splits incoming bytes into frames, buffers outgoing bytes until the
+// network takes them, and remembers when either side last sent.
 
 #include "platform/clock.h"
 #include "platform/network_times.h"
@@ -17,28 +17,28 @@ public:
 
   StreamState GetState() { return stream_->GetState(); }
 
-  /// Takes in what has come, at most MostReadAtOnce bytes. Returns whether anything had.
+  /// Reads what has arrived, at most MostReadAtOnce bytes. Returns whether there was anything.
   bool Fill(std::int32_t now);
 
-  /// The next frame that came.
-  /// @throws MalformedError  if the other side sent what is no frame
+  /// The next received frame; nothing if none is complete.
+  /// @throws MalformedError  if the bytes are not a valid frame
   std::optional<AnyFrame> Next() { return reader_.Next(); }
 
   void Write(const AnyFrame &frame, std::int32_t now) { WriteBytes(EncodeFrame(frame), now); }
   void WriteBytes(ByteView bytes, std::int32_t now);
 
-  /// Sends what the network takes now.
+  /// Sends as much as the network takes now.
   void Flush();
 
-  /// From the handshake's end on long frames may come.
+  /// Allows frames of full length, which only come after the handshake.
   void EndHandshake() { reader_.SetLargest(LargestFrame); }
 
   const std::string &Peer() const { return stream_->Peer(); }
 
   std::size_t Unsent() const { return out_.size(); } ///< bytes that the network hasn't taken yet
   std::int32_t Begun() const { return begun_; }
-  std::int32_t Heard() const { return heard_; } ///< when anything last came
-  std::int32_t Sent() const { return sent_; }   ///< when anything was last written
+  std::int32_t Heard() const { return heard_; } ///< time of the last received byte
+  std::int32_t Sent() const { return sent_; }   ///< time of the last write
 
 private:
   std::unique_ptr<Stream> stream_;

@@ -20,7 +20,7 @@ enum class FrameType : std::uint8_t {
   Bye = 10,
 };
 
-/// Frames that may be the first from a stranger begin with it.
+/// The beginning of every frame that may be the first on a connection.
 void Introduce(ByteWriter &out, FrameType type, const Guid &game) {
   out.U8(static_cast<std::uint8_t>(type));
   out.U32(Magic);
@@ -87,7 +87,7 @@ struct Encoder {
     Begin(Out, FrameType::Bye);
     Out.U32(frame.Next);
   }
-  void operator()(const StrangerFrame &) {} // never sent
+  void operator()(const OtherVersionFrame &) {} // never sent
 };
 
 Guid ReadGuid(ByteReader &in) {
@@ -98,7 +98,7 @@ Guid ReadGuid(ByteReader &in) {
 
 AskFrame ReadAsk(ByteReader &in) {
   AskFrame frame{ReadGuid(in), in.U64()};
-  // The filling makes a question as long as the longest answer, and is looked at no further.
+  // The padding makes a question as long as the longest answer. Its content is ignored.
   if (in.Left() < AskBytes - (1 + 4 + 2 + 16 + 8)) throw MalformedError("question: is too short");
   in.Rest();
   return frame;
@@ -205,7 +205,7 @@ AnyFrame DecodeDatagram(ByteView bytes) {
       type == FrameType::Resume) {
     if (in.U32() != Magic) throw MalformedError("frame: is not of this protocol");
     const std::uint16_t version = in.U16();
-    if (version != ProtocolVersion) return StrangerFrame{version};
+    if (version != ProtocolVersion) return OtherVersionFrame{version};
   }
   AnyFrame frame = ReadBody(type, in);
   in.ExpectEnd();
@@ -223,7 +223,7 @@ std::optional<AnyFrame> FrameReader::Next() {
   if (waiting.size() < LengthBytes) return std::nullopt;
   ByteReader in(waiting);
   const std::uint32_t length = in.U32();
-  // Told by the length alone, so that nobody makes us hold what we would refuse.
+  // Checked before the frame is complete, so that a peer can't make us buffer what we will refuse.
   if (length == 0 || length > largest_ - LengthBytes) throw MalformedError("frame: has a forbidden length");
   if (in.Left() < length) return std::nullopt;
   begin_ += LengthBytes + length;
@@ -262,7 +262,7 @@ std::string GuidText(const Guid &guid) {
 
 std::string CutText(const std::string &text, std::size_t bytes) {
   if (text.size() <= bytes) return text;
-  // A byte of the form 10xxxxxx goes on with the character before it.
+  // A byte 10xxxxxx continues the character before it.
   while (bytes > 0 && (static_cast<unsigned char>(text[bytes]) & 0xC0U) == 0x80U) --bytes;
   return text.substr(0, bytes);
 }

@@ -1,7 +1,7 @@
 #pragma once
 
-// Everything that two programs say to each other below the game, as typed values and as bytes. The one place
-// where the wire format stands in code; docs/protocol.md tells the same in words.
+// The frames of the protocol, as typed values and as bytes. The whole wire format is defined here;
+// docs/protocol.md describes it in words.
 
 #include "platform/session/bytes.h"
 #include "platform/session/protocol.h"
@@ -11,17 +11,17 @@
 
 namespace session {
 
-/// A search asks everybody, or the one host that was named, for sessions.
+/// A search asks for sessions: every computer within reach, or one named host.
 struct AskFrame {
   Guid Game{};
-  std::uint64_t Nonce = 0; ///< comes back in the answer
+  std::uint64_t Nonce = 0; ///< repeated in the answer
 };
 
-/// A host describes its session. It is joined at the address and port from which this came.
+/// A host's description of its session. Joiners connect to the address and port that sent it.
 struct AnswerFrame {
   Guid Game{};
   std::uint64_t Nonce = 0;
-  std::uint64_t Session = 0; ///< differs from session to session
+  std::uint64_t Session = 0; ///< unique to the session
   std::uint8_t CurrentPlayers = 0;
   std::uint8_t MaxPlayers = 0;
   std::uint32_t Flags = 0;
@@ -29,28 +29,28 @@ struct AnswerFrame {
   std::string Name; ///< UTF-8, at most LongestName bytes
 };
 
-/// The first frame of a joiner.
+/// The first frame from a joiner.
 struct JoinFrame {
   Guid Game{};
   std::uint64_t Session = 0;
 };
 
-/// The first frame on a new connection that goes on where a broken one stopped.
+/// The first frame on a connection that resumes a broken one.
 struct ResumeFrame {
   Guid Game{};
   std::uint64_t Session = 0;
   Token Secret{};
-  std::uint32_t Next = 0; ///< number of the next message that the joiner waits for
+  std::uint32_t Next = 0; ///< number of the next message that the joiner expects
 };
 
-/// The host takes the joiner in.
+/// The host accepts the joiner.
 struct WelcomeFrame {
   Token Secret{};
 };
 
-/// The host goes on.
+/// The host resumes.
 struct ResumedFrame {
-  std::uint32_t Next = 0; ///< number of the next message that the host waits for
+  std::uint32_t Next = 0; ///< number of the next message that the host expects
 };
 
 enum class RefuseReason : std::uint8_t {
@@ -67,7 +67,7 @@ struct RefuseFrame {
 
 enum class DataKind : std::uint8_t {
   Game = 0,   ///< a message of the game
-  Player = 1, ///< the sender's player has come
+  Player = 1, ///< the sender has created its player
 };
 
 /// A numbered message; the first has the number 1.
@@ -77,60 +77,60 @@ struct DataFrame {
   Bytes Payload;
 };
 
-/// A sign of life. Everything below `Next` has come.
+/// Acknowledges every message below `Next`. Also the keep-alive.
 struct AckFrame {
   std::uint32_t Next = 0;
 };
 
-/// The sender's program leaves the session.
+/// The sender leaves the session.
 struct ByeFrame {
   std::uint32_t Next = 0; ///< the number that its next message would have had
 };
 
 /// The first frame of a program that speaks another version of the protocol.
-struct StrangerFrame {
+struct OtherVersionFrame {
   std::uint16_t Version = 0;
 };
 
 using AnyFrame = std::variant<AskFrame, AnswerFrame, JoinFrame, ResumeFrame, WelcomeFrame, ResumedFrame,
-                              RefuseFrame, DataFrame, AckFrame, ByeFrame, StrangerFrame>;
+                              RefuseFrame, DataFrame, AckFrame, ByeFrame, OtherVersionFrame>;
 
-/// The bytes of a frame as a datagram carries it: without its length.
+/// A frame as a datagram carries it: without a length prefix.
 Bytes EncodeDatagram(const AnyFrame &frame);
 
-/// The bytes of a frame as a connection carries it: behind its length.
+/// A frame as a connection carries it: with a length prefix.
 Bytes EncodeFrame(const AnyFrame &frame);
 
-/// @throws MalformedError  if the bytes aren't exactly one frame
+/// @throws MalformedError  if the bytes are not exactly one frame
 AnyFrame DecodeDatagram(ByteView bytes);
 
-/// Cuts the bytes of a connection into frames.
+/// Splits the bytes of a connection into frames.
 class FrameReader {
 public:
-  /// @param largest  longest frame that is taken, its length included
+  /// @param largest  longest accepted frame, length prefix included
   explicit FrameReader(std::size_t largest) : largest_(largest) {}
 
   void SetLargest(std::size_t largest) { largest_ = largest; }
   void Add(ByteView bytes);
 
-  /// The next whole frame, if there is one.
-  /// @throws MalformedError  if what comes next is none; nothing can be read after that
+  /// The next complete frame, if there is one.
+  /// @throws MalformedError  if the next bytes are not a valid frame; the reader is unusable after that
   std::optional<AnyFrame> Next();
 
-  /// Bytes that wait for the rest of their frame.
+  /// Bytes of an incomplete frame.
   std::size_t Held() const { return bytes_.size() - begin_; }
 
 private:
   std::size_t largest_;
   Bytes bytes_;
-  std::size_t begin_ = 0; ///< bytes before it belong to frames already taken
+  std::size_t begin_ = 0; ///< bytes before it are consumed
 };
 
-/// "{7AB2F242-475F-11D4-AF9B-00C04F361528}" as bytes; nothing if the text is no GUID.
+/// "{7AB2F242-475F-11D4-AF9B-00C04F361528}" as bytes; nothing if the text is not a GUID.
 std::optional<Guid> ParseGuid(const std::string &text);
 std::string GuidText(const Guid &guid);
 
-/// The text, cut to at most `bytes` bytes between two characters.
+/// The text, truncated to at most `bytes` bytes at a character boundary.
 std::string CutText(const std::string &text, std::size_t bytes);
 
 } // namespace session

@@ -6,7 +6,7 @@ namespace session {
 
 namespace {
 
-/// Takes the same time wherever the first difference stands.
+/// Constant time, so that timing reveals nothing about the secret.
 bool SameSecret(const Token &a, const Token &b) {
   unsigned difference = 0;
   for (std::size_t i = 0; i < a.size(); ++i) difference |= static_cast<unsigned>(a[i] ^ b[i]);
@@ -18,24 +18,24 @@ void Refuse(Connection &connection, RefuseReason reason, std::int32_t now) {
   connection.Flush();
 }
 
-/// Makes room for one more. Whoever means to join goes on at once, so it is the oldest that has to go: the
-/// oldest of the computer that has the most, so that one computer alone can't push the others out.
-template <class Row, class PeerOf> void MakeRoom(Row &row, PeerOf peerOf) {
-  if (row.size() < MostPending) return;
-  const auto crowd = [&](const auto &each) {
-    return std::ranges::count_if(row, [&](const auto &other) { return peerOf(other) == peerOf(each); });
+/// Makes room for one more by removing the oldest connection of the address with the most connections: one
+/// computer alone can't push the others out, and a real joiner doesn't stay in the queue for long.
+template <class Queue, class PeerOf> void MakeRoom(Queue &queue, PeerOf peerOf) {
+  if (queue.size() < MostPending) return;
+  const auto fromSamePeer = [&](const auto &each) {
+    return std::ranges::count_if(queue, [&](const auto &other) { return peerOf(other) == peerOf(each); });
   };
-  row.erase(std::ranges::max_element(row, {}, crowd));
+  queue.erase(std::ranges::max_element(queue, {}, fromSamePeer));
 }
 
-std::uint8_t Byte(std::int32_t value) { return static_cast<std::uint8_t>(std::clamp(value, 0, 255)); }
+std::uint8_t ToByte(std::int32_t value) { return static_cast<std::uint8_t>(std::clamp(value, 0, 255)); }
 
 } // namespace
 
 HostSession::HostSession(Transport &transport, Reach reach, const DirectPlaySessionData &description)
     : Session(true), transport_(transport), description_(description) {
   const auto game = ParseGuid(description.GetGuidApplication());
-  if (!game) throw DirectPlayError("session: \"" + description.GetGuidApplication() + "\" is no GUID");
+  if (!game) throw DirectPlayError("session: \"" + description.GetGuidApplication() + "\" is not a GUID");
   game_ = *game;
   Bytes random(sizeof id_);
   transport.FillRandom(random);
@@ -61,7 +61,7 @@ AnswerFrame HostSession::Answer(std::uint64_t nonce) const {
   answer.Nonce = nonce;
   answer.Session = id_;
   answer.CurrentPlayers = 1;
-  answer.MaxPlayers = Byte(description_.GetMaxPlayers());
+  answer.MaxPlayers = ToByte(description_.GetMaxPlayers());
   answer.Flags = static_cast<std::uint32_t>(description_.GetFlags());
   answer.Rounds = static_cast<std::uint16_t>(description_.GetRounds());
   answer.Name = description_.GetSessionName();
@@ -104,13 +104,13 @@ void HostSession::AcceptConnections(std::int32_t now) {
 
 void HostSession::PollPending(std::int32_t now) {
   for (auto &connection : pending_) {
-    if (!Greet(connection, now)) connection.reset();
+    if (!HandleFirstFrame(connection, now)) connection.reset();
   }
   std::erase(pending_, nullptr);
 }
 
-/// Looks at the first frame of a stranger. Returns whether the connection goes on waiting.
-bool HostSession::Greet(std::unique_ptr<Connection> &connection, std::int32_t now) {
+/// Handles the first frame on a new connection. Returns whether the connection is still waiting for it.
+bool HostSession::HandleFirstFrame(std::unique_ptr<Connection> &connection, std::int32_t now) {
   try {
     const bool came = connection->Fill(now);
     const auto frame = connection->Next();
@@ -127,11 +127,11 @@ bool HostSession::Greet(std::unique_ptr<Connection> &connection, std::int32_t no
         connection->Write(Answer(ask->Nonce), now);
         connection->Flush();
       }
-    } else if (std::holds_alternative<StrangerFrame>(*frame)) {
+    } else if (std::holds_alternative<OtherVersionFrame>(*frame)) {
       Refuse(*connection, RefuseReason::OtherVersion, now);
     }
   } catch (const MalformedError &) {
-    // Not one of us.
+    // Not a program of ours.
   }
   return false;
 }
@@ -171,7 +171,7 @@ void HostSession::PollCandidates(std::int32_t now) {
     if (!each.Line.PlayerCame()) continue;
     secret_ = each.Secret;
     link_ = std::move(each.Line);
-    candidates_.clear(); // the others find the session full
+    candidates_.clear(); // to the others the session is full
     return;
   }
   std::erase_if(candidates_, [&](const Candidate &each) {

@@ -1,7 +1,7 @@
 #pragma once
 
-// The host's side: it answers searches, welcomes joiners, plays with the first that makes its player, and
-// goes on with it when it comes back after a break.
+// The host's side: answers searches, welcomes joiners, plays with the first one that creates its player, and
+// resumes with it after a break.
 
 #include "platform/direct_play.h"
 #include "platform/session/session.h"
@@ -23,7 +23,7 @@ public:
 private:
   using Pending = std::vector<std::unique_ptr<Connection>>;
 
-  /// A joiner that has been welcomed and hasn't made its player yet. It keeps nobody out.
+  /// A joiner that has been welcomed and hasn't created its player yet. It doesn't reserve the place.
   struct Candidate {
     std::string Peer;
     Token Secret{};
@@ -38,7 +38,7 @@ private:
   void AnswerDatagrams();
   void AcceptConnections(std::int32_t now);
   void PollPending(std::int32_t now);
-  bool Greet(std::unique_ptr<Connection> &connection, std::int32_t now);
+  bool HandleFirstFrame(std::unique_ptr<Connection> &connection, std::int32_t now);
   void TakeJoiner(std::unique_ptr<Connection> connection, const JoinFrame &join, std::int32_t now);
   void Resume(std::unique_ptr<Connection> connection, const ResumeFrame &resume, std::int32_t now);
   void PollCandidates(std::int32_t now);
@@ -53,8 +53,8 @@ private:
   std::uint16_t port_ = 0;
   std::unique_ptr<Listener> listener_;
   std::unique_ptr<DatagramPort> datagrams_;
-  Pending pending_;                   ///< connections of strangers, the oldest first
-  std::vector<Candidate> candidates_; ///< the oldest first
+  Pending pending_;                   ///< connections without a first frame, oldest first
+  std::vector<Candidate> candidates_; ///< oldest first
   Token secret_{};                    ///< of the joiner that plays
   bool leaving_ = false;
 };

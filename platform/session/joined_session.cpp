@@ -65,7 +65,7 @@ void JoinedSession::PollDial(std::int32_t now) {
     }
   } catch (const MalformedError &) {
     dial_.reset();
-    if (!joined_) Fail("what answers there is no host of this game");
+    if (!joined_) Fail("the program that answers is not a host of this game");
   }
 }
 
@@ -86,19 +86,19 @@ void JoinedSession::HandleReply(const AnyFrame &frame, std::int32_t now) {
     secret_ = welcome->Secret;
     link_.Attach(std::move(dial_), 1, now);
   } else if (resumed && joined_) {
-    // A host that has lost count can't be gone on with.
+    // The host's count is impossible, so the session can't be resumed.
     if (!link_.Attach(std::move(dial_), resumed->Next, now)) link_.Lose();
   } else if (const auto *refuse = std::get_if<RefuseFrame>(&frame)) {
     HandleRefusal(refuse->Reason);
   } else {
-    throw MalformedError("frame has no place in a handshake");
+    throw MalformedError("unexpected frame in a handshake");
   }
   dial_.reset();
 }
 
 void JoinedSession::HandleRefusal(RefuseReason reason) {
   if (joined_) {
-    link_.Lose(); // the program that took this one in would not refuse it
+    link_.Lose(); // the program that welcomed this one wouldn't refuse it
     return;
   }
   switch (reason) {

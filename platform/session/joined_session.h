@@ -1,12 +1,12 @@
 #pragma once
 
-// The joiner's side: it connects to the host, and connects again whenever the connection breaks.
+// The joiner's side: connects to the host, and reconnects when the connection breaks.
 
 #include "platform/session/session.h"
 
 namespace session {
 
-/// Everything by which a session found by a search can be joined.
+/// What is needed to join a session that a search has found.
 struct SessionAddress {
   Endpoint Host;
   std::uint64_t Session = 0;
@@ -25,7 +25,7 @@ public:
   std::optional<std::int32_t> NextDeadline() const override;
 
   bool Joined() const { return joined_; }
-  /// Why the host can't be joined; empty as long as it still may.
+  /// Why joining failed; empty if it hasn't.
   const std::string &Failure() const { return failure_; }
 
 private:
@@ -43,9 +43,9 @@ private:
   Token secret_{};
   bool joined_ = false;
   std::string failure_;
-  std::unique_ptr<Connection> dial_; ///< a connection whose handshake isn't done
-  bool introduced_ = false;          ///< this side's half of it is
-  std::int32_t dialAt_;              ///< when to try next
+  std::unique_ptr<Connection> dial_; ///< connection during the handshake
+  bool introduced_ = false;          ///< this side has sent its first frame
+  std::int32_t dialAt_;              ///< time of the next attempt
   int refusals_ = 0;                 ///< in a row
 };
 

@@ -7,17 +7,17 @@ void Link::Send(DataKind kind, const Bytes &payload, std::int32_t now) {
   Outgoing out{nextOut_, EncodeFrame(DataFrame{nextOut_, kind, payload})};
   ++nextOut_;
   outgoingBytes_ += out.frame.size();
-  if (unacknowledged_.empty()) thankedAt_ = now;
+  if (unacknowledged_.empty()) lastAckAt_ = now;
   unacknowledged_.push_back(std::move(out));
   if (outgoingBytes_ > MostOutgoing || unacknowledged_.size() > MostOutgoingMessages) {
-    // The other side has stopped to acknowledge; what it missed can't be kept for ever.
+    // The other side has stopped acknowledging, and the messages can't be kept for ever.
     Lose();
     return;
   }
   if (connection_) {
     connection_->WriteBytes(unacknowledged_.back().frame, now);
     connection_->Flush();
-    // It may acknowledge, by guessing, what it doesn't take off the line.
+    // A hostile peer can acknowledge by guessing and never read.
     if (connection_->Unsent() > MostOutgoing) Break(now);
   }
 }
@@ -25,12 +25,12 @@ void Link::Send(DataKind kind, const Bytes &payload, std::int32_t now) {
 bool Link::Attach(std::unique_ptr<Connection> connection, std::uint32_t peerNext, std::int32_t now) {
   const std::uint32_t oldest = unacknowledged_.empty() ? nextOut_ : unacknowledged_.front().number;
   if (state_ == State::Lost || peerNext < oldest || !CanAcknowledge(peerNext)) return false;
-  if (++fruitless_ > MostFruitlessResumes) {
+  if (++emptyResumes_ > MostEmptyResumes) {
     Lose();
     return false;
   }
   Acknowledged(peerNext, now);
-  thankedAt_ = now;
+  lastAckAt_ = now;
   connection_ = std::move(connection);
   connection_->EndHandshake();
   state_ = State::Up;
@@ -66,11 +66,11 @@ void Link::Poll(std::int32_t now) {
     Break(now);
     return;
   }
-  if (!unacknowledged_.empty() && Elapsed(thankedAt_, now) >= GiveUpMs) {
-    Lose(); // it lives, and doesn't take what is sent
+  if (!unacknowledged_.empty() && Elapsed(lastAckAt_, now) >= GiveUpMs) {
+    Lose(); // it is alive but acknowledges nothing
     return;
   }
-  // An acknowledgement never queues up behind one that hasn't gone out yet.
+  // No second acknowledgement while the first is still in the buffer.
   const bool signDue = Elapsed(connection_->Sent(), now) >= SignOfLifeMs;
   if ((ackDue_ || signDue) && connection_->Unsent() == 0) WriteAck(now);
   connection_->Flush();
@@ -80,7 +80,7 @@ void Link::Break(std::int32_t now) {
   connection_.reset();
   state_ = State::Broken;
   brokenAt_ = now;
-  // Lost only by a `Poll` after this one, so that everybody sees the break first.
+  // The link is lost only in a later `Poll`, so that callers see the break first.
 }
 
 void Link::Lose() {
@@ -103,7 +103,7 @@ void Link::SayBye(std::int32_t now) {
 
 bool Link::ByeIsOver() const {
   if (state_ == State::Waiting || state_ == State::Lost) return true;
-  // Whoever gets the farewell ends the connection.
+  // The receiver of the farewell ends the connection.
   return leaving_ && !connection_ && unacknowledged_.empty();
 }
 
@@ -119,9 +119,9 @@ void Link::Handle(const AnyFrame &frame, std::int32_t now) {
     connection_->Flush();
     Lose();
   } else {
-    throw MalformedError("frame has no place in a running session");
+    throw MalformedError("unexpected frame in a running session");
   }
-  fruitless_ = 0;
+  emptyResumes_ = 0;
 }
 
 void Link::HandleData(const DataFrame &frame) {
@@ -129,7 +129,7 @@ void Link::HandleData(const DataFrame &frame) {
   ackDue_ = true;
   if (frame.Number < nextIn_) return;
   if (playerFirst_ && !playerCame_ && frame.Kind != DataKind::Player) {
-    throw MalformedError("a message of nobody's");
+    throw MalformedError("a message before the player");
   }
   ++nextIn_;
   Deliver(frame);
@@ -153,7 +153,7 @@ void Link::Deliver(const DataFrame &frame) {
   incomingBytes_ += frame.Payload.size();
   incoming_.push_back({std::move(message), frame.Payload.size()});
   if (incoming_.size() > MostIncomingMessages || incomingBytes_ > MostIncoming) {
-    // No player types so fast: a flood. What of it waits isn't worth a look.
+    // No player sends this fast: it is a flood, and its messages are discarded.
     incoming_.clear();
     incomingBytes_ = 0;
     Lose();
@@ -162,7 +162,7 @@ void Link::Deliver(const DataFrame &frame) {
 
 void Link::Acknowledged(std::uint32_t next, std::int32_t now) {
   while (!unacknowledged_.empty() && unacknowledged_.front().number < next) {
-    thankedAt_ = now;
+    lastAckAt_ = now;
     outgoingBytes_ -= unacknowledged_.front().frame.size();
     unacknowledged_.pop_front();
   }

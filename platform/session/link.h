@@ -1,7 +1,7 @@
 #pragma once
 
-// What two programs of a session have said to each other, whatever connections carried it: every message has
-// a number, is kept until the other side has acknowledged it, and goes out again on the next connection.
+// Guaranteed delivery between the two programs of a session, across several connections: every message has a
+// number, is kept until the other side acknowledges it, and is sent again on the next connection.
 
 #include "platform/session/connection.h"
 #include "platform/session/session_message.h"
@@ -16,34 +16,34 @@ public:
   enum class State {
     Waiting, ///< nobody has joined yet
     Up,
-    Broken, ///< the connection broke; a new one may go on
-    Lost,   ///< for good: the other program has ended or can't be reached any more
+    Broken, ///< the connection broke; a new one may resume
+    Lost,   ///< for good: the other program has ended or is unreachable
   };
 
-  /// @param playerFirst  the other side has to make its player before it sends anything else
+  /// @param playerFirst  the other side must create its player before it sends anything else
   explicit Link(bool playerFirst) : playerFirst_(playerFirst) {}
 
   State GetState() const { return state_; }
   bool IsUp() const { return state_ == State::Up; }
 
-  /// Sends a message, now or as soon as there is a connection again. Nothing happens once the link is lost.
+  /// Sends a message, now or on the next connection. Does nothing once the link is lost.
   void Send(DataKind kind, const Bytes &payload, std::int32_t now);
 
-  /// Goes on with a connection whose handshake is done. What was under way on an older one is sent again.
-  /// @param peerNext  number of the next message that the other side waits for
-  /// @returns false, having changed nothing, if the other side can't mean that number
+  /// Continues on a connection whose handshake is done. Unacknowledged messages are sent again.
+  /// @param peerNext  number of the next message that the other side expects
+  /// @returns false, having changed nothing, if that number is impossible
   bool Attach(std::unique_ptr<Connection> connection, std::uint32_t peerNext, std::int32_t now);
 
-  /// Takes and sends what waits, keeps the connection alive and notices when it breaks.
+  /// Receives and sends what is due, keeps the connection alive and detects when it breaks.
   void Poll(std::int32_t now);
 
-  /// Gives the other side up. The game learns it behind all messages that came before.
+  /// Gives up the other side. The game is told after all messages that arrived before.
   void Lose();
 
   /// Tells the other side that this program leaves, on this connection or on the next one.
   void SayBye(std::int32_t now);
 
-  /// Whether there is nobody, or no more, to wait for after `SayBye`.
+  /// Whether nothing is left to wait for after `SayBye`.
   bool ByeIsOver() const;
 
   /// Whether the other side has acknowledged everything, or never will.
@@ -51,17 +51,17 @@ public:
     return unacknowledged_.empty() || state_ == State::Lost || state_ == State::Waiting;
   }
 
-  /// When `Poll` has something to do even if nothing arrives.
+  /// When `Poll` is due next even if nothing arrives.
   std::optional<std::int32_t> NextDeadline() const;
 
-  /// Messages that came, the oldest first.
+  /// Received messages, oldest first.
   std::size_t Waiting() const { return incoming_.size(); }
   std::shared_ptr<SessionMessage> Take(); ///< null if there is none
 
-  bool PlayerCame() const { return playerCame_; }  ///< the other side has made its player
-  std::uint32_t NextIn() const { return nextIn_; } ///< number of the next message that comes
+  bool PlayerCame() const { return playerCame_; }  ///< the other side has created its player
+  std::uint32_t NextIn() const { return nextIn_; } ///< number of the next message to receive
   int Resumes() const { return resumes_; }         ///< connections after the first
-  int Dropped() const { return dropped_; }         ///< messages that weren't whole fields
+  int Dropped() const { return dropped_; }         ///< messages that could not be decoded
 
 private:
   struct Outgoing {
@@ -86,7 +86,7 @@ private:
   std::unique_ptr<Connection> connection_;
   std::deque<Outgoing> unacknowledged_;
   std::size_t outgoingBytes_ = 0;
-  std::int32_t thankedAt_ = 0; ///< when the oldest of them became the one to be acknowledged next
+  std::int32_t lastAckAt_ = 0; ///< time of the last acknowledgement, or of the first message after all were
   std::uint32_t nextOut_ = 1;
   std::deque<Incoming> incoming_;
   std::size_t incomingBytes_ = 0;
@@ -96,7 +96,7 @@ private:
   bool leaving_ = false;
   std::int32_t brokenAt_ = 0; ///< when the last connection broke
   int resumes_ = -1;
-  int fruitless_ = 0; ///< connections in a row that broke before anything came
+  int emptyResumes_ = 0; ///< connections in a row that broke before any frame arrived
   int brokenFrames_ = 0;
   int dropped_ = 0;
 };

@@ -10,9 +10,9 @@ namespace session {
 
 namespace {
 
-constexpr std::size_t MostAddresses = 2; ///< of a name; more would only repeat the same host
+constexpr std::size_t MostAddresses = 2; ///< of a name; the rest would be the same host again
 constexpr std::uint16_t MostRounds = 99;
-constexpr std::size_t LongestHost = 255; ///< bytes; longer names don't exist
+constexpr std::size_t LongestHost = 255; ///< bytes; the limit of a DNS name
 
 std::string Trimmed(const std::string &text) {
   const auto first = text.find_first_not_of(" \t");
@@ -93,7 +93,7 @@ void Search::Poll(std::int32_t now) {
   done_ = answered || Elapsed(begun_, now) >= SearchMs;
 }
 
-/// Returns whether the search itself can go on. A name that has no address is the end of it.
+/// Returns whether the search can begin. An unknown name ends it.
 bool Search::FinishLookup(std::int32_t now) {
   if (!lookup_->Done() && Elapsed(begun_, now) < LookupMs) return false;
   const auto addresses = lookup_->Done() ? lookup_->Addresses() : std::vector<std::string>();
@@ -103,7 +103,7 @@ bool Search::FinishLookup(std::int32_t now) {
     done_ = true;
     return false;
   }
-  begun_ = askAt_ = now; // however long the name took, the host has all of the search's time to answer
+  begun_ = askAt_ = now; // the lookup doesn't count against the host's time to answer
   BeginCalls(addresses, now);
   return true;
 }
@@ -131,7 +131,7 @@ void Search::Ask() {
   for (const std::uint16_t port : Ports()) datagrams_->SendToAll(port, question);
 }
 
-/// Returns whether the call may still be answered.
+/// Returns whether the call may still get an answer.
 bool Search::PollCall(Call &call, std::int32_t now) {
   if (call.connection.GetState() == StreamState::Refused) {
     Learn(NobodyFound::NoGame);
@@ -148,10 +148,10 @@ bool Search::PollCall(Call &call, std::int32_t now) {
     const auto frame = call.connection.Next();
     if (frame) TakeReply(*frame, call.host);
     const bool hungUp = !frame && call.connection.GetState() == StreamState::Closed;
-    if (hungUp) Learn(NobodyFound::Full); // as a host does that takes nobody
+    if (hungUp) Learn(NobodyFound::Full); // a host that takes no joiner hangs up
     return !frame && !hungUp;
   } catch (const MalformedError &) {
-    return false; // another kind of program listens there
+    return false; // another program listens there
   }
 }
 
@@ -176,14 +176,14 @@ void Search::TakeDatagrams() {
 
 void Search::TakeAnswer(const AnyFrame &frame, const Endpoint &from) {
   const auto *answer = std::get_if<AnswerFrame>(&frame);
-  // Only who got the question knows its nonce.
+  // Only a receiver of the question knows its nonce.
   if (!answer || answer->Nonce != nonce_ || answer->Game != game_) return;
   if (answer->Rounds < 1 || answer->Rounds > MostRounds) return;
   if (answer->CurrentPlayers >= answer->MaxPlayers) return;
-  // A host answers as often as it is asked, over every network that leads to it.
+  // A host answers every repetition of the question, over every network that leads to it.
   if (found_.size() == MostSessionsFound) return;
   if (std::ranges::count(found_, answer->Session, &Found::Session) > 0) return;
-  // A computer has no more sessions than ports: one alone can't push the others off the list.
+  // One computer has at most one session a port, so it can't push the others off the list.
   if (std::ranges::count(found_, from.Address, &Found::Address) >= PortCount) return;
   DirectPlaySessionData data;
   data.SetGuidApplication(GuidText(answer->Game));

@@ -1,6 +1,6 @@
 #pragma once
 
-// The search for sessions: on this computer, on the local network, or at a host that the player has named.
+// The search for sessions: on this computer, on the local network, or at a named host.
 
 #include "platform/direct_play.h"
 #include "platform/search_prompt.h"
@@ -10,29 +10,29 @@
 
 namespace session {
 
-/// A computer as a player writes it: a name, an IPv4 or an IPv6 address, each with or without a port.
+/// A host as a player enters it: a name, an IPv4 or an IPv6 address, each with or without a port.
 struct HostName {
   std::string Host;
   std::optional<std::uint16_t> Port;
 
-  /// Understands "bramble", "bramble:28711", "192.168.1.7:28711", "fe80::1", "[fe80::1]:28711". Nothing if
-  /// the text is none of these.
+  /// Understands "bramble", "bramble:28711", "192.168.1.7:28711", "fe80::1", "[fe80::1]:28711". Nothing for
+  /// other texts.
   static std::optional<HostName> Parse(const std::string &text);
 };
 
 class Search {
 public:
-  /// @param host  asked alone; without one everybody within reach is asked
+  /// @param host  the only host to ask; without it every computer within reach is asked
   Search(Transport &transport, Reach reach, std::optional<HostName> host, const Guid &game, std::int32_t now);
 
   void Poll(std::int32_t now);
   bool Done() const { return done_; }
   std::int32_t NextDeadline() const;
 
-  std::vector<DirectPlaySessionData> Sessions() const; ///< in the order in which they were found
+  std::vector<DirectPlaySessionData> Sessions() const; ///< in the order of discovery
 
-  bool LooksUp() const { return lookup_ != nullptr; } ///< the host's name still has no address
-  NobodyFound WhyNobody() const { return why_; }      ///< what is known where there are no sessions
+  bool LooksUp() const { return lookup_ != nullptr; } ///< the name lookup is still running
+  NobodyFound WhyNobody() const { return why_; }      ///< meaningful if there are no sessions
 
 private:
   struct Call {
@@ -61,11 +61,11 @@ private:
   std::optional<HostName> host_;
   Guid game_;
   std::uint64_t nonce_ = 0;
-  std::int32_t begun_; ///< the look-up, and then the search
+  std::int32_t begun_; ///< start of the name lookup, then of the search
   std::int32_t askAt_;
   std::unique_ptr<DatagramPort> datagrams_;
   std::unique_ptr<Lookup> lookup_;
-  std::vector<Endpoint> asked_; ///< asked one by one; empty: everybody is asked
+  std::vector<Endpoint> asked_; ///< asked individually; empty: by broadcast
   std::vector<Call> calls_;     ///< the same question over TCP, for hosts behind a router
   std::vector<Found> found_;
   NobodyFound why_ = NobodyFound::NobodyAnswers;

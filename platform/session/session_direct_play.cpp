@@ -55,20 +55,20 @@ private:
 
 Guid ExpectGuid(const DirectPlaySessionData &description) {
   const auto guid = ParseGuid(description.GetGuidApplication());
-  if (!guid) throw DirectPlayError("session: \"" + description.GetGuidApplication() + "\" is no GUID");
+  if (!guid) throw DirectPlayError("session: \"" + description.GetGuidApplication() + "\" is not a GUID");
   return *guid;
 }
 
-/// Ends what it stands for.
-template <class Thing> struct EndOf {
+/// Resets a pointer at the end of its scope.
+template <class Thing> struct ResetAtEnd {
   std::unique_ptr<Thing> &thing;
-  ~EndOf() { thing.reset(); }
+  ~ResetAtEnd() { thing.reset(); }
 };
 
-/// While it lives no window gets events: a second press of a button must not begin anew what the first has
-/// begun.
-struct StillWindows {
-  explicit StillWindows(Machine &machine) : scope(machine, nobody) {}
+/// Keeps events from every window for its lifetime, so that a second press of a button can't start the same
+/// operation again.
+struct WindowsDisabled {
+  explicit WindowsDisabled(Machine &machine) : scope(machine, nobody) {}
   Window nobody;
   Machine::ModalScope scope;
 };
@@ -84,7 +84,7 @@ SessionDirectPlay::~SessionDirectPlay() {
   try {
     SessionDirectPlay::Close();
   } catch (const std::exception &) {
-    // The other side learns by the silence what it couldn't be told.
+    // The other side will notice the silence instead.
   }
 }
 
@@ -94,10 +94,10 @@ std::shared_ptr<DirectPlayEnumConnections> SessionDirectPlay::GetDPEnumConnectio
 }
 
 void SessionDirectPlay::InitializeConnection(const std::string &address) {
-  if (reach_) throw DirectPlayError("connection: this object has one already");
+  if (reach_) throw DirectPlayError("connection: this object already has one");
   const auto *method =
       std::ranges::find_if(Methods, [&](const Method &each) { return address == each.address; });
-  if (method == std::end(Methods)) throw DirectPlayError("connection: \"" + address + "\" is no method");
+  if (method == std::end(Methods)) throw DirectPlayError("connection: \"" + address + "\" is not a method");
   reach_ = method->reach;
 }
 
@@ -127,14 +127,15 @@ std::shared_ptr<DirectPlayEnumSessions>
 SessionDirectPlay::GetDPEnumSessions(const DirectPlaySessionData &wanted, std::int32_t, std::int32_t) {
   ExpectConnection();
   const Guid game = ExpectGuid(wanted);
-  const EndOf<Search> end{search_};
+  const ResetAtEnd<Search> end{search_};
   if (*reach_ == Reach::Network && makePrompt_) return std::make_shared<EnumSessions>(SearchByPrompt(game));
-  const StillWindows still(machine_);
+  const WindowsDisabled still(machine_);
   RunSearch(std::nullopt, game, [](const Search &) { return true; });
   return std::make_shared<EnumSessions>(search_->Sessions());
 }
 
-/// Runs a search until it is over or `goesOn`, asked at every look, says otherwise. `search_` has its result.
+/// Runs a search until it is over or `goesOn`, called after every poll, returns false. Leaves the result in
+/// `search_`.
 void SessionDirectPlay::RunSearch(std::optional<HostName> host, const Guid &game,
                                   const std::function<bool(const Search &)> &goesOn) {
   search_ = std::make_unique<Search>(*transport_, *reach_, std::move(host), game, machine_.timeGetTime());
@@ -142,7 +143,7 @@ void SessionDirectPlay::RunSearch(std::optional<HostName> host, const Guid &game
   while (!search_->Done() && goesOn(*search_)) machine_.WaitUntil(machine_.ClockIn(NetworkLookMs));
 }
 
-/// Lets the player name the place, and try again as long as nobody answers there.
+/// Lets the player enter the host, and try again as long as no session is found there.
 std::vector<DirectPlaySessionData> SessionDirectPlay::SearchByPrompt(const Guid &game) {
   const auto prompt = makePrompt_(machine_, machine_.SearchedHost);
   while (const auto answer = prompt->Ask()) {
@@ -161,7 +162,7 @@ std::vector<DirectPlaySessionData> SessionDirectPlay::SearchByPrompt(const Guid 
       goesOn = prompt->ShowSearching(what + place);
       return goesOn;
     });
-    // Who hosts comes this way too: on the local network an empty list is no failure.
+    // A player who wants to host comes this way too: on the local network an empty list is no failure.
     if (!goesOn || everybody || !search_->Sessions().empty()) return search_->Sessions();
     prompt->TellNobody(search_->WhyNobody(), host->Port.value_or(DefaultPort));
     search_.reset();
@@ -186,7 +187,7 @@ void SessionDirectPlay::Open(const DirectPlaySessionData &description, std::int3
 
 void SessionDirectPlay::Join(const DirectPlaySessionData &description) {
   const auto address = SessionAddress::FromText(description.GetAddress());
-  if (!address) throw DirectPlayError("session: its description comes from no search");
+  if (!address) throw DirectPlayError("session: its description isn't from a search");
   struct Joining {
     SessionDirectPlay &owner;
     bool done = false;
@@ -213,26 +214,26 @@ std::int32_t SessionDirectPlay::CreatePlayer(const std::string &, const std::str
   if (!session_ || joining_) throw DirectPlayError("player: there is no session");
   if (player_ != 0) throw DirectPlayError("player: there is one already");
   player_ = isHost_ ? HostPlayer : JoiningPlayer;
-  // Who joins later learns of the host by having joined.
+  // A joiner knows the host by having joined.
   if (isHost_) return player_;
   session_->GetLink().Send(DataKind::Player, {}, machine_.timeGetTime());
-  // Only the host's acknowledgement says that this player is in: another joiner may have been quicker.
+  // Only the host's acknowledgement confirms the place: another joiner may have been quicker.
   Link &link = session_->GetLink();
   Await([&] { return link.AllDelivered(); });
   const bool refused = link.GetState() == Link::State::Lost;
   if (refused || !link.AllDelivered()) {
     Close();
-    throw DirectPlayError(refused ? "player: the host plays with another"
+    throw DirectPlayError(refused ? "player: the host plays with another joiner"
                                   : "player: the host does not acknowledge it");
   }
   return player_;
 }
 
-/// Waits, so long as joining may take, while no window gets events.
+/// Waits until `over` or `OpenMs`, with the windows disabled.
 void SessionDirectPlay::Await(const std::function<bool()> &over) {
   const std::int32_t end = machine_.ClockIn(OpenMs);
   Poll();
-  const StillWindows still(machine_);
+  const WindowsDisabled still(machine_);
   while (!over() && !machine_.ClockReached(end)) {
     machine_.WaitUntil(machine_.ClockIn(NetworkLookMs));
     if (!session_) throw DirectPlayError("session: closed while it was being joined");
@@ -248,7 +249,7 @@ std::int32_t SessionDirectPlay::GetMessageCount(std::int32_t player) {
 std::shared_ptr<DirectPlayMessage> SessionDirectPlay::Receive(std::int32_t &from, std::int32_t &to,
                                                               std::int32_t) {
   const auto message = session_ && player_ != 0 ? session_->GetLink().Take() : nullptr;
-  if (!message) throw DirectPlayError("message: none waits");
+  if (!message) throw DirectPlayError("message: the queue is empty");
   const bool game = message->GetKind() == DirectPlayMessage::Kind::Game;
   from = !game ? DPID_ALLPLAYERS : isHost_ ? JoiningPlayer : HostPlayer;
   to = player_;
@@ -261,9 +262,10 @@ std::shared_ptr<DirectPlayMessage> SessionDirectPlay::CreateMessage() {
 
 void SessionDirectPlay::Send(std::int32_t from, std::int32_t, std::int32_t,
                              const DirectPlayMessage &message) {
-  if (!session_ || player_ == 0 || from != player_) throw DirectPlayError("message: is no player's");
+  if (!session_ || player_ == 0 || from != player_)
+    throw DirectPlayError("message: the sender is not the local player");
   const auto *fields = dynamic_cast<const SessionMessage *>(&message);
-  if (!fields) throw DirectPlayError("message: was not made here");
+  if (!fields) throw DirectPlayError("message: is of another network");
   const Bytes payload = fields->Encode();
   if (payload.size() > LargestPayload) throw DirectPlayError("message: is too long");
   session_->GetLink().Send(DataKind::Game, payload, machine_.timeGetTime());
@@ -278,7 +280,7 @@ bool SessionDirectPlay::Broken() { return session_ && session_->GetLink().GetSta
 
 void SessionDirectPlay::Close() {
   if (!session_) return;
-  // No pump here: the game may be on its way out, and must not be called any more.
+  // No pump here: the game may be unwinding and must not be called.
   session_->SayBye(machine_.timeGetTime());
   for (std::int32_t waited = 0; waited < FarewellMs && !session_->GetLink().ByeIsOver();
        waited += NetworkLookMs) {

@@ -1,6 +1,6 @@
 #pragma once
 
-// The network as the game sees it, over any transport.
+// The game's network interface, over any transport.
 
 #include "platform/machine.h"
 #include "platform/search_prompt.h"
@@ -36,7 +36,7 @@ public:
   bool Broken() override;
   void Close() override;
 
-  /// The session that is open, for whoever measures it; null if there is none.
+  /// The open session, for measurements; null if there is none.
   Session *Opened() { return session_.get(); }
 
 private:
@@ -55,8 +55,8 @@ private:
   std::optional<Reach> reach_;
   std::unique_ptr<Search> search_;         ///< while a search runs
   std::unique_ptr<Session> session_;       ///< while a session is open
-  std::unique_ptr<RouterPort> routerPort_; ///< of a host, as long
-  std::int32_t player_ = 0;                ///< id of the local player, 0 as long as there is none
+  std::unique_ptr<RouterPort> routerPort_; ///< while a host is open
+  std::int32_t player_ = 0;                ///< id of the local player, 0 if there is none
   bool isHost_ = false;
   bool joining_ = false;
 };

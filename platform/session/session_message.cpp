@@ -31,7 +31,7 @@ SessionMessage SessionMessage::Decode(ByteView bytes) {
       message.WriteSingle(std::bit_cast<float>(reader.U32()));
       break;
     default:
-      throw MalformedError("message: no field has the type " + std::to_string(type));
+      throw MalformedError("message: unknown field type " + std::to_string(type));
     }
   }
   return message;

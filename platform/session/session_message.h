@@ -1,6 +1,6 @@
 #pragma once
 
-// A message as a row of typed fields, and its bytes.
+// A message as a sequence of typed fields, and its encoding.
 
 #include "platform/direct_play.h"
 #include "platform/session/bytes.h"
@@ -13,11 +13,11 @@ class SessionMessage : public DirectPlayMessage {
 public:
   explicit SessionMessage(Kind kind = Kind::Game) : kind_(kind) {}
 
-  /// Reads the fields of a game message out of its bytes.
-  /// @throws MalformedError  if they aren't whole fields of known types
+  /// Decodes a game message.
+  /// @throws MalformedError  if the bytes are not complete fields of known types
   static SessionMessage Decode(ByteView bytes);
 
-  /// The bytes of all fields, those already read included.
+  /// Encodes all fields, including those already read.
   Bytes Encode() const;
 
   void WriteString(const std::string &value) override { fields_.emplace_back(value); }
@@ -42,7 +42,7 @@ private:
 template <class T> const T &SessionMessage::Read(const char *type) {
   if (AtEnd()) throw DirectPlayError(std::string("message: a ") + type + " is missing");
   const T *value = std::get_if<T>(&fields_[next_]);
-  if (!value) throw DirectPlayError("message: field " + std::to_string(next_ + 1) + " is no " + type);
+  if (!value) throw DirectPlayError("message: field " + std::to_string(next_ + 1) + " is not a " + type);
   ++next_;
   return *value;
 }

@@ -1,7 +1,7 @@
 #pragma once
 
-// What the session layer asks of a network: streams of bytes, datagrams, names, random bytes. Nothing here
-// blocks; everything is polled from the game's one thread.
+// The network as the session layer uses it: streams, datagrams, name lookup, random bytes. Nothing here
+// blocks; the game's one thread polls everything.
 
 #include "platform/session/bytes.h"
 
@@ -11,7 +11,7 @@
 
 namespace session {
 
-/// Where a program can be reached: a numeric address and a port.
+/// A numeric address and a port.
 struct Endpoint {
   std::string Address;
   std::uint16_t Port = 0;
@@ -26,46 +26,46 @@ constexpr const char *LoopbackAddress = "127.0.0.1";
 enum class StreamState {
   Connecting,
   Open,
-  Refused, ///< the other computer answered that no program listens there
-  Closed,  ///< ended by the other side or broken; what came before can still be received
+  Refused, ///< the other computer answered that no program listens on the port
+  Closed,  ///< ended by the other side or broken; bytes received before can still be read
 };
 
-/// A connection. Its end closes it; what was sent still goes out.
+/// A connection. The destructor closes it; bytes already sent still go out.
 class Stream {
 public:
   virtual ~Stream() = default;
   virtual StreamState GetState() = 0;
 
-  /// Numeric address of the computer at the other end.
+  /// Numeric address of the other computer.
   virtual const std::string &Peer() const = 0;
 
-  /// Takes what has come, up to the size of `into`. Returns the number of bytes, 0 if there is nothing.
+  /// Reads what has arrived, up to the size of `into`. Returns the number of bytes, 0 if there is nothing.
   virtual std::size_t Receive(std::span<std::uint8_t> into) = 0;
 
-  /// Sends so much as the network takes now. Returns the number of bytes.
+  /// Sends as much as the network takes now. Returns the number of bytes.
   virtual std::size_t Send(ByteView bytes) = 0;
 };
 
-/// Takes connections from others until its end.
+/// Accepts connections while it lives.
 class Listener {
 public:
   virtual ~Listener() = default;
-  /// The next connection; null if none waits.
+  /// The next connection; null if there is none.
   virtual std::unique_ptr<Stream> Accept() = 0;
 };
 
-/// Sends and takes datagrams until its end. Any of them may get lost.
+/// Sends and receives datagrams while it lives. Any of them may get lost.
 class DatagramPort {
 public:
   virtual ~DatagramPort() = default;
-  /// Takes the next datagram. False if none waits.
+  /// Receives the next datagram. False if there is none.
   virtual bool Receive(Endpoint &from, Bytes &data) = 0;
   virtual void Send(const Endpoint &to, ByteView data) = 0;
-  /// Sends to that port of every computer of the local network, this one included.
+  /// Sends to the port on every computer of the local network, including this one.
   virtual void SendToAll(std::uint16_t port, ByteView data) = 0;
 };
 
-/// The search for a name's addresses.
+/// The resolution of a name.
 class Lookup {
 public:
   virtual ~Lookup() = default;
@@ -74,7 +74,7 @@ public:
   virtual std::vector<std::string> Addresses() = 0;
 };
 
-/// A port by which the home router lets callers in to this computer, until its end.
+/// A port of the home router that is forwarded to this computer while the object lives.
 class RouterPort {
 public:
   virtual ~RouterPort() = default;
@@ -86,30 +86,30 @@ class Transport {
 public:
   virtual ~Transport() = default;
 
-  /// Moves everything on that waits.
+  /// Handles everything that is due.
   virtual void Poll() = 0;
 
-  /// Null if the port can't be had.
+  /// Null if the port isn't available.
   virtual std::unique_ptr<Listener> Listen(Reach reach, std::uint16_t port) = 0;
 
-  /// Null if the port can't be had. Port 0 is any free one.
+  /// Null if the port isn't available. Port 0 is any free one.
   virtual std::unique_ptr<DatagramPort> OpenDatagrams(Reach reach, std::uint16_t port) = 0;
 
-  /// Has the home router, if there is one that does such a thing, let callers in at that port, TCP and UDP,
-  /// as long as the result lives. Nobody is told whether it does. May be null.
+  /// Asks the home router to forward the port, TCP and UDP, to this computer while the result lives. Success
+  /// isn't reported. May be null.
   virtual std::unique_ptr<RouterPort> OpenRouterPort(std::uint16_t port) = 0;
 
   virtual std::unique_ptr<Stream> Connect(const Endpoint &to) = 0;
   virtual std::unique_ptr<Lookup> LookUp(const std::string &name) = 0;
 
-  /// Random bytes that nobody can guess.
+  /// Cryptographically random bytes.
   virtual void FillRandom(std::span<std::uint8_t> bytes) = 0;
 
-  /// Tells when the session has to be polled again at the latest, if nothing arrives before.
+  /// Sets when the session must be polled again at the latest, if nothing arrives before.
   virtual void WakeAt(std::optional<std::int32_t> moment) = 0;
 
-  /// Waits some milliseconds for something to arrive, without a pump of the machine. Returns false where time
-  /// doesn't go on in such a wait.
+  /// Sleeps without pumping the machine. Returns false if time stands still meanwhile, so that there is no
+  /// point in waiting.
   virtual bool Rest(std::int32_t milliseconds) = 0;
 };
 

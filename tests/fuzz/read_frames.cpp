@@ -16,7 +16,7 @@ namespace {
 /// What was understood is exactly what was there.
 void RequireSame(const AnyFrame &frame, ByteView bytes) {
   // A question's filling says nothing, and of a frame of another version only that is known.
-  if (std::holds_alternative<AskFrame>(frame) || std::holds_alternative<StrangerFrame>(frame)) return;
+  if (std::holds_alternative<AskFrame>(frame) || std::holds_alternative<OtherVersionFrame>(frame)) return;
   Require(std::ranges::equal(EncodeDatagram(frame), bytes), "a frame comes back from its bytes");
 }
 
