@@ -1,5 +1,7 @@
 #include "net/address_lookup.h"
 
+#include <arpa/inet.h>
+
 #include <array>
 #include <stdexcept>
 
@@ -40,7 +42,7 @@ void StopSockets(Machine &machine) {
   if (machine.WinSock().WSACleanup() != 0) Tell(machine, "Socket error occurred in Cleanup.");
 }
 
-/// A signed number with a blank in the place of a plus.
+/// A signed number with a blank instead of a plus sign.
 std::string Signed(std::int32_t number) { return (number < 0 ? "" : " ") + std::to_string(number); }
 
 std::string Trimmed(const std::string &name) {
@@ -55,39 +57,11 @@ std::string Dotted(const std::string &bytes) {
   return text;
 }
 
-/// Eight groups in hexadecimal without leading zeros, the longest run of at least two zero groups left out.
+/// An IPv6 address in its usual form.
 std::string Colons(const std::string &bytes) {
-  constexpr std::size_t Groups = 8;
-  std::array<unsigned, Groups> group{};
-  for (std::size_t i = 0; i < Groups; ++i) {
-    group[i] = static_cast<unsigned>(static_cast<unsigned char>(bytes[2 * i]) << 8U) |
-               static_cast<unsigned char>(bytes[2 * i + 1]);
-  }
-  std::size_t gap = Groups, gapLength = 1;
-  for (std::size_t i = 0; i < Groups; ++i) {
-    std::size_t length = 0;
-    while (i + length < Groups && group[i + length] == 0) ++length;
-    if (length > gapLength) {
-      gap = i;
-      gapLength = length;
-    }
-  }
-  constexpr const char *Digits = "0123456789abcdef";
-  std::string text;
-  for (std::size_t i = 0; i < Groups; ++i) {
-    if (i == gap) {
-      text += "::";
-      i += gapLength - 1;
-      continue;
-    }
-    if (!text.empty() && text.back() != ':') text += ':';
-    std::string hexadecimal;
-    for (unsigned rest = group[i]; rest != 0 || hexadecimal.empty(); rest /= 16) {
-      hexadecimal.insert(hexadecimal.begin(), Digits[rest % 16]);
-    }
-    text += hexadecimal;
-  }
-  return text;
+  std::array<char, INET6_ADDRSTRLEN> text{};
+  inet_ntop(AF_INET6, bytes.data(), text.data(), text.size());
+  return text.data();
 }
 
 } // namespace
@@ -124,7 +98,7 @@ void TellLocalAddress(Machine &machine) {
   try {
     address = LookUpLocalAddress(machine);
   } catch (const std::runtime_error &) {
-    // Told like having no network.
+    // Reported like having no network.
   }
   if (address != Loopback) {
     machine.MsgBox({"Your IP address is: " + address, "IP Address:"});

@@ -27,17 +27,23 @@ std::string ReadFile(const std::filesystem::path &path) {
   return text.str();
 }
 
-std::string ReplaceElements(std::string text, const std::string &name,
-                            const std::function<std::string(const Element &)> &replacement) {
-  for (Element element = FindElement(text, name); !element.name.empty();) {
-    const std::string svg = replacement(element);
-    text.replace(element.begin, element.end - element.begin, svg);
-    element = FindElement(text, name, element.begin + svg.size());
+using Replacement = std::function<pugi::xml_document(const Element &)>;
+
+/// Puts the replacement of every element of that name in its place, at any depth.
+void ReplaceElements(pugi::xml_node parent, const std::string &name, const Replacement &replacement) {
+  for (pugi::xml_node child = parent.first_child(), next; child; child = next) {
+    next = child.next_sibling();
+    if (child.name() != name) {
+      ReplaceElements(child, name, replacement);
+      continue;
+    }
+    const pugi::xml_document markup = replacement(Element(child));
+    for (const pugi::xml_node &each : markup) parent.insert_copy_before(each, child);
+    parent.remove_child(child);
   }
-  return text;
 }
 
-/// Puts a part's parameters in: {name} is the attribute of that name, {name|otherwise} may be left out.
+/// Fills in a part's parameters: {name} is the attribute of that name, {name|default} may be missing.
 std::string FillIn(std::string text, const Element &part) {
   for (std::size_t open = 0; (open = text.find('{', open)) != std::string::npos;) {
     const std::size_t close = text.find('}', open);
@@ -47,19 +53,29 @@ std::string FillIn(std::string text, const Element &part) {
     const std::string value = bar == std::string::npos
                                   ? part.Text(inside)
                                   : part.Text(inside.substr(0, bar), inside.substr(bar + 1));
-    const std::string escaped = Escape(value);
-    text.replace(open, close - open + 1, escaped);
-    open += escaped.size();
+    text.replace(open, close - open + 1, value);
+    open += value.size();
   }
   return text;
 }
 
-std::string PutInParts(const std::string &text, const std::filesystem::path &directory, int depth) {
+/// The same in every attribute and text of a part's markup.
+void FillIn(pugi::xml_node node, const Element &part) {
+  for (pugi::xml_attribute attribute : node.attributes())
+    attribute.set_value(FillIn(attribute.value(), part).c_str());
+  if (node.type() == pugi::node_pcdata) node.set_value(FillIn(node.value(), part).c_str());
+  for (const pugi::xml_node &child : node) FillIn(child, part);
+}
+
+void PutInParts(pugi::xml_node markup, const std::filesystem::path &directory, int depth) {
   if (depth > DeepestPart) throw std::runtime_error("parts are nested too deeply");
-  return ReplaceElements(text, "part", [&](const Element &part) {
-    const std::string name = part.Text("name");
+  ReplaceElements(markup, "part", [&](const Element &element) {
+    const std::string name = element.Text("name");
     try {
-      return PutInParts(FillIn(ReadFile(directory / (name + ".svg")), part), directory, depth + 1);
+      pugi::xml_document part = ParseMarkup(ReadFile(directory / (name + ".svg")));
+      FillIn(part, element);
+      PutInParts(part, directory, depth + 1);
+      return part;
     } catch (const std::invalid_argument &error) {
       throw std::invalid_argument("in part " + name + ": " + error.what());
     }
@@ -74,11 +90,13 @@ int main(int count, char **arguments) {
     return 2;
   }
   try {
-    std::string svg = PutInParts(ReadFile(arguments[1]), arguments[2], 0);
-    svg = ReplaceElements(svg, "lettering", SetLettering);
-    svg = ReplaceElements(svg, "crowd", SetCrowd);
+    pugi::xml_document picture = ParseMarkup(ReadFile(arguments[1]));
+    PutInParts(picture, arguments[2], 0);
+    ReplaceElements(picture, "lettering",
+                    [](const Element &each) { return ParseMarkup(SetLettering(each)); });
+    ReplaceElements(picture, "crowd", [](const Element &each) { return ParseMarkup(SetCrowd(each)); });
     std::ofstream output(arguments[3], std::ios::binary);
-    output << svg;
+    picture.save(output, "", pugi::format_raw | pugi::format_no_declaration);
     if (!output.flush()) throw std::runtime_error(std::string("cannot write ") + arguments[3]);
   } catch (const std::exception &error) {
     std::cerr << arguments[1] << ": " << error.what() << "\n";

@@ -1,33 +1,12 @@
 #include "markup.h"
 
-#include <cctype>
 #include <cmath>
 #include <cstdio>
 #include <stdexcept>
 
-namespace {
-
-std::string ReplaceAll(std::string text, const std::string &from, const std::string &to) {
-  for (std::size_t at = 0; (at = text.find(from, at)) != std::string::npos; at += to.size()) {
-    text.replace(at, from.size(), to);
-  }
-  return text;
-}
-
-std::string Resolve(std::string_view text) {
-  std::string plain(text);
-  plain = ReplaceAll(plain, "&quot;", "\"");
-  plain = ReplaceAll(plain, "&lt;", "<");
-  plain = ReplaceAll(plain, "&gt;", ">");
-  return ReplaceAll(plain, "&amp;", "&");
-}
-
-} // namespace
-
 std::string Element::Text(const std::string &attribute) const {
-  const auto found = attributes.find(attribute);
-  if (found == attributes.end()) throw std::invalid_argument("<" + name + "> has no attribute " + attribute);
-  return found->second;
+  if (Has(attribute)) return node_.attribute(attribute.c_str()).value();
+  throw std::invalid_argument(std::string("<") + node_.name() + "> has no attribute " + attribute);
 }
 
 std::string Element::Text(const std::string &attribute, const std::string &otherwise) const {
@@ -44,7 +23,8 @@ double Element::Number(const std::string &attribute) const {
     read = 0;
   }
   if (read == 0 || read != text.size()) {
-    throw std::invalid_argument("<" + name + "> " + attribute + "=\"" + text + "\" is not a number");
+    throw std::invalid_argument(std::string("<") + node_.name() + "> " + attribute + "=\"" + text +
+                                "\" is not a number");
   }
   return value;
 }
@@ -53,47 +33,16 @@ double Element::Number(const std::string &attribute, double otherwise) const {
   return Has(attribute) ? Number(attribute) : otherwise;
 }
 
-Element FindElement(std::string_view text, const std::string &name, std::size_t from) {
-  Element element;
-  const std::string opening = "<" + name;
-  std::size_t at = from;
-  do {
-    at = text.find(opening, at);
-    if (at == std::string_view::npos) return element;
-    at += opening.size();
-  } while (at < text.size() && text[at] != ' ' && text[at] != '/' && text[at] != '>' && text[at] != '\n');
-
-  element.name = name;
-  element.begin = at - opening.size();
-  while (at < text.size() && text[at] != '>' && text[at] != '/') {
-    if (std::isspace(static_cast<unsigned char>(text[at]))) {
-      ++at;
-      continue;
-    }
-    const std::size_t equals = text.find("=\"", at);
-    const std::size_t close = equals == std::string_view::npos ? equals : text.find('"', equals + 2);
-    if (close == std::string_view::npos) throw std::invalid_argument("<" + name + "> has an open attribute");
-    element.attributes[std::string(text.substr(at, equals - at))] =
-        Resolve(text.substr(equals + 2, close - equals - 2));
-    at = close + 1;
+pugi::xml_document ParseMarkup(const std::string &text) {
+  // Line breaks in attributes count: they part the paragraphs of a lettering.
+  constexpr unsigned Options = (pugi::parse_default | pugi::parse_fragment) & ~pugi::parse_wconv_attribute;
+  pugi::xml_document document;
+  const auto result = document.load_string(text.c_str(), Options);
+  if (!result) {
+    throw std::invalid_argument(std::string(result.description()) + " at byte " +
+                                std::to_string(result.offset));
   }
-  if (text.substr(at, 2) == "/>") {
-    element.end = at + 2;
-    return element;
-  }
-  const std::string closing = "</" + name + ">";
-  const std::size_t close = text.find(closing, at);
-  if (close == std::string_view::npos) throw std::invalid_argument("<" + name + "> isn't closed");
-  element.content = Resolve(text.substr(at + 1, close - at - 1));
-  element.end = close + closing.size();
-  return element;
-}
-
-std::string Escape(std::string_view text) {
-  std::string escaped = ReplaceAll(std::string(text), "&", "&amp;");
-  escaped = ReplaceAll(escaped, "<", "&lt;");
-  escaped = ReplaceAll(escaped, ">", "&gt;");
-  return ReplaceAll(escaped, "\"", "&quot;");
+  return document;
 }
 
 std::string Decimal(double value) {

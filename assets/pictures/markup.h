@@ -1,36 +1,34 @@
 #pragma once
 
-// As much of XML as the pictures' sources need: finding our own elements in a text and reading their
-// attributes.
+// Our own elements in the sources of the pictures: their attributes and contents.
 
-#include <cstddef>
-#include <map>
+#include <pugixml.hpp>
+
 #include <string>
-#include <string_view>
 
-/// One element `<name a="1" b="2">content</name>` or `<name .../>`.
+/// One element `<name a="1" b="2">content</name>`.
 class Element {
 public:
-  std::string name;
-  std::map<std::string, std::string> attributes; ///< entities resolved
-  std::string content;                           ///< entities resolved; no elements inside
-  std::size_t begin = 0, end = 0;                ///< where it stands in the text that was searched
+  explicit Element(const pugi::xml_node &node) : content(node.text().get()), node_(node) {}
 
-  bool Has(const std::string &attribute) const { return attributes.contains(attribute); }
-  /// @throws std::invalid_argument  if there is none of that name
+  std::string content; ///< the text inside
+
+  /// @throws std::invalid_argument  if the attribute is missing
   std::string Text(const std::string &attribute) const;
   std::string Text(const std::string &attribute, const std::string &otherwise) const;
-  /// @throws std::invalid_argument  if there is none of that name or it is no number
+  /// @throws std::invalid_argument  if the attribute is missing or is not a number
   double Number(const std::string &attribute) const;
   double Number(const std::string &attribute, double otherwise) const;
+
+private:
+  bool Has(const std::string &attribute) const { return node_.attribute(attribute.c_str()) != nullptr; }
+
+  pugi::xml_node node_;
 };
 
-/// The first element of that name at or behind `from`; its name is empty if there is none.
-/// @throws std::invalid_argument  if it doesn't end
-Element FindElement(std::string_view text, const std::string &name, std::size_t from = 0);
-
-/// The text with its special characters as entities, to be put into an attribute.
-std::string Escape(std::string_view text);
+/// Parses markup: any number of elements side by side.
+/// @throws std::invalid_argument  if it is not well-formed
+pugi::xml_document ParseMarkup(const std::string &text);
 
 /// A number as SVG wants it, to a hundredth.
 std::string Decimal(double value);
