@@ -1,13 +1,13 @@
 #pragma once
 
-// What comes from files is looked at when the program starts and again when a match begins, so that nobody
-// plays for an hour and then misses a picture.
+// All files are checked when the program starts and again when a match begins, so that a missing image
+// doesn't surface after an hour of play.
 
 #include "match/program.h"
 
-/// Makes sure that everything which a match shows can be read.
-/// @throws FileError  that names the first file which can't, and says why
+/// Checks that every file which a match shows is readable.
+/// @throws FileError  if one isn't; names the first and says why
 void CheckMatchFiles(Machine &machine, Program &program);
 
-/// The same for the windows that inform.
+/// The same for the information windows.
 void CheckInformationFiles(Machine &machine);

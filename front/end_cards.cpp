@@ -1,4 +1,4 @@
-// The front page that a match ends with.
+// The newspaper front page at the end of a match.
 
 #include "front/check_files.h"
 #include "front/picture_window.h"
@@ -13,7 +13,7 @@ namespace {
 constexpr float ScorePoints = 18.0f;
 constexpr Color PrintersInk{18, 16, 13};
 
-/// A front page with the score of the match in its box.
+/// A front page with the final score.
 class FrontPage : public PictureWindow {
 public:
   FrontPage(frmSnapwedge &play, const std::string &name, const std::string &caption, int width, int height)
@@ -39,7 +39,7 @@ FrontPage Away(frmSnapwedge &play) { return {play, "frmAway", "Away Team Wins!!"
 
 FrontPage Tie(frmSnapwedge &play) { return {play, "frmTie", "It's All Tied Up!", 4470, 3390}; }
 
-/// A page that has gone bad during the match doesn't take the result with it.
+/// If the image has become unreadable during the match, the error still tells the result.
 void ShowPage(FrontPage &&page) {
   try {
     page.ShowModal();

@@ -14,9 +14,9 @@ namespace {
 
 constexpr int HighColorBits = 16;
 constexpr std::int16_t DefaultRounds = 5;
-constexpr float SessionSuffixes = 10000.0f; ///< the default session name ends in one of so many numbers
+constexpr float SessionSuffixes = 10000.0f; ///< the default session name ends in a number below this
 
-/// A whole number from 1 to 99, with blanks around it or not; nothing for any other text.
+/// A whole number from 1 to 99, with optional blanks around it; nothing for any other text.
 std::optional<std::int16_t> ParseRounds(const std::string &text) {
   const auto first = text.find_first_not_of(" \t");
   if (first == std::string::npos) return std::nullopt;
@@ -29,7 +29,7 @@ std::optional<std::int16_t> ParseRounds(const std::string &text) {
   return static_cast<std::int16_t>(value);
 }
 
-/// Loads the eleven sounds and starts the launch window's.
+/// Loads all sounds and starts those of the launch window.
 void StartSounds(Program &program, const Window &window) {
   program.DS->SetCooperativeLevel(window, DSSCL_PRIORITY);
   const auto directory = program.machine.AppPath();
@@ -140,7 +140,7 @@ void frmNewNet::OpenPlayWindow() {
   CheckMatchFiles(machine, program);
   frmSnapwedge play(machine, program);
   program.LaunchWindow = this;
-  // In a network game this window stays open behind the play window, but nothing of it may run again.
+  // In a network game this window stays open behind the play window, but its controls must not work.
   const Machine::ModalScope scope(machine, play);
   play.Load();
 }

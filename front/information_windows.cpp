@@ -7,7 +7,7 @@ namespace {
 
 constexpr float ButtonPoints = 9.75f;
 constexpr float DocumentPoints = 12.0f;
-constexpr std::int32_t DeafMs = 400; ///< of a picture window, from its opening, to clicks
+constexpr std::int32_t DeafMs = 400; ///< after opening, a picture window ignores clicks for this time
 
 /// The read-me and the one button that closes it.
 class frmText : public Window {
@@ -34,7 +34,7 @@ public:
 
   void Command1_Click() { machine.Hide(*this); }
 
-  /// The document keeps no caret: the keyboard stays with the button.
+  /// The document has no caret, so the button keeps the keyboard.
   void RichTextBox1_GotFocus() { machine.SetFocus(Command1); }
 
   Machine &machine;

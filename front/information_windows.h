@@ -1,7 +1,6 @@
 #pragma once
 
-// The windows that only inform. Each is made anew at each opening, waits until it has been closed, and
-// changes nothing.
+// The information windows. Each call opens a new window and returns when it is closed.
 
 #include "platform/machine.h"
 

@@ -1,4 +1,4 @@
-// Where the controls of the launch window stand, and what they say. Places are in twips.
+// Layout and texts of the launch window. Coordinates are in twips.
 
 #include "net/frm_new_net.h"
 
@@ -65,7 +65,7 @@ frmNewNet::frmNewNet(Machine &onMachine, Program &ofProgram) : program(ofProgram
   QueryClose = [] { throw ProgramEnd{}; };
   LayOutLeft();
   LayOutRight();
-  // Tab goes down the left half, then down the right.
+  // The order of Tab: down the left half, then down the right.
   Controls = {&Label8,         &Line3,      &Label9,   &Command3,    &Command6, &Label5,  &Line1,
               &Label6,         &Text1,      &Label10,  &Label7,      &Check1,   &Label11, &Check2,
               &Label12,        &Combo1,     &Command1, &Command2,    &Label4,   &Line2,   &Label2,

@@ -7,7 +7,7 @@ int RunProgram(Machine &machine, Program &program) {
   try {
     frmNewNet launch(machine, program);
     launch.Form_Load();
-    // Not before: the first picture shouldn't wait for what it doesn't show.
+    // After the first pump, so that the checks don't delay the launch window.
     machine.Pump();
     CheckInformationFiles(machine);
     CheckMatchFiles(machine, program);

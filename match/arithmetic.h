@@ -1,7 +1,7 @@
 #pragma once
 
-// Arithmetic of the game's 32-bit floats: formed in double, rounded once. Two computers agree to the bit
-// because no other rounding ever happens.
+// Arithmetic on the game's 32-bit floats: computed in double, rounded once. Since there is no other rounding,
+// two computers agree to the bit.
 
 inline float Sum(double a, double b) { return static_cast<float>(a + b); }
 inline float Difference(double a, double b) { return static_cast<float>(a - b); }

@@ -7,8 +7,8 @@
 
 namespace {
 
-/// The crowd's answer to a result. It favours side A: its good results draw cheers, its misses boos, and the
-/// other side's the other way round.
+/// The crowd's reaction to a result. It favours side A: it cheers side A's successes and boos its failures,
+/// and the reverse for side B.
 void PlayResult(const Program &program, std::int16_t result) {
   const bool ours = program.MyTurn != False;
   switch (result) {

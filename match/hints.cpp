@@ -1,6 +1,6 @@
-// All that the line under the view says: what can be done now, and after a shot what happened and why. It
-// tells what the rules have found and never decides anything. On the waiting computer of a network game it
-// says no more than the other computer has told.
+// All texts of the line under the view: what the player can do now, and after a shot what happened and why.
+// The line reports the verdict of the rules and decides nothing. On the waiting computer of a network game it
+// says only what the other computer has sent.
 
 #include "match/frm_snapwedge.h"
 #include "match/results.h"
@@ -26,7 +26,7 @@ std::string ToTheEdge(const frmSnapwedge &window) {
   return InYards(std::max(PlaceOf(window.PieceFrame, window).z - Places::FarEdgeZ, 0.0f));
 }
 
-/// What the attempt is called that has begun, by those that are left.
+/// Name of the running attempt, from the attempts left after it.
 std::string TryName(std::int16_t shots) {
   return shots >= 2 ? "first try" : shots == 1 ? "second try" : "third try";
 }
@@ -43,7 +43,7 @@ std::string WhoseTurn(const Program &program) {
   return program.MyTurn ? "Home Team's turn" : "Away Team's turn";
 }
 
-/// The second or third try of who sits at this mouse.
+/// Before the second or third try of the player at this mouse.
 std::string NextTry(const frmSnapwedge &window) {
   const bool last = window.Shots < 2;
   const std::string yards = ToTheEdge(window) + " yards to the edge";

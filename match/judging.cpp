@@ -1,6 +1,5 @@
-// Where the piece has come to rest, and what that is worth. The game has no model of the table: it looks
-// straight down from a point of the piece, and the name of the first mesh there is all that it knows. Nothing
-// there means that the point is past an edge.
+// The verdict on a resting piece. The game has no model of the table: it casts a ray straight down from a
+// point of the piece and uses the name of the first mesh hit. No hit means that the point is past an edge.
 
 #include "match/arithmetic.h"
 #include "match/frm_snapwedge.h"
@@ -11,7 +10,7 @@
 
 namespace {
 
-constexpr std::int16_t FirstAttempt = 2; ///< `Shots` after a flick took its attempt
+constexpr std::int16_t FirstAttempt = 2; ///< value of `Shots` during the first attempt
 constexpr std::int16_t SecondAttempt = 1;
 constexpr std::int32_t BonusPoints = 3;
 constexpr std::int32_t TouchdownPoints = 6;
@@ -21,7 +20,7 @@ constexpr float FallPerStep = 3.0f;    ///< scene units
 constexpr float TumblePerStep = 0.45f; ///< radians
 constexpr float FallCameraY = -10.0f;  ///< below the table's top
 
-/// Sets `ray` to look straight down from a frame's origin. Returns the frame's place in the scene.
+/// Points `ray` straight down from a frame's origin. Returns the frame's position in the scene.
 Vector LookDownFrom(const Ref<Direct3DRMFrame3> &frame, const Ref<Direct3DRMFrame3> &scene, D3DRMRAY &ray) {
   Vector place;
   frame->GetPosition(scene, place);
@@ -62,7 +61,7 @@ void frmSnapwedge::Fall() {
   Vector piece;
   PieceFrame->GetPosition(scene, piece);
   PieceFrame->SetRotation(scene, 1, 1, 1, TumblePerStep);
-  // The waiting computer of a network game is told by the other.
+  // The waiting computer of a network game gets the result from the other one.
   if (program.GameMode != "INET" || program.MyTurn) HintResult(Results::Turnover);
   for (int step = 0; step < FallSteps; ++step) {
     BeginStep(program.FlickMs);
@@ -82,7 +81,7 @@ void frmSnapwedge::Fall() {
 
 void frmSnapwedge::CheckScore(std::int16_t & /*Side*/) {
   const auto &scene = RMCanvas1.SceneFrame;
-  float ZA = 0, ZB = 0, ZC = 0; // a corner that isn't reached keeps 0
+  float ZA = 0, ZB = 0, ZC = 0; // 0 for a corner that isn't tested
   Flag Bonus = False;
   OverSide = False;
   OnCircle = False;
@@ -107,13 +106,13 @@ void frmSnapwedge::CheckScore(std::int16_t & /*Side*/) {
     if (Shots < SecondAttempt) FallShort();
     return;
   } catch (const SceneError &) {
-    // Nothing lies under the corner looked at last: the piece hangs over an edge.
+    // Nothing is under the last tested corner: the piece hangs over an edge.
   }
 
   const bool past = ZA < Places::FarEdgeZ || ZB < Places::FarEdgeZ || ZC < Places::FarEdgeZ;
   if (!past || PieceSurface.substr(0, 5) != "Table") {
     OverSide = True;
-    // Over a side edge the possession goes on, but not without an attempt: nothing would ever end it.
+    // Over a side edge the possession continues, unless no attempt is left.
     if (Shots < SecondAttempt) FallShort();
     return;
   }

@@ -1,5 +1,4 @@
-// The match: its set-up, its rounds with one possession for each side, its idle frames and waits, and its
-// end.
+// The match: set-up, rounds with one possession for each side, idle frames, waits, and the end.
 
 #include "match/frm_snapwedge.h"
 #include "platform/network_times.h"
@@ -14,7 +13,7 @@ constexpr float LossPerStep = 0.6f; ///< of `Force`
 constexpr float GoalStep = 1.0f;    ///< of the posts, scene units
 constexpr float FarPlane = 5000.0f; ///< scene units from the camera
 constexpr std::int32_t CardMs = 3000;
-constexpr std::int32_t PauseMs = 1000; ///< of a result without its card, and of the waiting computer
+constexpr std::int32_t PauseMs = 1000; ///< after a result without a card, and on the waiting computer
 
 } // namespace
 
@@ -80,13 +79,12 @@ void frmSnapwedge::PlayRounds() {
       while (Player == 2) Frame("D");
     }
   }
-  // The joiner counts a round when the host's possession begins, so its own last possession is still to be
-  // played.
+  // The joiner counts a round when the host's possession begins, so its own last possession is still to come.
   if (network && !program.IsHost) {
     while (program.MyTurn) Frame("A");
     SendOver();
   }
-  // What the other side's last possession is worth may still be on its way.
+  // The result of the other side's last possession may still be in transit.
   if (network) {
     HintOver();
     AwaitOver();
@@ -111,8 +109,8 @@ void frmSnapwedge::EndMatch() {
     ShowTie();
   }
   if (program.GameMode == "INET") {
-    // The other computer may still be waiting for what this one sent last, over a line that is down just now.
-    // To the player the program has ended.
+    // The other computer may still be waiting for our last messages, over a line that is down. The windows
+    // close meanwhile: for the player the program has ended.
     program.StopSounds();
     machine.Hide(*this);
     if (program.LaunchWindow) machine.Hide(*program.LaunchWindow);

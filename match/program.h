@@ -1,6 +1,6 @@
 #pragma once
 
-// The program-wide variables. One record is one running program: two of them in one process are two
+// The program-wide variables. One record is one running program: two records in one process are two
 // computers.
 
 #include "platform/machine.h"
@@ -9,15 +9,14 @@
 #include <memory>
 #include <string>
 
-/// A truth value as the game stores it: 0 is false, -1 is true, and any value but 0 tests as true. Toggled by
-/// `~`.
+/// A boolean as the game stores it: 0 is false, -1 is true, any value except 0 tests as true. `~` toggles it.
 using Flag = std::int16_t;
 constexpr Flag False = 0;
 constexpr Flag True = -1;
 
 constexpr Flag Not(Flag flag) { return static_cast<Flag>(~flag); }
 
-/// How well the computer plays: the level scales its random errors and nothing else.
+/// How well the computer plays. The level only scales its random errors.
 enum class SkillLevel { Easy, Medium, Hard };
 
 constexpr std::int16_t MostRounds = 99; ///< of a match
@@ -29,14 +28,14 @@ struct Program {
 
   Machine &machine;
 
-  Window *LaunchWindow = nullptr; ///< what opened the play window, if anything did
+  Window *LaunchWindow = nullptr; ///< the window that opened the play window, or null
 
   // The match.
   std::int16_t Rounds = 5;  ///< rounds to play, 1 to `MostRounds`
   std::string GameMode;     ///< "Computer", "Human" or "INET"
-  Flag MyTurn = False;      ///< side A has the piece; after the launch `Reset` alone writes it
-  std::int16_t FlickMs = 0; ///< shortest length of one step of a running shot, ms
-  std::int16_t FrameMs = 0; ///< length of one idle frame, ms
+  Flag MyTurn = False;      ///< side A has the piece; during a match only `Reset` writes it
+  std::int16_t FlickMs = 0; ///< minimum length of a step of a running shot, ms
+  std::int16_t FrameMs = 0; ///< length of an idle frame, ms
 
   // The options.
   Flag StadiumOn = True;  ///< stadium, field lines and sky are shown
@@ -44,7 +43,7 @@ struct Program {
   SkillLevel Skill = SkillLevel::Medium;
 
   // Sound. The buffers are null while `SoundOn` is 0.
-  Flag SoundOn = True; ///< sound can be played; 0 for good once setting it up has failed
+  Flag SoundOn = True; ///< sound works; 0 for good once initialisation has failed
   std::unique_ptr<DirectX7> DX;
   std::shared_ptr<DirectSound> DS;
   SoundBuffer SndCrowd;  ///< crowd, looped
@@ -61,15 +60,15 @@ struct Program {
 
   // The network.
   Flag IsHost = False;                                    ///< this computer created the session
-  std::shared_ptr<DirectPlay4> DP;                        ///< replaced at every Connect
+  std::shared_ptr<DirectPlay4> DP;                        ///< recreated at every Connect
   std::shared_ptr<DirectPlayEnumConnections> Connections; ///< connection methods
-  std::shared_ptr<DirectPlayEnumSessions> Sessions;       ///< what the last search found
+  std::shared_ptr<DirectPlayEnumSessions> Sessions;       ///< result of the last search
   std::string PlayerFriendly;                             ///< names of the local player
   std::string PlayerFormal;
   std::int32_t MyPlayerId = 0;
-  std::int32_t FromId = 0; ///< written by each receive, read by nobody
+  std::int32_t FromId = 0; ///< written by each receive, never read
   std::int32_t ToId = 0;
-  std::int32_t MsgCount = 0;                 ///< messages waiting, as last counted
+  std::int32_t MsgCount = 0;                 ///< messages in the queue when last counted
   std::shared_ptr<DirectPlayMessage> InMsg;  ///< last received
   std::shared_ptr<DirectPlayMessage> OutMsg; ///< last built
 
@@ -83,12 +82,12 @@ struct Program {
     if (SoundOn) sound->Play(DSBPLAY_LOOPING);
   }
 
-  /// Stops a sound where it stands if there is sound.
+  /// Pauses a sound if there is sound.
   void Stop(const SoundBuffer &sound) const {
     if (SoundOn) sound->Stop();
   }
 
-  /// Silence.
+  /// Stops all sounds.
   void StopSounds() const {
     for (const SoundBuffer *sound : {&SndCrowd, &SndCrowd2, &SndYeah, &SndYeah2, &SndBoo, &SndTheme,
                                      &SndGuit2, &SndSwoosh, &SndWis1, &SndWis2, &SndWis3}) {

@@ -6,7 +6,7 @@
 
 namespace Results {
 
-/// A result's code is the number of its card, `Picture1` to `Picture7`, and goes over the wire as it is.
+/// The code is the number of the card, `Picture1` to `Picture7`, and is also the code on the wire.
 enum Code : std::int16_t {
   GoodKick = 1,
   MissedKick,
@@ -14,7 +14,7 @@ enum Code : std::int16_t {
   Turnover, ///< the piece fell off the table
   Bonus,
   Penalty, ///< over the far edge before the third attempt
-  Short,   ///< the third attempt came to rest short of the End Zone
+  Short,   ///< the third attempt stopped short of the End Zone
   First = GoodKick,
   Last = Short,
 };

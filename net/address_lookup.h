@@ -1,17 +1,17 @@
 #pragma once
 
-// "What's my IP address?": the address that a joining player has to type.
+// "What's my IP address?": the address that the joining player has to enter.
 
 #include "platform/machine.h"
 
 #include <cstdint>
 #include <string>
 
-/// Looks the address up and tells it, or that there is none.
+/// Finds the address and shows it in a box, or an error.
 void TellLocalAddress(Machine &machine);
 
-/// The first address of this computer, in dotted decimal (an IPv6 address in its usual form); empty after a
-/// failure, which has been told in a box of its own.
+/// The first address of this computer, IPv4 in dotted decimal or IPv6; empty after a failure, which has been
+/// shown in a box.
 std::string LookUpLocalAddress(Machine &machine);
 
 std::uint8_t AddressLowByte(std::uint16_t n);  ///< bits 0 to 7

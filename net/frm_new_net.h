@@ -1,7 +1,7 @@
 #pragma once
 
-// The launch window: rules, options, the start of a match on this computer, and the lobby of the network. Its
-// layout and its local buttons are defined in front/, its lobby in net/lobby.cpp.
+// The launch window: rules, options, the start of a match on this computer, and the network lobby. Layout and
+// local buttons are defined in front/, the lobby in net/lobby.cpp.
 
 #include "match/program.h"
 
@@ -31,7 +31,7 @@ public:
   void Command7_Click(); ///< "ReadMe"
   void Command8_Click(); ///< "What's my IP address?"
 
-  /// Takes `Rounds` from `Text1`. Tells the user and returns false if that isn't a whole number from 1 to 99.
+  /// Reads `Rounds` from `Text1`. Shows a box and returns false if it isn't a whole number from 1 to 99.
   bool TakeRounds();
 
   /// Opens the play window; a whole match runs inside this call.
@@ -39,11 +39,11 @@ public:
   [[noreturn]] void OpenPlayWindow();
 
   // net/lobby.cpp
-  void InitDirectPlay();  ///< makes the network object anew, and with it the list of connection methods
+  void InitDirectPlay();  ///< creates a new network object and the list of connection methods
   void FillConnections(); ///< lists the connection methods and selects the second
   void CreateMyPlayer(const std::string &friendly, const std::string &formal);
-  void AwaitJoiner();      ///< polls until somebody has joined or the waiting is cancelled
-  void CheckMessages();    ///< one look at the queue while polling: any message ends it
+  void AwaitJoiner();      ///< polls until a player joins or the host cancels
+  void CheckMessages();    ///< empties the queue while polling; any message ends the wait
   void ResetButtons();     ///< back to the state before Connect
   void Search();           ///< fills the list of sessions
   void cmdConnect_Click(); ///< "Connect"
@@ -55,11 +55,10 @@ public:
   Program &program;
   Machine &machine;
 
-  std::int16_t SessionSuffix = 0; ///< random number of the default session name, 0 to 9999
-  DirectPlaySessionData
-      SessionData;        ///< the search template, the row being read, the session created or joined
-  Flag Polling = False;   ///< the host waits for a joiner
-  Flag Cancelled = False; ///< from Cancel until Create has seen it
+  std::int16_t SessionSuffix = 0;    ///< random number in the default session name, 0 to 9999
+  DirectPlaySessionData SessionData; ///< the search template, the row being read, or the open session
+  Flag Polling = False;              ///< the host waits for a joiner
+  Flag Cancelled = False;            ///< set by Cancel, cleared by Create
 
   // Left: rules and options.
   Label Label8, Label9;
@@ -82,7 +81,7 @@ public:
 private:
   void LayOutLeft();
   void LayOutRight();
-  void Fail(const std::string &text); ///< the box of a failure of the network, and back to the start
+  void Fail(const std::string &text); ///< shows the box of a network failure and resets the lobby
 };
 
 /// The caption of the launch window.

@@ -151,7 +151,7 @@ void frmNewNet::cmdCreate_Click() {
 }
 
 void frmNewNet::AwaitJoiner() {
-  // The other player waits from here on, so nothing that stands open over this window may hold up the match.
+  // Once a player has joined, no box or window open over this one may delay the match.
   const Machine::CloseModalsWhen joined(
       machine, [this] { return program.DP->GetMessageCount(program.MyPlayerId) > 0; });
   while (Polling) {
@@ -170,7 +170,7 @@ void frmNewNet::CheckMessages() {
     program.MsgCount -= 1;
     Polling = False;
     if (program.InMsg->GetKind() == DirectPlayMessage::Kind::ConnectionLost)
-      throw DirectPlayError("the joiner has left already");
+      throw DirectPlayError("the joiner has already left");
     machine.Pump();
     if (Cancelled) return; // the session is closed
   }

@@ -1,5 +1,5 @@
-// What comes from the other computer in play. A shot is replayed here from its inputs; nothing hands over the
-// turn but the replay's own end. One message a look, and whoever looks may be nested in a replay already.
+// Incoming messages during a match. A shot is replayed from its inputs, and only the end of the replay hands
+// over the turn. Each call takes one message, and calls may be nested inside a replay.
 
 #include "match/frm_snapwedge.h"
 #include "match/results.h"
@@ -10,7 +10,7 @@
 
 namespace {
 
-/// Takes the oldest message and returns its tag; empty for one that begins with no text.
+/// Takes the oldest message and returns its tag; empty if the first field is not a text.
 std::string ReceiveTag(Program &program) {
   program.InMsg = program.DP->Receive(program.FromId, program.ToId, DPRECEIVE_ALL);
   program.MsgCount -= 1;
@@ -22,13 +22,13 @@ std::string ReceiveTag(Program &program) {
   }
 }
 
-/// The sound that comes before the card of the other side's result.
+/// The sound before the card of the other side's result.
 void PlayBeforeCard(const Program &program, std::int16_t result) {
   if (result == Results::Touchdown) program.PlayOnce(program.SndWis2);
   if (result == Results::Penalty) program.PlayOnce(program.SndWis1);
 }
 
-/// The sound that follows it: this side's crowd boos what went well over there, and cheers what went wrong.
+/// The sound with the card: this side's crowd boos the other side's successes and cheers its failures.
 void PlayWithCard(const Program &program, std::int16_t result) {
   switch (result) {
   case Results::GoodKick:
@@ -57,12 +57,12 @@ void frmSnapwedge::CheckMessages() {
   program.MsgCount = program.DP->GetMessageCount(program.MyPlayerId);
   if (program.MsgCount <= 0) return;
   const std::string tag = ReceiveTag(program);
-  // A replay below receives messages of its own, so this one is held here.
+  // A replay below receives messages itself, so keep this one.
   const auto message = program.InMsg;
   if (message->GetKind() == DirectPlayMessage::Kind::ConnectionLost) OtherSideLeft();
 
-  // In this side's turn the other has no shot, and no result but the one of its last shot, which may come
-  // late. In step nothing is ever dropped.
+  // During this side's turn the other has no shots, and no result except that of its last shot, which may
+  // arrive late. Between two correct programs nothing is ever dropped.
   bool taken = true;
   if (tag == "Flick") {
     const auto shot = ReadShot(*message);
@@ -86,12 +86,12 @@ void frmSnapwedge::CheckMessages() {
     const auto score = ReadScore(*message, Round);
     taken = score.has_value();
     if (taken) {
-      // The other side's own points are this side's Away Team's. A score only ever rises.
+      // The other side's own points are this side's Away Team's. A score never falls.
       if (score->Home > AwayScore) AwayScore = score->Home;
       if (score->Away > HomeScore) HomeScore = score->Away;
       PostScore();
-      // The host tells a score of the last round behind its last point: a good kick's, or its possession's
-      // end.
+      // The host sends a score of the last round only after its last point: with a good kick, or at the end
+      // of its possession.
       if (!program.IsHost && score->Round == program.Rounds) OtherSideOver = True;
     }
   } else if (tag == "RESULT") {
@@ -126,7 +126,7 @@ void frmSnapwedge::ReplayFlick(const ReceivedShot &shot) {
   Flick(own.FrameX, own.FrameY, own.FrameZ, Force, own.X1, own.Y1, own.Z1, own.X2, own.Y2, own.Z2, Player);
   Replaying = False;
   if (!program.MyTurn) return;
-  // The possession is over, and what was to follow in it has lost its place.
+  // The possession is over, so its queued flicks are void.
   DroppedMessages += static_cast<std::int32_t>(KeptFlicks.size());
   KeptFlicks.clear();
 }
@@ -143,7 +143,7 @@ void frmSnapwedge::ReplayKick(const ReceivedShot &shot) {
 void frmSnapwedge::ShowOtherResult(std::int16_t MES) {
   Busy = True;
   ResultDue = False;
-  RestMouse(); // the card would swallow the release, and the meter go on without a hand
+  RestMouse(); // the card would swallow the release, and the meter would go on charging
   PlayBeforeCard(program, MES);
   const std::string hint = lblHint.Caption;
   HintOtherResult(MES);
@@ -156,8 +156,8 @@ void frmSnapwedge::ShowOtherResult(std::int16_t MES) {
   lblHint.Caption = hint;
   RMCanvas1.SetFocus();
   Busy = False;
-  // The pause in which this card was waited for ends with it. The next shot may lie in the queue already, and
-  // it must not begin inside the one that this result belongs to.
+  // Ends the pause that waited for this card. The next shot may already be queued, and it must not begin
+  // inside the replay that this result belongs to.
   FrameEnd = machine.timeGetTime();
 }
 
@@ -171,7 +171,7 @@ void frmSnapwedge::CanIContinue() {
         if (tag == "Continue") return;
         if (tag == "END") OtherSideLeft();
       }
-      ++DroppedMessages; // under its card the other side says nothing else
+      ++DroppedMessages; // while its card is up, the other side sends nothing else
       machine.Pump();
     } else {
       machine.WaitUntil(machine.ClockIn(NetworkLookMs));

@@ -1,5 +1,5 @@
-// What goes out to the other computer. It gets the inputs of a shot, not its course, and flies the same
-// flight by itself; beside that the result cards, the scores and chat. Every message begins with a tag.
+// Outgoing messages. The other computer gets the inputs of a shot and simulates the same flight itself; it
+// also gets result cards, scores and chat. Every message begins with a tag.
 
 #include "match/frm_snapwedge.h"
 
@@ -82,7 +82,7 @@ void frmSnapwedge::SendContinue() {
 void frmSnapwedge::SendText() {
   DirectPlayMessage &message = Begin(program, "MESSAGE");
   message.WriteString(Text2.Text);
-  // Under the other side's card a line would be read and dropped: it goes out behind the card's end.
+  // While the other computer shows our card it drops every line, so this one is held until "Continue".
   if (CardIsTold) {
     HeldLines.push_back(program.OutMsg);
   } else {

@@ -11,12 +11,12 @@
 namespace {
 
 constexpr float FarthestPlace = 300.0f;    ///< scene units from the origin, in any axis
-constexpr double VectorTolerance = 0.001;  ///< of a length of 1 and of a right angle
-constexpr std::int32_t PointsInRound = 10; ///< the most that a side can score in one
+constexpr double VectorTolerance = 0.001;  ///< for unit length and right angle
+constexpr std::int32_t PointsInRound = 10; ///< maximum for one side
 constexpr std::size_t LongestBuildTag = 8; ///< bytes
 constexpr std::size_t LongestChat = 200;   ///< characters
 
-/// Runs a reader; a field that is missing or of another type makes it nothing.
+/// Runs a reader; returns nothing if a field is missing or of the wrong type.
 template <class Reader> auto Guarded(Reader &&reader) -> decltype(reader()) {
   try {
     return reader();

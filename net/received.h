@@ -1,7 +1,7 @@
 #pragma once
 
-// What comes from the other computer, checked once where it comes in. A message that breaks a rule is dropped
-// whole: the game is as if it had never come.
+// Messages from the other computer, validated once on arrival. An invalid message is dropped whole and has no
+// effect.
 
 #include "platform/direct_play.h"
 
@@ -24,12 +24,12 @@ struct ReceivedVersion {
 };
 
 struct ReceivedScore {
-  std::int32_t Home, Away; ///< 0 to what a side can score in the rounds that have begun
+  std::int32_t Home, Away; ///< 0 to the maximum of the rounds begun so far
   std::int32_t Round;      ///< the sender's, 0 to 99
 };
 
-// Each reads the fields behind the tag. Nothing if a field is missing, surplus, of another type or outside
-// its range.
+// Each reads the fields after the tag. Returns nothing if a field is missing, surplus, of the wrong type or
+// out of range.
 std::optional<ReceivedShot> ReadShot(DirectPlayMessage &message);
 std::optional<ReceivedVersion> ReadVersion(DirectPlayMessage &message);
 std::optional<ReceivedScore> ReadScore(DirectPlayMessage &message, std::int16_t roundsBegun);

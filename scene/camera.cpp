@@ -1,5 +1,5 @@
-// Where the camera stands and what it looks at, the drifting sky, and the key that takes stadium and sky
-// away. The camera is placed by position only and then turned to the piece, so it never rolls.
+// The camera's views, the drifting sky, and hiding of stadium and sky. The camera is always moved first and
+// then turned to the piece, so it never rolls.
 
 #include "match/arithmetic.h"
 #include "match/frm_snapwedge.h"
@@ -9,10 +9,10 @@ namespace {
 
 constexpr Vector SidePlace{100.0f, 20.0f, 0.0f};
 constexpr Vector CloseUpPlace{0.0f, 20.0f, 20.0f}; ///< relative to the piece
-constexpr float WinX = 88.0f;                      ///< to the piece's own side of the field
+constexpr float WinX = 88.0f;                      ///< on the piece's side of the field
 constexpr float WinY = 30.0f;
 constexpr float WinZ = -88.0f;
-constexpr float SkyDrift = 0.0008f; ///< repeats that the sky moves in a step, about 0.27 scene units
+constexpr float SkyDrift = 0.0008f; ///< texture repeats per step, about 0.27 scene units
 
 } // namespace
 

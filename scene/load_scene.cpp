@@ -1,6 +1,6 @@
-// The whole world: models and textures are loaded, hung in a fixed tree of frames, and placed. The order
-// matters: a wrap works from the vertices as they stand, so it comes after a mesh's scale, and on the bonus
-// disc before its shift to its place on the table, so that the disc's grass lines up with its own middle.
+// Builds the scene: loads models and textures, attaches them to a fixed tree of frames, and places them. The
+// order matters: a wrap uses the current vertices, so it follows a mesh's scaling. On the bonus disc it
+// precedes the translation, so that the disc's grass is centred on the disc.
 
 #include "match/frm_snapwedge.h"
 #include "scene/places.h"
@@ -8,7 +8,7 @@
 
 namespace {
 
-// Scales from the units of the model files to the units of the scene.
+// Scene units per unit of the model file.
 constexpr float PieceScale = 0.03f;
 constexpr float BonusScale = 0.08f;
 constexpr float TableScale = 0.5f;
@@ -18,11 +18,11 @@ constexpr float GoalScale = 0.3f;
 constexpr float LinesScale = 0.43f;
 constexpr Vector StadiumScale{1.6f, 1.2f, 1.6f};
 
-// Places, scene units.
+// Positions, scene units.
 constexpr float BonusZ = -79.2f;
-constexpr float BonusLift = 0.05f; ///< of the disc above the table's top
+constexpr float BonusLift = 0.05f; ///< of the disc above the table top
 constexpr float ExtraLift = 0.3f;  ///< of the raised marking
-constexpr float ArrowAhead = 5.0f; ///< of the arrow's model along its frame's +z
+constexpr float ArrowAhead = 5.0f; ///< of the arrow model, along its frame's +z
 constexpr Vector LinesOffset{0.0f, -10.0f, 9.0f};
 constexpr Vector SkyPlace{0.0f, 80.0f, 0.0f};
 constexpr Vector TablePlace{0.0f, -0.5f, 0.0f};
@@ -31,7 +31,7 @@ constexpr Vector PlaceA{5.0f, 0.0f, 2.5f};
 constexpr Vector PlaceB{-5.0f, 0.0f, 2.5f};
 constexpr Vector PlaceC{0.0f, 0.0f, -2.5f};
 
-// Repeats of a texture to the scene unit.
+// Texture repeats per scene unit.
 constexpr float PieceTexture = 0.19f;
 constexpr float GrassRepeat = 0.03f;
 constexpr float CrowdRepeat = 0.01f;

@@ -1,5 +1,4 @@
-// The controls of the play window: where they stand, how they look, and the colours that mark the side on
-// turn.
+// The controls of the play window: layout, looks, and the colours that mark the side on turn.
 
 #include "match/frm_snapwedge.h"
 #include "match/shot_power.h"
@@ -57,8 +56,7 @@ frmSnapwedge::frmSnapwedge(Machine &onMachine, Program &ofProgram)
   HasBackColor = true;
   BackColor = Black;
   CapturesPointer = true;
-  KeepsScreenAwake =
-      program.GameMode == "INET"; // the other player's turns pass without a touch of mouse or keys
+  KeepsScreenAwake = program.GameMode == "INET"; // there is no input during the other player's turn
   QueryClose = [this] { Quit(); };
   Deactivate = [this] { LetGo(); };
 

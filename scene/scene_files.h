@@ -2,6 +2,6 @@
 
 #include <filesystem>
 
-/// Makes sure that all models and textures of the scene can be read, for less than reading them costs.
-/// @throws FileError  that names the first which can't, and says why
+/// Checks that all models and textures of the scene are readable, without fully reading them.
+/// @throws FileError  if one isn't; names the first and says why
 void CheckSceneFiles(const std::filesystem::path &directory);

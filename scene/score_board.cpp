@@ -1,6 +1,5 @@
-// What stands behind the play window's controls and follows the match: lit boards for the side on turn, large
-// digits for the points, a paper triangle for each attempt that is left. All of it can be read from across
-// the room.
+// The score board behind the controls of the play window: a lit board for the side on turn, large digits for
+// the points, a paper triangle for each attempt left. All of it can be read from across the room.
 
 #include "match/frm_snapwedge.h"
 
@@ -8,7 +7,7 @@
 
 namespace {
 
-// Places, pixels.
+// Positions, pixels.
 constexpr int LineTop = 1;
 constexpr int HomeLineLeft = 97, AwayLineLeft = 369;
 constexpr int TileTop = 34;
@@ -18,8 +17,8 @@ constexpr int DigitsTop = 49;
 constexpr int DigitWidth = 14;
 constexpr int TriesTop = 82, TriesLeft = 6, TryWidth = 31;
 
-constexpr int Numerals = 10; ///< in a row of digits
-constexpr int Sides = 2;     ///< in a row of tiles
+constexpr int Numerals = 10; ///< in the image of the digits
+constexpr int Sides = 2;     ///< in the image of the tiles
 
 constexpr std::int16_t FlashSteps = 60; ///< a little more than a second
 constexpr std::int16_t FlashPhase = 10; ///< steps between on and off
@@ -30,7 +29,7 @@ void LayOut(SideBoard &board, int side, int lineLeft, int tileLeft) {
   for (BackPicture &digit : board.Digits) digit = {"Digits", tileLeft, DigitsTop, false, Numerals};
 }
 
-/// Lays out the points in the middle of the tile.
+/// Shows the points, centred on the tile.
 void Write(SideBoard &board) {
   const std::string points = std::to_string(board.Points);
   const int left = board.Tile.Left + (TileWidth - static_cast<int>(points.size()) * DigitWidth) / 2;

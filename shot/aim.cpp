@@ -1,6 +1,5 @@
-// From the mouse to a shot. The pointer is pulled back to one home point on every frame, so that the mouse is
-// a pure source of offsets: they turn the aim or move the camera, the left button charges the meter, its
-// release shoots.
+// From the mouse to a shot. Every frame moves the pointer back to a home point, so that the mouse only yields
+// offsets: they turn the aim or move the camera. The left button charges the meter, and its release shoots.
 
 #include "match/arithmetic.h"
 #include "match/frm_snapwedge.h"
@@ -11,11 +10,11 @@ namespace {
 constexpr std::int32_t HomePoint = 30000; ///< on the absolute pointer grid of 0 to 65535, both axes
 constexpr std::int32_t EveryFlag = -1;
 
-constexpr float AimDivisor = 300.0f;   ///< pixels to the radian
-constexpr float CameraDivisor = 10.0f; ///< pixels to the scene unit, zoom and orbit
+constexpr float AimDivisor = 300.0f;   ///< pixels per radian
+constexpr float CameraDivisor = 10.0f; ///< pixels per scene unit, zoom and orbit
 
-// The box in which the mouse may move the camera, scene units.
-constexpr float CameraReach = 130.0f; ///< in x and z, to both sides
+// Limits of the camera when moved by the mouse, scene units.
+constexpr float CameraReach = 130.0f; ///< in x and z, both directions
 constexpr float CameraLow = 5.0f;
 constexpr float CameraHigh = 30.0f;
 
@@ -56,7 +55,7 @@ void frmSnapwedge::CheckMouse() {
     ProgressBar1.Value = Force;
   }
 
-  // A camera that can't be moved is no reason to stop a match: a step that fails is passed over.
+  // A camera step that fails must not stop the match, so it is skipped.
   const auto attempt = [](const auto &step) {
     try {
       step();
@@ -136,7 +135,7 @@ Flag frmSnapwedge::MouseGate() {
 
 void frmSnapwedge::RMCanvas1_MouseDown(std::int16_t Button, std::int16_t /*Shift*/, float /*X*/,
                                        float /*Y*/) {
-  ForgottenButtons = Without(ForgottenButtons, Button); // a new press has a release
+  ForgottenButtons = Without(ForgottenButtons, Button); // the release of a new press counts
   if (!MouseGate()) return;
   if (Button == LeftButton) {
     ShotPending = True;
@@ -161,7 +160,7 @@ void frmSnapwedge::RMCanvas1_MouseUp(std::int16_t Button, std::int16_t /*Shift*/
     return;
   }
   if (Force == 0.0f) {
-    // A click shorter than a frame is no kick: it would never come down.
+    // A click shorter than a frame has no force, and a kick without force would never come down.
     RestMeter();
     HintNoKick();
     return;
@@ -179,7 +178,7 @@ void frmSnapwedge::RestMeter() {
 
 void frmSnapwedge::RestMouse() {
   ForgottenButtons = LeftButton | RightButton;
-  if (NoShot) return; // a shot under way ends as it began
+  if (NoShot) return; // a running shot goes on
   MouseMode = 0;
   if (ShotPending) RestMeter();
 }

@@ -1,6 +1,5 @@
-// The computer opponent: one fixed plan for a possession, three forces that add up to the length of the
-// field, and a random error on heading and force. It doesn't look at the table; its skill is the size of its
-// errors.
+// The computer opponent: a fixed plan of three forces that add up to the length of the field, with a random
+// error in heading and force. It doesn't see the table; its skill is the size of its errors.
 
 #include "shot/computer.h"
 
@@ -15,14 +14,14 @@ constexpr float FirstForce = 96.0f;
 constexpr float SecondForce = 27.0f;
 constexpr float ThirdForce = 20.0f;
 
-constexpr float TurnSteps = 10.0f;     ///< the heading error takes one of so many values ...
+constexpr float TurnSteps = 10.0f;     ///< the heading error has this many values ...
 constexpr float TurnDivisor = 80.0f;   ///< ... an 80th of a radian apart
-constexpr float SpreadSteps = 50.0f;   ///< the force error takes one of so many values ...
+constexpr float SpreadSteps = 50.0f;   ///< the force error has this many values ...
 constexpr float SpreadDivisor = 40.0f; ///< ... a 40th apart
 constexpr float SignSteps = 10.0f;
-constexpr float LastNegative = 5.0f; ///< of the ten values of a sign's draw, 0 to 5 turn it negative
+constexpr float LastNegative = 5.0f; ///< of the ten values of a sign's draw, 0 to 5 are negative
 
-/// Draws a whole number from 0 to below `steps`, from a generator seeded for this draw alone.
+/// Draws an integer in [0, `steps`), reseeding the generator first.
 float Draw(Machine &machine, float steps) {
   machine.Randomize();
   return static_cast<float>(std::floor(static_cast<double>(machine.Rnd()) * static_cast<double>(steps)));
@@ -30,7 +29,7 @@ float Draw(Machine &machine, float steps) {
 
 float DrawSign(Machine &machine) { return Draw(machine, SignSteps) <= LastNegative ? -1.0f : 1.0f; }
 
-/// What a level makes of an error.
+/// Factor of the random errors.
 float ErrorScale(SkillLevel skill) {
   switch (skill) {
   case SkillLevel::Easy:
@@ -42,7 +41,7 @@ float ErrorScale(SkillLevel skill) {
   }
 }
 
-/// The plan: the force of the attempt, by the attempts left before it.
+/// Planned force of an attempt, by the number of attempts left before it.
 float BaseForce(std::int16_t shots) {
   if (shots == 3) return FirstForce;
   if (shots == 2) return SecondForce;

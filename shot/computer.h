@@ -1,14 +1,13 @@
 #pragma once
 
-// The computer's plan for one attempt.
+// The computer opponent's plan for one attempt.
 
 #include "match/program.h"
 
 struct ComputerPlan {
-  float
-      Turn; ///< heading error, radians from straight down the field; at most 0.1125 to either side at Medium
-  float Force; ///< 96, 27 or 20 by the attempt, with an error of at most 1.225 at Medium
+  float Turn;  ///< heading error, radians from straight down the field; up to 0.1125 either way at Medium
+  float Force; ///< 96, 27 or 20 depending on the attempt, with an error of up to 1.225 at Medium
 };
 
-/// Draws the plan of the attempt that begins with `shots` attempts left.
+/// Plans the next attempt. @param shots  attempts left before it
 ComputerPlan PlanComputerShot(Machine &machine, SkillLevel skill, std::int16_t shots);

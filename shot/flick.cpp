@@ -1,5 +1,6 @@
-// The flight of a flick: a straight slide at constant height that loses speed at a fixed rate, with a spin
-// that falls with the speed. One question to the table a step; what it means is told in match/judging.cpp.
+// The motion of a flick: a straight slide at constant height that loses speed at a fixed rate, with a spin
+// proportional to the speed. Each step tests whether the table is below; match/judging.cpp interprets the
+// result.
 
 #include "match/arithmetic.h"
 #include "match/frm_snapwedge.h"
@@ -10,8 +11,8 @@
 
 namespace {
 
-constexpr float TravelDivisor = 50.0f; ///< scene units a step = Power / TravelDivisor
-constexpr float SpinDivisor = 200.0f;  ///< radians a step = Power / SpinDivisor
+constexpr float TravelDivisor = 50.0f; ///< scene units per step = Power / TravelDivisor
+constexpr float SpinDivisor = 200.0f;  ///< radians per step = Power / SpinDivisor
 
 float Travel(float power) { return Quotient(power, TravelDivisor); }
 

@@ -1,5 +1,5 @@
-// The keys of the play window. They work in every state in which the canvas has the keyboard, during a flight
-// and under a card too.
+// The keys of the play window. They work whenever the canvas has the keyboard, also during a flight or a
+// card.
 
 #include "match/frm_snapwedge.h"
 
@@ -10,7 +10,7 @@ void frmSnapwedge::RMCanvas1_KeyDown(std::int16_t KeyCode, std::int16_t /*Shift*
   case KeyCodes::Tilde:
     if (program.GameMode == "INET") {
       machine.SetFocus(Text2);
-      // Many keyboards type "~" with Shift, and its release goes to the box.
+      // On many keyboards "~" needs Shift, whose release then goes to the text box.
       ShiftDown = False;
     }
     break;

@@ -1,5 +1,5 @@
-// The field goal: the piece tumbles end over end on a parabola toward posts that walk from side to side. It
-// ignores the table; what counts is where it comes level with the posts.
+// The field goal: the piece tumbles on a parabola toward posts that move from side to side. The table doesn't
+// matter; the verdict depends on the position at which the piece reaches the posts.
 
 #include "match/arithmetic.h"
 #include "match/frm_snapwedge.h"
@@ -10,12 +10,12 @@
 
 namespace {
 
-constexpr float ForwardDivisor = 40.0f;          ///< scene units a step = Power / ForwardDivisor
-constexpr float RiseDivisor = 3.0f;              ///< first rise in half a step = forward step / RiseDivisor
-constexpr float DropDivisors[] = {20.0f, 10.0f}; ///< loss of the rise in a step = forward step / both
-constexpr float TumbleDivisor = 7.0f;            ///< radians a step = forward step / TumbleDivisor
-constexpr float HalfGoalWidth = 14.0f;           ///< scene units from the middle of the posts to either
-constexpr float GoalReach = 88.0f;               ///< beyond it, to either side, the posts turn
+constexpr float ForwardDivisor = 40.0f;          ///< scene units per step = Power / ForwardDivisor
+constexpr float RiseDivisor = 3.0f;              ///< initial rise per half step = forward step / RiseDivisor
+constexpr float DropDivisors[] = {20.0f, 10.0f}; ///< loss of rise per step = forward step / both
+constexpr float TumbleDivisor = 7.0f;            ///< radians per step = forward step / TumbleDivisor
+constexpr float HalfGoalWidth = 14.0f;           ///< from the middle to either post, scene units
+constexpr float GoalReach = 88.0f;               ///< the posts turn back beyond this, scene units
 
 float Forward(float power) { return Quotient(-power, ForwardDivisor); }
 
@@ -25,9 +25,9 @@ float Drop(float forward) {
   return static_cast<float>(static_cast<double>(forward) / DropDivisors[0] * -1.0 / DropDivisors[1]);
 }
 
-/// Whether a kick that is there flies on.
+/// Whether a kick at that place is still in flight.
 bool Flies(const Vector &place, float drop) {
-  // A force so small that its gravity rounds to 0 would keep the piece in the air for ever.
+  // With a tiny force gravity rounds to 0, and the piece would never come down.
   return place.z > Places::Goal.z && !(place.y < 0.0f) && drop > 0.0f;
 }
 

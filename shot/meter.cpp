@@ -1,4 +1,4 @@
-// What stands beside the meter: what each of its steps is worth.
+// The scale beside the meter.
 
 #include "shot/meter.h"
 
@@ -9,7 +9,7 @@
 
 namespace {
 
-/// What a kick of that force comes to if it is straight.
+/// The outcome of a straight kick of that force.
 const char *KickWords(float power) {
   const auto height = KickHeightAtPosts(power);
   if (!height) return "short";
@@ -30,7 +30,7 @@ void frmSnapwedge::ScaleForKick() {
   const std::string clears = "over the bar";
   std::string last;
   for (float power = MeterRise; power <= MeterLimit; power += MeterRise) {
-    // A step at which nothing changes has no words.
+    // Only the first step with the same words is labelled.
     const std::string words = KickWords(power);
     const bool changed = words != last;
     ProgressBar1.Scale.push_back({power, changed ? words : "", changed && words == clears});

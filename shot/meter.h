@@ -4,11 +4,11 @@
 
 #include <optional>
 
-/// How far a flick goes on a table without an end, by the flick's own arithmetic, scene units.
-/// @param power  its force, 0 to 120
-/// @param decay  loss of force in a step, above 0
+/// Distance of a flick on an endless table, by the flick's own arithmetic, scene units.
+/// @param power  initial force, 0 to 120
+/// @param decay  loss of force per step, above 0
 float FlickReach(float power, float decay);
 
 /// Height above the table at which a kick straight down the field reaches the posts, by the kick's own
-/// arithmetic, scene units. Nothing for a kick that comes down before them.
+/// arithmetic, scene units. Nothing if the kick comes down before them.
 std::optional<float> KickHeightAtPosts(float power);

@@ -1,4 +1,4 @@
-// The point-after sequence: between a Touchdown and the turnover the side kicks at moving posts.
+// The point-after: between a Touchdown and the turnover the side kicks at moving posts.
 
 #include "match/frm_snapwedge.h"
 #include "scene/places.h"
@@ -9,7 +9,7 @@ namespace {
 constexpr Vector PiecePlace{0.0f, 4.0f, 85.0f};
 constexpr Vector KickCamera{0.0f, 15.0f, 120.0f};
 
-// The computer kicks when the posts have just turned at +x: they are in the middle of the field when the
+// The computer kicks just after the posts turn at +x, so that they are in the middle of the field when the
 // piece arrives.
 constexpr float ComputerTriggerX = 80.0f;
 constexpr float ComputerPower = 90.0f;
@@ -44,7 +44,7 @@ void frmSnapwedge::MPAT() {
   while (KickMode) {
     BeginStep(program.FlickMs);
     (this->*work)();
-    // A kick that fired by itself is over now, and its button may still be held: its release is no flick.
+    // After an overcharged kick the button may still be held; its release must not start a flick.
     if (!KickMode) Busy = True;
     machine.Pump();
     machine.Show(*this);

@@ -1,5 +1,5 @@
-// Bitmaps. The header is looked at before the decoder sees the file: the decoder fills up what was cut off
-// and takes pictures without pixels.
+// Bitmaps. The header is checked before decoding, since the decoder accepts truncated files and images
+// without pixels.
 
 #include "scene/graph/parsing.h"
 #include "scene/graph/scene_error.h"
@@ -24,7 +24,7 @@ namespace {
 
 constexpr std::int32_t LargestSide = 4096; ///< pixels
 constexpr std::size_t HeaderBytes = 54;
-// Places in the header, bytes.
+// Offsets in the header, bytes.
 constexpr std::size_t PixelsAt = 10, HeaderSizeAt = 14, WidthAt = 18, HeightAt = 22, PlanesAt = 26,
                       DepthAt = 28, CompressionAt = 30;
 
@@ -45,7 +45,7 @@ BitmapSize CheckBitmap(std::span<const char> bytes) {
   const std::uint32_t header = Number(bytes, HeaderSizeAt, 4);
   if (header < CommonHeader || header > LargestHeader) Fail("its header is of an unknown kind");
   const auto width = static_cast<std::int32_t>(Number(bytes, WidthAt, 4));
-  // Below 0 where the rows go from the top down.
+  // Negative if the top row comes first.
   const auto height = static_cast<std::int32_t>(Number(bytes, HeightAt, 4));
   if (width < 1 || width > LargestSide || height == 0 || height > LargestSide || height < -LargestSide) {
     Fail("it is " + std::to_string(width) + " by " + std::to_string(height) + " pixels large");
@@ -56,7 +56,7 @@ BitmapSize CheckBitmap(std::span<const char> bytes) {
   if (Number(bytes, PlanesAt, 2) != 1) Fail("it has more than one plane");
   const std::uint64_t pixelsAt = Number(bytes, PixelsAt, 4);
   if (pixelsAt < PixelsAt + 4 + header) Fail("its pixels begin inside its header");
-  // A row is filled up to whole groups of 32 bits.
+  // Rows are padded to 32 bits.
   const std::uint64_t row = (static_cast<std::uint64_t>(width) * depth + 31) / 32 * 4;
   if (bytes.size() < pixelsAt + row * static_cast<std::uint64_t>(std::abs(height)))
     Fail("its end is missing");

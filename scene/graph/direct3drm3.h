@@ -4,7 +4,7 @@
 
 #include "scene/graph/wrap.h"
 
-/// What the camera sees of the depth of the scene.
+/// The depth range of the camera.
 class Direct3DRMViewport2 {
 public:
   /// Distance of the far clipping plane from the camera, scene units.
@@ -17,7 +17,7 @@ private:
 
 class Direct3DRM3 {
 public:
-  /// A new frame at its parent's origin; without a parent, the root of a tree.
+  /// A new frame at its parent's origin. A frame without a parent is a root.
   Ref<Direct3DRMFrame3> CreateFrame(const Ref<Direct3DRMFrame3> &parent);
   Ref<Direct3DRMMeshBuilder3> CreateMeshBuilder();
   Ref<Direct3DRMMaterial2> CreateMaterial(float power);
@@ -25,15 +25,15 @@ public:
   /// @throws SceneError  if the file can't be read
   Ref<Direct3DRMTexture> LoadTexture(const std::filesystem::path &file);
 
-  /// A flat wrap: its z axis along (dx, dy, dz), its y axis along (ux, uy, uz), with its origin at (ox, oy,
-  /// oz). A vertex at (x, y, z) of that system gets u = su * x - ou and v = sv * y - ov. With a zero up
-  /// vector u runs along x and v along z. All of it is told in the reference frame as that stands now, and in
-  /// the scene if there is none.
+  /// A flat wrap: z axis along (dx, dy, dz), y axis along (ux, uy, uz), origin at (ox, oy, oz). A vertex at
+  /// (x, y, z) of that system gets u = su * x - ou and v = sv * y - ov. With a zero up vector u runs along x
+  /// and v along z. The arguments are in the current coordinates of the reference frame, or of the scene if
+  /// it is null.
   Ref<Direct3DRMWrap> CreateWrap(std::int32_t type, const Ref<Direct3DRMFrame3> &reference, float ox,
                                  float oy, float oz, float dx, float dy, float dz, float ux, float uy,
                                  float uz, float ou, float ov, float su, float sv);
 
-  /// Rises with every change that can show, and with no other call.
+  /// Increases with every visible change, and only then.
   std::uint64_t Revision() const { return revision_.Count(); }
 
 private:

@@ -1,4 +1,4 @@
-// The files of models and textures, each read once and shared by everybody after that.
+// The cache of model and texture files.
 
 #include "platform/files.h"
 #include "scene/graph/parsing.h"
@@ -10,7 +10,7 @@ namespace {
 
 constexpr std::uintmax_t LargestModel = 16UL << 20, LargestTexture = 64UL << 20; ///< bytes
 
-/// What a file held when it was read.
+/// A parsed file.
 template <class Data> struct Entry {
   FileStamp Stamp;
   Ref<const Data> Content;
@@ -21,7 +21,7 @@ template <class Data> std::map<std::filesystem::path, Entry<Data>> &Entries() {
   return entries;
 }
 
-/// What `parse` makes of a file's bytes. Whatever is wrong is told with the file's name.
+/// Parses a file. Errors name the file.
 template <class Data>
 Data Parse(const std::filesystem::path &file, std::uintmax_t largest, Data (*parse)(std::span<const char>)) {
   const std::vector<char> bytes = ReadFile(file, largest);
@@ -32,7 +32,7 @@ Data Parse(const std::filesystem::path &file, std::uintmax_t largest, Data (*par
   }
 }
 
-/// What `parse` made of the file when it was read first. A file that has changed since is read again.
+/// Parses a file, or returns the cached result if it hasn't changed.
 template <class Data>
 Ref<const Data> ReadOnce(const std::filesystem::path &file, std::uintmax_t largest,
                          Data (*parse)(std::span<const char>)) {

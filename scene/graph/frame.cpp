@@ -7,7 +7,7 @@
 
 namespace {
 
-/// A vector as the products of the graph are formed, before they are rounded into the state.
+/// A vector in double precision, before it is rounded into the state.
 struct Wide {
   double x = 0, y = 0, z = 0;
 };
@@ -22,7 +22,7 @@ Wide Cross(const Wide &a, const Wide &b) {
   return {a.y * b.z - a.z * b.y, a.z * b.x - a.x * b.z, a.x * b.y - a.y * b.x};
 }
 
-/// A place and three axes, not yet rounded.
+/// An origin and three axes, not yet rounded.
 struct WideTransform {
   Wide Origin, Right, Up, Direction;
 };
@@ -31,14 +31,14 @@ WideTransform Widen(const Transform &t) {
   return {Widen(t.Origin), Widen(t.Right), Widen(t.Up), Widen(t.Direction)};
 }
 
-/// A vector told in a frame's axes, in the axes in which the frame's are told.
+/// Transforms a vector from a frame's axes to those of its reference.
 Wide Out(const WideTransform &t, const Wide &v) {
   return {t.Right.x * v.x + t.Up.x * v.y + t.Direction.x * v.z,
           t.Right.y * v.x + t.Up.y * v.y + t.Direction.y * v.z,
           t.Right.z * v.x + t.Up.z * v.y + t.Direction.z * v.z};
 }
 
-/// The other way round; the axes are at right angles and of unit length.
+/// The inverse; the axes are orthonormal.
 Wide In(const WideTransform &t, const Wide &v) {
   return {Dot(t.Right, v), Dot(t.Up, v), Dot(t.Direction, v)};
 }
@@ -57,9 +57,9 @@ void RequireFinite(std::initializer_list<float> values) {
   }
 }
 
-constexpr double UnitTolerance = 1e-6; ///< deviation from unit length or right angle that 32-bit floats bring
+constexpr double UnitTolerance = 1e-6; ///< deviation from orthonormal due to 32-bit rounding
 
-/// Scales to unit length; a vector that has it to within rounding stays as it is, to the bit.
+/// Normalises a vector. A vector of unit length within rounding is returned unchanged, to the bit.
 Wide Unit(const Wide &v) {
   const double square = Dot(v, v);
   if (!(square > 0.0) || !std::isfinite(square)) throw SceneError("a direction without length");
@@ -68,7 +68,7 @@ Wide Unit(const Wide &v) {
   return {v.x / length, v.y / length, v.z / length};
 }
 
-/// Axes from a direction and an up vector, which is tilted to stand at a right angle to it.
+/// Axes from a direction and an up vector; the up vector is made orthogonal to the direction.
 WideTransform AxesFrom(const Wide &direction, const Wide &up) {
   WideTransform axes;
   axes.Direction = Unit(direction);
@@ -83,7 +83,7 @@ WideTransform AxesFrom(const Wide &direction, const Wide &up) {
   return axes;
 }
 
-/// Exact unit length and right angles again, after a product: turning for ever must not bend a frame.
+/// Re-orthonormalises the axes after a product, so that errors don't accumulate.
 Transform Straighten(const WideTransform &axes) {
   const auto exactUnit = [](const Wide &v) {
     const double length = std::sqrt(Dot(v, v));
@@ -95,7 +95,7 @@ Transform Straighten(const WideTransform &axes) {
   return {{}, Round(Cross(up, direction)), Round(up), Round(direction)};
 }
 
-/// The axes of a rotation of theta about an axis: +z turns toward +x for a positive turn about +y.
+/// Rotation by theta about an axis. A positive rotation about +y turns +z toward +x.
 WideTransform Rotation(const Wide &axis, double theta) {
   const Wide a = Unit(axis);
   const auto [sine, cosine] = graph::SineAndCosine(theta);
@@ -122,7 +122,7 @@ Ref<Direct3DRMVisual> Direct3DRMPickArray::GetPickVisual(std::int32_t index,
 
 void Direct3DRMFrame3::AddVisual(const Ref<Direct3DRMMeshBuilder3> &visual) {
   if (!visual) throw SceneError("no visual to attach");
-  // A visual hangs in a frame once, however often it is attached.
+  // A visual is attached to a frame at most once.
   if (std::ranges::find(visuals_, visual) != visuals_.end()) return;
   visuals_.push_back(visual);
   visual->Attached(1);
@@ -209,13 +209,13 @@ void Direct3DRMFrame3::LookAt(const Ref<Direct3DRMFrame3> &target, const Ref<Dir
   lookedAt_ = target;
   const Wide toTarget = Minus(Widen(target->World().Origin), Widen(World().Origin));
   const double distance = std::sqrt(Dot(toTarget, toTarget));
-  if (!(distance > 0.0)) return; // nowhere to look
+  if (!(distance > 0.0)) return; // no direction
   WideTransform axes;
   axes.Direction = {toTarget.x / distance, toTarget.y / distance, toTarget.z / distance};
   Wide right = Cross(Widen(ref->World().Up), axes.Direction);
   if (Dot(right, right) < UnitTolerance) {
-    // Straight up or down every roll is as good as any other: the frame keeps the one that it has, unless it
-    // stands on the very axis that would tell it.
+    // Straight up or down the roll is undefined: the frame keeps its own, unless its up axis is parallel to
+    // the new direction.
     right = Widen(World().Right);
     if (std::abs(Dot(right, axes.Direction)) > 0.5) right = Widen(World().Up);
   }

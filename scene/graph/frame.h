@@ -1,6 +1,6 @@
 #pragma once
 
-// Frames: the tree of places and orientations, what hangs in it, and the ray that asks what lies where.
+// Frames: the tree of positions and orientations, the meshes attached to it, and ray picking.
 
 #include "scene/graph/mesh_builder.h"
 #include "scene/graph/ref.h"
@@ -16,12 +16,12 @@ constexpr std::int32_t D3DRMCOMBINE_BEFORE = 1;
 constexpr std::int32_t D3DRMCONSTRAIN_Z = 0;
 constexpr std::int32_t D3DRMRAYPICK_IGNOREFURTHERPRIMITIVES = 2;
 
-/// What a pick tells of a hit beside its visual. The game never reads it.
+/// Details of a hit besides its visual. The game never reads them.
 struct D3DRMPICKDESC {
   Vector Position; ///< of the hit, in the scene
 };
 
-/// The hits of a ray, the nearest first.
+/// The hits of a ray, nearest first.
 class Direct3DRMPickArray {
 public:
   /// The visual of a hit.
@@ -36,7 +36,7 @@ public:
   D3DRMRAY Ray; ///< in the scene
 };
 
-/// Where a frame stands: the origin and the three axes of one frame, in another.
+/// Origin and axes of one frame in the coordinates of another.
 struct Transform {
   Vector Origin;
   Vector Right{1, 0, 0};     ///< +x
@@ -45,10 +45,9 @@ struct Transform {
   bool operator==(const Transform &) const = default;
 };
 
-/// A node of the tree. In all operations `ref` is the frame in whose coordinates a place or a vector is told,
-/// at the moment of the call; it may be the frame itself. Arguments that aren't finite make an operation
-/// fail.
-/// @throws SceneError  from every operation that fails
+/// A node of the tree. In all operations `ref` is the frame in whose current coordinates positions and
+/// vectors are given; it may be the frame itself.
+/// @throws SceneError  if an operation fails, for example on an argument that isn't finite
 class Direct3DRMFrame3 : public std::enable_shared_from_this<Direct3DRMFrame3> {
 public:
   explicit Direct3DRMFrame3(GraphRevision revision) : revision_(std::move(revision)) {}
@@ -58,7 +57,7 @@ public:
   void AddVisual(const Ref<Direct3DRMMeshBuilder3> &visual);
   void DeleteVisual(const Ref<Direct3DRMMeshBuilder3> &visual);
 
-  /// Puts the frame's origin at (x, y, z) of ref. Orientation and parent stay.
+  /// Moves the frame's origin to (x, y, z) of ref. Keeps orientation and parent.
   void SetPosition(const Ref<Direct3DRMFrame3> &ref, float x, float y, float z);
   void GetPosition(const Ref<Direct3DRMFrame3> &ref, Vector &position) const;
 
@@ -70,17 +69,17 @@ public:
   /// Turns the frame about its origin so that its +z points at the target's origin, without roll against ref.
   void LookAt(const Ref<Direct3DRMFrame3> &target, const Ref<Direct3DRMFrame3> &ref, std::int32_t constraint);
 
-  /// Turns the frame about an axis of its own through its own origin, radians.
+  /// Rotates the frame about one of its own axes through its origin, radians.
   void AddRotation(std::int32_t combine, float x, float y, float z, float theta);
 
-  /// Sets the steady rotation: radians at each update, about an axis of ref. (0, 0, 0, 0) stops it.
+  /// Sets a continuous rotation: radians per update, about an axis of ref. (0, 0, 0, 0) stops it.
   void SetRotation(const Ref<Direct3DRMFrame3> &ref, float x, float y, float z, float theta);
 
-  /// Tests the faces of all that hangs under this frame. An array without hits is no failure.
+  /// Tests the faces of all visuals below this frame. No hit gives an empty array.
   void RayPick(const Ref<Direct3DRMFrame3> &ref, const D3DRMRAY &ray, std::int32_t flags,
                Ref<Direct3DRMPickArray> &picked);
 
-  // For whoever draws.
+  // For the renderer.
   std::span<const Ref<Direct3DRMFrame3>> Children() const { return children_; }
   std::span<const Ref<Direct3DRMMeshBuilder3>> Visuals() const { return visuals_; }
   Transform World() const; ///< this frame in the scene

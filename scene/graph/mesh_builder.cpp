@@ -31,7 +31,7 @@ void Direct3DRMMeshBuilder3::ChangedGeometry() {
 void Direct3DRMMeshBuilder3::ScaleMesh(float sx, float sy, float sz) {
   RequireFinite(sx, sy, sz);
   for (Vector &v : data_.Positions) v = {v.x * sx, v.y * sy, v.z * sz};
-  // A normal scales the other way round, or it would lean out of its surface.
+  // Normals scale by the inverse.
   if (sx != 0.0f && sy != 0.0f && sz != 0.0f && !(sx == sy && sy == sz)) {
     for (Vector &n : data_.Normals) {
       const double x = static_cast<double>(n.x) / sx, y = static_cast<double>(n.y) / sy,

@@ -1,7 +1,7 @@
 #pragma once
 
-// Meshes: vertices and faces that are changed in place, with colour, texture, material, texture coordinates
-// and a name.
+// Meshes: vertices and faces that can be modified, with colour, texture, material, texture coordinates and a
+// name.
 
 #include "scene/graph/ref.h"
 #include "scene/graph/surface.h"
@@ -14,7 +14,7 @@
 #include <string>
 #include <vector>
 
-/// Counts the changes of a graph that can show. All objects of a graph share one.
+/// Counts the visible changes of a graph. All objects of a graph share one.
 class GraphRevision {
 public:
   void Raise() const { ++*count_; }
@@ -35,7 +35,7 @@ protected:
 
 struct FaceColor {
   float Red = 1, Green = 1, Blue = 1;
-  float Alpha = 1; ///< how much of the texture shows: 1 all of it, 0 the plain colour
+  float Alpha = 1; ///< weight of the texture: 1 full texture, 0 plain colour
   bool operator==(const FaceColor &) const = default;
 };
 
@@ -45,22 +45,22 @@ struct TextureCoordinate {
   bool operator==(const TextureCoordinate &) const = default;
 };
 
-/// What a mesh file holds, in the file's units.
+/// The contents of a mesh file, in its units.
 struct MeshData {
   std::vector<Vector> Positions;
-  std::vector<Vector> Normals;                       ///< unit length, one a vertex
-  std::vector<TextureCoordinate> TextureCoordinates; ///< one a vertex
-  std::vector<FaceColor> VertexColors;               ///< one a vertex, or none at all
-  std::vector<std::uint32_t> Indices;                ///< three a face
-  std::vector<FaceColor> FaceColors;                 ///< one a face
+  std::vector<Vector> Normals;                       ///< unit length, one per vertex
+  std::vector<TextureCoordinate> TextureCoordinates; ///< one per vertex
+  std::vector<FaceColor> VertexColors;               ///< one per vertex, or none
+  std::vector<std::uint32_t> Indices;                ///< three per face
+  std::vector<FaceColor> FaceColors;                 ///< one per face
 };
 
-/// Reads a DirectX mesh file. Files are read once, until `ForgetFiles`.
-/// @throws SceneError  that names the file and says why
+/// Reads a DirectX mesh file. Cached until `ForgetFiles`.
+/// @throws SceneError  if it can't be read; names the file and says why
 Ref<const MeshData> ReadMeshFile(const std::filesystem::path &file);
 
-/// Makes sure that a mesh file could be read, for less than reading it costs.
-/// @throws FileError  that names the file and says why
+/// Checks that a mesh file is readable, without fully reading it.
+/// @throws FileError  if it isn't; names the file and says why
 void CheckMeshFile(const std::filesystem::path &file);
 
 class Direct3DRMMeshBuilder3 : public Direct3DRMVisual {
@@ -78,7 +78,7 @@ public:
   void SetTexture(const Ref<Direct3DRMTexture> &texture);
   void SetName(const std::string &name) { name_ = name; }
 
-  // For whoever draws, wraps or picks.
+  // For the renderer, wraps and picking.
   const MeshData &Data() const { return data_; }
   const Ref<Direct3DRMMaterial2> &Material() const { return material_; }
   const Ref<Direct3DRMTexture> &Texture() const { return texture_; }
@@ -87,10 +87,10 @@ public:
 
   void SetTextureCoordinates(std::vector<TextureCoordinate> coordinates);
 
-  /// Where a ray told in the mesh's coordinates meets the nearest face, in lengths of its direction.
+  /// Distance to the nearest face hit by a ray in the mesh's coordinates, in lengths of its direction.
   std::optional<double> Intersect(const D3DRMRAY &ray);
 
-  /// Counts the frames in which the mesh hangs: what hangs nowhere doesn't show.
+  /// Counts the frames that the mesh is attached to. A mesh without a frame is invisible.
   void Attached(int frames) { attached_ += frames; }
 
 private:

@@ -1,4 +1,4 @@
-// Mesh files, read by the mesh library and turned into what the graph keeps.
+// Mesh files: read by the mesh library and converted to the graph's format.
 
 #include "scene/graph/parsing.h"
 #include "scene/graph/scene_error.h"
@@ -11,12 +11,12 @@
 
 namespace {
 
-constexpr float SmoothAngle = 60.0f;   ///< degrees between faces up to which a missing normal is smooth
+constexpr float SmoothAngle = 60.0f;   ///< maximum angle between faces with smooth normals, degrees
 constexpr float FarthestVertex = 1e6f; ///< from the origin on each axis, in the file's units
 
 Vector Convert(const aiVector3D &v) { return {v.x, v.y, v.z}; }
 
-bool Bounded(float value) { return std::abs(value) <= FarthestVertex; } // no number isn't
+bool Bounded(float value) { return std::abs(value) <= FarthestVertex; } // false for NaN
 
 void Append(const aiMesh &mesh, const aiScene &scene, bool colored, MeshData &data) {
   const auto base = static_cast<std::uint32_t>(data.Positions.size());
@@ -40,14 +40,14 @@ void Append(const aiMesh &mesh, const aiScene &scene, bool colored, MeshData &da
                                          : FaceColor{});
     }
   }
-  // A file that colours its vertices has said all that it wants to say of colours.
+  // Vertex colours replace face colours.
   aiColor4D diffuse(1, 1, 1, 1);
   if (!colored && mesh.mMaterialIndex < scene.mNumMaterials) {
     scene.mMaterials[mesh.mMaterialIndex]->Get(AI_MATKEY_COLOR_DIFFUSE, diffuse);
   }
   for (unsigned i = 0; i < mesh.mNumFaces; ++i) {
     const aiFace &face = mesh.mFaces[i];
-    if (face.mNumIndices != 3) continue; // points and lines have no surface
+    if (face.mNumIndices != 3) continue; // points and lines
     for (unsigned corner = 0; corner < 3; ++corner) {
       if (face.mIndices[corner] >= mesh.mNumVertices)
         throw SceneError("not a mesh file: a face names no vertex");

@@ -1,6 +1,6 @@
-// Mesh files are text of nested objects. What a file says of itself, how many vertices, faces and normals it
-// has and which of them belong together, is compared with what it holds. What is true is written anew in the
-// plainest form for the mesh library, which takes a file at its word and loses its way in unusual ones.
+// Mesh files are text with nested objects. The declared numbers of vertices, faces and normals, and all
+// indices, are checked against the contents. The result is rewritten in the simplest form for the mesh
+// library, which trusts the declarations and misreads unusual files.
 
 #include "scene/graph/parsing.h"
 #include "scene/graph/scene_error.h"
@@ -23,7 +23,7 @@ constexpr std::size_t MostVertices = 200000, MostFaces = 200000; ///< of all mes
 constexpr std::size_t MostMeshes = 100, MostFrames = 100, MostMaterials = 100;
 constexpr std::size_t DeepestFrame = 16;
 constexpr std::size_t LongestNumber = 24; ///< characters
-constexpr double LargestNumber = 1e6;     ///< of places, colours and all else that isn't counted
+constexpr double LargestNumber = 1e6;     ///< of coordinates, colours and other values
 
 bool IsBlank(char c) { return std::isspace(static_cast<unsigned char>(c)) != 0; }
 bool IsDigit(char c) { return c >= '0' && c <= '9'; }
@@ -73,7 +73,7 @@ private:
     return shown;
   }
 
-  // Letters.
+  // Tokens.
 
   char Next(std::size_t ahead = 0) const { return at_ + ahead < text_.size() ? text_[at_ + ahead] : '\0'; }
 
@@ -93,7 +93,7 @@ private:
     }
   }
 
-  /// A word or one of the four marks; nothing at the end of the text.
+  /// A word or one of the four separators; nothing at the end of the text.
   std::string_view Token() {
     SkipBlanks();
     const std::size_t begin = at_;
@@ -117,7 +117,7 @@ private:
     if (NeededToken() != wanted) Fail("\"" + std::string(wanted) + "\" is missing");
   }
 
-  /// An object's name, which may be left out, and its opening brace.
+  /// An object's optional name and its opening brace.
   std::string_view Open() {
     const std::string_view name = NeededToken();
     if (name == "{") return {};
@@ -125,7 +125,7 @@ private:
     return name;
   }
 
-  /// The same of an object that the library gets to see, without its name.
+  /// The same for an object that is copied, without its name.
   void Begin(std::string_view kind) {
     Open();
     plain_ += kind;
@@ -142,14 +142,14 @@ private:
     plain_ += Separator;
   }
 
-  /// Behind a row of numbers.
+  /// After a list of numbers.
   void EndRow() {
     SkipBlanks();
     if (IsSeparator(Next())) ++at_;
     plain_ += '\n';
   }
 
-  // Numbers, each with the separator behind it.
+  // Numbers, each followed by a separator.
 
   std::size_t Whole() {
     constexpr std::size_t MostDigits = 9;
@@ -219,7 +219,7 @@ private:
 
   // Objects.
 
-  /// An object that the game doesn't need.
+  /// Skips an object that the game doesn't need.
   void PassOver() {
     Open();
     for (std::size_t depth = 1; depth > 0;) {
@@ -258,7 +258,7 @@ private:
     }
   }
 
-  /// Faces as rows of indices; returns how many corners each has.
+  /// Faces as lists of indices; returns the number of corners of each.
   std::vector<std::uint8_t> Faces(std::size_t count, const char *what, std::size_t things) {
     constexpr std::size_t Triangle = 3, Square = 4;
     std::vector<std::uint8_t> faces;
@@ -359,7 +359,7 @@ private:
     End();
   }
 
-  /// Outside of all meshes, which name it. The library sees it in each of them.
+  /// A material outside the meshes, which refer to it by name. It is copied into each of them.
   void SharedMaterial() {
     const std::size_t before = plain_.size();
     const std::string_view name = Material();
@@ -387,7 +387,7 @@ private:
     return name;
   }
 
-  /// The game chooses textures itself.
+  /// Ignored: the game chooses the textures.
   void TextureName() {
     Open();
     SkipBlanks();
@@ -403,7 +403,7 @@ private:
   std::string_view text_;
   std::size_t at_ = 0;
   std::string plain_;
-  std::map<std::string_view, std::string> shared_; ///< materials by their names
+  std::map<std::string_view, std::string> shared_; ///< materials by name
   std::size_t vertices_ = 0, faces_ = 0, meshes_ = 0, frames_ = 0, materials_ = 0;
 };
 

@@ -1,16 +1,15 @@
 #pragma once
 
-// What stands in the files of models and textures, read from memory. All functions throw `SceneError` that
-// says what is wrong.
+// Parsing of model and texture files in memory. All functions throw `SceneError`, which says what is wrong.
 
 #include "scene/graph/mesh_builder.h"
 
 #include <span>
 #include <string>
 
-/// The same mesh file without names, comments and whatever else the game doesn't need, all numbers as they
-/// are. Makes sure that the file is true to itself: as many vertices, faces, normals and colours as it says,
-/// and no index beyond them.
+/// Rewrites a mesh file without names, comments and other data that the game doesn't need, keeping all
+/// numbers. Checks its consistency: the declared numbers of vertices, faces, normals and colours, and the
+/// range of indices.
 std::string PlainMesh(std::span<const char> bytes);
 
 MeshData ParseMesh(std::span<const char> bytes);
@@ -21,7 +20,7 @@ struct BitmapSize {
   int Height = 0;
 };
 
-/// Whether a bitmap of 24 or 32 bits is whole. What the pixels are doesn't matter.
+/// Checks that a bitmap of 24 or 32 bits is complete, without decoding it.
 BitmapSize CheckBitmap(std::span<const char> bytes);
 
 ImageData ParseImage(std::span<const char> bytes);

@@ -2,5 +2,5 @@
 
 #include <memory>
 
-/// Every object of the scene graph is counted by reference.
+/// A reference-counted pointer, used for every object of the scene graph.
 template <class T> using Ref = std::shared_ptr<T>;

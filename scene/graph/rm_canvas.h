@@ -1,7 +1,6 @@
 #pragma once
 
-// The canvas: the control of a window in which a scene shows. It owns the roots of the graph and hands the
-// drawing to the machine.
+// The canvas: the control that shows a scene. It owns the roots of the graph; the machine draws it.
 
 #include "platform/machine.h"
 #include "scene/graph/direct3drm3.h"
@@ -10,18 +9,18 @@ class RMCanvas : public Canvas {
 public:
   explicit RMCanvas(Machine &machine) : machine_(machine) {}
 
-  /// Brings the graph up. Called once, before any other member is used.
+  /// Creates the graph. Must be called once, before any other member is used.
   void Start();
 
-  /// Turns every frame that turns steadily by one step, then has the scene drawn. Waits for no clock.
+  /// Advances every continuous rotation by one step and draws the scene. Doesn't wait.
   void Update();
 
-  /// Gives the canvas the keyboard.
+  /// Gives the canvas the keyboard focus.
   void SetFocus();
 
   Ref<Direct3DRM3> RootObject;
-  Ref<Direct3DRMFrame3> SceneFrame;  ///< root of what is shown; stays at the origin, unturned
-  Ref<Direct3DRMFrame3> CameraFrame; ///< the view runs along its +z, its +y is up on the screen
+  Ref<Direct3DRMFrame3> SceneFrame;  ///< root of the visible tree; stays at the origin
+  Ref<Direct3DRMFrame3> CameraFrame; ///< looks along its +z, with +y up on the screen
   Ref<Direct3DRMViewport2> Viewport;
 
 private:

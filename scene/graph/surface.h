@@ -1,6 +1,6 @@
 #pragma once
 
-// How a surface looks: materials and textures.
+// Materials and textures.
 
 #include "scene/graph/ref.h"
 
@@ -9,7 +9,7 @@
 #include <utility>
 #include <vector>
 
-/// Colour parts from 0 to 1.
+/// A colour, channels from 0 to 1.
 struct ColorValue {
   float Red = 0, Green = 0, Blue = 0;
 };
@@ -29,19 +29,19 @@ public:
   ColorValue Ambient;
 };
 
-/// An image as a file holds it: four bytes a pixel (red, green, blue, alpha), top row first.
+/// A decoded image: four bytes per pixel (red, green, blue, alpha), top row first.
 struct ImageData {
   int Width = 0;
   int Height = 0;
   std::vector<std::uint8_t> Pixels;
 };
 
-/// Reads a bitmap. Files are read once, until `ForgetFiles`.
-/// @throws SceneError  that names the file and says why
+/// Reads a bitmap. Cached until `ForgetFiles`.
+/// @throws SceneError  if it can't be read; names the file and says why
 Ref<const ImageData> ReadImageFile(const std::filesystem::path &file);
 
-/// Makes sure that a bitmap could be read.
-/// @throws FileError  that names the file and says why
+/// Checks that a bitmap is readable.
+/// @throws FileError  if it isn't; names the file and says why
 void CheckImageFile(const std::filesystem::path &file);
 
 class Direct3DRMTexture {
@@ -50,10 +50,10 @@ public:
   explicit Direct3DRMTexture(std::filesystem::path file)
       : file_(std::move(file)), image_(ReadImageFile(file_)) {}
 
-  /// The image, read again if it was given back.
+  /// The image, read again after `GiveBack`.
   Ref<const ImageData> Image() const { return image_ ? image_ : ReadImageFile(file_); }
 
-  /// Whoever draws has uploaded the image: it needn't be kept in memory twice.
+  /// Releases the image, once the renderer has uploaded it.
   void GiveBack() { image_.reset(); }
 
 private:
@@ -61,5 +61,5 @@ private:
   Ref<const ImageData> image_;
 };
 
-/// Lets go of all that was kept of files, beside what meshes and textures hold themselves.
+/// Clears the cache of files. Meshes and textures keep their own data.
 void ForgetFiles();

@@ -6,14 +6,13 @@
 namespace {
 
 constexpr std::uint32_t FacesInLeaf = 4;
-constexpr std::size_t DeepestTree =
-    64; ///< nodes waiting on a walk: more than any tree of 2^32 faces has levels
+constexpr std::size_t DeepestTree = 64; ///< stack of a traversal; deeper than any tree of 2^32 faces
 constexpr double RoundingSlack = 1e-14; ///< relative; several roundings of a double
 
 std::array<float, 3> Parts(const Vector &v) { return {v.x, v.y, v.z}; }
 
-/// The ray's meeting with a face. Every edge's test is formed from the same two corners in both faces that
-/// share it and differs in its sign alone, so a ray can't pass between them.
+/// Intersects the ray with a face. The test of a shared edge uses the same two corners in both faces and
+/// differs only in sign, so a ray can't pass between them.
 std::optional<double> Meet(const Vector &p, const Vector &q, const Vector &r, const D3DRMRAY &ray) {
   const double dx = ray.Direction.x, dy = ray.Direction.y, dz = ray.Direction.z;
   const auto relative = [&](const Vector &v) {
@@ -105,7 +104,7 @@ std::optional<double> TriangleTree::Intersect(std::span<const Vector> positions,
       enter = std::max(enter, from);
       leave = std::min(leave, to);
     }
-    // The quotients are rounded: a face on the box's own edge must not be lost by that.
+    // The quotients are rounded, so a face on the boundary of the box needs some slack.
     return enter <= leave * (1.0 + RoundingSlack);
   };
   std::array<std::uint32_t, DeepestTree> waiting;

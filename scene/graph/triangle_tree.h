@@ -1,6 +1,6 @@
 #pragma once
 
-// A tree of boxes over the faces of a mesh, so that a ray meets a few of thousands.
+// A bounding volume hierarchy over the faces of a mesh, for ray picking.
 
 #include "scene/graph/vector.h"
 
@@ -11,11 +11,11 @@
 
 class TriangleTree {
 public:
-  /// Built anew for these vertices, three indices a face.
+  /// Rebuilds the tree for these vertices, three indices per face.
   void Build(std::span<const Vector> positions, std::span<const std::uint32_t> indices);
 
-  /// Where the ray meets the nearest face from either side, in lengths of its direction, 0 or more. A ray
-  /// through an edge or a corner that faces share meets one of them: there are no cracks.
+  /// Distance to the nearest face hit from either side, in lengths of the ray's direction, 0 or more.
+  /// Watertight: a ray through a shared edge or corner hits one of the faces.
   std::optional<double> Intersect(std::span<const Vector> positions, const D3DRMRAY &ray) const;
 
 private:

@@ -1,7 +1,7 @@
 #pragma once
 
-// Sine and cosine as a fixed sequence of IEEE operations. The platform's own differ in the last bit from
-// library to library, and two computers that replay a shot would lose step.
+// Sine and cosine as a fixed sequence of IEEE operations. Library implementations differ in the last bit, so
+// two computers that replay a shot would diverge.
 
 #include <cmath>
 
@@ -12,22 +12,21 @@ struct SineCosine {
   double Cosine;
 };
 
-/// Both for an angle in radians, right to about 1e-15 up to a million. A larger one still gives a direction,
-/// the same everywhere.
+/// For an angle in radians. The error is about 1e-15 up to a million; beyond that the result is still a
+/// direction and the same everywhere.
 inline SineCosine SineAndCosine(double angle) {
   constexpr double Reach = 1e6;
   constexpr double FullTurn = 6.28318530717958647693;
   constexpr double QuarterTurns = 0.63661977236758134308; ///< 2 / pi
-  // pi / 2 in two parts: the first has trailing zeros, so that its product with a small whole number is
-  // exact.
+  // pi / 2 as a sum: the first term has trailing zeros, so that its product with a small integer is exact.
   constexpr double HalfPiHigh = 1.57079632673412561417;
   constexpr double HalfPiLow = 6.07710050650619224932e-11;
-  // The remainder is exact, so every library gives the same.
+  // fmod is exact, so every library gives the same.
   if (std::abs(angle) > Reach) angle = std::fmod(angle, FullTurn);
   const double turns = std::floor(angle * QuarterTurns + 0.5);
   const double x = (angle - turns * HalfPiHigh) - turns * HalfPiLow;
   const double square = x * x;
-  // Taylor's series to the terms of degree 17 and 16, from the smallest term up.
+  // Taylor series up to degree 17 and 16, smallest term first.
   double sine = 0.0;
   for (int n = 17; n >= 3; n -= 2) sine = (1.0 - sine) * square / (n * (n - 1));
   sine = x * (1.0 - sine);

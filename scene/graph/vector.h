@@ -1,6 +1,6 @@
 #pragma once
 
-/// A place or a direction: left-handed, +y up, scene units.
+/// A position or a direction: left-handed, +y up, scene units.
 struct Vector {
   float x = 0;
   float y = 0;
@@ -8,7 +8,7 @@ struct Vector {
   bool operator==(const Vector &) const = default;
 };
 
-/// A ray runs one way from its origin.
+/// A half-line from its origin.
 struct D3DRMRAY {
   Vector Direction;
   Vector Origin;

@@ -19,7 +19,7 @@ Direct3DRMWrap::Direct3DRMWrap(const Transform &system, const Vector &origin, co
   };
   const Row place = out(origin.x, origin.y, origin.z);
   origin_ = {system.Origin.x + place.x, system.Origin.y + place.y, system.Origin.z + place.z};
-  // Without an up vector the wrap is the plain one from above: u along x, v along z.
+  // Without an up vector the wrap is projected from above: u along x, v along z.
   if (up == Vector{}) {
     along_ = out(1, 0, 0);
     across_ = out(0, 0, 1);

@@ -1,6 +1,6 @@
 #pragma once
 
-// Flat wraps: the rule that gives each vertex of a mesh its texture coordinates.
+// Flat wraps: the mapping from vertices to texture coordinates.
 
 #include "scene/graph/frame.h"
 
@@ -8,12 +8,12 @@ constexpr std::int32_t D3DRMWRAP_FLAT = 0;
 
 class Direct3DRMWrap {
 public:
-  /// @param system  where origin, direction and up are told: the reference frame in the scene
-  /// The others as in `Direct3DRM3::CreateWrap`.
+  /// @param system  the reference frame in the scene, in which origin, direction and up are given
+  /// The other parameters as in `Direct3DRM3::CreateWrap`.
   Direct3DRMWrap(const Transform &system, const Vector &origin, const Vector &direction, const Vector &up,
                  float ou, float ov, float su, float sv);
 
-  /// Computes the texture coordinates of every vertex as it stands now.
+  /// Computes the texture coordinates of every vertex at its current position.
   void Apply(const Ref<Direct3DRMMeshBuilder3> &mesh) const;
 
 private:
