@@ -1,4 +1,4 @@
-// Benchmarks of the headless machine: what a step, a pick and a match cost without drawing.
+// Benchmarks of the headless machine: a step, a pick and a match without drawing.
 
 #include "match/frm_snapwedge.h"
 #include "platform/headless/headless_machine.h"
@@ -11,7 +11,7 @@ std::filesystem::path GameDirectory() {
   return std::filesystem::weakly_canonical("/proc/self/exe").parent_path().parent_path() / "game";
 }
 
-/// A match that is set up and ready for its first shot.
+/// A match ready for its first shot.
 struct Ready {
   explicit Ready(const std::string &mode, std::int16_t rounds = 1)
       : machine(GameDirectory()), program(machine), window(machine, program) {
@@ -24,7 +24,7 @@ struct Ready {
   frmSnapwedge window;
 };
 
-/// One step of a flight, the look down included: the time of a whole flick of 96 divided by its 161 steps.
+/// One step of a flight, including the ray: the time of a flick of 96 divided by its 161 steps.
 void FlightStep(benchmark::State &state) {
   constexpr int Steps = 161;
   Ready game("Human");
@@ -50,7 +50,7 @@ void PickDown(benchmark::State &state) {
 }
 BENCHMARK(PickDown);
 
-/// A ray down on the stands, through a mesh of tens of thousands of faces.
+/// A ray down onto the stands, a mesh of tens of thousands of faces.
 void PickInTheStadium(benchmark::State &state) {
   Ready game("Human");
   game.window.SetUp();
@@ -66,7 +66,7 @@ void PickInTheStadium(benchmark::State &state) {
 }
 BENCHMARK(PickInTheStadium);
 
-/// A match of 99 rounds against the computer; the person overcharges every shot.
+/// A match of 99 rounds against the computer; the player overcharges every shot.
 void WholeMatch(benchmark::State &state) {
   for (auto _ : state) {
     Ready game("Computer", 99);

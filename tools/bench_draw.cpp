@@ -1,5 +1,5 @@
-// What a picture of the scene costs, at each level of quality, drawn as a whole and while somebody aims:
-// middle values of wall and processor time.
+// The cost of a frame of the scene at each level of quality, drawn in full and while aiming: medians of wall
+// and processor time.
 //   bench_draw [measured|full|low]
 
 #include "match/frm_snapwedge.h"
@@ -43,13 +43,13 @@ void Bench(frmSnapwedge &window, const char *name, Quality quality, bool whole) 
   for (int picture = 0; picture < Pictures; ++picture) {
     window.Wind();
     window.AimFrame->AddRotation(D3DRMCOMBINE_BEFORE, 0, 1, 0, picture % 2 == 0 ? 0.05f : -0.05f);
-    // A camera that moves leaves nothing of the last picture.
+    // A moving camera damages the whole frame.
     if (whole) window.CameraFrame->SetPosition(window.CameraFrame, picture % 2 == 0 ? 0.01f : -0.01f, 0, 0);
     const double before = ProcessorMs();
     const auto start = std::chrono::steady_clock::now();
     renderer.Draw(window.RMCanvas1, CanvasSize);
     const std::chrono::duration<double, std::milli> took = std::chrono::steady_clock::now() - start;
-    if (picture < Pictures / 3) continue; // uploads, and the choice of the level
+    if (picture < Pictures / 3) continue; // uploads and the choice of the level
     wall.push_back(took.count());
     processor += ProcessorMs() - before;
   }

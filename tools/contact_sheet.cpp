@@ -1,5 +1,5 @@
-// Renders the scene from every place where the camera stands in a match, all pictures, and all windows as
-// they come to the screen, into sheets of PNG: the same on every day.
+// Renders the scene from every camera position of a match, all images, and all windows as they appear on the
+// screen, into PNG contact sheets. The output is reproducible.
 //   contact_sheet DIRECTORY
 
 #include "front/information_windows.h"
@@ -22,10 +22,10 @@
 namespace {
 
 constexpr QSize CanvasSize(417, 361);
-constexpr int UpdatesToSettle = 60;                     // the lens eases
+constexpr int UpdatesToSettle = 60;                     // for the easing of the lens
 constexpr int Gap = 6;                                  // pixels between pictures
 constexpr int NameHeight = 18;                          // pixels for the name above each
-constexpr const char *DenseWindows = "--dense-windows"; // what the program calls itself with for these
+constexpr const char *DenseWindows = "--dense-windows"; // option of the child process that renders these
 
 std::filesystem::path GameDirectory() {
   return std::filesystem::weakly_canonical("/proc/self/exe").parent_path().parent_path() / "game";
@@ -33,11 +33,11 @@ std::filesystem::path GameDirectory() {
 
 using Pictures = std::vector<std::pair<std::string, QImage>>;
 
-/// Pictures side by side, with their names.
+/// Images side by side, with their names.
 void WriteSheet(Pictures pictures, int columns, const std::string &file) {
   QSize cell;
   for (auto &[name, picture] : pictures) {
-    picture.setDevicePixelRatio(1.0); // a pixel of a dense picture is a pixel of the sheet
+    picture.setDevicePixelRatio(1.0); // one pixel of the image is one pixel of the sheet
     cell = cell.expandedTo(picture.size());
   }
   cell.rheight() += NameHeight;
@@ -58,7 +58,7 @@ void WriteSheet(Pictures pictures, int columns, const std::string &file) {
   std::printf("%s\n", file.c_str());
 }
 
-/// The play window's scene, put into the situations of a match.
+/// The scene of the play window in the situations of a match.
 class Situations {
 public:
   Situations() : machine_(GameDirectory()), program_(machine_), window_(machine_, program_) {
@@ -189,7 +189,7 @@ private:
   frmSnapwedge window_;
 };
 
-/// Shots as a player sees them: every so many pictures of a whole possession, drawn as the game draws them.
+/// Shots as a player sees them: every nth frame of a possession, drawn as in the game.
 class Films {
 public:
   explicit Films(const std::string &directory) : directory_(directory) {}
@@ -232,7 +232,7 @@ public:
   }
 
 private:
-  static constexpr std::size_t LongestTouchdown = 300; ///< pictures: its kick never comes
+  static constexpr std::size_t LongestTouchdown = 300; ///< frames; the kick is never taken
 
   static void Put(frmSnapwedge &window, float x, float z) {
     for (const auto &frame : {window.PieceFrame, window.AimFrame})
@@ -251,7 +251,7 @@ private:
                  window.X2, window.Y2, window.Z2, window.Player);
   }
 
-  /// A kick so many frames after the posts have started.
+  /// A kick a number of frames after the posts have started.
   static void Kick(frmSnapwedge &window, float power, float turn, int frames) {
     window.machine.Randomize();
     auto poll = window.machine.OnPump([&, frames, power, turn]() mutable {
@@ -317,14 +317,14 @@ void RenderPictures(const std::string &directory, bool dense) {
   if (!dense) sheet({"icon", "icon-48"}, 2, "icon");
 }
 
-/// The real machine, on the game as it was built.
+/// The desktop machine with the built game.
 class GameMachine : public DesktopMachine {
 public:
   using DesktopMachine::DesktopMachine;
   std::filesystem::path AppPath() const override { return GameDirectory(); }
 };
 
-/// The windows with their controls, in the density of the screen.
+/// The windows with their controls, at the screen's pixel density.
 class Windows {
 public:
   explicit Windows(GameMachine &machine) : machine_(machine), program_(machine) {
@@ -365,7 +365,7 @@ private:
     }
   }
 
-  /// The window that stands open under this name.
+  /// The open window of this name.
   static QWidget *Find(const std::string &name) {
     for (QWidget *widget : QApplication::topLevelWidgets())
       if (widget->isVisible() && widget->objectName().toStdString() == name) return widget;
@@ -405,7 +405,7 @@ int main(int argc, char **argv) {
   try {
     const std::string directory = argv[1];
     std::filesystem::create_directories(directory);
-    // The density of the screen is chosen once for a process.
+    // A process has only one pixel density.
     qputenv("QT_SCALE_FACTOR", denseWindows ? "2" : "1");
     GameMachine machine(argc, argv);
     Windows(machine).Render(directory);

@@ -13,7 +13,7 @@ namespace {
 
 using Pictures = std::vector<std::pair<std::string, QImage>>;
 
-/// A match on the headless machine, whose window is shown on the real one whenever a picture is wanted.
+/// A match on the headless machine, whose window is shown on the desktop machine for each screenshot.
 class Match {
 public:
   Match(DesktopMachine &screen, Pictures &pictures, const std::filesystem::path &game,
@@ -39,7 +39,7 @@ public:
     for (int i = 0; i < count; ++i) window.Frame(program_.MyTurn ? "A" : mode() == "Computer" ? "B" : "D");
   }
 
-  /// Holds the left button for so many frames and lets go; what follows runs to its end.
+  /// Holds the left button for a number of frames and releases it; runs the shot to its end.
   void Shoot(int frames) {
     machine_.PressMouse(1);
     Frames(frames);
@@ -47,7 +47,7 @@ public:
     Frames(1);
   }
 
-  /// Takes a picture of the flight's or kick's picture of that number.
+  /// Takes a screenshot at that frame of the flight or kick.
   void TakeAtDraw(int number, const std::string &name) {
     onDraw_ = number;
     drawn_ = name;
@@ -55,11 +55,10 @@ public:
 
   void TakeAtCard(const std::string &name) { onCard_ = name; }
 
-  /// Plays the point-after as it comes: looks at it, turns by so many pixels, holds the button for so many
-  /// frames.
+  /// Plays the next point-after: waits, moves the mouse by some pixels, holds the button for some frames.
   void KickWith(int pixels, int frames, const std::string &name) {
     atPump_ = [this, pixels, frames, name, pumps = 0]() mutable {
-      constexpr int Look = 40; // pumps, two a frame
+      constexpr int Look = 40; // pumps, two per frame
       if (!window.KickMode || window.NoShot) return;
       ++pumps;
       if (pumps == Look) Take(name);
@@ -83,7 +82,7 @@ public:
     Frames(1);
   }
 
-  /// Shows the window as it stands on the real machine.
+  /// Shows the window in its current state on the desktop machine.
   void Take(const std::string &name) {
     window.Visible = false;
     screen_.Show(window);
@@ -95,7 +94,7 @@ public:
     window.Visible = true;
   }
 
-  /// As the computer that waits in a network game sees it.
+  /// The view of the waiting computer in a network game.
   void Wait() {
     program_.GameMode = "INET";
     window.Reset();

@@ -1,6 +1,6 @@
 #pragma once
 
-// Pictures of the play window out of real matches: played on the headless machine, shown on the real one.
+// Screenshots of the play window from real matches: played on the headless machine, shown on the desktop one.
 
 #include "platform/desktop/desktop_machine.h"
 
@@ -11,8 +11,8 @@
 #include <utility>
 #include <vector>
 
-/// Plays what a match can come to and takes a picture of the window at each station, in the density of the
-/// screen.
-/// @param game  the directory of the game
+/// Plays through the situations of a match and takes a screenshot of the window in each, at the screen's
+/// pixel density.
+/// @param game  directory of the game
 std::vector<std::pair<std::string, QImage>> PlayWindows(DesktopMachine &screen,
                                                         const std::filesystem::path &game);

@@ -1,5 +1,5 @@
-// Levels of wave files: length, peak, loudness, ends, and for the loops how their seam compares with what it
-// joins.
+// Levels of wave files: length, peak, loudness, ends, and for loops the step at the seam compared with its
+// neighbourhood.
 //   sound_report [--recording] FILE...
 // With --recording it fails if a file is silent or clips.
 
@@ -16,7 +16,7 @@
 
 namespace {
 
-constexpr double SilentBelow = -60.0; ///< dB of full scale, of a whole recording
+constexpr double SilentBelow = -60.0; ///< dBFS, of a whole recording
 constexpr double ClipsAbove = 0.999;  ///< of full scale
 
 double Decibels(double value) { return value > 0 ? 20 * std::log10(value) : -120.0; }
@@ -27,7 +27,7 @@ double RootMeanSquare(const std::vector<double> &samples, std::size_t first, std
   return std::sqrt(std::inner_product(begin, end, begin, 0.0) / static_cast<double>(count));
 }
 
-/// One channel, the mean of all; `peak` is that of the loudest.
+/// The mean of all channels; `peak` is that of the loudest channel.
 std::vector<double> Read(const char *path, int &rate, double &peak) {
   SF_INFO info{};
   const std::unique_ptr<SNDFILE, int (*)(SNDFILE *)> file(sf_open(path, SFM_READ, &info), sf_close);

@@ -1,6 +1,5 @@
-// Films shots in the real play window, as who looks over the player's shoulder sees them: a strip of pictures
-// for each, from the press of the button to the card. The hand counts pictures, not time: each film comes out
-// the same on every day.
+// Records shots in the real play window: a strip of frames for each, from the press of the button to the
+// card. The input is timed by frames, so the output is reproducible.
 //   window_films DIRECTORY
 
 #include "match/frm_snapwedge.h"
@@ -19,12 +18,12 @@
 
 namespace {
 
-constexpr int InFilm = 12, Columns = 4; ///< pictures in a strip, and in a row of it
-constexpr std::size_t Kept = 3;         ///< every third picture of a film is kept
+constexpr int InFilm = 12, Columns = 4; ///< frames in a strip, and in a row of it
+constexpr std::size_t Kept = 3;         ///< every third frame is kept
 constexpr int Gap = 4;                  ///< pixels between pictures
 constexpr int NoPress = -1;
 
-/// The real machine, on the game as it was built, that tells when its window shows something new.
+/// The desktop machine with the built game; reports new frames and cards.
 class FilmedMachine : public DesktopMachine {
 public:
   using DesktopMachine::DesktopMachine;
@@ -44,7 +43,7 @@ public:
   std::function<void()> OnCard;    ///< a card has come up
 };
 
-/// A match of two at one mouse, with a hand that shoots.
+/// A match of two players at one mouse, with scripted input.
 class Match {
 public:
   explicit Match(FilmedMachine &machine) : machine_(machine), program_(machine), window_(machine, program_) {
@@ -58,7 +57,7 @@ public:
   Match(const Match &) = delete;
   Match &operator=(const Match &) = delete;
 
-  /// Turns the aim and holds the button for so many frames; what follows runs to its end.
+  /// Turns the aim and holds the button for a number of frames; runs the shot to its end.
   void Shoot(int frames, float turn = 0.0f) {
     Aim(turn);
     for (int i = 0; i < FramesToLook; ++i) window_.Frame("A");
@@ -66,7 +65,7 @@ public:
     for (int i = 0; i < frames && !window_.NoShot && window_.MouseMode == 1; ++i) {
       if (rolling_ && i == frames / 2) {
         rising_ = film_.size();
-        Take(); // the scene stands still now
+        Take(); // the scene is still
       }
       window_.Frame("A");
     }
@@ -74,14 +73,14 @@ public:
     for (int i = 0; i < FramesToLook; ++i) window_.Frame("A");
   }
 
-  /// Plays the point-after that will come: the button goes down so many pictures after its start.
+  /// Plays the next point-after: presses the button a number of frames after its start.
   void KickAt(int press, int frames, float turn = 0.0f) {
     press_ = press;
     release_ = press + frames;
     turn_ = turn;
   }
 
-  /// Films from the next press on, to the first card, or the second if it is a Touchdown's kick.
+  /// Records from the next press to the first card, or to the second for a kick after a Touchdown.
   void Roll(bool kick) {
     rolling_ = !kick;
     filmsKick_ = kick;
@@ -139,7 +138,7 @@ private:
   std::vector<QImage> film_;
   bool rolling_ = false, filmsKick_ = false;
   std::size_t pictures_ = 0;
-  std::size_t rising_ = 0; ///< the picture in which the meter rises, 0 for none
+  std::size_t rising_ = 0; ///< the frame in which the meter rises, 0 for none
   int kickPictures_ = 0, press_ = NoPress, release_ = NoPress;
   float turn_ = 0.0f;
 };
@@ -162,7 +161,7 @@ int main(int argc, char **argv) {
       if (!match.Strip().save(QString::fromStdString(file))) throw std::runtime_error("can't write " + file);
       std::printf("%s\n", file.c_str());
     };
-    // A possession that ends with a corner over the edge: 96, 24 and 16 of the meter.
+    // A Touchdown: 96, 24 and 16 on the meter.
     const auto touchdown = [](Match &match, bool kick) {
       match.Shoot(12);
       match.Shoot(3);
@@ -196,7 +195,7 @@ int main(int argc, char **argv) {
       match.Roll(false);
       match.Shoot(13);
     });
-    // The posts walk out, turn, and are back in the middle 178 pictures after their start; the kick takes 76.
+    // The posts return to the middle 178 frames after their start; the kick takes 76.
     film("kick-good", [&](Match &match) {
       match.KickAt(90, 12);
       touchdown(match, true);

@@ -1,6 +1,6 @@
-// One side of a match between two processes on this computer, over real sockets, by a scripted player.
+// One side of a match between two processes on this computer, over real sockets, with a scripted player.
 //   peer host|join SESSION ROUNDS SEED
-// Prints what it saw: the same on both sides, whatever processor and compiler each was built for.
+// Prints what it saw, which must be the same on both sides whatever their processors and compilers.
 
 #include "front/run_program.h"
 #include "tools/netsim/quick_machine.h"
@@ -14,7 +14,7 @@
 
 namespace {
 
-constexpr int Speed = 4; ///< the machine's clock runs so many times as fast as the wall's
+constexpr int Speed = 4; ///< virtual time per real time
 
 int Play(bool host, const std::string &session, int rounds, std::uint32_t seed) {
   const auto tools = std::filesystem::weakly_canonical("/proc/self/exe").parent_path();
@@ -22,7 +22,7 @@ int Play(bool host, const std::string &session, int rounds, std::uint32_t seed) 
   Program program(machine);
   ScriptedPlayer player(machine, host, rounds, seed);
   player.LookFor(session);
-  // In the lobby: the connection within this computer, and the session's name.
+  // In the lobby: the connection method "This Computer" and the session name.
   machine.Player = [&, act = machine.Player] {
     if (auto *lobby = dynamic_cast<frmNewNet *>(machine.FindWindow("frmNewNet"))) {
       lobby->lstConnections.ListIndex = 0;

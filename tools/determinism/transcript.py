@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""Plays thousands of random shots with the replay tool and prints what it tells of each.
+"""Plays thousands of random shots with the replay tool and prints its reports.
 
   transcript.py MATCHES REPLAY...
 
@@ -15,14 +15,14 @@ state = 20260101
 
 
 def draw(low, high):
-    """A number of three decimals."""
+    """A number with three decimals."""
     global state
     state = (state * 6364136223846793005 + 1442695040888963407) % 2**64
     return round(low + (high - low) * (state >> 40) / 2**24, 3)
 
 
 def play(command):
-    """A match of two people with random shots, half of them near the plan of a Touchdown."""
+    """A match of two people with random shots, half of them close to a Touchdown."""
     tool = subprocess.Popen(command, stdin=subprocess.PIPE, stdout=subprocess.PIPE, text=True)
 
     def ask(line):

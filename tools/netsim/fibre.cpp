@@ -19,7 +19,7 @@ namespace {
 
 constexpr std::size_t StackSize = 1UL << 20; // bytes
 
-// The address sanitiser has to be told of every change of stacks.
+// The address sanitiser must be notified of every stack switch.
 void StartSwitch([[maybe_unused]] void **keep, [[maybe_unused]] const void *stack,
                  [[maybe_unused]] std::size_t size) {
 #ifdef FIBRES_WATCHED
@@ -42,7 +42,7 @@ Fibre::Fibre(std::function<void()> body)
   inside_.uc_stack.ss_sp = stack_.get();
   inside_.uc_stack.ss_size = StackSize;
   inside_.uc_link = &outside_;
-  // `makecontext` hands on whole numbers only, so the address travels in two halves.
+  // `makecontext` passes only ints, so the address is split in two.
   const auto address = reinterpret_cast<std::uintptr_t>(this);
   makecontext(&inside_, reinterpret_cast<void (*)()>(&Fibre::Enter), 2, static_cast<unsigned>(address >> 32),
               static_cast<unsigned>(address));

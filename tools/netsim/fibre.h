@@ -1,6 +1,6 @@
 #pragma once
 
-// A procedure with a stack of its own, that runs until it pauses and goes on where it paused.
+// A function with its own stack that can be paused and resumed.
 
 #include <ucontext.h>
 
@@ -14,11 +14,11 @@ public:
   Fibre(const Fibre &) = delete;
   Fibre &operator=(const Fibre &) = delete;
 
-  /// Runs the body until its next pause or its end. Called from outside.
+  /// Runs the body until its next pause or its end. Called from outside the fibre.
   /// @throws  what the body threw
   void Resume();
 
-  /// Called from inside: gives control back to `Resume`.
+  /// Returns control to `Resume`. Called from inside the fibre.
   void Pause();
 
   bool Done() const { return done_; }
@@ -32,7 +32,7 @@ private:
   ucontext_t inside_{}, outside_{};
   std::exception_ptr error_;
   bool done_ = false;
-  // What the sanitiser needs to know of the two stacks.
+  // For the sanitiser.
   void *insideFake_ = nullptr, *outsideFake_ = nullptr;
   const void *outsideStack_ = nullptr;
   std::size_t outsideSize_ = 0;

@@ -1,6 +1,6 @@
-// Plays matches between two simulated computers over bad lines, and tells whether the two ever disagree.
+// Plays matches between two simulated computers over bad lines, and reports whether the two ever disagree.
 //   netsim [--matches N] [--seed S] [--rounds R]
-// A match's seed is S, S + 1, ...: a seed that fails plays the same again, on every computer.
+// The seeds of the matches are S, S + 1, ... A seed gives the same match on every computer.
 
 #include "tools/netsim/simulation.h"
 
@@ -14,7 +14,7 @@
 
 namespace {
 
-/// Everything that the matches came to.
+/// Totals over all matches.
 struct Tally {
   long Matches = 0, Bad = 0;
   long Loss = 0, Breaks = 0, Cuts = 0, Reconnects = 0, Told = 0, NeverMet = 0;

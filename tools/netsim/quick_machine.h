@@ -1,6 +1,6 @@
 #pragma once
 
-// The machine of memory on a quick clock, with a real network.
+// A headless machine with an accelerated clock and a real network.
 
 #include "platform/desktop/asio/asio_network.h"
 #include "platform/headless/headless_machine.h"
@@ -12,7 +12,7 @@
 class QuickMachine : public HeadlessMachine {
 public:
   /// @param game   directory of the assets
-  /// @param speed  the machine's clock runs so many times as fast as the wall's
+  /// @param speed  virtual time per real time
   QuickMachine(const std::filesystem::path &game, int speed) : HeadlessMachine(game) {
     MakeDirectPlay = [this] { return CreateAsioDirectPlay(*this); };
     Sleeper = [this, speed](std::int32_t) {

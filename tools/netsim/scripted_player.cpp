@@ -10,8 +10,8 @@
 namespace {
 
 constexpr float TouchdownPlan[] = {96, 24, 16};
-constexpr float KickFrom = 80.0f; ///< place of the posts, scene units
-constexpr int ThinkMs = 120;      ///< shortest pause between two acts
+constexpr float KickFrom = 80.0f; ///< position of the posts, scene units
+constexpr int ThinkMs = 120;      ///< minimum pause between two actions
 constexpr int LongestHoldMs = 3000;
 const std::string ChatBegins = "well played ";
 const std::string LineIsBroken = "waiting for the other computer ...";
@@ -34,7 +34,7 @@ void ScriptedPlayer::Look() {
   }
   auto *table = dynamic_cast<frmSnapwedge *>(&top);
   if (table && hand_ != Hand::Open)
-    return Hold(*table); // a hand on the button watches the meter all the time
+    return Hold(*table); // while holding the button, watch the meter at every pump
   if (!machine_.ClockReached(actAt_)) return;
   actAt_ = machine_.ClockIn(Between(ThinkMs, 6 * ThinkMs));
   if (table) {
@@ -42,7 +42,7 @@ void ScriptedPlayer::Look() {
   } else if (auto *lobby = dynamic_cast<frmNewNet *>(&top)) {
     UseLobby(*lobby);
   } else {
-    // The dialog that asks for an address: left blank, or the host's name.
+    // The search dialog: blank, or the address of the host.
     for (Control *control : top.Controls) {
       if (auto *box = dynamic_cast<TextBox *>(control)) box->Text = host_ || Between(0, 1) ? "" : "10.0.0.1";
     }
@@ -53,7 +53,7 @@ void ScriptedPlayer::Look() {
   }
 }
 
-/// What stands on the play window, beside the scene.
+/// Reads the controls of the play window.
 void ScriptedPlayer::Read(const frmSnapwedge &table) {
   atTable_ = true;
   seen_.Rounds = table.Round;
@@ -99,7 +99,7 @@ void ScriptedPlayer::Release() {
   machine_.ReleaseMouse(1);
 }
 
-/// With the left button down.
+/// Acts while the left button is down.
 void ScriptedPlayer::Hold(frmSnapwedge &table) {
   if (letGoAt_ || hand_ == Hand::Stale) {
     if (!letGoAt_) letGoAt_ = machine_.ClockIn(Between(0, LongestHoldMs));
@@ -108,12 +108,12 @@ void ScriptedPlayer::Hold(frmSnapwedge &table) {
     if (leaveAt_ && table.ProgressBar1.Value >= *leaveAt_) {
       ++seen_.LeftInCharge;
       machine_.LoseFocus();
-      hand_ = Between(0, 1) == 1 ? Hand::Stale : Hand::Open; // let go over here again, or over there
+      hand_ = Between(0, 1) == 1 ? Hand::Stale : Hand::Open; // released here later, or in the other window
       return;
     }
     if (table.ProgressBar1.Value < release_) return;
   }
-  // Or the meter has passed its end meanwhile, and the shot is gone.
+  // Either the level is reached, or the shot has fired by itself.
   Release();
   if (hand_ == Hand::Stale) letsGo_ = false;
   hand_ = Hand::Open;
@@ -125,7 +125,7 @@ void ScriptedPlayer::SeeShotSent(float force) {
   if (!letsGo_ && !(overcharged && hand_ == Hand::Pressing)) ++seen_.ShotsWithoutHand;
 }
 
-/// The window has been repainted: a card has come up.
+/// Called when the window is repainted, which means that a card is up.
 void ScriptedPlayer::SeeCard() {
   const auto *table = dynamic_cast<frmSnapwedge *>(machine_.FindWindow("frmSnapwedge"));
   if (!table || table->CardIsTold || hand_ != Hand::Pressing) return;
@@ -137,7 +137,7 @@ void ScriptedPlayer::Play(frmSnapwedge &table) {
   if (quitAt_ && machine_.ClockReached(*quitAt_) && machine_.Focus == &table.RMCanvas1) {
     seen_.Quit = true;
     const bool inFlight = table.NoShot && !table.KickMode;
-    if (inFlight && !seen_.Flicks.empty()) seen_.Flicks.pop_back(); // seen to its end over there alone
+    if (inFlight && !seen_.Flicks.empty()) seen_.Flicks.pop_back(); // only the other side sees its end
     machine_.PressKey(KeyCodes::Escape);
     return;
   }
@@ -153,7 +153,7 @@ void ScriptedPlayer::Play(frmSnapwedge &table) {
     return;
   }
   if (table.KickMode && planned_) {
-    // The posts are in the middle when the piece arrives, if they turned at +x when it left.
+    // If the posts are just turning at +x, they are in the middle when the piece arrives.
     Vector goal;
     table.GoalFrame->GetPosition(table.RMCanvas1.SceneFrame, goal);
     actAt_ = machine_.Now();
@@ -175,7 +175,7 @@ void ScriptedPlayer::Play(frmSnapwedge &table) {
   }
 }
 
-/// Does something now and then that is no part of a shot. Returns whether it has.
+/// Sometimes does something unrelated to a shot. Returns whether it did.
 bool ScriptedPlayer::Fidget(frmSnapwedge &table) {
   switch (Between(0, 19)) {
   case 0:
@@ -200,7 +200,7 @@ bool ScriptedPlayer::Fidget(frmSnapwedge &table) {
     return true;
   case 4:
     if (table.MouseGate()) return false;
-    Press(); // out of turn, and maybe let go in turn
+    Press(); // not its turn; it may be by the time of the release
     letGoAt_ = machine_.ClockIn(Between(0, LongestHoldMs));
     return true;
   case 5:
@@ -211,12 +211,13 @@ bool ScriptedPlayer::Fidget(frmSnapwedge &table) {
   }
 }
 
-/// Moves the mouse, which turns the aim in the frames until the shot.
+/// Moves the mouse; the following frames turn the aim.
 void ScriptedPlayer::Aim(const frmSnapwedge &table) {
   if (table.Shots == 3 && !table.KickMode) {
     attempt_ = 0;
     planned_ = Between(0, 2) > 0;
-    if (planned_) machine_.MoveMouse(Between(-4, 8), 0); // a little to the right it touches the bonus area
+    if (planned_)
+      machine_.MoveMouse(Between(-4, 8), 0); // slightly to the right the piece touches the bonus area
   }
   if (table.KickMode) planned_ = Between(0, 2) > 0;
   if (planned_) return;
@@ -224,9 +225,9 @@ void ScriptedPlayer::Aim(const frmSnapwedge &table) {
   MoveMouse(reach, 20);
 }
 
-/// Anywhere within so many pixels to all sides.
+/// Moves the mouse by a random offset of up to so many pixels.
 void ScriptedPlayer::MoveMouse(int reachX, int reachY) {
-  // One draw after the other: a compiler chooses in which order it evaluates arguments.
+  // Two statements, since the order of evaluation of arguments is unspecified.
   const int dx = Between(-reachX, reachX);
   const int dy = Between(-reachY, reachY);
   machine_.MoveMouse(dx, dy);
@@ -253,7 +254,7 @@ void ScriptedPlayer::SeePicture() {
   }
   tee_.reset();
   kicked_ = false;
-  // The S key draws pictures of its own, in which the piece hasn't moved.
+  // The S key causes extra frames, in which the piece hasn't moved.
   if (!table->NoShot || seen_.Flicks.empty() || place == lastPlace_) return;
   for (const float part : {place.x, place.y, place.z}) AddToHash(seen_.Flicks.back(), part);
   lastPlace_ = place;

@@ -1,7 +1,7 @@
 #pragma once
 
-// A player who finds the other one in the lobby and plays by what stands on the screen: presses, waits for
-// the meter, releases, turns the aim, chats, plays with the keys, and goes to other windows in mid-charge.
+// A simulated player: finds the other one in the lobby and reacts to what is on the screen. Presses, waits
+// for the meter, releases, turns the aim, chats, presses keys, and switches to other windows while charging.
 
 #include "match/frm_snapwedge.h"
 #include "net/frm_new_net.h"
@@ -20,16 +20,16 @@ public:
     machine.OnRepaint = [this] { SeeCard(); };
   }
 
-  /// Presses Esc at the table, at that moment of the virtual clock or soon after.
+  /// Presses Esc during the match, at that moment of the virtual clock or soon after.
   void QuitAt(std::int32_t moment) { quitAt_ = moment; }
 
-  /// Joins only a session whose name begins like that.
+  /// Joins only a session whose name begins with this.
   void LookFor(const std::string &session) { wanted_ = session; }
 
-  /// Closes the lobby: there is nobody any more to play with.
+  /// Closes the lobby: the other player has gone.
   void GoHome() { goHome_ = true; }
 
-  /// The program sends a shot of that force. It must come from this player's hand.
+  /// Called when the program sends a shot of that force. Counts a shot that this player didn't release.
   void SeeShotSent(float force);
 
   bool AtTable() const { return atTable_; }
@@ -56,31 +56,31 @@ private:
   /// The left button.
   enum class Hand {
     Open,
-    Pressing, ///< the meter that rises is this press's
-    Stale,    ///< still down, but a card or another window came since: its release means nothing
+    Pressing, ///< down, and the meter is charging
+    Stale,    ///< down, but a card or another window has interrupted: its release is ignored
   };
 
   HeadlessMachine &machine_;
   bool host_;
   int rounds_;
-  std::string wanted_; ///< beginning of the name of the session to join
+  std::string wanted_; ///< prefix of the name of the session to join
   std::mt19937 random_;
   SeenMatch seen_;
-  std::int32_t actAt_ = 0; ///< virtual moment of the next act
+  std::int32_t actAt_ = 0; ///< virtual time of the next action
   std::optional<std::int32_t> quitAt_;
   bool goHome_ = false;
   bool atTable_ = false;
   Hand hand_ = Hand::Open;
-  bool letsGo_ = false;                 ///< the release is on its way to the program
-  std::optional<std::int32_t> letGoAt_; ///< when a hand that waits for no meter lets go
-  std::optional<float> leaveAt_;        ///< level of the meter at which the player goes to another window
+  bool letsGo_ = false;                 ///< the release is posted
+  std::optional<std::int32_t> letGoAt_; ///< time of a release that doesn't depend on the meter
+  std::optional<float> leaveAt_;        ///< meter value at which the player switches to another window
   bool orbits_ = false;                 ///< the right button is down
-  float release_ = 0;                   ///< level of the meter at which the left one is let go
+  float release_ = 0;                   ///< meter value at which the left button is released
   int attempt_ = 0;
-  bool aimed_ = false;        ///< for the next shot
-  bool planned_ = false;      ///< this possession goes by the plan of a Touchdown
-  std::size_t heard_ = 0;     ///< sounds heard so far
-  Vector lastPlace_;          ///< of the piece in a flight
-  std::optional<Vector> tee_; ///< where the piece stands before a kick
+  bool aimed_ = false;        ///< the aim of the next shot is set
+  bool planned_ = false;      ///< this possession follows the plan for a Touchdown
+  std::size_t heard_ = 0;     ///< sounds processed so far
+  Vector lastPlace_;          ///< last position of the piece in a flight
+  std::optional<Vector> tee_; ///< position of the piece before a kick
   bool kicked_ = false;
 };

@@ -13,11 +13,11 @@
 
 namespace {
 
-// Longest match on the virtual clock, all breaks and pauses included.
+// Maximum virtual time of a match, including all outages and pauses.
 constexpr std::int32_t LongestRoundMs = 900000;
 constexpr std::int32_t LongestRestMs = 300000;
 
-/// A network that shows its player the shots that go out.
+/// A network that reports outgoing shots to the scripted player.
 class WatchedPlay : public session::SessionDirectPlay {
 public:
   WatchedPlay(Machine &machine, std::shared_ptr<session::Transport> transport, ScriptedPlayer &player)
@@ -39,7 +39,7 @@ private:
   ScriptedPlayer &player_;
 };
 
-/// One computer with its program and its player.
+/// One computer with a program and a player.
 struct Computer {
   Computer(const std::filesystem::path &game, FaultyWire &line, std::string at, bool host, int rounds,
            std::uint32_t seed)
@@ -63,7 +63,7 @@ struct Computer {
     if (open && open->Opened()) reconnects = std::max(reconnects, open->Opened()->GetLink().Resumes());
   }
 
-  /// When it has something to do at the latest; what arrives meanwhile counts too.
+  /// When it must run next: its wake time or the next arrival.
   std::int32_t NextMoment() const {
     return machine.Drawing ? wake : std::min(wake, wire.NextArrival(address).value_or(wake));
   }
@@ -79,7 +79,7 @@ struct Computer {
   Fibre fibre;
 };
 
-/// Whether two lists of the same shots are the same as far as both go.
+/// Compares two lists of shots up to the length of the shorter one.
 template <class Shot>
 std::string CompareShots(const std::string &what, const std::vector<Shot> &host,
                          const std::vector<Shot> &joiner) {
@@ -88,7 +88,7 @@ std::string CompareShots(const std::string &what, const std::vector<Shot> &host,
   return what + " " + std::to_string(first - host.begin() + 1) + " differs";
 }
 
-/// What would be wrong on either side whatever the other saw.
+/// Errors visible on one side alone.
 std::string CheckSide(const SeenMatch &side) {
   if (side.ShotsWithoutHand > 0) return "a shot was sent that no hand let go";
   if (side.Dropped > 0) return "a message was dropped";
@@ -103,9 +103,9 @@ std::string Compare(const SeenMatch &host, const SeenMatch &joiner) {
   if (const auto flick = CompareShots("flick", host.Flicks, joiner.Flicks); !flick.empty()) return flick;
   if (const auto kick = CompareShots("kick", host.Kicks, joiner.Kicks); !kick.empty()) return kick;
   if (host.Quit || joiner.Quit) {
-    // Who is left is told, unless the match is over there already. The joiner waits for nobody. The host
-    // waits for the joiner's last words, after which the joiner may still press Esc; then both have the same
-    // points.
+    // The remaining side is told, unless its match is already over. The joiner doesn't wait for the host. The
+    // host waits for the joiner's last message, after which the joiner may still press Esc; both then have
+    // the same points.
     const bool samePoints = host.Home == joiner.Away && host.Away == joiner.Home;
     const auto fits = [](const SeenMatch &side, bool mayBeOver) {
       return side.Quit || side.Box == "Away Team Disconnected!" || (mayBeOver && !side.EndCard.empty());
@@ -124,7 +124,7 @@ std::string Compare(const SeenMatch &host, const SeenMatch &joiner) {
   return {};
 }
 
-/// One computer in three plays against one that is ten times as fast or as slow, the others are about alike.
+/// In one match of three the computers differ tenfold in speed, in the others they are similar.
 template <class Between> void ChooseSpeeds(Conditions &under, Between between) {
   under.TenTimesApart = between(0, 2) == 0;
   if (under.TenTimesApart) {
@@ -157,7 +157,7 @@ SimulatedMatch Simulate(const std::filesystem::path &game, std::uint32_t seed, i
   line.JitterMs = under.JitterMs = between(0, 80);
   if (between(0, 1) == 1) line.Loss = under.Loss = 0.01 * between(1, 12);
   if (between(0, 2) == 0) {
-    // One after the other, with time between them to come together again: thirty seconds without a line end a
+    // The outages are separated, so that the programs can reconnect: thirty seconds without a line end a
     // match.
     std::int32_t at = between(8000, 40000);
     for (int i = between(1, 3); i > 0; --i) {
@@ -166,18 +166,18 @@ SimulatedMatch Simulate(const std::filesystem::path &game, std::uint32_t seed, i
       at = end + between(15000, 40000);
     }
   }
-  bool cut = between(0, 3) == 0; // still to come
+  bool cut = between(0, 3) == 0; // connections are still to be cut
   const std::int32_t cutAt = between(10000, 60000);
 
   Computer host(game, wire, "10.0.0.1", true, rounds, random());
-  // The joiner's own number of rounds doesn't count.
+  // The joiner's own number of rounds is ignored.
   Computer joiner(game, wire, "10.0.0.2", false, rounds + 2, random());
   ChooseSpeeds(under, between);
   host.machine.DrawMs = under.HostDrawMs;
   joiner.machine.DrawMs = under.JoinerDrawMs;
   host.machine.Seed = random();
   joiner.machine.Seed = random();
-  // Somebody has enough in a match of eight, sometimes both, and sometimes both at once.
+  // In one match of eight a player quits, sometimes both do, and sometimes both at the same moment.
   for (Computer *computer : {&host, &joiner}) {
     if (between(0, 15) == 0) computer->player.QuitAt(between(5000, 60000));
   }
@@ -201,7 +201,7 @@ SimulatedMatch Simulate(const std::filesystem::path &game, std::uint32_t seed, i
     }
     next->machine.SetNow(now);
     next->fibre.Resume();
-    // Over a line that broke in the moment of joining the host alone may have taken the match for begun.
+    // If the line breaks at the moment of joining, the match may have begun only for the host.
     if (host.fibre.Done() && !joiner.player.AtTable()) {
       match.NeverMet = true;
       joiner.player.GoHome();

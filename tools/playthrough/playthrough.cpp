@@ -1,5 +1,5 @@
-// Plays the real program as a player would, by what stands on the screen, and takes a picture at each
-// station. Fails if a station isn't reached.
+// Plays the real program as a player would, by what is on the screen, and takes a screenshot at each station.
+// Fails if a station isn't reached.
 //   playthrough GAME PICTURES_DIRECTORY
 
 #include "tools/playthrough/table.h"
@@ -13,11 +13,11 @@ namespace {
 
 namespace fs = std::filesystem;
 
-const std::vector<int> TouchdownPlan = {96, 24, 16}; ///< comes to rest with a corner over the edge
+const std::vector<int> TouchdownPlan = {96, 24, 16}; ///< ends with a corner over the edge
 const std::vector<int> PenaltyPlan = {96, 32};       ///< crosses on the second attempt
 const std::vector<int> OverchargePlan = {200};
 
-constexpr Milliseconds TakesClicks(600); ///< a picture window is open, from then on
+constexpr Milliseconds TakesClicks(600); ///< until a picture window accepts clicks
 
 // Buttons of the launch window, twips.
 constexpr int StartTop = 5700;
@@ -52,8 +52,8 @@ private:
     throw GaveUp("\"" + title + "\" doesn't close");
   }
 
-  /// Opens every window of the launch window and closes it again, enters a number of rounds that can't be
-  /// played, and closes the launch window itself.
+  /// Opens and closes every window of the launch window, enters an invalid number of rounds, and closes the
+  /// launch window.
   void LookAround() {
     GameProcess game({program_});
     const ::Window launch = OpenLaunchWindow(seat_);
@@ -75,7 +75,7 @@ private:
       seat_.Press(XK_Escape);
       if (row.escapes) {
         WaitUntilGone(row.title);
-        // Who clicks twice opens it and doesn't close it again.
+        // The second click of a double-click must not close it.
         for (int click = 0; click < 2; ++click) ClickTwips(seat_, launch, row.x, row.y);
         window = seat_.WaitFor(row.title);
       }
@@ -104,7 +104,7 @@ private:
     return Table(seat_, gamePictures_, album_);
   }
 
-  /// @returns whose card it was
+  /// @returns the end card shown
   std::string CloseEndCard(GameProcess &game) {
     for (const char *title : {"Home Team Wins!!", "Away Team Wins!!", "It's All Tied Up!"}) {
       const auto card = seat_.Find(title);
@@ -118,7 +118,7 @@ private:
     throw GaveUp("the match has no end card");
   }
 
-  /// The mouse and the keys, one after the other, each with a picture.
+  /// Tries the mouse and every key, with a screenshot of each.
   void TryControls(Table &table) {
     table.Station("aim");
     seat_.MoveBy(80, 0);
@@ -159,7 +159,7 @@ private:
     CloseEndCard(game);
   }
 
-  /// One possession; its kick, if it comes to one, must be judged as it was played.
+  /// One possession. If it ends in a kick, the verdict must match the kick.
   void Possess(Table &table, const std::vector<int> &plan, Table::Kick kick) {
     constexpr int Touchdown = 3, Good = 1, NoGood = 2;
     table.CardsSeen.clear();
@@ -171,7 +171,7 @@ private:
       throw GaveUp(timed ? "a timed kick isn't good" : "an early kick doesn't miss");
   }
 
-  /// Plays a round by a plan for each side until it ends with that card: a hand is not always steady.
+  /// Repeats a round with a plan for each side until it ends with that card, since input timing varies.
   void TwoPeople(const std::string &endCard, const std::vector<std::vector<int>> &plans) {
     constexpr int Tries = 3;
     for (int time = 0; time < Tries; ++time) {
@@ -189,7 +189,7 @@ private:
     throw GaveUp("no match ends with \"" + endCard + '"');
   }
 
-  /// A possession that its plan didn't end is played to its end with soft shots.
+  /// If the plan doesn't end the possession, soft shots do.
   void PlayOut(Table &table, bool home) {
     for (int attempt = 0; attempt < 3; ++attempt) {
       Pause(Milliseconds(500));

@@ -23,9 +23,9 @@
 namespace {
 
 constexpr Milliseconds LookAgain(20);
-constexpr Milliseconds HandMoves(30); ///< between two acts of the hand
+constexpr Milliseconds HandMoves(30); ///< between two input events
 
-/// A window can go while it is looked at; that is no reason to die.
+/// A window may close while it is being read, so X errors are ignored.
 int PassOver(Display *, XErrorEvent *) { return 0; }
 
 } // namespace
@@ -131,7 +131,7 @@ Image Seat::Read(Drawable from, int x, int y, int width, int height) {
 }
 
 Image Seat::Look(::Window window, int x, int y, int width, int height) {
-  // Read off the screen itself: what lies over the window counts.
+  // Reads the screen, so that windows on top are included.
   int rootX = 0, rootY = 0;
   ::Window child = 0;
   XTranslateCoordinates(display_, window, DefaultRootWindow(display_), x, y, &rootX, &rootY, &child);

@@ -1,7 +1,6 @@
 #pragma once
 
-// A player at a real screen: eyes that read its pixels, a hand on mouse and keyboard. Knows X and nothing of
-// the game.
+// Input and screen capture on an X display. Knows nothing of the game.
 
 #include <X11/Xlib.h>
 
@@ -12,7 +11,7 @@
 #include <string>
 #include <vector>
 
-/// What the player waited for and didn't see, or any other reason to give up.
+/// An expected event didn't happen, or there is another reason to give up.
 class GaveUp : public std::runtime_error {
 public:
   using std::runtime_error::runtime_error;
@@ -33,7 +32,7 @@ struct Image {
   }
 };
 
-/// The mean difference of two pictures' colour parts, 0 to 255, over the size that both have.
+/// The mean difference per channel of two images, 0 to 255, over their common size.
 double MeanDifference(const Image &a, const Image &b);
 
 Image LoadImage(const std::filesystem::path &file);
@@ -43,23 +42,23 @@ using Milliseconds = std::chrono::milliseconds;
 
 class Seat {
 public:
-  /// @param display  as in the DISPLAY variable; empty for that of the environment
+  /// @param display  as in the DISPLAY variable; empty for the default
   explicit Seat(const std::string &display = {});
   ~Seat();
   Seat(const Seat &) = delete;
   Seat &operator=(const Seat &) = delete;
 
-  /// The window whose title begins so, if it is on the screen now.
+  /// The visible window whose title begins with `title`.
   std::optional<::Window> Find(const std::string &title);
 
-  /// Waits until such a window has come.
+  /// Waits for such a window.
   /// @throws GaveUp  after `patience`
   ::Window WaitFor(const std::string &title, Milliseconds patience = Milliseconds(20000));
 
-  /// The pixels of a rectangle of a window's client area.
+  /// The pixels of a rectangle in a window's client area.
   Image Look(::Window window, int x, int y, int width, int height);
 
-  Image Screen(); ///< all of it
+  Image Screen(); ///< the whole screen
 
   void MoveTo(::Window window, int x, int y);
   void MoveBy(int dx, int dy);
@@ -76,5 +75,5 @@ private:
   Display *display_;
 };
 
-/// Gives the others time to act.
+/// Sleeps.
 void Pause(Milliseconds time);

@@ -15,25 +15,25 @@ namespace {
 
 using Clock = std::chrono::steady_clock;
 
-// Places on the play window, logical pixels of its client area.
+// Rectangles on the play window, logical pixels of its client area.
 struct Box {
   int X, Y, Width, Height;
 };
 constexpr Box Meter{536, 32, 17, 409};
 constexpr Box HomeArrow{248, 6, 17, 17};
-constexpr Box Uprights{112, 62, 417, 56}; ///< where the posts stand over the crossbar, seen by a kicker
+constexpr Box Uprights{112, 62, 417, 56}; ///< the posts above the crossbar, from the kicker's view
 constexpr Box Field{112, 250, 318, 168};  ///< the part of the canvas without sky and cards
 constexpr int CardLeft = 432;
 constexpr int CardWidth = 200;
 constexpr int CardHeight = 173;
 constexpr std::array<int, 8> CardTop = {0, 112, 144, 56, 176, 88, 240, 208}; ///< by code, 1 to 7
-constexpr double SameCard = 25.0; ///< mean difference of colour parts, up to which it is that card
+constexpr double SameCard = 25.0; ///< mean difference per channel up to which it is that card
 
 constexpr int MeterStep = 8;
-constexpr int OtherPixel = 60; ///< difference of colour parts, from which a pixel of the meter has changed
+constexpr int OtherPixel = 60; ///< difference per channel from which a pixel of the meter has changed
 constexpr Milliseconds LookAgain(40);
-constexpr double SamePicture = 0.02; ///< mean difference of colour parts, up to which nothing has moved
-constexpr Milliseconds AtRest(800);  ///< a picture that stands so long is no flight
+constexpr double SamePicture = 0.02; ///< mean difference per channel up to which nothing has moved
+constexpr Milliseconds AtRest(800);  ///< without movement for this long, no shot is running
 constexpr Milliseconds MeterPatience(10000);
 constexpr Milliseconds FlightPatience(30000);
 constexpr Milliseconds CardPatience(30000);
@@ -160,7 +160,7 @@ void Table::Shoot(int level) {
   for (const auto end = Clock::now() + MeterPatience; Clock::now() < end;) {
     const int now = MeterLevel();
     highest = std::max(highest, now);
-    const bool fired = now < highest / 2; // by itself
+    const bool fired = now < highest / 2; // the shot has fired by itself
     if (now >= level - MeterStep / 2 || fired) break;
     if (!half && now >= 40) half = seat_.Screen();
   }
@@ -180,7 +180,7 @@ int Table::Watch() {
       Station("flight");
     }
     if (const int card = CardUp()) return SeeCard(card);
-    // The camera follows the piece: as long as it flies the whole field moves.
+    // The camera follows the piece, so the whole field moves during a flight.
     Image now = field();
     if (MeanDifference(now, last) > SamePicture) moved = Clock::now();
     last = std::move(now);
@@ -200,7 +200,7 @@ int Table::SeeCard(int code) {
 }
 
 std::optional<int> Table::Posts() {
-  constexpr int PixelsOfAPost = 8; // in a column; a flag has fewer
+  constexpr int PixelsOfAPost = 8; // in a column; flags have fewer
   constexpr int Narrowest = 40, Widest = 70;
   const Image seen = seat_.Look(window_, Uprights.X, Uprights.Y, Uprights.Width, Uprights.Height);
   int first = -1, last = -1;
@@ -219,7 +219,7 @@ std::optional<int> Table::Posts() {
 }
 
 void Table::WaitForPosts() {
-  // From here they turn and are back in the middle when a strong kick arrives.
+  // From here they turn and are in the middle when a strong kick arrives.
   constexpr int NearTheEnd = 141;
   int before = 0;
   for (const auto end = Clock::now() + PostsPatience; Clock::now() < end; Pause(Milliseconds(10))) {
@@ -236,7 +236,7 @@ void Table::PlayPointAfter(Kick kick) {
   Pause(Milliseconds(600));
   Station("point-after");
   if (kick == Kick::Timed) WaitForPosts();
-  // Good as well if the hand lets go a step or two late.
+  // Still good if the release is a step or two late.
   Shoot(80);
   Pause(Milliseconds(700));
   Station("kick");

@@ -1,6 +1,6 @@
 #pragma once
 
-// What a player sees on the play window and does there. Knows the window by its pixels alone.
+// A player at the play window, which it reads from the screen's pixels.
 
 #include "tools/playthrough/seat.h"
 
@@ -13,26 +13,26 @@
 class GameProcess {
 public:
   /// @param command  the program and its arguments
-  /// @param display  X display; empty for the player's own
+  /// @param display  X display; empty for the default
   explicit GameProcess(const std::vector<std::string> &command, const std::string &display = {});
   ~GameProcess();
   GameProcess(const GameProcess &) = delete;
   GameProcess &operator=(const GameProcess &) = delete;
 
-  /// Waits for the program's own end.
-  /// @throws GaveUp  if it doesn't come, or is no clean one
+  /// Waits for the program to exit.
+  /// @throws GaveUp  if it doesn't exit, or not with status 0
   void WaitForEnd();
 
 private:
   pid_t process_;
 };
 
-/// Takes numbered pictures of stations and remembers which were reached.
+/// Saves numbered screenshots of stations and remembers which were reached.
 class Album {
 public:
   explicit Album(std::filesystem::path directory) : directory_(std::move(directory)) {}
   void Take(Seat &seat, const std::string &station) { Keep(seat.Screen(), station); }
-  void Keep(const Image &screen, const std::string &station); ///< a picture taken before
+  void Keep(const Image &screen, const std::string &station); ///< saves an earlier screenshot
   bool Has(const std::string &station) const;
 
 private:
@@ -40,46 +40,45 @@ private:
   std::vector<std::string> stations_;
 };
 
-/// Clicks a place of the launch window told in twips.
+/// Clicks the launch window at a position in twips.
 void ClickTwips(Seat &seat, ::Window launch, int x, int y);
 
-/// Waits for the launch window and types a number of rounds.
+/// Waits for the launch window.
 ::Window OpenLaunchWindow(Seat &seat);
 void EnterRounds(Seat &seat, ::Window launch, const std::string &rounds);
 
-/// One of the three end cards, if it is up.
+/// The end card, if one is shown.
 std::optional<::Window> EndCard(Seat &seat);
 
 class Table {
 public:
-  /// Sits down at the play window of that seat; waits until it has come.
-  /// @param pictures  the game's own pictures, by which cards are known
+  /// Waits for the play window.
+  /// @param pictures  the game's images, to recognise the cards
   Table(Seat &seat, const std::filesystem::path &pictures, Album &album, std::string prefix = {});
 
-  int MeterLevel();  ///< how full the meter is, 0 to 100
-  int CardUp();      ///< the code of the card that is up, 0 for none
-  bool HomeOnTurn(); ///< the turn's arrow points at the Home Team
+  int MeterLevel();  ///< value of the meter, 0 to 100
+  int CardUp();      ///< code of the card shown, 0 for none
+  bool HomeOnTurn(); ///< the arrow points at the Home Team
 
-  /// Holds the button until the meter reads `level` and lets go. Above 100 it is held until the shot fires by
-  /// itself.
+  /// Holds the button until the meter reads `level`. Above 100, until the shot fires by itself.
   void Shoot(int level);
 
-  /// Watches what follows from a shot, with a picture of the flight and of its card. Returns the card's code,
-  /// 0 if the piece has come to rest without one.
+  /// Watches a shot, with screenshots of the flight and the card. Returns the card's code, 0 for a rest
+  /// without one.
   int Watch();
 
-  /// Takes the picture of a card and waits until it has gone. Returns its code.
+  /// Takes a screenshot of a card and waits until it is gone. Returns its code.
   int SeeCard(int code);
 
-  std::vector<int> CardsSeen; ///< codes of the cards so far; may be cleared
+  std::vector<int> CardsSeen; ///< codes of the cards seen; may be cleared
 
   enum class Kick { Timed, Early };
 
-  /// One possession. Plays the shots of the plan until it ends; a Touchdown's kick is played too: timed,
-  /// which is good, or early, which misses the posts.
+  /// Plays one possession by a plan. After a Touchdown also plays the kick: timed, which is good, or early,
+  /// which misses the posts.
   void Possess(const std::vector<int> &plan, Kick kick = Kick::Timed);
 
-  /// Waits until that side is on turn or the match is over; sees the cards that come.
+  /// Waits until that side is on turn or the match is over, watching for cards.
   void WaitForTurn(bool home);
 
   ::Window Window() const { return window_; }
@@ -88,8 +87,8 @@ public:
 
 private:
   void PlayPointAfter(Kick kick);
-  std::optional<int> Posts(); ///< how far right of the view's middle they stand, pixels
-  void WaitForPosts();        ///< until they have nearly come to an end of their way
+  std::optional<int> Posts(); ///< their offset to the right of the middle of the view, pixels
+  void WaitForPosts();        ///< waits until they have nearly reached a turning point
 
   Seat &seat_;
   Album &album_;

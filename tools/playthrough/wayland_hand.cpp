@@ -1,10 +1,10 @@
-// A mouse for a Wayland compositor that takes virtual ones. Does what standard input tells, a command a line:
-//   to X Y     moves to a place of the screen
-//   by X Y     moves by a way, fractions allowed
+// A virtual mouse for a Wayland compositor. Reads commands from standard input, one per line:
+//   to X Y     moves to a position on the screen
+//   by X Y     moves by an offset, fractions allowed
 //   down N     presses button 1 (left) or 3 (right)
-//   up N       lets it go
-//   hold N MS  presses it for so many milliseconds
-//   charge X Y MS  presses button 1 until that place of the screen changes, and lets go so much later
+//   up N       releases it
+//   hold N MS  presses it for some milliseconds
+//   charge X Y MS  presses button 1, waits until that pixel of the screen changes, and releases it MS later
 //   wayland_hand SCREEN_WIDTH SCREEN_HEIGHT
 
 #include <sys/mman.h>
@@ -23,7 +23,7 @@
 
 namespace {
 
-// The parts of the protocols that are used here, as their descriptions would be compiled.
+// The used parts of the protocols, as the scanner would generate them.
 enum Request : std::uint32_t { Motion, MotionAbsolute, Button, Axis, Frame };
 const wl_interface *NoTypes[5] = {};
 const wl_message MouseRequests[] = {
@@ -89,7 +89,7 @@ public:
   }
   void MoveBy(double x, double y) { Tell(Motion, Now(), wl_fixed_from_double(x), wl_fixed_from_double(y)); }
   void Press(int button, bool down) {
-    constexpr unsigned Left = 0x110, Right = 0x111; // as the kernel counts them
+    constexpr unsigned Left = 0x110, Right = 0x111; // the kernel's button codes
     Tell(Button, Now(), button == 1 ? Left : Right, down ? 1U : 0U);
   }
 
@@ -104,7 +104,7 @@ private:
   wl_proxy *mouse_;
 };
 
-/// Looks at single pixels of the screen.
+/// Reads single pixels of the screen.
 class Eye {
 public:
   Eye(wl_display *compositor, const Globals &globals) : compositor_(compositor), globals_(globals) {
@@ -128,7 +128,7 @@ public:
   }
 
 private:
-  static constexpr int Size = 4096; // bytes; a pixel of the desktop may be some of the screen
+  static constexpr int Size = 4096; // bytes; a desktop pixel may be several screen pixels
 
   struct Shot {
     Eye &eye;
@@ -162,7 +162,7 @@ void Sleep(double milliseconds) {
   std::this_thread::sleep_for(std::chrono::duration<double, std::milli>(milliseconds));
 }
 
-/// Presses until the place changes its colour, but not for ever.
+/// Presses until the pixel changes, with a time-out.
 void Charge(Mouse &mouse, Eye &eye, int x, int y, double late) {
   constexpr std::uint32_t Patience = 10000; // ms
   const std::uint32_t before = eye.Look(x, y), start = Now();

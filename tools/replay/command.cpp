@@ -35,7 +35,7 @@ public:
     Number value{};
     auto [end, error] = std::from_chars(word.data(), word.data() + word.size(), value);
     if constexpr (std::is_floating_point_v<Number>) {
-      if (error == std::errc::result_out_of_range) { // nearer to 0 than any float, or infinite
+      if (error == std::errc::result_out_of_range) { // underflow or overflow
         value = std::strtof(word.c_str(), nullptr);
         error = {};
       }

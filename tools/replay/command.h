@@ -1,6 +1,6 @@
 #pragma once
 
-// The replay tool's language: one command a line.
+// The language of the replay tool: one command per line.
 
 #include "match/program.h"
 
@@ -11,7 +11,7 @@
 #include <string>
 #include <variant>
 
-/// A line that can't be played; says what is wrong and in which line.
+/// An invalid line; says what is wrong and in which line.
 class BadInput : public std::runtime_error {
 public:
   using std::runtime_error::runtime_error;
@@ -34,12 +34,12 @@ struct ProbeCommand {
 };
 struct FlickCommand {
   float Force; ///< 0 to 120
-  float Turn;  ///< radians, on top of the present heading
+  float Turn;  ///< radians, added to the current heading
 };
 struct KickCommand {
   float Force; ///< 0 to 120
   float Turn;  ///< radians
-  int Wait;    ///< frames of the sequence before the release
+  int Wait;    ///< frames of the point-after before the release
 };
 struct FramesCommand {
   int Count;
@@ -48,19 +48,19 @@ struct FramesCommand {
 using Command = std::variant<RoundsCommand, ModeCommand, SkillCommand, SeedCommand, ProbeCommand,
                              FlickCommand, KickCommand, FramesCommand>;
 
-/// Reads commands and knows the number of the line.
+/// Reads commands and counts lines.
 class CommandReader {
 public:
   explicit CommandReader(std::istream &input) : input_(input) {}
 
-  /// The next command; nothing at the end of the input. Empty lines are passed over.
+  /// The next command; nothing at the end of the input. Skips empty lines.
   /// @throws BadInput
   std::optional<Command> Next();
 
-  /// The same, without taking it.
+  /// The same, without consuming it.
   const std::optional<Command> &Peek();
 
-  /// @throws BadInput  with that text and the number of the line read last
+  /// @throws BadInput  with that text and the current line number
   [[noreturn]] void Refuse(const std::string &why) const;
 
 private:

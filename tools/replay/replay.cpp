@@ -1,5 +1,5 @@
-// Plays a match on the headless machine by commands on standard input and tells what happened as lines of
-// JSON. For tests and for whoever wants to check a shot.
+// Plays a match on the headless machine from commands on standard input and reports the results as lines of
+// JSON. For tests and for checking a shot.
 
 #include "platform/headless/headless_machine.h"
 #include "shot/computer.h"
@@ -13,8 +13,7 @@ namespace {
 
 constexpr float ComputerKick = 90.0f;
 
-/// One match, driven from between its frames: where a picture ends a frame, the next command is read and
-/// obeyed.
+/// One match, driven from between its frames: after each frame the next command is read and executed.
 class Replay {
 public:
   Replay(HeadlessMachine &machine, Program &program, CommandReader &commands)
@@ -29,10 +28,10 @@ public:
 
 private:
   enum class Stage {
-    Between,    ///< no shot is under way
-    Flick,      ///< a flick, or what follows from it
-    PointAfter, ///< a Touchdown's kick is awaited
-    Kick        ///< the kick, or what follows from it
+    Between,    ///< no shot is running
+    Flick,      ///< a flick and its consequences
+    PointAfter, ///< before the kick of a Touchdown
+    Kick        ///< a kick and its consequences
   };
 
   bool ComputersTurn() const { return program_.GameMode == "Computer" && !program_.MyTurn; }
@@ -60,8 +59,8 @@ private:
     if (asked_.Computer) EndComputer();
   }
 
-  /// A frame of a person's turn is over. At most one shot is played from here, and none in the frame in which
-  /// the computer's possession ended, so that the match can go on around it.
+  /// Called after each frame of a human turn. Plays at most one shot, and none in the frame in which the
+  /// computer's possession ended, so that the match can continue.
   void EndFrame() {
     if (framesLeft_ > 0) --framesLeft_;
     const Stage stage = stage_;
@@ -93,7 +92,7 @@ private:
       D3DRMPICKDESC description;
       surface = hits->GetPickVisual(0, description)->GetName();
     } catch (const SceneError &) {
-      // Nothing lies there.
+      // No mesh there.
     }
     ReportProbe(probe.X, probe.Z, surface);
   }
@@ -105,7 +104,7 @@ private:
     TurnAim(flick.Turn);
     watcher_.Begin();
     Release(flick.Force);
-    // A Touchdown was told when its point-after began; what has ended then is the kick.
+    // A Touchdown was reported when its point-after began, so it is the kick that has ended.
     if (stage_ == Stage::Flick) ReportFlick(window_, asked_, watcher_.Flick());
     if (stage_ == Stage::Kick) ReportKick(window_, asked_, watcher_.Kick());
     stage_ = Stage::Between;
@@ -134,7 +133,7 @@ private:
 
   void TurnAim(float turn) { window_.AimFrame->AddRotation(D3DRMCOMBINE_BEFORE, 0, 1, 0, turn); }
 
-  /// Lets the button go with the meter at `force`.
+  /// Releases the button with the meter at `force`.
   void Release(float force) {
     window_.ShotPending = True;
     window_.Force = force;
@@ -142,7 +141,7 @@ private:
   }
 
   void BeginComputer() {
-    // The flick has taken its attempt already. A second machine with the same seed draws the same plans.
+    // The flick has already used its attempt. A second machine with the same seed makes the same plans.
     const ComputerPlan plan =
         PlanComputerShot(planner_, program_.Skill, static_cast<std::int16_t>(window_.Shots + 1));
     asked_ = {Side(), plan.Force, plan.Turn, FirstAttempt + 2 - window_.Shots, true};
@@ -150,7 +149,7 @@ private:
     stage_ = Stage::Flick;
   }
 
-  /// Tells of the computer's shot once nothing of it runs any more.
+  /// Reports the computer's shot when it is over.
   void EndComputer() {
     if (stage_ == Stage::PointAfter && watcher_.Kick().Steps > 0) {
       asked_ = {'B', ComputerKick, 0.0f, 0, true};
@@ -175,16 +174,16 @@ private:
   CommandReader &commands_;
   frmSnapwedge window_;
   Watcher watcher_;
-  HeadlessMachine planner_; ///< draws what the computer draws
+  HeadlessMachine planner_; ///< repeats the computer's random draws
   Stage stage_ = Stage::Between;
   AskedShot asked_;
   KickCommand kick_{};
   bool kickWaits_ = false;
-  bool played_ = false; ///< this frame has had its shot
+  bool played_ = false; ///< this frame already had a shot
   int framesLeft_ = 0;
 };
 
-/// Takes the lines before the first one that plays. Returns whether there is one.
+/// Executes the settings before the first shot. Returns whether there is a shot.
 bool ReadSettings(CommandReader &commands, HeadlessMachine &machine, Program &program) {
   while (const auto &next = commands.Peek()) {
     if (const auto *rounds = std::get_if<RoundsCommand>(&*next))

@@ -9,8 +9,8 @@
 
 namespace {
 
-/// The shortest text that reads back as the same 32-bit float. A zero keeps its sign even where a number
-/// without a point is read as an integer.
+/// The shortest text that parses to the same 32-bit float. A zero keeps its sign even if a number without a
+/// point is parsed as an integer.
 std::string Number(float value) {
   if (value == 0.0f && std::signbit(value)) return "-0.0";
   char buffer[32];
@@ -24,7 +24,7 @@ std::string Triple(const Vector &v) {
 
 std::string Quoted(const std::string &text) { return '"' + text + '"'; }
 
-/// One line: an object with fields in the order in which they are added.
+/// One line: a JSON object, fields in the order of insertion.
 class JsonLine {
 public:
   explicit JsonLine(const std::string &event) { text_ << R"({"event":)" << Quoted(event); }

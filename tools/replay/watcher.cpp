@@ -20,8 +20,8 @@ void Watcher::Begin() {
 }
 
 void Watcher::SeePicture() {
-  // In the flight of a flick the sky moves with every step, and in a fall it stands still. In the flight of a
-  // kick the rise changes with every step, and nowhere else.
+  // The sky moves in every step of a flick and stands still in a fall. The rise changes in every step of a
+  // kick and at no other time.
   if (window_.NoShot && !window_.KickMode && window_.SkyU != lastSkyU_) {
     ++flick_.Steps;
     Look(flick_);

@@ -1,29 +1,28 @@
 #pragma once
 
-// Watches a match from outside, as somebody would who sees every picture: which flight runs, where its steps
-// take the piece, which card comes up.
+// Observes a match from outside, frame by frame: the kind of flight, the positions of the piece, the cards.
 
 #include "match/frm_snapwedge.h"
 
-/// What was seen of one shot.
+/// Observations of one shot.
 struct SeenShot {
   int Steps = 0;         ///< steps of the flight
-  Vector Place;          ///< of the piece when it ended, in the scene
+  Vector Place;          ///< final position of the piece, in the scene
   Vector Direction;      ///< of the aim
   Vector Corners[3];     ///< of the piece
-  float PostsX = 0;      ///< the middle of the posts
-  std::int16_t Card = 0; ///< card that came up, 0 for none
+  float PostsX = 0;      ///< middle of the posts
+  std::int16_t Card = 0; ///< the card shown, 0 for none
 };
 
 class Watcher {
 public:
   explicit Watcher(frmSnapwedge &window) : window_(window) {}
 
-  /// Forgets the last shot and looks at the piece where it lies.
+  /// Resets the observations and records the position of the piece.
   void Begin();
 
-  void SeePicture(); ///< to be called with every picture
-  void SeeCards();   ///< to be called at every pump: a card comes and goes without a picture of the scene
+  void SeePicture(); ///< call at every frame
+  void SeeCards();   ///< call at every pump: a card needs no frame of the scene
 
   const SeenShot &Flick() const { return flick_; }
   const SeenShot &Kick() const { return kick_; }

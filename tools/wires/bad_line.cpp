@@ -1,6 +1,5 @@
-// A bad line between two network interfaces: what comes in at one goes out at the other, late, and not all of
-// it. For kernels without a queue of that kind. SIGUSR1 breaks the line, SIGUSR2 mends it; it runs until it
-// is killed.
+// A bad line between two network interfaces: forwards packets in both directions with delay and loss. For
+// kernels without netem. SIGUSR1 takes the line down, SIGUSR2 brings it up; it runs until killed.
 //   bad_line INTERFACE INTERFACE DELAY_MS LOSS_PERCENT
 
 #include <linux/if_packet.h>
@@ -28,7 +27,7 @@ namespace {
 
 using Clock = std::chrono::steady_clock;
 
-constexpr std::size_t LargestPacket = 70000; ///< bytes; a kernel hands over several segments in one
+constexpr std::size_t LargestPacket = 70000; ///< bytes; the kernel may merge several segments
 
 volatile std::sig_atomic_t broken = 0;
 
@@ -36,8 +35,8 @@ void Check(int result, const std::string &what) {
   if (result < 0) throw std::system_error(errno, std::generic_category(), what);
 }
 
-/// A socket for all that passes at an interface. Each packet has the kernel's own header before it, which
-/// tells what is still to be done about checksums and segments.
+/// A packet socket on an interface. Each packet is preceded by the kernel's header for checksum and
+/// segmentation offload.
 int OpenInterface(const char *name) {
   const int opened = socket(AF_PACKET, SOCK_RAW | SOCK_NONBLOCK, htons(ETH_P_ALL));
   Check(opened, "packet socket");
@@ -76,7 +75,7 @@ public:
 
 private:
   struct Packet {
-    std::size_t to; ///< side at which it goes out
+    std::size_t to; ///< outgoing side
     Clock::time_point due;
     std::vector<char> bytes;
   };
@@ -87,7 +86,7 @@ private:
     const auto count = recvfrom(socket_[side], buffer_.data(), buffer_.size(), 0,
                                 reinterpret_cast<sockaddr *>(&from), &length);
     if (count <= 0) return false;
-    const bool own = from.sll_pkttype == PACKET_OUTGOING; // what this side has sent itself is seen too
+    const bool own = from.sll_pkttype == PACKET_OUTGOING; // the socket also sees outgoing packets
     if (own || broken || chance_(random_) < loss_) return true;
     underWay_.push_back({1 - side, Clock::now() + delay_, {buffer_.begin(), buffer_.begin() + count}});
     return true;
@@ -96,7 +95,7 @@ private:
   void Deliver() {
     for (; !underWay_.empty() && underWay_.front().due <= Clock::now(); underWay_.pop_front()) {
       const Packet &packet = underWay_.front();
-      // A packet that can't be sent is one more that is lost.
+      // A packet that can't be sent counts as lost.
       if (!broken && send(socket_[packet.to], packet.bytes.data(), packet.bytes.size(), 0) < 0)
         std::perror("bad_line");
     }
@@ -104,7 +103,7 @@ private:
 
   std::array<int, 2> socket_;
   std::chrono::milliseconds delay_;
-  double loss_; ///< share of the packets
+  double loss_; ///< fraction of packets lost
   std::mt19937 random_{1};
   std::uniform_real_distribution<double> chance_{0.0, 1.0};
   std::vector<char> buffer_ = std::vector<char>(LargestPacket);

@@ -11,24 +11,24 @@ namespace {
 using Clock = std::chrono::steady_clock;
 
 constexpr Milliseconds LookAgain(40);
-constexpr Milliseconds SearchTakes(2000); ///< until the list is there
+constexpr Milliseconds SearchTakes(2000); ///< duration of a search
 constexpr Milliseconds CardsPatience(90000);
 constexpr Milliseconds ChatPatience(60000);
-constexpr int Searches = 5; ///< before a game counts as not to be found
+constexpr int Searches = 5; ///< before giving up
 
 // Buttons of the launch window and the first row of its list, twips.
 constexpr int LeftButtons = 6060;
 constexpr int RightButtons = 8040;
 constexpr int ConnectTop = 3240;
-constexpr int JoinTop = 3780;    ///< and Create
-constexpr int RefreshTop = 4260; ///< and Cancel
+constexpr int JoinTop = 3780;    ///< also of Create
+constexpr int RefreshTop = 4260; ///< also of Cancel
 constexpr int BottomButtons = 5700;
 constexpr int AddressLeft = 6400;
 constexpr int ReadMeLeft = 8400;
 constexpr int RowLeft = 5700;
 constexpr int RowTop = 4920;
 
-constexpr double Listed = 0.5; ///< mean difference of colour parts from an empty list
+constexpr double Listed = 0.5; ///< mean difference per channel from an empty list
 
 } // namespace
 
@@ -46,7 +46,7 @@ void Computer::Search(int buttonX, int buttonY, const std::string &host) {
   ClickTwips(seat_, launch_, buttonX, buttonY);
   seat_.WaitFor("Locate Session");
   Pause(Milliseconds(300));
-  seat_.Press(XK_Delete); // what was typed the last time
+  seat_.Press(XK_Delete); // clears the previous entry
   seat_.Type(host);
   Pause(Milliseconds(100));
   seat_.Press(XK_Return);

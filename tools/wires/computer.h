@@ -1,6 +1,6 @@
 #pragma once
 
-// One of the computers on the wire: its display with the player at it, and the game that runs there.
+// One of the computers on the wire: its display, a player in front of it, and the running game.
 
 #include "tools/playthrough/table.h"
 
@@ -13,50 +13,50 @@ public:
   /// @param name     of the network namespace
   /// @param program  the game
   /// @param display  of this computer, as in the DISPLAY variable
-  /// @param who      begins the names of its pictures
+  /// @param who      prefix of the names of its screenshots
   Computer(std::string name, std::filesystem::path program, const std::filesystem::path &pictures,
            const std::string &display, std::string who)
       : name_(std::move(name)), program_(std::move(program)), display_(display), who_(std::move(who)),
         seat_(display), album_(pictures) {}
 
-  void Start(const std::string &rounds); ///< the program, up to the launch window
-  void Connect();                        ///< to the local network, whose games are listed then
-  void Create();                         ///< a game; waits for its joiner
-  void Cancel();                         ///< the waiting
-  void FindGame();                       ///< connects and looks until a game is listed
+  void Start(const std::string &rounds); ///< starts the program and waits for the launch window
+  void Connect();                        ///< lists the games of the local network
+  void Create();                         ///< creates a game, which then waits for a joiner
+  void Cancel();                         ///< stops waiting
+  void FindGame();                       ///< connects and refreshes until a game is listed
 
-  /// Connects, or looks again if this computer has connected, and tells whether a game is listed then. A
-  /// dialog that says why none is gets a picture, and is closed.
-  /// @param host  what is typed into the dialog; empty for the local network
+  /// Connects, or refreshes if already connected, and returns whether a game is listed. If the dialog says
+  /// why none is, takes a screenshot of it and closes it.
+  /// @param host  the entry in the dialog; empty for the local network
   bool FindsGameAt(const std::string &host);
 
   void AskAddress(); ///< presses "What's my IP address?" and closes the box
-  void OpenReadMe(); ///< and leaves it open
-  void Join();       ///< the first game of the list
-  void SitDown();    ///< at the play window
+  void OpenReadMe(); ///< opens the read-me and leaves it open
+  void Join();       ///< joins the first game of the list
+  void SitDown();    ///< waits for the play window
 
-  /// Waits for the box with that title and closes it.
+  /// Waits for a box with that title and closes it.
   void AnswerBox(const std::string &title, Milliseconds patience);
 
-  /// @throws GaveUp  if this player is told that the other one has gone
+  /// @throws GaveUp  if the game says that the other player has left
   void ExpectNobodyGone();
 
-  /// Watches the cards that come up until it has seen so many.
-  /// @param wanted  may come down while it watches
+  /// Watches until a number of cards has been shown.
+  /// @param wanted  the number; may decrease meanwhile
   void Watch(const std::atomic<std::size_t> &wanted);
 
-  /// Types a chat line and sends it. Returns how it looked.
+  /// Types a chat line and sends it. Returns its image.
   Image Say(const std::string &line);
-  Image WaitForChat(); ///< until the other player's line has come
+  Image WaitForChat(); ///< waits for the other player's line; returns its image
 
-  // What is written on the play window.
+  // Texts of the play window, as images.
   Image HomeScore();
   Image AwayScore();
   Image Round();
 
   bool Sees(const std::string &title) { return seat_.Find(title).has_value(); }
   void ClickOn(const std::string &title);
-  void TurnAim(int pixels); ///< to the right
+  void TurnAim(int pixels); ///< positive: to the right
   void PressEscape();
   void Picture(const std::string &station) { album_.Take(seat_, who_ + station); }
   void WaitForEnd() { game_->WaitForEnd(); } ///< of the program, by itself

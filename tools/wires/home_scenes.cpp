@@ -3,8 +3,8 @@
 namespace {
 
 const std::string PublicAddress = "50.0.0.1"; // of the host's router
-const std::string HostAtHome = "192.168.1.7"; // in its own home
-const std::string WrongAddress = "50.0.0.77"; // nobody's
+const std::string HostAtHome = "192.168.1.7"; // in its home network
+const std::string WrongAddress = "50.0.0.77"; // of no computer
 
 constexpr Seconds RouterTakes(10);
 constexpr Seconds RenewalTakes(400);
@@ -15,7 +15,7 @@ void Home(const std::string &act) {
   RunScript("home", act);
 }
 
-/// Waits until the router passes on that many ports, and tells how long that took.
+/// Waits until the router forwards that many ports, and reports the time.
 void ExpectPorts(int wanted, const std::string &when, Seconds patience = RouterTakes) {
   const auto begun = Clock::now();
   while (std::stoi(RunScript("home", "ports")) != wanted) {
@@ -62,7 +62,7 @@ void HomeScenes::PlayMatch() {
   joiner_.WaitForEnd();
 }
 
-/// A host behind a router that opens a port when it is asked, and a joiner out on the Internet.
+/// A host behind a router that opens a port on request, and a joiner on the Internet.
 void HomeScenes::Router(const std::string &protocol) {
   Home("make " + protocol);
   Start();
@@ -96,7 +96,7 @@ void HomeScenes::Router(const std::string &protocol) {
   ExpectGone(joiner_, LeavingTakes, "the host presses Esc");
 }
 
-/// The router forgets what it has opened, as it does when it starts anew, and is asked again.
+/// The router loses its port mappings, as after a restart, and is asked again.
 void HomeScenes::Renewed() {
   Home("make natpmp");
   Start();
@@ -143,7 +143,7 @@ void HomeScenes::JoinerFirewall() {
   PlayMatch();
 }
 
-/// What the host reads closes when somebody joins.
+/// The window that the host is reading closes when a player joins.
 void HomeScenes::Reading() {
   Home("make lan");
   Start();

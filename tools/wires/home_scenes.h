@@ -1,6 +1,6 @@
 #pragma once
 
-// Scenes in homes: behind routers that open a port or don't, and behind firewalls.
+// Scenes in home networks: behind routers with and without port mapping, and behind firewalls.
 
 #include "tools/wires/scene.h"
 
@@ -18,7 +18,7 @@ private:
   void JoinerFirewall();
   void Reading();
 
-  void PlayMatch(); ///< a whole match of one round, from the play windows to both programs' ends
-  void Start();     ///< both programs
-  void Host();      ///< the host waits
+  void PlayMatch(); ///< plays a match of one round, from the play windows to the end of both programs
+  void Start();     ///< starts both programs
+  void Host();      ///< the host creates a game
 };

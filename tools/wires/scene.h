@@ -1,6 +1,6 @@
 #pragma once
 
-// What all scenes share: two computers at which the game is started, found, joined and played.
+// The base of all scenes: two computers on which the game is started, found, joined and played.
 
 #include "tools/wires/computer.h"
 
@@ -20,13 +20,13 @@ const std::string Lost = "Away Team Wins!!";
 const std::string Tied = "It's All Tied Up!";
 const std::string NetworkError = "Error initializing DirectPlay.";
 
-constexpr Seconds LeavingTakes(15); ///< until the other player is told, on a line that holds
+constexpr Seconds LeavingTakes(15); ///< until the other player is told, on a working line
 constexpr Seconds GivingUpTakes(45);
 
 void Tell(const std::string &what);
 void Expect(bool fits, const std::string &what); ///< @throws GaveUp  if it doesn't
 
-/// Runs one of the scripts beside this file, and returns what it says.
+/// Runs one of the scripts in this directory and returns its output.
 /// @throws GaveUp  if it fails
 std::string RunScript(const std::string &script, const std::string &act);
 
@@ -44,14 +44,14 @@ protected:
   using Scenes = std::map<std::string, std::function<void()>>;
   virtual Scenes All() = 0;
 
-  void SitDown(); ///< both at their play windows
+  void SitDown(); ///< waits for both play windows
 
-  /// One shoots, and the other must see the same cards, however late.
+  /// One side plays a possession; the other must see the same cards, however late.
   void Shoot(Computer &shooter, Computer &other, const std::vector<int> &plan);
 
   static std::string WaitForEndCard(Computer &side);
 
-  /// The other player has left: the one who stays is told, and its program ends.
+  /// After the other player has left: the remaining one must be told, and its program must end.
   static void ExpectGone(Computer &stayed, Seconds patience, const std::string &how);
 
   Computer host_, joiner_;

@@ -1,6 +1,6 @@
-// Plays the real program on two computers against each other, by mouse and keys on their displays, over the
-// wire between the network namespaces "host" and "joiner", or from and into homes. On the wire a third player
-// sits beside the joiner. Fails if the two screens don't tell the same story.
+// Plays the real program on two computers against each other, by mouse and keys on their displays, over a
+// wire between the network namespaces "host" and "joiner", or between home networks. On the wire there is a
+// third player beside the joiner. Fails if the two screens disagree.
 //   wires SCENE GAME PICTURES_DIRECTORY HOST_DISPLAY JOINER_DISPLAY THIRD_DISPLAY
 
 #include "tools/wires/home_scenes.h"
@@ -16,9 +16,9 @@ namespace {
 
 namespace fs = std::filesystem;
 
-const std::vector<int> ScoringPlan = {96, 24, 16}; ///< comes to rest with a corner over the edge
+const std::vector<int> ScoringPlan = {96, 24, 16}; ///< ends with a corner over the edge
 
-constexpr int BonusAim = 5; ///< pixels to the right: the first shot touches the bonus area
+constexpr int BonusAim = 5; ///< pixels to the right, so that the first shot touches the bonus area
 
 constexpr Seconds LineDown(15);
 constexpr Seconds ShortAbsence(20);
@@ -30,7 +30,7 @@ void Wire(const std::string &act) {
   RunScript("line", act);
 }
 
-/// On the bad line.
+/// Scenes on the bad line.
 class LineScenes : public Scene {
 public:
   LineScenes(const fs::path &game, const fs::path &pictures, char **displays)
@@ -58,7 +58,7 @@ private:
     SitDown();
   }
 
-  /// A hand on a busy machine may let go too late, and a match without a point would prove little.
+  /// On a busy machine the release may be late, and a match without points would prove little.
   void Match() {
     constexpr int Attempts = 3;
     for (int i = 0; i < Attempts; ++i) {
@@ -68,10 +68,10 @@ private:
     throw GaveUp("the host never scores");
   }
 
-  /// A match of one round on a bad line that is down for a while; each side sees itself as the Home Team.
-  /// Returns whether the host has scored.
+  /// A match of one round on a bad line with an outage; each side is the Home Team on its own screen. Returns
+  /// whether the host has scored.
   bool PlayMatch() {
-    Meet("1", "3"); // the host's number counts
+    Meet("1", "3"); // the host's number of rounds is used
     host_.AtTable().Station("aim");
     joiner_.AtTable().Station("waits");
     const Image nothing = host_.HomeScore();
@@ -84,7 +84,7 @@ private:
       std::this_thread::sleep_for(LineDown);
       Wire("mend");
     });
-    // The host plays on by itself. Its cards reach the joiner all at once and only flash up there.
+    // The host plays on alone. Its cards reach the joiner all at once and only flash there.
     if (host_.AtTable().HomeOnTurn()) {
       host_.AtTable().Possess({ScoringPlan.begin() + 1, ScoringPlan.end()});
     }
@@ -93,7 +93,7 @@ private:
     joiner_.Picture("line-down");
     mending.get();
 
-    // The line comes behind all that the host did, so it's the joiner's turn then.
+    // The chat line arrives after the host's shots, so it is the joiner's turn then.
     const Image came = joiner_.WaitForChat();
     Expect(SameLetters(came, BeginningOf(typed, came)), "the chat line has come as it was typed");
     Expect(joiner_.AtTable().HomeOnTurn(), "it is the joiner's turn");
@@ -120,7 +120,7 @@ private:
     return scored;
   }
 
-  /// Esc, by the one who waits and by the one whose turn it is.
+  /// Esc, on the waiting side and on the side on turn.
   void Leave() {
     Meet("1", "1");
     joiner_.PressEscape();
@@ -141,7 +141,7 @@ private:
     ExpectGone(host_, GivingUpTakes, "the joiner's program is killed");
   }
 
-  /// A short absence is made up for, a long one ends the match.
+  /// A short outage is recovered, a long one ends the match.
   void Pulled() {
     Meet("1", "1");
     Wire("break");
@@ -162,7 +162,7 @@ private:
     mending.get();
   }
 
-  /// A third player has found the game before the second took its place.
+  /// A third player finds the game before the second one takes the place.
   void Full() {
     OpenGame("1", "1");
     third_.Start("1");

@@ -7,7 +7,7 @@ namespace {
 
 constexpr Pixel Ink{255, 255, 255};
 constexpr Pixel Paper{0, 0, 0};
-constexpr int FaintestInk = 60; ///< contrast below which nothing is written
+constexpr int FaintestInk = 60; ///< contrast below which there is no text
 constexpr int Blank = 3;        ///< empty columns between words
 
 bool IsInk(const Image &image, int x, int y) { return image.At(x, y).Green != 0; }
@@ -47,7 +47,7 @@ Image Trimmed(const Image &image) {
 
 Image WritingOn(const Image &line) {
   if (line.Pixels.empty()) return {};
-  // Most of a line is its background, and the letters are what differs most from it.
+  // Most pixels are background, and the letters differ most from it.
   std::vector<int> shades;
   for (const Pixel &pixel : line.Pixels) shades.push_back(pixel.Green);
   std::ranges::sort(shades);
@@ -71,6 +71,6 @@ Image BeginningOf(const Image &writing, const Image &asWideAs) {
 }
 
 bool SameLetters(const Image &a, const Image &b) {
-  constexpr double OtherPixels = 0.05 * 255; // share that a shaded background may change
+  constexpr double OtherPixels = 0.05 * 255; // tolerance for a shaded background
   return a.Width > 0 && a.Width == b.Width && a.Height == b.Height && MeanDifference(a, b) < OtherPixels;
 }

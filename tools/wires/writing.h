@@ -1,18 +1,17 @@
 #pragma once
 
-// What is written on a piece of the screen, told by its pixels alone: enough to see whether two screens say
-// the same.
+// Comparison of texts on the screen by their pixels, to check whether two screens show the same text.
 
 #include "tools/playthrough/seat.h"
 
-/// The letters of a line without the rim around them, white on black. Nothing if the line is empty.
+/// The letters of a line, cropped, white on black. Empty if there are none.
 Image WritingOn(const Image &line);
 
-/// The last word of a writing.
+/// The last word of a line.
 Image LastWord(const Image &writing);
 
-/// The beginning of a writing that is as wide as another one.
+/// The beginning of a line, of the width of another one.
 Image BeginningOf(const Image &writing, const Image &asWideAs);
 
-/// Whether two writings are the same letters; not if nothing is written.
+/// Whether two lines have the same letters; false if they are empty.
 bool SameLetters(const Image &a, const Image &b);
