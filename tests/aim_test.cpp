@@ -22,7 +22,7 @@ TEST(AimTest, ThePointerTurnsTheAimAndComesHome) {
   game.Frames(1);
   EXPECT_NEAR(Heading(game), 0.1f, 1e-6f) << "30 pixels to the left are a tenth of a radian";
   game.Frames(3);
-  EXPECT_NEAR(Heading(game), 0.1f, 1e-6f) << "the pointer was pulled home";
+  EXPECT_NEAR(Heading(game), 0.1f, 1e-6f) << "the pointer is back at its home";
   game.machine.MoveMouse(45, 200);
   game.Frames(1);
   EXPECT_NEAR(Heading(game), -0.05f, 1e-6f);
@@ -128,7 +128,7 @@ TEST(AimTest, TheCameraStaysInItsBox) {
       game.machine.MoveMouse(row.dx, row.dy);
       game.Frames(1);
     }
-    game.Frames(1); // a camera that left the box on two axes is back on both a frame later
+    game.Frames(1); // a camera outside the limits on two axes is back after a frame
     const Vector camera = game.Place(game.window.CameraFrame);
     EXPECT_LE(std::abs(camera.x), 130.0f);
     EXPECT_LE(std::abs(camera.z), 130.0f);
@@ -208,11 +208,11 @@ TEST(AimTest, LosingTheKeyboardPutsTheMeterToRestWithoutAShot) {
   EXPECT_FALSE(game.window.ShiftDown);
   game.machine.ReleaseMouse(1);
   game.Frames(1);
-  EXPECT_EQ(game.window.Shots, 3) << "the release belongs to a press from before";
+  EXPECT_EQ(game.window.Shots, 3) << "the release belongs to an earlier press";
   game.machine.After(200, [&] { game.machine.LoseFocus(); });
   game.Shoot(3);
   EXPECT_EQ(game.window.Shots, 2) << "play goes on";
-  EXPECT_NEAR(game.Place(game.window.PieceFrame).z, 85.0f - 9.84f, 0.005f) << "a flight isn't stopped";
+  EXPECT_NEAR(game.Place(game.window.PieceFrame).z, 85.0f - 9.84f, 0.005f) << "the flight continues";
 }
 
 TEST(KeysTest, TheStadiumGoesAndComesInEveryPhase) {
@@ -230,7 +230,7 @@ TEST(KeysTest, TheStadiumGoesAndComesInEveryPhase) {
     game.machine.After(moment, [&] {
       drawn = game.machine.Draws;
       game.machine.PressKey(65);
-      game.machine.PressKey(KeyCodes::Tilde); // nobody to write to
+      game.machine.PressKey(KeyCodes::Tilde); // there is nobody to write to
       game.machine.PressKey(KeyCodes::S);
     });
     game.machine.After(moment + 1, [&] {
@@ -247,7 +247,7 @@ TEST(KeysTest, EscapeEndsTheProgramFromWithinAFlightWithAWhistle) {
   Game game;
   game.SetUp();
   game.SoundsSince();
-  game.machine.DrawMs = 25; // so slow that no step has time to wait
+  game.machine.DrawMs = 25; // so slow that no step waits
   game.machine.After(200, [&] { game.machine.PressKey(KeyCodes::Escape); });
   EXPECT_THROW(game.Flick(96), ProgramEnd);
   EXPECT_EQ(game.SoundsSince(), "play swoosh.daw, play wis3.daw");

@@ -1,5 +1,5 @@
-// The built models and textures as the game stands them in its scene: places and extents that the rules rest
-// on, surfaces without gaps, open lines of sight, pictures without seams.
+// The built models and textures in the scene: positions and extents that the rules rely on, surfaces without
+// gaps, free lines of sight, textures without seams.
 
 #include "tests/game_kit.h"
 
@@ -47,7 +47,7 @@ struct Extent {
   }
 };
 
-/// From `low` to `high`; the same number twice means that number, to a thousandth.
+/// Inclusive range; equal bounds allow a tolerance of a thousandth.
 struct Span {
   float low, high;
   bool Holds(float value) const { return value >= low - 0.001f && value <= high + 0.001f; }
@@ -128,7 +128,7 @@ TEST(AssetsModelsTest, AimReachesFromTheStartToTheTargetAndItsFingerLeavesThePie
   Built built;
   auto &w = built.window;
   const auto &scene = w.RMCanvas1.SceneFrame;
-  constexpr float Flat = 0.15f; // above the piece's middle
+  constexpr float Flat = 0.15f; // above the centre of the piece
   int onTarget = 0, upright = 0;
   Vector at;
   w.ArrowFrame->GetPosition(scene, at);
@@ -136,16 +136,16 @@ TEST(AssetsModelsTest, AimReachesFromTheStartToTheTargetAndItsFingerLeavesThePie
     onTarget += std::hypot(at.x + v.x, at.z + v.z - BonusZ) < BonusRadius;
     if (v.y < Flat) continue;
     ++upright;
-    EXPECT_GT(v.z, 2.5f) << "ahead of the piece's near edge nothing may stand up";
+    EXPECT_GT(v.z, 2.5f) << "nothing may stand in front of the near edge of the piece";
   }
-  EXPECT_GT(onTarget, 0) << "a player aims at it from the start";
+  EXPECT_GT(onTarget, 0) << "the arrow points at the target at the start";
   EXPECT_GT(upright, 100) << "the finger";
 
-  // What the camera sees of the piece's top, however it has come to lie, and on its edge before a kick.
+  // The top of the piece must be visible in any orientation, also on its edge before a kick.
   struct Row {
     const char *name;
     Vector piece, up, aim, camera;
-    float turn, most; ///< most: share of the top that may be hidden
+    float turn, most; ///< most: fraction of the top that may be hidden
   };
   for (const Row &row : {Row{"at the start", {0, 0, 85}, {0, 1, 0}, {0, 0, 85}, {0, 10, 120}, 0, 0.2f},
                          Row{"turned", {0, 0, 85}, {0, 1, 0}, {0, 0, 85}, {0, 10, 120}, 2.3f, 0.3f},
@@ -200,7 +200,7 @@ TEST(AssetsModelsTest, TableTopIsFlatWithoutGapsUpToItsEdges) {
     }
   };
   for (float along = -HalfTable; along <= HalfTable; along += 0.25f) {
-    expectTop(0, along); // the way of a straight shot
+    expectTop(0, along); // the path of a straight shot
     expectTop(along, along);
     for (const float edge : {-HalfTable + 0.002f, -KerbEdge, KerbEdge, HalfTable - 0.002f}) {
       expectTop(std::clamp(along, -87.998f, 87.998f), edge);
@@ -280,10 +280,10 @@ TEST(AssetsModelsTest, NothingStandsBetweenACameraAndThePiece) {
           if (!hidden(place, {x, y, z})) continue;
           ++pylons;
           EXPECT_GE(i, ofTheGame) << place.x << " " << place.z;
-          EXPECT_EQ(std::abs(x), 88) << "only the corners' pylons may come between";
+          EXPECT_EQ(std::abs(x), 88) << "only the pylons at the corners may be in the way";
         }
-    if (std::abs(place.x) == 88) continue; // the win camera: no fall is watched from there
-    // A fall: only the table's thin legs may come between, for a moment.
+    if (std::abs(place.x) == 88) continue; // the win camera never shows a fall
+    // During a fall only the thin legs of the table may be in the way, briefly.
     int seen = 0, all = 0;
     for (float side = -88; side <= 88; side += 8)
       for (float y = -12; y >= -147; y -= 3)
@@ -294,8 +294,8 @@ TEST(AssetsModelsTest, NothingStandsBetweenACameraAndThePiece) {
         }
     EXPECT_GT(seen, all * 95 / 100) << place.x << " " << place.z;
   }
-  EXPECT_LT(pylons, looks / 200) << "and only seldom";
-  // The sky hangs over all of it.
+  EXPECT_LT(pylons, looks / 200) << "and rarely";
+  // The sky covers everything.
   int open = 0;
   for (const Vector &v : stadium.Data().Positions)
     open += !built.window.SkyMesh->Intersect({{0, 1, 0}, {v.x, v.y + Lift - 80, v.z}}).has_value();
@@ -306,7 +306,7 @@ TEST(AssetsModelsTest, PostsLeaveTheirGoalOpen) {
   Built built;
   bool left = false, right = false;
   for (const Vector &v : built.window.GoalMesh->Data().Positions) {
-    if (v.y > 2 && v.y < 25) { // ribbons wave above that
+    if (v.y > 2 && v.y < 25) { // above are ribbons
       EXPECT_NEAR(std::abs(v.x), 14.0f, 1.0f);
     }
     left = left || (v.x < 0 && v.y > 30);

@@ -1,5 +1,4 @@
-// The built pictures: all there, of the right size, and light or dark enough behind every label that stands
-// on them.
+// The built images: complete, of the right size, and with enough contrast behind every label.
 
 #include "match/frm_snapwedge.h"
 #include "net/frm_new_net.h"
@@ -26,7 +25,7 @@ public:
                 stbi_image_free) {}
   bool Empty() const { return !pixels_; }
 
-  /// Lays a picture of the background on it.
+  /// Draws a background picture on it.
   void Lay(const BackPicture &picture) {
     int wide = 0, high = 0;
     const std::unique_ptr<stbi_uc, void (*)(void *)> over(
@@ -55,7 +54,7 @@ private:
   std::unique_ptr<stbi_uc, void (*)(void *)> pixels_;
 };
 
-/// As the accessibility guidelines for the web define it, 0 to 1.
+/// Relative luminance as defined by WCAG, 0 to 1.
 double Luminance(const Color &color) {
   const auto linear = [](std::uint8_t channel) {
     const double value = channel / 255.0;
@@ -64,7 +63,7 @@ double Luminance(const Color &color) {
   return 0.2126 * linear(color.Red) + 0.7152 * linear(color.Green) + 0.0722 * linear(color.Blue);
 }
 
-/// The lowest contrast of the label's text to any pixel that it stands over.
+/// The lowest contrast of the label's text to any pixel behind it.
 double LeastContrast(const Label &label, const Image &background) {
   const double text = Luminance(label.ForeColor);
   double least = 21.0;
@@ -79,7 +78,7 @@ double LeastContrast(const Label &label, const Image &background) {
   return least;
 }
 
-/// @return how many labels stand on the background itself
+/// @return number of labels directly on the background
 int ExpectReadableLabels(const Window &window) {
   constexpr double LeastReadable = 4.5;
   Image background(window.Picture + ".png");
@@ -91,7 +90,7 @@ int ExpectReadableLabels(const Window &window) {
   int labels = 0;
   for (const Control *control : window.Controls) {
     const auto *label = dynamic_cast<const Label *>(control);
-    // A label with a border has a ground of its own.
+    // A label with a border has its own background.
     if (!label || label->HasBackColor || label->Border) continue;
     ++labels;
     EXPECT_GE(LeastContrast(*label, background), LeastReadable) << window.Name << ", " << label->Name;

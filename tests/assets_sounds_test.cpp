@@ -16,12 +16,12 @@ namespace {
 struct Row {
   const char *file;
   double shortest, longest; ///< seconds
-  double level;             ///< RMS of the whole file, dB of full scale
+  double level;             ///< RMS of the whole file, dBFS
   bool loop = false;
 };
 
-// Events are about equally loud, but for the whistles, which are heard through everything; the theme and the
-// beds lie below them.
+// Events are about equally loud, except the whistles, which must be heard through everything. The theme and
+// the loops are softer.
 const Row Rows[] = {
     {"crowd.daw", 8, 15, -26, true}, {"crowd2.daw", 8, 15, -26, true}, {"theme.daw", 20, 40, -24, true},
     {"yeah.daw", 2, 3.2, -21},       {"yeah2.daw", 2, 3.2, -21},       {"boo.daw", 1.6, 2.6, -21},
@@ -85,8 +85,8 @@ TEST(SoundsTest, ALoopsSeamIsNoLouderThanWhatItJoins) {
     constexpr std::size_t Tenth = 4410;
     const double before = Decibels(RootMeanSquare(samples.data() + samples.size() - Tenth, Tenth));
     const double after = Decibels(RootMeanSquare(samples.data(), Tenth));
-    if (std::string(row.file) == "theme.daw") continue; // a bar may begin louder than the last one ended
-    EXPECT_NEAR(before, after, 6) << "a bed that jumps in loudness";
+    if (std::string(row.file) == "theme.daw") continue; // a bar may begin louder than the previous one ends
+    EXPECT_NEAR(before, after, 6) << "the loop jumps in loudness";
   }
 }
 
@@ -106,8 +106,8 @@ TEST(SoundsTest, ABedSwells) {
     const std::vector<double> levels = Course(Read(file));
     ASSERT_GT(levels.size(), 20U);
     const double softest = levels[levels.size() / 10], loudest = levels[levels.size() * 9 / 10];
-    EXPECT_GE(loudest - softest, 4) << "it is one even noise";
-    EXPECT_LE(loudest - softest, 9) << "it comes and goes";
+    EXPECT_GE(loudest - softest, 4) << "it is uniform noise";
+    EXPECT_LE(loudest - softest, 9) << "its loudness varies too much";
   }
 }
 
@@ -119,15 +119,15 @@ TEST(SoundsTest, WhatSoundsTogetherDoesNotClip) {
   const Moment moments[] = {
       {{"yeah2.daw", "guit2.daw"}, true},             // the launch window
       {{"wis2.daw", "guit2.daw", "swoosh.daw"}},      // a quick first flick
-      {{"yeah2.daw", "wis2.daw", "wis1.daw"}},        // a Touchdown, and somebody writes a line
-      {{"boo.daw", "wis2.daw", "wis1.daw"}},          // the other side's
+      {{"yeah2.daw", "wis2.daw", "wis1.daw"}},        // a Touchdown and a chat line
+      {{"boo.daw", "wis2.daw", "wis1.daw"}},          // a Touchdown of the other side
       {{"yeah.daw", "wis1.daw"}},                     // a penalty
       {{"yeah2.daw", "wis3.daw", "guit2.daw"}, true}, // the end, by score
       {{"boo.daw", "wis3.daw", "guit2.daw"}, true},
       {{"yeah.daw", "wis3.daw", "guit2.daw"}, true},
   };
-  // The beds go on and on, so that with time each meets every part of the other, and the theme goes on
-  // anywhere.
+  // The loops have different lengths, so in time every part of one coincides with every part of the other.
+  // The theme may be at any position.
   constexpr std::size_t Second = 44100, Length = 180 * Second;
   const std::vector<double> crowd = Read("crowd.daw"), crowd2 = Read("crowd2.daw"), theme = Read("theme.daw");
   ASSERT_FALSE(crowd.empty() || crowd2.empty() || theme.empty());

@@ -1,4 +1,5 @@
-// Every file of the game, damaged in every way: it is named, and why it can't be used, before a match begins.
+// Every file of the game, damaged in every way: the error names the file and the reason before a match
+// begins.
 
 #include "front/check_files.h"
 #include "match/frm_snapwedge.h"
@@ -20,7 +21,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
-/// The real machine, on a copy of the game.
+/// The desktop machine with a copy of the game.
 class CopyMachine : public DesktopMachine {
 public:
   using DesktopMachine::DesktopMachine;
@@ -42,7 +43,7 @@ std::string Content(const fs::path &file) {
   return all.str();
 }
 
-/// The names of all files in a directory of the game that end so.
+/// The files in a directory of the game with that ending.
 std::vector<std::string> Names(const std::string &folder, const std::string &ending) {
   std::vector<std::string> names;
   for (const auto &entry : fs::directory_iterator(fs::path(SNAPWEDGE_GAME_DIR) / folder)) {
@@ -75,7 +76,7 @@ protected:
     std::ofstream(directory / file, std::ios::binary) << content;
   }
 
-  /// What the program looks at before a match begins.
+  /// The checks before a match begins.
   static void Start() {
     CopyMachine &machine = CopyMachine::Get();
     Program program(machine);
@@ -88,7 +89,7 @@ protected:
     const std::string name = fs::path(file).filename();
     try {
       use();
-      ADD_FAILURE() << "it was taken";
+      ADD_FAILURE() << "it was accepted";
     } catch (const Error &error) {
       const std::string told = error.what();
       EXPECT_TRUE(told.starts_with('"' + name + "\": ")) << told;
@@ -126,7 +127,7 @@ protected:
          }},
     };
     for (const auto &fault : faults) {
-      // What a sound or a texture consists of is noise to anybody but a listener.
+      // Changed samples or pixels can't be detected.
       const bool samples = file.ends_with(".daw") || file.ends_with(".dab");
       if (samples && std::string(fault.name) == "random from its middle on") continue;
       SCOPED_TRACE(fault.name);
@@ -149,7 +150,7 @@ TEST_F(FilesTest, AnyPictureIsNamed) {
   ASSERT_NO_THROW(Start());
   for (const std::string &name : Names("pictures", ".png")) {
     if (name.find('@') != std::string::npos || name == "icon-48.png")
-      continue; // for other screens, for the desktop
+      continue; // images for other pixel densities and for the desktop
     Damage<FileError>("pictures/" + name, Start);
     Put("pictures/" + name, Content(directory / "pictures" / "icon-48.png"));
     ExpectNamed<FileError>(name, Start);

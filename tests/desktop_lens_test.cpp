@@ -1,4 +1,4 @@
-// What the camera's lens shows: the piece is always found, and with it what the shot is about.
+// What the lens shows: always the piece, and with it the target of the shot.
 
 #include "platform/desktop/renderer/lens.h"
 #include "tests/game_kit.h"
@@ -14,7 +14,7 @@ namespace {
 constexpr float PictureWidth = 417.0f, PictureHeight = 361.0f; // of the canvas, pixels
 constexpr float PieceWidth = 10.0f;                            // scene units
 
-/// The game with a lens before its scene, which takes a picture at every update.
+/// The game with a lens that is updated at every frame.
 struct Shot {
   explicit Shot(const char *mode = "Human") {
     game.program.GameMode = mode;
@@ -41,8 +41,7 @@ struct Shot {
     while (!lens.Settled());
   }
 
-  /// Where a place shows: -1 to 1 from left to right and from bottom to top; outside that, beside the
-  /// picture.
+  /// Normalised device coordinates of a point: -1 to 1 from left to right and from bottom to top.
   QVector3D At(const Vector &place) const {
     const QVector3D p = MatrixOf(view.Camera).inverted().map(QVector3D(place.x, place.y, place.z));
     const float half = view.Height / 2;
@@ -54,7 +53,7 @@ struct Shot {
   }
   Vector Piece() const { return game.window.PieceFrame->World().Origin; }
   float PieceDistance() const { return At(Piece()).z(); }
-  /// Width of the piece, seen across, in pixels of a canvas at scale 1.
+  /// Width of the piece in pixels at scale 1.
   float PiecePixels() const { return PieceWidth / PieceDistance() / view.Height * PictureHeight; }
 
   bool PostsShow() const {
@@ -84,8 +83,8 @@ TEST(LensTest, EverySituationShowsWhatItIsAbout) {
     const char *name;
     float pieceX, pieceZ, cameraX, cameraY, cameraZ;
     float leastPixels;       ///< width of the piece
-    bool posts, edge, bonus; ///< shown whole
-    bool aims = true;        ///< its aim shows with it
+    bool posts, edge, bonus; ///< fully visible
+    bool aims = true;        ///< the aim is visible too
   };
   const Row rows[] = {
       {"start of a possession", 0, 85, 0, 10, 120, 100, true, true, true},
@@ -179,7 +178,7 @@ TEST(LensTest, ThePieceIsFoundInEveryPictureOfAShot) {
     EXPECT_GT(pictures, 50);
     EXPECT_EQ(lost, 0);
     EXPECT_EQ(tiny, 0);
-    EXPECT_LE(jerks, 1) << "a turnover may find the camera where it is";
+    EXPECT_LE(jerks, 1) << "a turnover may leave the camera where it is";
   }
 }
 

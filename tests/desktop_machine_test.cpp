@@ -1,5 +1,5 @@
-// The real machine: what its windows show, what comes back from them, the pointer, and sound. Runs on a
-// virtual display.
+// The desktop machine: the display and input of its windows, the pointer, and sound. Runs on a virtual
+// display.
 
 #include "front/information_windows.h"
 #include "platform/desktop/desktop_machine.h"
@@ -24,8 +24,7 @@
 
 namespace {
 
-/// One application serves all tests of the program. It is never taken down: Qt's own statics, which it would
-/// need for that, go first.
+/// One application for all tests. It is never destroyed, because Qt's statics are destroyed before it.
 DesktopMachine &TheMachine() {
   static int count = 1;
   static char name[] = "test";
@@ -46,7 +45,7 @@ void PumpFor(DesktopMachine &machine, std::int32_t milliseconds) {
   while (!machine.ClockReached(end)) machine.WaitUntil(end);
 }
 
-/// A window with one control of the kinds that carry text.
+/// A window with one control of each kind that has text.
 struct Form {
   explicit Form(DesktopMachine &on) : machine(on) {
     window.Name = "Form";
@@ -164,7 +163,7 @@ TEST(DesktopMachineTest, AStretchedWindowHasItsContentInTheMiddleOfBlack) {
   Form form(TheMachine());
   QWidget &window = *WidgetOf("label")->window();
   const auto show = [&](QSize size) {
-    window.setFixedSize(size); // a window manager doesn't ask
+    window.setFixedSize(size); // as a window manager would
     PumpFor(form.machine, 50);
     return window.grab().toImage();
   };
@@ -221,7 +220,7 @@ TEST(DesktopMachineTest, AModalWindowKeepsTheOthersWaiting) {
     if (tries == 5) {
       const QWindow *shown = QApplication::activeModalWidget()->windowHandle();
       EXPECT_EQ(shown->transientParent(), WidgetOf("button")->window()->windowHandle()) << "stays above it";
-      EXPECT_EQ(shown->type(), Qt::Dialog) << "of no other does the window manager learn its owner";
+      EXPECT_EQ(shown->type(), Qt::Dialog) << "the window manager is told the owner only of a dialog";
       QTest::mouseClick(WidgetOf("button"), Qt::LeftButton);
     }
     if (tries == 8) form.machine.Hide(card);
@@ -282,7 +281,7 @@ TEST(DesktopMachineTest, AMissingPictureIsNamed) {
   window.Picture = "no-such-picture";
   try {
     TheMachine().Show(window);
-    FAIL() << "it must not be passed over";
+    FAIL() << "the error must not be ignored";
   } catch (const std::runtime_error &error) {
     EXPECT_NE(std::string(error.what()).find("no-such-picture"), std::string::npos);
   }
@@ -326,7 +325,7 @@ TEST(DesktopMachineTest, NoMotionOfAHeldPointerIsLost) {
     return machine.PointerHeld() == held;
   };
   ASSERT_TRUE(pumpUntilHeld(true));
-  MoveHand(0, 0); // it takes the mouse
+  MoveHand(0, 0); // creates the virtual mouse
   PumpFor(machine, 300);
   // Small steps, a sweep, and throws that end far outside the window and beyond the screen.
   for (const QPoint motion :
@@ -336,11 +335,12 @@ TEST(DesktopMachineTest, NoMotionOfAHeldPointerIsLost) {
     PumpFor(machine, 100);
     EXPECT_EQ(offset(), motion);
   }
-  const bool onX = QGuiApplication::platformName() == "xcb"; // elsewhere nobody learns where the pointer is
+  const bool onX =
+      QGuiApplication::platformName() == "xcb"; // elsewhere the position of the pointer is unknown
   QTest::mousePress(onX ? QApplication::widgetAt(QCursor::pos()) : WidgetOf("canvas"), Qt::LeftButton);
   machine.Pump();
   EXPECT_EQ(presses, 1) << "the buttons belong to the canvas";
-  // A box lets go of the pointer; its offsets are 0 then.
+  // A box releases the pointer, and its offsets are 0.
   machine.mouse_event(-1, 30000, 30000, 1, 1);
   const auto poll = machine.OnPump([&, closing = std::optional<std::int32_t>()]() mutable {
     QWidget *box = QApplication::activeModalWidget();
@@ -354,7 +354,7 @@ TEST(DesktopMachineTest, NoMotionOfAHeldPointerIsLost) {
   });
   machine.MsgBox({"text", "title", false});
   EXPECT_EQ(offset(), QPoint());
-  // The focus comes back with the pointer in a corner of the screen, and another program moves it besides.
+  // The focus returns with the pointer in a corner of the screen, and another program moves it.
   WidgetOf("canvas")->activateWindow();
   ASSERT_TRUE(pumpUntilHeld(true));
   PumpFor(machine, 100);
@@ -367,7 +367,7 @@ TEST(DesktopMachineTest, NoMotionOfAHeldPointerIsLost) {
   machine.ShowCursor(-1);
 }
 
-/// A window with nothing but a canvas.
+/// A window with only a canvas.
 struct CanvasForm {
   CanvasForm() {
     canvas.Name = "canvas";
@@ -408,7 +408,7 @@ TEST(DesktopMachineTest, NoButtonCountsAcrossALossOfTheKeyboard) {
   ASSERT_TRUE(comeBack());
   QTest::mouseClick(widget, Qt::LeftButton);
   form.machine.Pump();
-  EXPECT_EQ(presses + releases, 0) << "the click that comes back to the window is no shot";
+  EXPECT_EQ(presses + releases, 0) << "the click that activates the window must not shoot";
 
   ASSERT_TRUE(pumpUntil(held));
   QTest::mousePress(widget, Qt::LeftButton);
@@ -419,7 +419,7 @@ TEST(DesktopMachineTest, NoButtonCountsAcrossALossOfTheKeyboard) {
   ASSERT_TRUE(pumpUntil(held));
   QTest::mouseRelease(widget, Qt::LeftButton);
   form.machine.Pump();
-  EXPECT_EQ(releases, 0) << "its press began before";
+  EXPECT_EQ(releases, 0) << "the press was before the change of focus";
 
   QTest::mouseClick(widget, Qt::LeftButton);
   form.machine.Pump();
@@ -442,7 +442,7 @@ TEST(DesktopMachineTest, AKeyOfTheCanvasCountsOnceHoweverLongItIsHeldAndOnEveryL
   };
   constexpr quint32 PlaceOfS = 39, LeftOfOne = 49;
   send(QEvent::KeyPress, Qt::Key_S, PlaceOfS, 1000);
-  // What a display sends of a held key: Qt doesn't mark it as a repetition if the two come apart.
+  // Key repetition as a display sends it. Qt doesn't mark a press as repeated if the pair is split.
   send(QEvent::KeyRelease, Qt::Key_S, PlaceOfS, 1500);
   send(QEvent::KeyPress, Qt::Key_S, PlaceOfS, 1500);
   send(QEvent::KeyRelease, Qt::Key_S, PlaceOfS, 1600);
@@ -454,13 +454,13 @@ TEST(DesktopMachineTest, AKeyOfTheCanvasCountsOnceHoweverLongItIsHeldAndOnEveryL
   keys.clear();
   constexpr int CyrillicYeru = 0x42B;
   send(QEvent::KeyPress, CyrillicYeru, PlaceOfS, 2000);
-  send(QEvent::KeyPress, Qt::Key_O, PlaceOfS, 2100); // a Latin layout that has another letter there
+  send(QEvent::KeyPress, Qt::Key_O, PlaceOfS, 2100); // a Latin layout with another letter on that key
   send(QEvent::KeyPress, Qt::Key_AsciiCircum, LeftOfOne, 2200);
   EXPECT_EQ(keys, (std::vector<std::int16_t>{KeyCodes::S, 0, KeyCodes::Tilde}));
   form.machine.Hide(form.window);
 }
 
-/// The source that was made last, as OpenAL knows it.
+/// The OpenAL source created last.
 ALuint LastSource() {
   constexpr ALuint Most = 1000;
   ALuint last = 0;
@@ -483,7 +483,7 @@ TEST(DesktopSoundTest, StopKeepsThePositionAndPlayDoesNotRestart) {
   const ALuint source = LastSource();
   ASSERT_NE(source, 0U);
   const auto pause = [] { std::this_thread::sleep_for(std::chrono::milliseconds(50)); };
-  /// Waits until it has played on for a tenth of a second, 20 s at the most. Returns where it stands then.
+  /// Waits until it has played for another tenth of a second, at most 20 s. Returns its position.
   const auto playedOn = [&](ALint from) {
     for (int tries = 0; tries < 400 && OffsetOf(source) < from + 4410; ++tries) pause();
     return OffsetOf(source);
@@ -500,7 +500,7 @@ TEST(DesktopSoundTest, StopKeepsThePositionAndPlayDoesNotRestart) {
   pause();
   EXPECT_EQ(OffsetOf(source), stopped);
   crowd->Play(DSBPLAY_DEFAULT);
-  EXPECT_GE(OffsetOf(source), stopped) << "it goes on from where it stood";
+  EXPECT_GE(OffsetOf(source), stopped) << "it continues from its position";
   EXPECT_GT(playedOn(stopped), stopped);
 }
 

@@ -1,4 +1,4 @@
-// Sessions over real sockets, on this computer alone.
+// Sessions over real sockets, on this computer only.
 
 #include "net/address_lookup.h"
 #include "platform/desktop/asio/asio_network.h"
@@ -23,10 +23,10 @@ using namespace kit;
 
 namespace {
 
-/// A search takes a second. On a busy computer it may take longer, but not as long as a call that blocks.
+/// A search takes a second, on a busy computer more, but less than a blocking call would.
 constexpr std::int32_t LongestSearchMs = 3000;
 
-/// The machine of memory on the real clock.
+/// A headless machine on the real clock.
 struct RealTime {
   RealTime() : machine("") {
     machine.SetNow(Clock());
@@ -48,7 +48,7 @@ struct RealTime {
     return program;
   }
 
-  /// Searches, and returns the rows with that name.
+  /// Searches and returns the sessions with that name.
   std::vector<DirectPlaySessionData> Search(DirectPlay4 &program, const std::string &name,
                                             const std::string &host = "") {
     const DialogPlayer player(machine, host);
@@ -70,7 +70,7 @@ struct RealTime {
   }
 
   HeadlessMachine machine;
-  std::int32_t took = 0; ///< by the last search, ms
+  std::int32_t took = 0; ///< duration of the last search, ms
 };
 
 /// A name that no other test on this computer uses.
@@ -104,16 +104,17 @@ TEST(DesktopNetworkTest, TwoProgramsFindEachOtherOnThisComputerAndPlay) {
   std::vector<std::string> expected{"joined"};
   for (int i = 1; i <= 200; ++i) expected.push_back(std::to_string(i));
   expected.emplace_back("lost");
-  EXPECT_EQ(TakeAll(*host, player), expected) << "what was sent before the farewell has come";
+  EXPECT_EQ(TakeAll(*host, player), expected) << "messages sent before the farewell arrive";
 }
 
 TEST(DesktopNetworkTest, AHostIsFoundByNameAndAddressWhateverItsPort) {
-  // Another program has a port of ours, so one of the two hosts gets it not.
+  // Another program holds one of our ports, so the second host fails to bind it.
   asio::io_context context;
   asio::ip::tcp::acceptor other(context);
   std::error_code taken;
   other.open(asio::ip::tcp::v4());
-  other.set_option(asio::socket_base::reuse_address(true)); // a test before may have left the port waiting
+  other.set_option(
+      asio::socket_base::reuse_address(true)); // the port may still be in TIME_WAIT from an earlier test
   other.bind({asio::ip::address_v4::any(), session::DefaultPort + 1}, taken);
   if (!taken) other.listen();
 
@@ -149,11 +150,11 @@ TEST(DesktopNetworkTest, AHostIsFoundByNameAndAddressWhateverItsPort) {
     EXPECT_LE(time.took, LongestSearchMs);
     if (found.size() != 1) continue;
     const auto guest = time.Program(Internet);
-    guest->Open(found[0], DPOPEN_JOIN); // makes no player, and so keeps nobody out
+    guest->Open(found[0], DPOPEN_JOIN); // creates no player, so doesn't take the place
   }
 }
 
-/// Enters a network namespace of its own. Returns false where none can be made.
+/// Enters a new network namespace. Returns false if that isn't permitted.
 bool EnterNamespace() {
   const std::string user = std::to_string(getuid());
   if (unshare(CLONE_NEWNET) == 0) return true;
@@ -162,10 +163,10 @@ bool EnterNamespace() {
   return true;
 }
 
-constexpr char Returned = '=', NoNamespace = '-'; ///< first letter of what the process tells
+constexpr char Returned = '=', NoNamespace = '-'; ///< first letter of the process's output
 
-/// What `look` returns in a process and a network namespace of its own; nothing where none can be made.
-/// A process that ends without a word has crashed.
+/// The result of `look` in a process with its own network namespace; nothing if that isn't permitted. A
+/// process without output has crashed.
 std::optional<std::string> InNamespace(const std::function<std::string()> &look) {
   std::array<int, 2> pipe{};
   if (::pipe(pipe.data()) != 0) return std::nullopt;
@@ -255,13 +256,14 @@ TEST(DesktopNetworkTest, TheAddressToldIsThatOfTheWayToTheInternet) {
 TEST(DesktopNetworkTest, ASearchReachesAHostByACardWithoutABroadcastAddress) {
   for (const char *broadcast : {"brd + ", ""}) {
     SCOPED_TRACE(*broadcast ? "with" : "without");
-    // The host's end of the wire is in a second namespace. Sockets stay where they were opened.
+    // The host's end of the wire is in a second namespace. Sockets stay in the namespace in which they were
+    // opened.
     const auto found = InNamespace([broadcast] {
       const int here = open("/proc/self/ns/net", O_RDONLY);
       if (unshare(CLONE_NEWNET) != 0) return std::string("no second namespace");
       const std::string address = std::string(" ") + broadcast + "dev eth0\nip link set eth0 up";
       const std::string noIPv6 =
-          "ip link set eth0 addrgenmode none\n"; // by which the host would be found too
+          "ip link set eth0 addrgenmode none\n"; // or the host would be found through it
       Make("ip link add eth0 type veth peer name eth0 netns /proc/" + std::to_string(getpid()) + "/fd/" +
            std::to_string(here) + "\n" + noIPv6 + "ip address add 10.0.0.1/24" + address);
       RealTime time;

@@ -1,4 +1,4 @@
-// The arithmetic of the held pointer, against a simulated display.
+// The arithmetic of the captured pointer, against a simulated display.
 
 #include "platform/desktop/pointer_travel.h"
 
@@ -12,14 +12,14 @@ namespace {
 
 using Device = PointerTravel::Device;
 
-/// A display with one device, and a program that holds the pointer at times. Ways are multiples of 1/8, so
-/// that sums are exact.
+/// A display with one device, and a program that captures the pointer at times. Motions are multiples of 1/8,
+/// so that sums are exact.
 class Display {
 public:
   Device device = Device::TellsWay;
-  bool obeys = true; ///< whether it moves the pointer when a program asks for it
-  Dots hand;         ///< the hand's way while the program held the pointer
-  Dots told;         ///< what the program has counted of it
+  bool obeys = true; ///< whether the display moves the pointer at a program's request
+  Dots hand;         ///< motion of the hand while the pointer was captured
+  Dots told;         ///< motion counted by the program
 
   void Hold() {
     device_ = pointer_;
@@ -28,21 +28,21 @@ public:
   void LetGo() { program_.reset(); }
   bool Held() const { return program_.has_value(); }
 
-  /// The program, or another one, asks for the pointer to be moved.
+  /// A program requests a move of the pointer.
   void Warp(Dots to) {
     if (!obeys) return;
     pointer_ = to;
     if (program_) told = told + program_->Moved(Id, pointer_);
   }
 
-  /// @param asPlace  how a device that can tell either tells it
+  /// @param asPlace  absolute or relative, for a device that supports both
   void MoveHand(Dots way, bool asPlace) {
     if (device == Device::TellsPlace || (device == Device::TellsEither && asPlace)) {
       const Dots from = device_;
       device_ = OnScreen(device_ + way);
-      way = device_ - from; // what tells places ends at the edge, and the hand's way with it
+      way = device_ - from; // an absolute device stops at the edge
       pointer_ = device_;
-      constexpr double DeviceDots = 32; // a tablet has a count of its own
+      constexpr double DeviceDots = 32; // resolution of a tablet
       const double scale = device == Device::TellsPlace ? DeviceDots : 1;
       Report({device_.x * scale, device_.y * scale}, way);
     } else {
@@ -66,7 +66,7 @@ private:
   }
 
   Dots pointer_{500, 350};
-  Dots device_; ///< where a device that tells places is
+  Dots device_; ///< position of an absolute device
   std::optional<PointerTravel> program_;
 };
 
@@ -74,7 +74,7 @@ class Chance {
 public:
   bool Once(unsigned in) { return random_() % in == 0; }
 
-  /// Mostly small, at times a throw across the screen.
+  /// Mostly small, sometimes across the whole screen.
   Dots Way() { return Once(50) ? Step(8 * 700) : Step(8 * 6); }
 
 private:
@@ -93,15 +93,14 @@ TEST(PointerTravelTest, AMillionMotionsAddUpExactlyWhateverFocusAndDisplayDo) {
   Chance chance;
   int held = 0;
   for (int motion = 0; motion < Motions; ++motion) {
-    if (chance.Once(500)) { // the window gets the focus, wherever the pointer is, or loses it
+    if (chance.Once(500)) { // the window gains or loses the focus
       if (display.Held()) {
         display.LetGo();
       } else {
         display.device = chance.Once(3)   ? Device::TellsPlace
                          : chance.Once(3) ? Device::TellsEither
                                           : Device::TellsWay;
-        // In the first corner of the screen ways and places are the same numbers, and the pointer must not
-        // stay there.
+        // Near the origin absolute and relative values look alike, so the pointer must not stay there.
         display.obeys = display.device == Device::TellsEither || !chance.Once(3);
         display.Hold();
         display.Warp(Anchor);

@@ -1,5 +1,5 @@
-// Pictures of the real scene: repeatable, still where nothing moves, and with everything in them that a
-// player needs.
+// Frames of the real scene: reproducible, still where nothing moves, and showing everything that a player
+// needs.
 
 #include "platform/desktop/renderer/renderer.h"
 #include "tests/game_kit.h"
@@ -15,11 +15,11 @@ namespace {
 
 constexpr QSize CanvasSize(417, 361);
 
-/// The play window's scene with a renderer before it.
+/// The scene of the play window with a renderer.
 struct Picture {
   explicit Picture(Quality quality) : renderer(quality) { game.SetUp(); }
 
-  /// The picture once the lens has come to rest.
+  /// The frame once the lens has settled.
   QImage Draw() { return Settled(renderer, game.window.RMCanvas1); }
 
   static QImage Settled(Renderer &renderer, const RMCanvas &canvas) {
@@ -96,7 +96,7 @@ TEST(RendererTest, APictureThatIsDrawnInPartsIsTheWholeOne) {
       }
       const QImage parts = picture.Draw();
       Picture::Settled(afresh, window.RMCanvas1);
-      afresh.Draw(window.RMCanvas1, CanvasSize * 2); // of another size, so that nothing stays
+      afresh.Draw(window.RMCanvas1, CanvasSize * 2); // another size, so that nothing is reused
       afresh.Draw(window.RMCanvas1, CanvasSize);
       ASSERT_EQ(Differing(parts, afresh.Picture()), 0);
     }
@@ -110,7 +110,8 @@ TEST(RendererTest, NothingIsDrawnAgainThatDoesNotShow) {
   EXPECT_FALSE(picture.renderer.Draw(window.RMCanvas1, CanvasSize));
   window.LookCam();
   window.PieceFrame->SetPosition(window.RMCanvas1.SceneFrame, 0, 0, 85);
-  EXPECT_FALSE(picture.renderer.Draw(window.RMCanvas1, CanvasSize)) << "a move to the same place is none";
+  EXPECT_FALSE(picture.renderer.Draw(window.RMCanvas1, CanvasSize))
+      << "a move to the same position changes nothing";
   window.AimFrame->AddRotation(D3DRMCOMBINE_BEFORE, 0, 1, 0, 0.01f);
   EXPECT_TRUE(picture.renderer.Draw(window.RMCanvas1, CanvasSize)) << "the arrow has turned";
   EXPECT_TRUE(picture.renderer.Draw(window.RMCanvas1, CanvasSize * 2));
@@ -128,7 +129,7 @@ TEST(RendererTest, ATurnedPieceChangesThePictureWhereItIsAndNowhereElse) {
 }
 
 TEST(RendererTest, PieceArrowTableAndPostsStandOutFromTheRest) {
-  // How much of the picture changes when a thing is taken away.
+  // The number of pixels that change when an object is removed.
   Picture picture(Quality::Low);
   auto &window = picture.game.window;
   const QImage whole = picture.Draw();
@@ -182,8 +183,8 @@ TEST(RendererTest, ThePieceThrowsItsShadowWhileSomebodyAims) {
   Picture picture(Quality::Low);
   auto &window = picture.game.window;
   window.PieceFrame->SetPosition(window.RMCanvas1.SceneFrame, 0, 3, 20);
-  window.AimFrame->AddRotation(D3DRMCOMBINE_BEFORE, 0, 1, 0, 0.785f); // its box is wide now, the aim isn't
-  // The view must stay as it is when the piece vanishes.
+  window.AimFrame->AddRotation(D3DRMCOMBINE_BEFORE, 0, 1, 0, 0.785f); // widens its bounding box, not the aim
+  // The view must not change when the piece is removed.
   window.CameraFrame->LookAt(window.AimFrame, window.RMCanvas1.SceneFrame, D3DRMCONSTRAIN_Z);
   const auto pieceAndShadow = [&] {
     const QImage with = picture.Draw();
@@ -197,9 +198,9 @@ TEST(RendererTest, ThePieceThrowsItsShadowWhileSomebodyAims) {
   EXPECT_NEAR(aiming, pieceAndShadow(), 3);
 }
 
-/// The painted lines that each column of a picture crosses, from top to bottom.
+/// The painted lines that each column of a frame crosses, from top to bottom.
 std::vector<int> LinesInColumns(const QImage &with, const QImage &without, int first, int last) {
-  constexpr int Visible = 12; // levels of all colours together
+  constexpr int Visible = 12; // sum of all channels
   std::vector<int> lines;
   for (int x = first; x < last; ++x) {
     bool painted = false;
@@ -230,8 +231,8 @@ TEST(RendererTest, LinesFarDownTheFieldDoNotBreak) {
   }
 }
 
-/// How many pixels jump to and fro while the camera moves slowly past the piece: a surface that fights with
-/// another one does, one that only passes goes on.
+/// Number of pixels that flicker while the camera moves slowly past the piece. Z-fighting changes a pixel
+/// back and forth; a passing surface changes it once.
 int Flips(Picture &picture, const Vector &from) {
   auto &window = picture.game.window;
   constexpr int Pictures = 60;

@@ -1,4 +1,4 @@
-// How large the windows are on which screen.
+// The scale of the windows for screens of different sizes.
 
 #include "platform/desktop/window_scale.h"
 

@@ -1,5 +1,4 @@
-// The desktop's blanking of its screen while a match is played against another computer, on a bus of the
-// test's own.
+// Inhibiting screen blanking during a network match, on a private message bus.
 
 #include "platform/desktop/desktop_machine.h"
 
@@ -19,7 +18,7 @@ namespace {
 constexpr uint Cookie = 4711;
 constexpr const char *Handle = "/org/freedesktop/portal/desktop/request/1";
 
-/// Stands for a desktop: writes down what it is told, and answers with a cookie or a handle.
+/// A mock desktop: records requests, and answers with a cookie or a handle.
 class Desktop : public QDBusVirtualObject {
 public:
   explicit Desktop(const QDBusConnection &bus) : bus_(bus) {
@@ -54,7 +53,7 @@ private:
 
 class ScreenAwakeTest : public testing::Test {
 protected:
-  /// Everything in a process has one bus for good.
+  /// A process connects to one bus only.
   static void SetUpTestSuite() {
     static QTemporaryDir directory;
     static QProcess daemon;

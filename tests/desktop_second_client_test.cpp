@@ -1,5 +1,5 @@
-// The game against a client that was written from docs/protocol.md alone: in both roles both must see every
-// flick come to rest at the same place, to the bit, and the same score at the end.
+// The game against a client written from docs/protocol.md alone. In both roles every flick must end at the
+// same position on both sides, to the bit, and the scores must agree.
 
 #include "front/run_program.h"
 #include "tests/game_kit.h"
@@ -18,10 +18,10 @@
 
 namespace {
 
-constexpr int Speed = 10; ///< the machine's clock runs so many times as fast as the wall's
+constexpr int Speed = 10; ///< virtual time per real time
 constexpr int Rounds = 3;
 
-/// Runs the client and returns what it printed, a line each, and its exit status last.
+/// Runs the client and returns the lines of its output, then its exit status.
 std::vector<std::string> RunClient(const std::string &arguments) {
   const std::string command = "python3 " SNAPWEDGE_TESTS_DIR "/second_client.py " + arguments + " 2>&1";
   std::vector<std::string> lines(1);
@@ -37,7 +37,7 @@ std::vector<std::string> RunClient(const std::string &arguments) {
   return lines;
 }
 
-/// The program, its player, and what is seen on its screen.
+/// The program, its player, and observations of its screen.
 struct Real {
   Real(bool host, const std::string &session)
       : program(machine), player(machine, host, Rounds, 1), name(session) {
@@ -49,7 +49,7 @@ struct Real {
     };
   }
 
-  /// In the lobby: the connection within this computer, and a name that no other test has.
+  /// In the lobby: the connection method "This Computer" and a unique session name.
   void Prepare() {
     auto *lobby = dynamic_cast<frmNewNet *>(machine.FindWindow("frmNewNet"));
     if (!lobby) return;
@@ -85,9 +85,9 @@ struct Real {
   std::vector<std::string> flicks;
 };
 
-/// A whole match; `role` is the client's.
+/// Plays a whole match. @param role  of the client
 void PlayAgainstClient(const std::string &role, const std::string &options) {
-  Game().SetUp(); // reads the models: on a quick clock that would take longer than a line may be silent
+  Game().SetUp(); // loads the models now: on an accelerated clock it would look like a silent peer
   const std::string session = "second-" + std::to_string(getpid());
   const std::string numbers = " --rounds " + std::to_string(Rounds) + " --speed " + std::to_string(Speed);
   auto client = std::async(std::launch::async, RunClient, role + ' ' + session + ' ' + options + numbers);

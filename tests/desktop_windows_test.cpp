@@ -1,4 +1,4 @@
-// The windows as they come to the screen: every label can be read on what lies behind it.
+// The windows on the screen: every label is readable on its background.
 
 #include "match/frm_snapwedge.h"
 #include "match/results.h"
@@ -16,13 +16,13 @@
 
 namespace {
 
-/// The real machine, on the game as it was built.
+/// The desktop machine with the built game.
 class GameMachine : public DesktopMachine {
 public:
   using DesktopMachine::DesktopMachine;
   std::filesystem::path AppPath() const override { return SNAPWEDGE_GAME_DIR; }
 
-  /// One serves all tests, and is never taken down: Qt's own statics, which it would need for that, go first.
+  /// One for all tests. It is never destroyed, because Qt's statics are destroyed before it.
   static GameMachine &Get() {
     static int count = 1;
     static char name[] = "test";
@@ -32,7 +32,7 @@ public:
   }
 };
 
-/// As the accessibility guidelines for the web define it, 0 to 1.
+/// Relative luminance as defined by WCAG, 0 to 1.
 double Luminance(const QColor &color) {
   const auto linear = [](double value) {
     return value <= 0.04045 ? value / 12.92 : std::pow((value + 0.055) / 1.055, 2.4);
@@ -40,7 +40,7 @@ double Luminance(const QColor &color) {
   return 0.2126 * linear(color.redF()) + 0.7152 * linear(color.greenF()) + 0.0722 * linear(color.blueF());
 }
 
-/// The lowest contrast of the label's text to any pixel that it covers; nothing for a text without pixels.
+/// The lowest contrast of the label's text to any pixel behind it; nothing for a text without pixels.
 std::optional<double> LeastContrast(QWidget &window, QLabel &label) {
   const QRect place(label.mapTo(&window, QPoint()), label.size());
   const QImage written = window.grab(place).toImage();
@@ -61,7 +61,7 @@ std::optional<double> LeastContrast(QWidget &window, QLabel &label) {
   return least;
 }
 
-/// @return how many labels with a text the window shows
+/// @return number of labels with text
 int ExpectReadableLabels(GameMachine &machine, const Window &window) {
   constexpr double LeastReadable = 4.5;
   machine.Pump();
@@ -91,7 +91,7 @@ TEST(DesktopWindowsTest, LabelsOfThePlayWindowCanBeRead) {
   GameMachine &machine = GameMachine::Get();
   Program program(machine);
   frmSnapwedge window(machine, program);
-  window.Label5.Caption = "OV:SW:1"; // what the other program says of itself
+  window.Label5.Caption = "OV:SW:1"; // the version of the other program
   window.VersionSlip.Visible = true;
   window.HintResult(Results::Penalty);
   machine.Show(window);
@@ -102,7 +102,7 @@ TEST(DesktopWindowsTest, LabelsOfThePlayWindowCanBeRead) {
   }
 }
 
-/// The widget of a control on the window that stands open under that name.
+/// The widget of a control of the open window with that name.
 QWidget *WidgetOf(const Window &window, const char *control) {
   for (QWidget *shown : QApplication::topLevelWidgets()) {
     if (shown->isVisible() && shown->objectName().toStdString() == window.Name)
@@ -111,7 +111,7 @@ QWidget *WidgetOf(const Window &window, const char *control) {
   return nullptr;
 }
 
-/// All that `lblHint` says in the course of a match, and more: every text with its longest names and numbers.
+/// All texts of `lblHint`, with their longest names and numbers.
 std::vector<std::string> AllHints(frmSnapwedge &window) {
   std::vector<std::string> all;
   const auto keep = [&] { all.push_back(window.lblHint.Caption); };

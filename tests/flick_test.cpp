@@ -1,4 +1,4 @@
-// The flight of a flick: force to distance, steps and spin; falls; the camera and the arrow around it.
+// Flicks: force to distance, steps and spin; falls; camera and arrow.
 
 #include "tests/game_kit.h"
 
@@ -55,8 +55,8 @@ TEST(FlickTest, EveryForceOfTheMeterHasItsStepsDistanceAndSpin) {
     EXPECT_EQ(game.window.Label2.Caption, "Shots: 2");
     EXPECT_NEAR(game.window.SkyU, 0.0008f * static_cast<float>(row.frames + 1 + row.steps), 1e-5f)
         << "the sky drifts on every frame and step";
-    // A frame for the press, the frames of the meter and the flight's steps; a last frame ends with the
-    // flight.
+    // One frame for the press, those of the meter, the steps of the flight, and a last frame that ends with
+    // it.
     EXPECT_GE(game.machine.Now() - begin, row.steps * 20);
     EXPECT_LE(game.machine.Now() - begin, row.steps * 20 + (row.frames + 1) * 25);
   }
@@ -110,7 +110,7 @@ TEST(FlickTest, AnOverchargeFiresByItselfAndFallsOffTheFarEdge) {
   EXPECT_EQ(game.window.MouseMode, 1);
   EXPECT_EQ(game.window.Force, 96.0f);
   game.Frames(1);
-  EXPECT_EQ(bar, 95.0f) << "the bar goes on from its last value, not from the overcharge";
+  EXPECT_EQ(bar, 95.0f) << "the bar falls from its last value, not from the overcharge";
   EXPECT_FLOAT_EQ(force, 120.0f - 0.6f);
   EXPECT_LT(fellFrom.z, -88.0f);
   EXPECT_GT(fellFrom.z, -91.0f);
@@ -135,8 +135,7 @@ TEST(FlickTest, TheFallDropsThreeAStepForFiftyStepsUnderALowCamera) {
   game.window.CameraFrame->SetPosition(game.window.RMCanvas1.SceneFrame, 30, 15, 40);
   const float quarter = static_cast<float>(std::numbers::pi / 2);
   game.Flick(50.0f, -quarter);
-  ASSERT_EQ(heights.size(), 50U + 1U)
-      << "the first picture of the flight is drawn before the first look down";
+  ASSERT_EQ(heights.size(), 50U + 1U) << "the first frame of the flight is drawn before the first ray";
   EXPECT_EQ(heights.back(), -147.0f);
   EXPECT_EQ(camera, (Vector{30, -10, 40}));
   const Vector after = game.Place(game.window.PieceFrame);
@@ -151,7 +150,7 @@ TEST(FlickTest, TheFallDropsThreeAStepForFiftyStepsUnderALowCamera) {
 TEST(FlickTest, TheCameraKeepsItsPlaceBehindTheAim) {
   Game game;
   game.SetUp();
-  game.window.Reset(); // the second person's turn is like the first's
+  game.window.Reset(); // the other player's turn is the same
   game.machine.MoveMouse(60, 0);
   game.Frames(1);
   Vector before, after;
@@ -174,16 +173,15 @@ TEST(FlickTest, TheCameraKeepsItsPlaceBehindTheAim) {
   game.window.AimFrame->GetOrientation(game.window.RMCanvas1.SceneFrame, direction, up);
   game.Frames(1);
   game.window.AimFrame->GetOrientation(game.window.RMCanvas1.SceneFrame, laterDirection, up);
-  EXPECT_EQ(laterDirection, direction) << "what the mouse did in the flight is forgotten";
-  EXPECT_FALSE(moved) << "in flight the camera only turns";
+  EXPECT_EQ(laterDirection, direction) << "mouse motion during the flight is ignored";
+  EXPECT_FALSE(moved) << "during a flight the camera only turns";
   EXPECT_NEAR(before.x, after.x, 1e-3f);
   EXPECT_NEAR(before.y, after.y, 1e-3f);
   EXPECT_NEAR(before.z, after.z, 1e-3f);
 }
 
 TEST(FlickTest, AThousandRandomShotsTakeTheSamePathInEveryBuild) {
-  // The value is the same whatever the compiler and the optimisation: a difference means that two computers
-  // lose step.
+  // The value doesn't depend on compiler or optimisation. If it differs, two computers would diverge.
   constexpr std::uint64_t Golden = 0x88f85f98232c794d;
   Game game("Human", 99);
   game.SetUp();
@@ -199,7 +197,7 @@ TEST(FlickTest, AThousandRandomShotsTakeTheSamePathInEveryBuild) {
     hash.Add(game.Place(game.window.CornerC));
   };
   for (int shot = 0; shot < 1000; ++shot) {
-    // One draw a line: compilers evaluate the arguments of a call in different orders.
+    // One draw per statement, since the order of evaluation of arguments is unspecified.
     const float x = uniform(-80, 80);
     const float z = uniform(-80, 85);
     const float pieceTurn = uniform(-3, 3);

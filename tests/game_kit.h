@@ -1,7 +1,7 @@
 #pragma once
 
-// A play window on the headless machine, for tests. Its procedures are the game's own; a test drives the
-// frames itself and does what a player would do between them.
+// A play window on the headless machine, for tests. A test runs the frames itself and acts as the player
+// between them.
 
 #include "match/frm_snapwedge.h"
 #include "platform/headless/headless_machine.h"
@@ -32,7 +32,7 @@ public:
                                        {&program.SndWis3, "wis3.daw"}}) {
       *buffer = program.DS->CreateSoundBufferFromFile(file, {}, {});
     }
-    // A card is repainted when it comes up, and may have gone by the next pump.
+    // A card is repainted when shown, and may be gone by the next pump.
     machine.OnRepaint = [this] {
       for (std::int16_t code = 1; code <= 7; ++code) {
         if (window.Card(code).Visible) Cards.push_back(code);
@@ -43,14 +43,14 @@ public:
     };
   }
 
-  /// The match up to the first frame of the first possession.
+  /// Runs the match up to the first frame of the first possession.
   void SetUp() {
     window.SetUp();
     window.Round = 1;
     window.PostScore();
   }
 
-  /// The letter of the loop that would run now.
+  /// The letter of the current turn loop.
   std::string Letter() const {
     if (program.MyTurn) return "A";
     return program.GameMode == "Computer" ? "B" : program.GameMode == "Human" ? "D" : "C";
@@ -60,7 +60,7 @@ public:
     for (int i = 0; i < count; ++i) window.Frame(Letter());
   }
 
-  /// Presses the left button, lets the meter rise for so many frames, releases it, and plays what follows.
+  /// Presses the left button for a number of frames, releases it, and plays the shot to its end.
   void Shoot(int frames) {
     machine.PressMouse(1);
     Frames(1);
@@ -74,7 +74,7 @@ public:
     Frames(1);
   }
 
-  /// Shoots with any force, as the other computer and the computer opponent can.
+  /// Shoots with any force, which a player at the mouse can't.
   void Flick(float force, float turn = 0.0f) {
     window.AimFrame->AddRotation(D3DRMCOMBINE_BEFORE, 0, 1, 0, turn);
     window.ShotPending = True;
@@ -82,7 +82,7 @@ public:
     window.RMCanvas1_MouseUp(1, 0, 0.0f, 0.0f);
   }
 
-  /// Puts the piece and its aim somewhere on the table, with so many attempts left.
+  /// Puts the piece and its aim at a position, with a number of attempts left.
   void PutPiece(float x, float z, std::int16_t shots, float pieceTurn = 0.0f) {
     const auto &scene = window.RMCanvas1.SceneFrame;
     for (const auto &frame : {window.PieceFrame, window.AimFrame}) {
@@ -99,7 +99,7 @@ public:
     return place;
   }
 
-  /// The sounds asked for since the last call.
+  /// The sounds since the last call.
   std::string SoundsSince() {
     std::string all;
     for (const std::string &sound : std::exchange(machine.Sounds, {}))
@@ -107,8 +107,8 @@ public:
     return all;
   }
 
-  std::vector<std::int16_t> Cards; ///< cards that came up, in order
-  std::function<void()> OnPump;    ///< a player who acts while no card is up
+  std::vector<std::int16_t> Cards; ///< cards shown so far
+  std::function<void()> OnPump;    ///< called at each pump without a card
 
   HeadlessMachine machine;
   Program program;

@@ -6,7 +6,7 @@
 #include <cstdlib>
 
 void MoveHand(int right, int down) {
-  // A Wayland compositor takes a mouse of another program only; this names it.
+  // On Wayland the virtual mouse must be another program; this variable names it.
   if (const char *mouse = std::getenv("SNAPWEDGE_HAND")) {
     static FILE *const commands = popen(mouse, "w");
     std::fprintf(commands, "by %d %d\n", right, down);

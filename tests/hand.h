@@ -1,4 +1,4 @@
 #pragma once
 
-/// Moves the mouse of the display, as a hand does: by so many device pixels from wherever the pointer is.
+/// Moves the mouse of the display by an offset in device pixels.
 void MoveHand(int right, int down);

@@ -1,5 +1,5 @@
-// The line under the view: what can be done now, and after a shot what happened and why. Played by mouse,
-// read where a player reads it.
+// The line under the view: what the player can do, and after a shot what happened and why. Played with the
+// mouse, read from the window.
 
 #include "match/results.h"
 #include "tests/network_kit.h"
@@ -15,7 +15,7 @@ const std::string HomeBegins =
 const std::string AwayBegins =
     "Away Team's turn: 104 yards to the edge. Hold the left button, let go to shoot.";
 
-/// A game that remembers what the line said when a card came up, and all that it said in flight.
+/// A game that records the line at each card and during flights.
 struct Told {
   explicit Told(const std::string &mode = "Human") : game(mode) {
     game.machine.OnRepaint = [this] {
@@ -159,7 +159,7 @@ TEST(HintsTest, EveryEndOfAFlickHasItsReason) {
   }
 }
 
-/// Plays a point-after behind a Touchdown; `act` runs in each of its frames, with their number.
+/// Plays a point-after; `act` runs in each frame, with its number.
 void PlayPointAfter(Told &told, const std::function<void(int frame)> &act) {
   Game &game = told.game;
   game.PutPiece(0, -86.5f, 1);
@@ -174,7 +174,7 @@ void PlayPointAfter(Told &told, const std::function<void(int frame)> &act) {
 TEST(HintsTest, EveryEndOfAKickHasItsReason) {
   struct Row {
     const char *name;
-    int frames; ///< of the button
+    int frames; ///< for which the button is held
     float turn, postsX, postsStep;
     std::int16_t card;
     std::string flight, atCard;
@@ -286,7 +286,7 @@ TEST(HintsTest, WhoWaitsAtTheOtherComputerIsToldNoMoreThanCameOverTheLine) {
   const std::string waits = "The other player's turn. Press ~ to write a message.";
   EXPECT_EQ(game.window.lblHint.Caption, waits);
   look();
-  // A Touchdown, and a kick whose replay comes down beside the posts but was good over there.
+  // A Touchdown, and a kick that misses in the replay but was good on the other computer.
   game.Receive(Shot("Flick", 8, -86.5f));
   game.window.Shots = 1;
   game.ReceiveIn(1000, {"RESULT", std::int32_t{Results::Touchdown}});
@@ -313,10 +313,10 @@ TEST(HintsTest, ACardThatComesLateGivesTheLineBack) {
       if (game.window.Card(code).Visible) atCard[code] = game.window.lblHint.Caption;
     }
   };
-  game.window.Reset(); // this side's own possession has begun
+  game.window.Reset(); // this side's possession has begun
   const std::string before = game.window.lblHint.Caption;
   for (std::int32_t code = Results::First; code <= Results::Last; ++code) {
-    game.window.ResultDue = True; // the flick that was replayed last has an outcome that nobody has told yet
+    game.window.ResultDue = True; // the result of the last replayed flick hasn't arrived
     game.Receive({"RESULT", code});
     game.ReceiveIn(100, {"Continue"});
     game.Frames(2);

@@ -1,4 +1,4 @@
-// Where a piece comes to rest and what that is worth.
+// The verdict on a resting piece.
 
 #include "tests/game_kit.h"
 
@@ -19,10 +19,10 @@ struct Row {
   std::vector<std::int16_t> cards;
   std::int32_t points;
   bool possessionEnds;
-  float tableZ = 0; ///< moves the table, so that its far edge isn't at the far-edge line
+  float tableZ = 0; ///< offset of the table, to move its far edge off the far-edge line
 };
 
-/// Plays a flick of force 0, so that the piece is judged where it lies.
+/// Plays a flick of force 0, which judges the piece where it is.
 TEST(JudgingTest, EveryOutcomeHasItsCardItsPointsAndItsTurnover) {
   // Unturned, corner A is at (5, 2.5), B at (-5, 2.5), C at (0, -2.5) from the centre; half a turn mirrors
   // them.

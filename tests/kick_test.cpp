@@ -1,4 +1,4 @@
-// The point-after sequence and the kick.
+// The point-after and the kick.
 
 #include "tests/game_kit.h"
 
@@ -8,8 +8,7 @@
 
 namespace {
 
-/// A game whose side on turn has just scored a Touchdown; `act` runs once a frame of the point-after, with
-/// the number of frames that have run.
+/// A game after a Touchdown; `act` runs in each frame of the point-after, with the number of frames so far.
 void PlayPointAfter(Game &game, const std::function<void(int frame)> &act) {
   game.PutPiece(0, -87, 1);
   game.window.CheckRay();
@@ -31,7 +30,7 @@ struct SeenKick {
   std::int16_t shots = 0;
 };
 
-/// Kicks with that force after so many frames, with the aim turned, and tells how the flight ended.
+/// Kicks with a force after a number of frames with the aim turned, and returns how the flight ended.
 SeenKick Kick(Game &game, float force, int wait = 0, float turn = 0) {
   SeenKick seen;
   float rise = game.window.KickRise;
@@ -67,7 +66,7 @@ TEST(KickTest, EveryForceHasItsStepsHeightAndEnd) {
   struct Row {
     float force;
     int steps;
-    float height; ///< below 0: the kick dropped short
+    float height; ///< below 0 if the kick fell short
     float z;
   };
   for (const Row &row :
@@ -86,7 +85,7 @@ TEST(KickTest, EveryForceHasItsStepsHeightAndEnd) {
     }
     EXPECT_NEAR(seen.end.z, row.z, 0.01f);
     const float tumble =
-        static_cast<float>(row.steps) * row.force / 280.0f; // over its nose, away from the kicker
+        static_cast<float>(row.steps) * row.force / 280.0f; // tumbling forward, away from the kicker
     EXPECT_NEAR(seen.direction.y, std::sin(tumble), 1e-4f);
     EXPECT_NEAR(seen.direction.z, std::cos(tumble), 1e-4f);
     EXPECT_NEAR(seen.up.x, 1.0f, 1e-5f);
@@ -94,7 +93,7 @@ TEST(KickTest, EveryForceHasItsStepsHeightAndEnd) {
     EXPECT_FALSE(seen.arrow);
     EXPECT_EQ(seen.shots, 3);
     EXPECT_EQ(seen.postsX, static_cast<float>(std::min(row.steps, 178 - row.steps)));
-    EXPECT_EQ(game.Cards.back(), 2) << "the posts have walked away";
+    EXPECT_EQ(game.Cards.back(), 2) << "the posts have moved away";
     EXPECT_EQ(game.window.HomeScore, 6);
     EXPECT_EQ(game.window.Player, 2);
   }
@@ -157,7 +156,7 @@ TEST(KickTest, AGoodKickPaysOnePointAndEndsThePossession) {
   EXPECT_FALSE(game.window.NoShot);
   EXPECT_EQ(game.window.ArrowFrame->Visuals().size(), 1U);
   Kick(game, 96);
-  EXPECT_EQ(game.Cards, (std::vector<std::int16_t>{3, 1, 3, 2})) << "and the next kick is judged by itself";
+  EXPECT_EQ(game.Cards, (std::vector<std::int16_t>{3, 1, 3, 2})) << "the next kick is judged independently";
   EXPECT_EQ(game.window.AwayScore, 6);
 }
 
@@ -209,7 +208,7 @@ TEST(KickTest, TheKickerAimsWithTheMouseAndOverchargesToThirty) {
 TEST(KickTest, AButtonHeldBeyondAnOverchargedKickShootsNothing) {
   Game game;
   game.SetUp();
-  // Let go in the very frame that the kick has ended in.
+  // Released in the frame in which the kick ends.
   int releases = 0;
   game.OnPump = [&] {
     if (game.Cards.size() != 2 || game.window.KickMode || game.window.Player != 1) return;
@@ -271,7 +270,7 @@ TEST(KickTest, TheComputerNeverMisses) {
     EXPECT_EQ(game.Cards, (std::vector<std::int16_t>{3, 1}));
     EXPECT_EQ(game.window.AwayScore, 7);
     EXPECT_EQ(game.window.GoalSpeed, -1.0f);
-    // The kick's own steps draw while the rise is no longer 0; the set-up's last picture comes first.
+    // Only frames of the kick's steps have a rise; the last frame of the set-up precedes them.
     EXPECT_NEAR(frames, direction > 0 ? 89 : 267, 1);
     EXPECT_EQ(steps, 81) << "as many as a kick of 90 has";
   }

@@ -1,4 +1,4 @@
-// How long after the release on one computer the other begins to replay the shot.
+// The delay from the release on one computer to the replay on the other.
 
 #include "platform/headless/wire.h"
 #include "platform/search_dialog.h"
@@ -18,7 +18,7 @@ constexpr std::int32_t FrameMs = 25;
 constexpr std::int16_t Rounds = 17; ///< of six flicks each
 constexpr std::size_t Shots = 6 * Rounds;
 
-/// One computer, whose player flicks softly at odd moments.
+/// A computer whose player makes weak flicks at irregular times.
 struct Computer {
   Computer(FaultyWire &line, const std::string &address, std::uint32_t seed)
       : game("INET", Rounds), random(seed), play(std::make_shared<session::SessionDirectPlay>(
@@ -47,7 +47,7 @@ struct Computer {
     };
   }
 
-  /// Runs a match from its set-up to its end, as `Open` has begun it.
+  /// Runs the match begun by `Open` to its end.
   void Begin(std::int32_t player, bool host) {
     game.program.MyPlayerId = player;
     game.program.IsHost = host ? True : False;
@@ -112,7 +112,7 @@ TEST(LatencyTest, AReplayBeginsWithinAFrameOfTheShotsArrival) {
     next->game.machine.SetNow(now);
     next->fibre->Resume();
   }
-  EXPECT_TRUE(host.game.window.LastWait) << "the host doesn't shoot behind its last possession";
+  EXPECT_TRUE(host.game.window.LastWait) << "the host doesn't shoot after its last possession";
   EXPECT_FALSE(joiner.game.window.LastWait);
   ASSERT_EQ(host.steps.size(), Shots);
   ASSERT_EQ(joiner.steps.size(), Shots);

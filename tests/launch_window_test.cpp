@@ -1,5 +1,4 @@
-// The launch window: what it does when it loads, its options, and the windows that it opens. Driven by its
-// buttons.
+// The launch window: loading, options, and the windows that it opens. Driven by its buttons.
 
 #include "front/run_program.h"
 #include "net/frm_new_net.h"
@@ -12,7 +11,7 @@
 
 namespace {
 
-/// A program at its launch window, on a computer of its own.
+/// A program at its launch window, on its own computer.
 struct Launch {
   Launch() : machine(SNAPWEDGE_GAME_DIR), program(machine), wire([this] { return machine.Now(); }, 1) {
     machine.MakeDirectPlay = [this] {
@@ -27,7 +26,7 @@ struct Launch {
     return *control;
   }
 
-  /// Runs the program; `script` begins when the window is up, and the window is closed a while after it.
+  /// Runs the program. `script` runs when the window is open; the window is closed `closeAfter` ms later.
   void Run(const std::function<void()> &script, std::int32_t closeAfter = 5000) {
     machine.Player = [this, script, closeAfter] {
       if (begun_ || !machine.FindWindow("frmNewNet")) return;
@@ -239,14 +238,14 @@ TEST(LaunchWindowTest, TheInformationWindowsOpenOverItAndCloseAgain) {
           EXPECT_EQ(window->Caption, row.caption);
           EXPECT_EQ(window->Width, row.width);
           EXPECT_EQ(window->Height, row.height);
-          // The launch window waits below it.
+          // The launch window is disabled below it.
           launch.machine.Press(launch.At<CommandButton>("Command1"));
           // The second click of a double-click on the button.
           launch.machine.ClickOn(*window);
         });
         launch.machine.After(time * 1000 + 500, [&, time] {
           Window *window = launch.machine.FindWindow(row.window);
-          ASSERT_TRUE(window) << "it stays for who opened it with a double-click";
+          ASSERT_TRUE(window) << "a double-click on the button doesn't close it again";
           if (auto *button = dynamic_cast<CommandButton *>(launch.machine.Find(row.window, "Command1")))
             launch.machine.Press(*button);
           else if (time == 0)
@@ -274,9 +273,9 @@ TEST(LaunchWindowTest, TheEndOfAMatchShowsItsCardAndEndsTheProgram) {
   Launch launch;
   std::string card, score;
   std::int32_t shown = 0, closed = 0;
-  // Nobody lets the button go: every shot is overcharged and falls.
+  // The button is never released, so every shot is overcharged and falls.
   const auto holdTheButton = [&] {
-    launch.machine.After(10, [] {}); // looks again soon
+    launch.machine.After(10, [] {}); // wakes the player again soon
     for (const char *name : {"frmHome", "frmAway", "frmTie"}) {
       if (Window *window = launch.machine.FindWindow(name)) {
         if (card.empty()) shown = launch.machine.Now();
@@ -299,7 +298,7 @@ TEST(LaunchWindowTest, TheEndOfAMatchShowsItsCardAndEndsTheProgram) {
       1000000);
   EXPECT_EQ(card, "It's All Tied Up!");
   EXPECT_EQ(score, "0 - 0");
-  EXPECT_NEAR(closed - shown, 400, 20) << "not by an impatient click, and not by a key";
+  EXPECT_NEAR(closed - shown, 400, 20) << "neither an early click nor a key closes it";
   EXPECT_EQ(launch.machine.Sounds.back(), "play yeah.daw");
   EXPECT_EQ(launch.status, 0);
 }

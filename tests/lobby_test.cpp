@@ -1,4 +1,4 @@
-// The lobby and the address lookup, driven by the launch window's buttons.
+// The lobby and the address lookup, driven by the buttons of the launch window.
 
 #include "front/run_program.h"
 #include "net/address_lookup.h"
@@ -12,7 +12,7 @@
 
 namespace {
 
-/// A launch window on a computer of its own, with a session of another computer to be found or not.
+/// A launch window on its own computer, optionally with a session on another computer.
 struct Lobby {
   Lobby()
       : machine(SNAPWEDGE_GAME_DIR), program(machine), wire([this] { return machine.Now(); }, 1),
@@ -21,7 +21,7 @@ struct Lobby {
       return std::make_shared<session::SessionDirectPlay>(machine, wire.Plug("10.0.0.1"), ShowSearchDialog);
     };
     machine.NextArrival = [this] { return wire.NextArrival("10.0.0.1"); };
-    // The dialog that asks for an address is left blank.
+    // The search dialog is left blank.
     machine.Player = [this] {
       if (Window *dialog = machine.Shown.empty() ? nullptr : machine.Shown.back();
           dialog && dialog != &window) {
@@ -34,7 +34,7 @@ struct Lobby {
     window.Form_Load();
   }
 
-  /// Which of Connect, Refresh, Create, Join and Cancel are on.
+  /// Which of Connect, Refresh, Create, Join and Cancel are enabled.
   std::string Buttons() const {
     std::string on;
     for (const CommandButton *button :
@@ -90,7 +90,7 @@ TEST(LobbyTest, ConnectCreateCancelAndBackAgain) {
   guest.InitializeConnection(guest.GetDPEnumConnections("", 1)->GetAddress(2));
   DirectPlaySessionData wanted;
   wanted.SetGuidApplication("{7AB2F242-475F-11D4-AF9B-00C04F361528}");
-  EXPECT_EQ(guest.GetDPEnumSessions(wanted, 0, 1)->GetCount(), 0) << "what was cancelled is gone";
+  EXPECT_EQ(guest.GetDPEnumSessions(wanted, 0, 1)->GetCount(), 0) << "a cancelled session is gone";
 }
 
 TEST(LobbyTest, AMatchKeepsTheLaunchWindowBehindItStill) {
@@ -162,7 +162,7 @@ TEST(LobbyTest, AHostsSessionIsListedAndGoneAfterItsCancel) {
   data.SetRounds(3);
   host.Open(data, DPOPEN_CREATE);
   const std::int32_t me = host.CreatePlayer("Bramble", "Player1", 0, 0);
-  // The other computer's program runs beside this one's.
+  // The program of the other computer runs in the same process.
   const auto beside = lobby.machine.OnPump([&] {
     other.SetNow(lobby.machine.Now());
     host.GetMessageCount(me);
@@ -173,7 +173,7 @@ TEST(LobbyTest, AHostsSessionIsListedAndGoneAfterItsCancel) {
   host.Close();
   lobby.window.lstSessions.ListIndex = 0;
   lobby.window.cmdJoin_Click();
-  ASSERT_EQ(lobby.machine.Boxes.size(), 1U) << "a session that has gone can't be joined";
+  ASSERT_EQ(lobby.machine.Boxes.size(), 1U) << "an ended session can't be joined";
   EXPECT_EQ(lobby.machine.Boxes[0].Text, "You must select a game to join.");
   EXPECT_EQ(lobby.Buttons(), "Connect");
 }
@@ -213,14 +213,14 @@ TEST(LobbyTest, WhereNobodyAnswersThePlayerTriesAgainOrCloses) {
   data.SetRounds(3);
   lobby.machine.After(100, [&] { press("Command1", "OK"); });
   lobby.machine.After(1500, [&] {
-    EXPECT_EQ(dynamic_cast<TextBox &>(*in("Text1")).Text, "10.0.0.3") << "what was typed before Connect";
+    EXPECT_EQ(dynamic_cast<TextBox &>(*in("Text1")).Text, "10.0.0.3") << "the last entry";
     EXPECT_TRUE(in("Text1")->Enabled);
     EXPECT_EQ(lobby.machine.Focus, in("Text1"));
     host->Open(data, DPOPEN_CREATE);
     enter("10.0.0.2");
     press("Command1", "Try again");
   });
-  lobby.machine.After(2000, [&] { press("Command2", "Cancel"); }); // has found what it can
+  lobby.machine.After(2000, [&] { press("Command2", "Cancel"); }); // after the search
   lobby.window.cmdConnect_Click();
   EXPECT_LT(lobby.machine.Now(), 4000);
   EXPECT_EQ(lobby.window.lstSessions.List, std::vector<std::string>{"SNWG77 (1/2)"});
@@ -236,7 +236,7 @@ TEST(LobbyTest, AJoinerThatHasLeftAgainStartsNoMatch) {
         lobby.machine, lobby.wire.Plug("10.0.0.2"), ShowSearchDialog);
     guest->InitializeConnection(guest->GetDPEnumConnections("", 1)->GetAddress(2));
     lobby.window.cmdConnect_Click();
-    // All of it happens between two looks of the host, as under a box that it has open.
+    // All of it happens between two polls of the host, as when a box is open.
     lobby.machine.After(500, [&] {
       DirectPlaySessionData wanted;
       wanted.SetGuidApplication("{7AB2F242-475F-11D4-AF9B-00C04F361528}");
@@ -250,7 +250,7 @@ TEST(LobbyTest, AJoinerThatHasLeftAgainStartsNoMatch) {
       if (!cancels) guest->Close();
       lobby.Wait(50);
     });
-    // Cancel comes in the pause between two messages.
+    // Cancel is pressed between two messages.
     const auto beside = lobby.machine.OnPump([&] {
       if (cancels && lobby.program.InMsg) lobby.machine.Press(lobby.window.Command5);
     });
@@ -299,7 +299,7 @@ TEST(LobbyTest, WhatTheHostReadsClosesWhenSomebodyJoins) {
 }
 
 TEST(LobbyTest, CancelInTheLookThatFindsTheJoinerWins) {
-  // The press comes in the first pump after the joiner was found, or in the one behind it.
+  // The press arrives in the first or second pump after the joiner was found.
   for (const int pump : {1, 2}) {
     SCOPED_TRACE(pump);
     Lobby lobby;
@@ -323,7 +323,7 @@ TEST(LobbyTest, CancelInTheLookThatFindsTheJoinerWins) {
   }
 }
 
-/// A sockets library that fails where a test wants it to.
+/// A sockets library that fails on demand.
 struct FakeSockets : Sockets {
   int start = 0, cleanup = 0, name = 0;
   std::uint16_t sockets = 100, version = 0x0101;

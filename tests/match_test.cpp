@@ -1,4 +1,4 @@
-// Whole matches from the set-up to the end card, the cards' sounds, and the waits.
+// Whole matches from the set-up to the end card, the sounds of the cards, and the waits.
 
 #include "tests/game_kit.h"
 
@@ -8,8 +8,8 @@
 
 namespace {
 
-/// Plays whole matches with the mouse: presses, holds for a while, releases, and clicks the end card away.
-/// @returns the name of that card, once it has come
+/// Plays whole matches with the mouse: presses, holds, releases, and closes the end card with a click.
+/// @returns the name of the end card
 std::shared_ptr<std::string> PlayByMouse(Game &game, std::uint32_t seed) {
   auto random = std::make_shared<std::mt19937>(seed);
   auto wait = std::make_shared<int>(0);
@@ -164,7 +164,7 @@ TEST(MatchTest, FramesLastTwentyFiveMillisecondsEvenAcrossTheClocksWrap) {
   EXPECT_EQ(static_cast<std::uint32_t>(game.machine.Now()) - begin, 100U);
 }
 
-/// Its clock goes on with every look at it.
+/// Its clock advances at every reading.
 class RestlessMachine : public HeadlessMachine {
 public:
   using HeadlessMachine::HeadlessMachine;

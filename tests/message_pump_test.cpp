@@ -1,5 +1,4 @@
-// What comes from the other computer in play: replays, cards, scores, chat, and messages that break the
-// rules.
+// Incoming messages during a match: replays, cards, scores, chat, and invalid messages.
 
 #include "tests/network_kit.h"
 
@@ -18,15 +17,15 @@ TEST(MessagePumpTest, AFlickIsReplayedFromItsInputs) {
   game.Frames(1);
   EXPECT_NEAR(game.Place(game.window.PieceFrame).z, 85.0f - 27.07f, 0.01f);
   EXPECT_EQ(game.window.Shots, 2);
-  EXPECT_EQ(game.window.Player, 1) << "the sender's number, until the turnover";
+  EXPECT_EQ(game.window.Player, 1) << "as received, until the turnover";
   EXPECT_EQ(game.window.Force, 0.0f);
-  EXPECT_TRUE(game.play->Sent.empty()) << "the waiting computer tells nothing of a replay";
+  EXPECT_TRUE(game.play->Sent.empty()) << "the waiting computer sends nothing about a replay";
 }
 
 TEST(MessagePumpTest, TheShootersCardRulesTheWaitersScreen) {
   struct Row {
     const char *name;
-    std::int32_t result, go; ///< when "RESULT" and "Continue" come, ms after the fall's flight began
+    std::int32_t result, go; ///< times of "RESULT" and "Continue", ms after the start of the flight
   };
   for (const Row &row :
        {Row{"in time", 3000, 6000}, Row{"both at once", 100, 101}, Row{"after the turnover", 7000, 10000}}) {
@@ -71,15 +70,15 @@ TEST(MessagePumpTest, ACardThatComesLateFiresNoShot) {
   struct Row {
     const char *name;
     std::int16_t button;
-    std::int32_t release; ///< ms after the press; the card is up from 200 to 1200
-    bool held = false;    ///< still held when play has gone on for long
+    std::int32_t release; ///< ms after the press; the card is shown from 200 to 1200
+    bool held = false;    ///< still held long after play continues
   };
   for (const Row &row : {Row{"let go under the card", 1, 600}, Row{"let go after it", 1, 1600},
                          Row{"let go much later", 1, 60000, true}, Row{"an orbit", 2, 600}}) {
     SCOPED_TRACE(row.name);
     NetworkGame game(true);
     game.Receive(Shot("Flick", 120));
-    while (!game.program.MyTurn) game.Frames(1); // the fall's card hasn't come yet
+    while (!game.program.MyTurn) game.Frames(1); // before the card of the fall
     game.play->Sent.clear();
     game.ReceiveIn(200, {std::string("RESULT"), std::int32_t{4}});
     game.ReceiveIn(1200, {std::string("Continue")});
@@ -210,7 +209,7 @@ TEST(MessagePumpTest, ChatGoesBothWaysAsPlainText) {
   game.machine.Focus = &game.window.Text1;
   game.machine.Type("theirs");
   game.Frames(1);
-  EXPECT_EQ(game.window.Text1.Text, "") << "the other's line is the other's";
+  EXPECT_EQ(game.window.Text1.Text, "") << "the other side's line doesn't change";
   game.machine.Focus = &game.window.RMCanvas1;
   game.machine.PressKey(KeyCodes::Shift);
   game.machine.PressKey(KeyCodes::Tilde);
@@ -218,7 +217,7 @@ TEST(MessagePumpTest, ChatGoesBothWaysAsPlainText) {
   EXPECT_EQ(game.machine.Focus, &game.window.Text2);
   game.machine.ReleaseKey(KeyCodes::Shift);
   game.Frames(1);
-  EXPECT_FALSE(game.window.ShiftDown) << "the mouse must aim again";
+  EXPECT_FALSE(game.window.ShiftDown) << "the mouse aims again";
   game.machine.PressKey(KeyCodes::Escape);
   game.machine.Type("Good luck!\r");
   game.Frames(1);
@@ -267,7 +266,7 @@ TEST(MessagePumpTest, AChatLineUnderThisSidesCardGoesOutBehindIt) {
   });
   game.Flick(120);
   EXPECT_EQ(flying, 2U);
-  EXPECT_EQ(underTheCard, 6U) << "nothing between the result and its go-ahead";
+  EXPECT_EQ(underTheCard, 6U) << "nothing between the result and its \"Continue\"";
   EXPECT_EQ(game.play->Sent,
             (std::vector<std::string>{"Flick", "MESSAGE", "RESULT", "Continue", "MESSAGE", "MESSAGE"}));
   say();
@@ -276,7 +275,7 @@ TEST(MessagePumpTest, AChatLineUnderThisSidesCardGoesOutBehindIt) {
 
 TEST(MessagePumpTest, TheTitleTellsOfABrokenLineAndOfItsReturn) {
   NetworkGame game(true);
-  game.Receive({std::string("RESULT"), std::int32_t{5}}); // under a card too
+  game.Receive({std::string("RESULT"), std::int32_t{5}}); // during a card too
   game.ReceiveIn(12000, {std::string("Continue")});
   std::vector<std::string> titles;
   game.machine.After(1000, [&] { game.play->LineDown = true; });
@@ -332,7 +331,7 @@ TEST(MessagePumpTest, AShotBeginsBehindTheVerdictOfTheOneBefore) {
     EXPECT_EQ(game.window.DroppedMessages, 3);
   }
   NetworkGame over(false);
-  over.window.LastWait = True; // the host's match is over, and it waits for the joiner's
+  over.window.LastWait = True; // the host's possessions are over, and it waits for the joiner's last one
   over.Receive(Shot("Flick", 120));
   over.Frames(3);
   EXPECT_EQ(over.window.Shots, 3);
@@ -354,7 +353,7 @@ TEST(MessagePumpTest, AFlickThatComesInThePauseOfABonusIsPlayedBehindIt) {
   game.Frames(1);
   EXPECT_EQ(game.window.Shots, 1);
   game.Frames(1);
-  EXPECT_NEAR(game.Place(game.window.PieceFrame).z, 85.0f, 0.01f) << "the third, and the turnover";
+  EXPECT_NEAR(game.Place(game.window.PieceFrame).z, 85.0f, 0.01f) << "the third flick and the turnover";
   EXPECT_TRUE(game.program.MyTurn);
   EXPECT_EQ(game.window.DroppedMessages, 0);
 }
@@ -373,7 +372,7 @@ TEST(MessagePumpTest, InThisSidesTurnTheOtherHasNoShotAndNoResult) {
     game.Receive(fields);
     game.Frames(3);
     EXPECT_EQ(game.window.DroppedMessages, 1);
-    EXPECT_EQ(game.window.MouseMode, 1) << "the meter goes on under the hand";
+    EXPECT_EQ(game.window.MouseMode, 1) << "the meter goes on charging";
     EXPECT_EQ(game.window.ProgressBar1.Value, 40.0f);
     EXPECT_EQ(game.window.Shots, 3);
     EXPECT_EQ(game.Place(game.window.PieceFrame), (Vector{0, 0, 85}));
@@ -400,13 +399,13 @@ TEST(MessagePumpTest, ACardWithoutAGoAheadCanBeLeft) {
   game.ReceiveIn(1000, {std::string("Continue"), std::int32_t{1}});
   game.machine.After(100000, [&] { game.machine.PressKey(KeyCodes::Escape); });
   EXPECT_THROW(game.Frames(1), ProgramEnd);
-  EXPECT_GE(game.machine.Now(), 100000) << "a go-ahead with a surplus field is none";
+  EXPECT_GE(game.machine.Now(), 100000) << "a \"Continue\" with a surplus field is ignored";
   EXPECT_EQ(game.play->Sent, std::vector<std::string>{"END"});
 }
 
 TEST(MessagePumpTest, TheShooterSendsItsShotItsResultAndItsGoAhead) {
   NetworkGame game(false);
-  game.program.MessagesOn = False; // counts in a match on one computer only
+  game.program.MessagesOn = False; // only affects a match on one computer
   game.Flick(120);
   EXPECT_EQ(game.play->Sent, (std::vector<std::string>{"Flick", "RESULT", "Continue"}));
   EXPECT_EQ(game.Cards, std::vector<std::int16_t>{4});
@@ -419,13 +418,13 @@ TEST(MessagePumpTest, TheShooterSendsItsShotItsResultAndItsGoAhead) {
 TEST(MessagePumpTest, TheKickIsJudgedByTheKickerAlone) {
   NetworkGame game(true);
   game.window.GoalSpeed = 0; // the kick is good here too
-  // The replay of the Touchdown's flick, then the kick; the point comes with "Score" alone.
+  // The replay of the flick, then of the kick. Only "Score" adds the point.
   game.Receive(Shot("Flick", 0, -87));
   game.window.PieceSurface = "Table";
   game.window.Shots = 1;
   game.ReceiveIn(10, {std::string("RESULT"), std::int32_t{3}});
   game.ReceiveIn(20, {std::string("Continue")});
-  // None of these has a place here: a kick without force, a flick in the wait, a kick in the kick.
+  // All unexpected: a kick without force, a flick during the wait, a kick during a kick.
   game.ReceiveIn(2980, Shot("Goal", 0));
   game.ReceiveIn(2990, Shot("Flick", 0, -87));
   game.ReceiveIn(3000, Shot("Goal", 96));
@@ -449,7 +448,7 @@ TEST(MessagePumpTest, ToThePlayerAMatchEndsWithItsCardWhateverTheOtherSideAcknow
   game.machine.Show(launch);
   game.program.LaunchWindow = &launch;
   game.play->Takes = false;
-  std::set<std::string> sounding{"crowd.daw", "crowd2.daw"}; // since the set-up
+  std::set<std::string> sounding{"crowd.daw", "crowd2.daw"}; // started by the set-up
   game.machine.After(1000, [&] { game.machine.ClickOn(*game.machine.FindWindow("frmTie")); });
   game.machine.After(1100, [&] {
     EXPECT_TRUE(game.machine.Shown.empty());
@@ -472,7 +471,7 @@ TEST(MessagePumpTest, ToThePlayerAMatchEndsWithItsCardWhateverTheOtherSideAcknow
 }
 
 TEST(MessagePumpTest, AKickOfTheOtherSideComesDownHoweverWeak) {
-  // The weakest have no gravity left, the next hardly any.
+  // Gravity rounds to zero for the weakest, and is tiny for the next.
   for (const float force : {1e-44f, 1e-41f, 1e-30f, 0.001f, 0.5f, 8.0f}) {
     SCOPED_TRACE(force);
     NetworkGame game(true);

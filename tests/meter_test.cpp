@@ -1,4 +1,4 @@
-// What the meter shows beyond its value: that its scale is true, the mark of the last release, the cap.
+// The decorations of the meter: the accuracy of its scale, the mark of the last release, the cap.
 
 #include "scene/places.h"
 #include "scene/yards.h"
@@ -49,8 +49,7 @@ TEST(MeterTest, DistancesAreWrittenInYards) {
 TEST(MeterTest, AYardIsATenthOfThePaintedLinesDistance) {
   Game game;
   game.SetUp();
-  // Nothing but the lines that run across the whole field lies this far from the middle on both sides and so
-  // near to it.
+  // Only lines that cross the whole field have vertices at these distances from the middle on both sides.
   constexpr float GoalLine = -400.0f / 6.0f, Nearly = 1.5f;
   std::vector<float> edges;
   for (const Vector &vertex : game.window.LinesMesh->Data().Positions) {
@@ -63,8 +62,8 @@ TEST(MeterTest, AYardIsATenthOfThePaintedLinesDistance) {
   }
 }
 
-/// Plays a point-after with a straight kick of so many frames, posts in the middle as it arrives. Returns
-/// whether it was good, and the scale as it stood.
+/// Plays a point-after with a straight kick of a number of frames that arrives when the posts are in the
+/// middle. Returns whether it was good, and the scale.
 bool KickIsGood(Game &game, int frames, std::vector<ProgressBar::Mark> &scale) {
   game.PutPiece(0, -86.5f, 1);
   bool pressed = false, released = false;
@@ -110,7 +109,7 @@ TEST(MeterTest, TheLastReleaseLeavesItsMarkUntilTheTurnover) {
   game.Shoot(5);
   EXPECT_EQ(game.window.ProgressBar1.Ghost, 40.0f);
   game.Shoot(0);
-  EXPECT_EQ(game.window.ProgressBar1.Ghost, 40.0f) << "a release without power is none";
+  EXPECT_EQ(game.window.ProgressBar1.Ghost, 40.0f) << "a release without power doesn't count";
   game.Shoot(2); // the third try, far too short
   EXPECT_EQ(game.window.Player, 2);
   EXPECT_FALSE(game.window.ProgressBar1.Ghost);
@@ -129,7 +128,7 @@ TEST(MeterTest, TheCapIsLitFromTheOverchargeToTheTurnover) {
   EXPECT_FALSE(game.window.ProgressBar1.CapLit);
   lit.clear();
   game.Shoot(12);
-  EXPECT_EQ(std::ranges::count(lit, true), 0) << "the strongest aimed shot is no overcharge";
+  EXPECT_EQ(std::ranges::count(lit, true), 0) << "the strongest aimed shot isn't an overcharge";
 }
 
 } // namespace

@@ -33,7 +33,7 @@ TEST(NetworkSimulationTest, BothSidesAgreeWhateverLineComputersAndPlayersDo) {
         ++quits;
         continue;
       }
-      EXPECT_EQ(match.Host.Rounds, row.rounds) << "the host's number counts on both";
+      EXPECT_EQ(match.Host.Rounds, row.rounds) << "both use the host's number of rounds";
       EXPECT_EQ(match.Joiner.Rounds, row.rounds);
     }
   }
@@ -44,7 +44,7 @@ TEST(NetworkSimulationTest, BothSidesAgreeWhateverLineComputersAndPlayersDo) {
   EXPECT_GT(told, 5) << "which they are told";
   EXPECT_GT(unlike, 5) << "on computers that are far apart";
   EXPECT_GT(leftInCharge, 5) << "and leave the window with the button held";
-  // A card in mid-charge is rare: one in some sixty matches has it.
+  // A card during a charge is rare: about one match in sixty.
   for (std::uint32_t seed = 1041; cardsInCharge == 0 && seed < 1341; ++seed) {
     SCOPED_TRACE(seed);
     const SimulatedMatch match = Simulate(SNAPWEDGE_GAME_DIR, seed, 1);

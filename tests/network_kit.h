@@ -1,7 +1,6 @@
 #pragma once
 
-// A network game whose other side is the test: it puts messages on the queue and sees the tags of what is
-// sent.
+// A network game whose other side is the test, which queues messages and sees the tags of those sent.
 
 #include "tests/game_kit.h"
 
@@ -68,12 +67,11 @@ public:
 
   std::deque<std::shared_ptr<FakeMessage>> Incoming;
   std::vector<std::string> Sent;
-  bool Takes = true; ///< the other side acknowledges what is sent
+  bool Takes = true; ///< the other side acknowledges messages
   bool LineDown = false;
 };
 
-/// A network game at its first possession: that of this computer, the host, or else that of the other, for
-/// which this one waits.
+/// A network game at the first possession, either of this computer, the host, or of the other.
 struct NetworkGame : Game {
   explicit NetworkGame(bool waits) : Game("INET", 5), play(std::make_shared<FakePlay>()) {
     program.DP = play;

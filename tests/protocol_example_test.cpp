@@ -1,4 +1,4 @@
-// The worked example of docs/protocol.md, played by a joiner of the document's own bytes against the game.
+// The worked example of docs/protocol.md: a joiner sends the bytes of the document to the game.
 
 #include "platform/headless/wire.h"
 #include "platform/search_dialog.h"
@@ -16,7 +16,7 @@ using session::ByteView;
 
 namespace {
 
-// Places in frames.
+// Offsets in frames.
 constexpr std::size_t LengthBytes = 4;
 constexpr std::size_t SessionInAnswer = 31;
 constexpr std::size_t SessionInJoin = LengthBytes + 23;
@@ -37,7 +37,7 @@ std::string Hex(ByteView bytes) {
   return text.str();
 }
 
-/// The lines of the document's last section: who, bytes, and in brackets what they are.
+/// The lines of the document's last section: sender, bytes, and a comment in brackets.
 std::vector<Line> ReadExample() {
   std::ifstream document(SNAPWEDGE_TESTS_DIR "/../docs/protocol.md");
   std::vector<Line> lines;
@@ -63,7 +63,7 @@ std::vector<Line> ReadExample() {
   return lines;
 }
 
-/// A host on a computer of memory, and the joiner beside it.
+/// A host on a headless machine, and the joiner.
 struct Played {
   Played()
       : game("INET", 3), wire([this] { return game.machine.Now(); }, 1), transport(wire.Plug("10.0.0.2")),
@@ -91,17 +91,18 @@ struct Played {
     while (!game.machine.ClockReached(end)) game.machine.WaitUntil(end);
   }
 
-  /// Takes what the host has sent by TCP.
+  /// Receives what the host has sent over TCP.
   void Listen() {
     Bytes part(10000);
     part.resize(stream->Receive(part));
     came.insert(came.end(), part.begin(), part.end());
   }
 
-  /// The next whole frame of the host, its length included.
+  /// The next complete frame of the host, with its length prefix.
   std::optional<Bytes> NextFrame() {
     if (came.size() < LengthBytes || came.size() < LengthBytes + came[0]) return std::nullopt;
-    const auto end = came.begin() + static_cast<std::ptrdiff_t>(LengthBytes + came[0]); // all are short
+    const auto end =
+        came.begin() + static_cast<std::ptrdiff_t>(LengthBytes + came[0]); // all are shorter than 256 bytes
     Bytes frame(came.begin(), end);
     came.erase(came.begin(), end);
     return frame;
@@ -113,7 +114,7 @@ struct Played {
     ++done;
   }
 
-  /// The search and the handshake: up to the host's first Data.
+  /// Search and handshake, up to the host's first Data.
   void Meet() {
     session::Endpoint from;
     Bytes answer;
@@ -121,7 +122,7 @@ struct Played {
     datagrams->Send({"10.0.0.1", 28710}, lines[done++].Frame);
     Run();
     ASSERT_TRUE(datagrams->Receive(from, answer));
-    // The session's number and the secret are random. All else is as it stands there.
+    // The session number and the secret are random. Everything else must match.
     const auto number = answer.begin() + SessionInAnswer;
     std::copy_n(number, SessionBytes, Now().Frame.begin() + SessionInAnswer);
     std::copy_n(number, SessionBytes, lines[done + 1].Frame.begin() + SessionInJoin);
@@ -148,7 +149,7 @@ struct Played {
     }
   }
 
-  /// At every pump of the match: the next line, if it has its time.
+  /// Called at every pump of the match: handles the next line when it is due.
   void Step() {
     if (done == lines.size() || ::testing::Test::HasFatalFailure()) return;
     Listen();
@@ -159,7 +160,7 @@ struct Played {
     } else if (auto frame = NextFrame()) {
       if ((*frame)[LengthBytes] == AckType) return;
       Expect(frame);
-      // The joiner's own acknowledgements aren't lines of the example either.
+      // The joiner's acknowledgements aren't in the example.
       ++heard;
       stream->Send(session::EncodeFrame(session::AckFrame{heard + 1}));
     } else if (game.window.MouseGate() && game.window.MouseMode == 0) {

@@ -1,4 +1,4 @@
-// The replay tool as a program sees it that converses with it: commands in, lines of JSON out.
+// The replay tool used interactively: commands in, lines of JSON out.
 
 #include <gtest/gtest.h>
 
@@ -47,7 +47,7 @@ public:
     std::fflush(input_);
   }
 
-  /// The next line that it prints, without its end; empty when there is none any more.
+  /// The next line of output, without its line feed; empty at the end.
   std::string Hear() { return Line(output_); }
 
   struct Ending {
@@ -56,7 +56,7 @@ public:
     std::vector<std::string> Errors;
   };
 
-  /// Tells it that no more input comes. Returns what it says until it ends.
+  /// Ends the input. Returns the remaining output.
   Ending End() {
     if (child_ == 0) return {};
     std::fclose(input_);
@@ -163,13 +163,13 @@ TEST(ReplayTest, TheComputersShotsComeByThemselvesAndTheMatchEndsWithoutAnotherC
 }
 
 TEST(ReplayTest, TheSkillScalesTheComputersErrors) {
-  constexpr float Plan = 96; // force of the first attempt without an error
+  constexpr float Plan = 96; // force of the first attempt without its error
   const std::string named = R"("force":)";
   std::vector<float> errors;
   for (const std::string skill : {"Easy", "Medium", "Hard"}) {
     const auto told = Play("mode Computer\nseed 3\nskill " + skill + "\nflick 120 0\nflick 120 0\n");
     ASSERT_GE(told.Lines.size(), 2u);
-    const std::string &first = told.Lines[1]; // the computer's
+    const std::string &first = told.Lines[1]; // of the computer
     errors.push_back(std::stof(first.substr(first.find(named) + named.size())) - Plan);
   }
   EXPECT_NE(errors[0], 0.0f);

@@ -1,5 +1,5 @@
-// The scene graph: places and turns told in odd frames, the camera's look, steady turning, picks, wraps, and
-// files that can't be read.
+// The scene graph: positions and rotations in various frames, LookAt, continuous rotation, picking, wraps,
+// and unreadable files.
 
 #include "platform/headless/headless_machine.h"
 #include "scene/graph/rm_canvas.h"
@@ -64,7 +64,7 @@ protected:
   }
   float Any(float low, float high) { return std::uniform_real_distribution<float>(low, high)(random); }
 
-  /// A sheet of `side` times `side` squares of one unit around the origin, two faces each, with heights.
+  /// A height field of `side` times `side` unit squares around the origin, two faces each.
   Ref<Direct3DRMMeshBuilder3> Sheet(int side, const std::string &name,
                                     const std::function<float(int, int)> &height) {
     std::ostringstream file;
@@ -93,7 +93,7 @@ protected:
     return mesh;
   }
 
-  /// Name and place of what lies under a point of the scene, "" for nothing.
+  /// Name of the mesh under a point of the scene, "" for none.
   std::string Under(const Ref<Direct3DRMFrame3> &root, const Vector &from, Vector *hit = nullptr) {
     return Along(root, {{0, -1, 0}, from}, hit);
   }
@@ -179,7 +179,7 @@ TEST_F(GraphTest, AShotsOrientationSurvivesItsJourneyToTheBit) {
 
 TEST_F(GraphTest, ARotationIsAboutTheFramesOwnAxisAndNeverBendsIt) {
   const auto frame = Frame(scene, {1, 2, 3}, 0);
-  frame->AddRotation(D3DRMCOMBINE_BEFORE, 1, 0, 0, 0.5f * Pi); // its y points along +z, its z along -y
+  frame->AddRotation(D3DRMCOMBINE_BEFORE, 1, 0, 0, 0.5f * Pi); // now its y points along +z, its z along -y
   ExpectNear(Direction(frame, scene), {0, -1, 0});
   frame->AddRotation(D3DRMCOMBINE_BEFORE, 0, 1, 0, 0.5f * Pi);
   ExpectNear(Direction(frame, scene), {1, 0, 0});
@@ -237,7 +237,7 @@ TEST_F(GraphTest, ATargetStraightAboveOrBelowIsLookedAtToo) {
   for (const float height : {-50.0f, 50.0f}) {
     for (const auto &[axis, turn] : {std::pair{Vector{0, 1, 0}, 2.0f},
                                      {Vector{1, 0, 0}, 1.0f},
-                                     {Vector{0, 0, 1}, 0.5f * Pi}, // its +x is the very way to look
+                                     {Vector{0, 0, 1}, 0.5f * Pi}, // its +x is the direction to look in
                                      {Vector{0, 0, 1}, -0.5f * Pi}}) {
       const auto camera = Frame(scene, {4, 1, 2}, 0);
       camera->AddRotation(D3DRMCOMBINE_BEFORE, axis.x, axis.y, axis.z, turn);
@@ -250,7 +250,7 @@ TEST_F(GraphTest, ATargetStraightAboveOrBelowIsLookedAtToo) {
   const auto camera = Frame(scene, {4, 1, 2}, 0.3f);
   const Vector before = Direction(camera, scene);
   camera->LookAt(camera, scene, D3DRMCONSTRAIN_Z);
-  EXPECT_EQ(Direction(camera, scene), before) << "itself is nowhere to look";
+  EXPECT_EQ(Direction(camera, scene), before) << "it can't look at itself";
 }
 
 TEST_F(GraphTest, NoRaySlipsThroughASheetOfManyFaces) {
@@ -263,7 +263,7 @@ TEST_F(GraphTest, NoRaySlipsThroughASheetOfManyFaces) {
     for (const auto &frame : {upright, turned}) {
       frame->AddVisual(mesh);
       for (int i = 0; i < 4000; ++i) {
-        // At corners, at the middles of edges and of diagonals, at whatever lies between.
+        // At corners, at midpoints of edges and diagonals, and in between.
         const float x = i % 4 == 3 ? Any(0, Side) : std::floor(Any(2, 2 * Side - 1)) / 2;
         const float z = i % 4 == 2 ? x : i % 4 == 3 ? Any(0, Side) : std::floor(Any(2, 2 * Side - 1)) / 2;
         Vector at{x - 0.5f * Side, mesh == level ? 0.0f : 1.0f, z - 0.5f * Side};
@@ -296,17 +296,17 @@ TEST_F(GraphTest, ThePickIsTheNearestOfAllThatHangsUnderTheFrame) {
   EXPECT_EQ(Under(frame, {0, 9, 0}, &hit), "high");
   ExpectNear(hit, {0, -0.3f, 0});
   EXPECT_EQ(Under(frame, {5, 9, 0}), "low");
-  EXPECT_EQ(Under(frame, {0, -0.4f, 0}), "low") << "what lies above the origin isn't hit";
+  EXPECT_EQ(Under(frame, {0, -0.4f, 0}), "low") << "faces above the origin aren't hit";
   EXPECT_EQ(Under(frame, {0, -0.6f, 0}), "");
   const auto slope = Frame(scene, {}, 0);
   slope->AddVisual(Sheet(4, "slope", [](int x, int) { return static_cast<float>(x); })); // from 0 to 4
   EXPECT_EQ(Under(slope, {0.5f, 9, 0.5f}), "slope");
-  EXPECT_EQ(Under(slope, {0.5f, 2.3f, 0.5f}), "") << "nor of a mesh that is lower elsewhere";
+  EXPECT_EQ(Under(slope, {0.5f, 2.3f, 0.5f}), "") << "nor those of a mesh that is lower elsewhere";
   for (const float edge : {-10.0f, 10.0f}) {
     EXPECT_EQ(Under(frame, {edge, 9, 3}), "low") << "the edge belongs to the sheet";
     EXPECT_EQ(Under(frame, {std::nextafter(edge, 2 * edge), 9, 3}), "");
   }
-  // A ray told in a frame that is moved and turned.
+  // A ray given in a moved and rotated frame.
   const auto ref = Frame(scene, {5, 1, 0}, 0.5f * Pi);
   Ref<Direct3DRMPickArray> picked;
   frame->RayPick(ref, {{0, -1, 0}, {0, 0, -4.5f}}, D3DRMRAYPICK_IGNOREFURTHERPRIMITIVES, picked);
@@ -341,7 +341,7 @@ TEST_F(GraphTest, ChangesOfAMeshThatHangsAlreadyCountAtOnce) {
   EXPECT_EQ(Under(frame, {20, 9, 3.5f}), "");
   EXPECT_THROW(frame->DeleteVisual(mesh), SceneError);
   mesh->Translate(1, 1, 1);
-  EXPECT_FALSE(shows()) << "what hangs nowhere doesn't show";
+  EXPECT_FALSE(shows()) << "a mesh without a frame is invisible";
 }
 
 TEST_F(GraphTest, AWrapTellsCoordinatesInItsOwnSystemOnce) {
@@ -404,7 +404,7 @@ TEST_F(GraphTest, AFileThatIsNoModelOrNoPictureIsNamed) {
       } else {
         canvas.RootObject->LoadTexture(directory / name);
       }
-      ADD_FAILURE() << name << " was taken";
+      ADD_FAILURE() << name << " was accepted";
     } catch (const SceneError &error) {
       EXPECT_NE(std::string(error.what()).find(name), std::string::npos) << error.what();
     }

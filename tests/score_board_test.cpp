@@ -1,4 +1,4 @@
-// What stands behind the controls: the lit boards, the points in large digits, the attempts that are left.
+// The score board behind the controls: lit boards, large digits, attempts left.
 
 #include "tests/network_kit.h"
 
@@ -8,7 +8,7 @@
 
 namespace {
 
-/// The points as the board's digits show them.
+/// The points shown by the digits of a board.
 std::string Written(const SideBoard &board) {
   std::string points;
   for (const BackPicture &digit : board.Digits) {

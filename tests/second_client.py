@@ -40,7 +40,7 @@ def pack_frame(frame):
 
 
 class Lost(Exception):
-    """The other side is lost for good, or has left."""
+    """The other side is lost for good or has left."""
 
 
 class Ended(Exception):
@@ -66,7 +66,7 @@ class Connection:
         self.sent = now()
 
     def read(self):
-        """All whole frames that have come."""
+        """All complete frames received."""
         try:
             while True:
                 part = self.sock.recv(65536)
@@ -94,14 +94,14 @@ class Connection:
             select.select([self.sock], [], [], 0.02)
             frames = self.read()
             if frames:
-                # What came behind it belongs to the running session.
+                # The bytes after it belong to the running session.
                 self.bytes = b"".join(map(pack_frame, frames[1:])) + self.bytes
                 return frames[0]
         raise Ended
 
 
 class Session:
-    """What two programs say to each other, over any number of connections."""
+    """The messages of a session, over any number of connections."""
 
     def __init__(self, cut):
         self.connection, self.broken_at = None, now()
@@ -149,7 +149,7 @@ class Session:
             self.write_ack()
             self.bye_came = True
         else:
-            raise AssertionError("a frame that has no place in a running session")
+            raise AssertionError("an unexpected frame in a running session")
 
     def poll(self, seconds=0.005):
         if self.connection is None:
@@ -175,7 +175,7 @@ class Session:
             self.connection, self.broken_at = None, now()
 
     def leave(self):
-        """When all that was sent is acknowledged."""
+        """Waits until everything sent is acknowledged."""
         end = now() + LAST_WORDS
         while self.kept and not self.bye_came and now() < end:
             self.poll()
@@ -423,13 +423,13 @@ class Match:
         self.send("Score", self.own, self.other, self.round)
 
     def wait(self, seconds):
-        """In which nothing is read: a flight or a card."""
+        """Waits without reading: a flight or a card."""
         end = now() + seconds
         while now() < end:
             self.session.poll()
 
     def take(self):
-        """The next message as it came, after a wait of any length."""
+        """Waits for the next message."""
         while not self.session.inbox:
             if self.session.bye_came:
                 raise Lost("the other side has left")
@@ -440,7 +440,7 @@ class Match:
         return fields
 
     def read(self):
-        """The next message, and what it does beside starting a shot."""
+        """Waits for the next message and handles all but shots."""
         fields = self.take()
         tag = fields[0]
         if tag == "Score":
@@ -458,7 +458,7 @@ class Match:
         return fields
 
     def look(self):
-        """One message, if there is one."""
+        """Handles one message, if there is one."""
         if self.session.inbox:
             self.read()
 

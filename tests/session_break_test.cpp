@@ -1,4 +1,4 @@
-// "Guaranteed" is meant: what is sent arrives once and in order whatever happens to the line, or both sides
+// Guaranteed delivery: messages arrive exactly once and in order whatever happens to the line, or both sides
 // learn that the other is gone.
 
 #include "tests/session_kit.h"
@@ -73,10 +73,10 @@ TEST(SessionBreakTest, HowLongALineMayBeAway) {
       EXPECT_EQ(TakeAll(*pair.host, pair.hostPlayer), Numbers(2, 2));
       EXPECT_EQ(TakeAll(*pair.joiner, pair.joinerPlayer), Numbers(1, 2));
     } else {
-      // What came before the break is still there to be read.
+      // Messages received before the break can still be read.
       EXPECT_EQ(TakeAll(*pair.host, pair.hostPlayer), std::vector<std::string>{"lost"});
       EXPECT_EQ(TakeAll(*pair.joiner, pair.joinerPlayer), (std::vector<std::string>{"1", "lost"}));
-      SendNumber(*pair.host, pair.hostPlayer, 3); // goes nowhere, and harms nobody
+      SendNumber(*pair.host, pair.hostPlayer, 3); // is discarded
       EXPECT_EQ(pair.host->GetMessageCount(pair.hostPlayer), 0);
     }
   }
@@ -86,7 +86,7 @@ TEST(SessionBreakTest, ASilentLineIsGivenUpAfterFortySeconds) {
   Pair pair;
   const std::int32_t begun = pair.network.machine.Now();
   pair.network.wire.Line().Breaks = {{begun, begun + 1000000}};
-  pair.network.Run(7900); // what came last came up to 2 s before; 10 s of silence, 30 s of a break
+  pair.network.Run(7900); // last keep-alive up to 2 s before, 10 s of silence, 30 s to give up
   EXPECT_FALSE(pair.host->Broken() || pair.joiner->Broken());
   pair.network.Run(2200);
   EXPECT_TRUE(pair.host->Broken() && pair.joiner->Broken());
@@ -102,7 +102,7 @@ TEST(SessionBreakTest, ASessionKnowsWhenToBeLookedAtNext) {
   Pair pair;
   const std::int32_t begun = pair.network.machine.Now();
   pair.network.wire.Line().Breaks = {{begun + 1000, begun + 25000}};
-  // Under a box that waits for a click nobody looks by himself: a moment that has passed would never come.
+  // While a box waits for a click nothing polls, so a deadline in the past would never be met.
   while (pair.network.machine.Now() < begun + 30000) {
     pair.network.Run(1);
     for (const auto &side : {pair.host, pair.joiner}) {
@@ -132,7 +132,7 @@ TEST(SessionBreakTest, WhatCameDuringALongDrawEndsTheNextWaitAtOnce) {
     EXPECT_EQ(link.Waiting(), message ? 1U : 0U);
     EXPECT_GT(pair.host->Opened()->NextDeadline().value(), drawn);
     machine.Wait();
-    EXPECT_GT(machine.Now(), drawn) << "and what is known wakes nobody again";
+    EXPECT_GT(machine.Now(), drawn) << "old arrivals don't wake it again";
   }
 }
 
@@ -147,7 +147,7 @@ TEST(SessionBreakTest, AnIdleSessionStaysUp) {
   SendNumber(*pair.host, pair.hostPlayer, 1);
   pair.network.Run(500);
   EXPECT_EQ(TakeAll(*pair.joiner, pair.joinerPlayer), Numbers(1, 1));
-  EXPECT_TRUE(pair.host->Opened()->GetLink().IsUp()) << "patience counts from the message on";
+  EXPECT_TRUE(pair.host->Opened()->GetLink().IsUp()) << "the time-out counts from the message";
 }
 
 TEST(SessionBreakTest, WhoLeavesSaysSoBehindAllThatItSent) {

@@ -1,4 +1,4 @@
-// The wire format to the byte: it may not change without a new version of the protocol.
+// The wire format, byte by byte. It must not change without a new protocol version.
 
 #include "platform/session/frame.h"
 #include "platform/session/session_message.h"
@@ -22,7 +22,7 @@ std::string Hex(const Bytes &bytes) {
   return text;
 }
 
-/// One of each type, with the bytes that it has on a connection.
+/// One frame of each type, with its bytes on a connection.
 struct Golden {
   const char *name;
   AnyFrame frame;
@@ -62,7 +62,7 @@ TEST(SessionFrameTest, EveryFrameHasItsBytesAndComesBackFromThem) {
     const Bytes bytes = session::EncodeFrame(golden.frame);
     EXPECT_EQ(Hex(bytes), golden.bytes);
     session::FrameReader reader(session::LargestFrame);
-    // A byte at a time, as the slowest line would bring it.
+    // One byte at a time.
     for (std::size_t i = 0; i < bytes.size(); ++i) {
       ASSERT_FALSE(reader.Next()) << "after " << i << " bytes";
       reader.Add({&bytes[i], 1});
@@ -101,7 +101,7 @@ TEST(SessionFrameTest, WhateverComesIsAFrameOrRefused) {
     try {
       const AnyFrame frame = session::DecodeDatagram(bytes);
       if (std::holds_alternative<session::OtherVersionFrame>(frame)) continue;
-      // What was understood is exactly what was there; only a question's filling says nothing.
+      // Re-encoding gives the same bytes, except for the padding of a question.
       const Bytes again = session::EncodeDatagram(frame);
       if (!std::holds_alternative<session::AskFrame>(frame)) {
         ASSERT_EQ(Hex(again), Hex(bytes));

@@ -1,5 +1,5 @@
-// Nothing that a stranger or the other player's computer sends may crash, hang, grow memory without bound, or
-// disturb two who play.
+// Hostile input, from an unknown program or the other player's, must not crash, hang, use unbounded memory,
+// or disturb a running match.
 
 #include "tests/session_kit.h"
 
@@ -33,7 +33,7 @@ void ExpectUndisturbed(Pair &pair) {
   EXPECT_EQ(pair.host->Opened()->GetLink().Resumes(), 0);
 }
 
-/// What a stranger's bytes get for an answer: "refused", "closed" or "waits".
+/// The reaction to a stranger's bytes: "refused", "closed" or "waits".
 std::string Outcome(Stranger &stranger) {
   const Bytes received = stranger.Received();
   if (!received.empty()) {
@@ -93,14 +93,14 @@ TEST(SessionHostileTest, AStrangersFirstBytesDoNotDisturbTwoWhoPlay) {
     ExpectUndisturbed(pair);
     if (row.outcome != "waits") continue;
     pair.network.Run(5000);
-    EXPECT_TRUE(stranger.Closed()) << "who doesn't say who it is must go";
+    EXPECT_TRUE(stranger.Closed()) << "a connection without a first frame is closed";
   }
 }
 
 TEST(SessionHostileTest, ConnectionsOfOneComputerDoNotKeepAnotherOut) {
   struct Row {
     const char *name;
-    bool introduced; ///< each asks to be let in, and goes no further
+    bool introduced; ///< each sends Join and nothing else
   };
   for (const Row &row : {Row{"silent", false}, Row{"half a handshake", true}}) {
     SCOPED_TRACE(row.name);
@@ -110,7 +110,7 @@ TEST(SessionHostileTest, ConnectionsOfOneComputerDoNotKeepAnotherOut) {
     const std::int32_t player = Host(*host);
     const auto found = network.Search(*joiner).at(0);
     const Bytes join = Frame(session::JoinFrame{Game, IdOf(found)});
-    Stranger early(network, "10.0.0.3"); // on a line so slow that all others overtake it
+    Stranger early(network, "10.0.0.3"); // so slow that all others overtake it
     if (row.introduced) early.Send(join);
     std::vector<std::unique_ptr<Stranger>> strangers;
     for (int i = 0; i < 100; ++i) {
@@ -127,7 +127,7 @@ TEST(SessionHostileTest, ConnectionsOfOneComputerDoNotKeepAnotherOut) {
   }
 }
 
-/// A joiner that keeps the protocol until its test begins to break it.
+/// A joiner that follows the protocol until the test breaks it.
 struct BadJoiner : Stranger {
   BadJoiner(Network &on, std::uint64_t session) : Stranger(on, "10.0.0.9"), id(session) {
     Send(Frame(session::JoinFrame{Game, id}));
@@ -165,8 +165,8 @@ TEST(SessionHostileTest, ABrokenFrameOfTheOtherPlayerEndsTheConnection) {
       {"an unknown type", {1, 0, 0, 0, 77}, true},
       {"a message too many", Frame(session::DataFrame{3, session::DataKind::Game, {}}), true},
       {"a kind of message that is none", {6, 0, 0, 0, 8, 2, 0, 0, 0, 2}, true},
-      {"thanks for what was never sent", Frame(session::AckFrame{500}), true},
-      {"thanks for nothing", Frame(session::AckFrame{0}), true},
+      {"acknowledges what was never sent", Frame(session::AckFrame{500}), true},
+      {"acknowledges message 0", Frame(session::AckFrame{0}), true},
       {"a farewell with messages missing", Frame(session::ByeFrame{9}), true},
       {"a second introduction", Frame(session::JoinFrame{Game, 1}), true},
       {"a number that came before", Frame(session::DataFrame{1, session::DataKind::Game, {2, 1, 0, 0, 0}}),
@@ -192,7 +192,7 @@ TEST(SessionHostileTest, AJoinerThatOnlyBreaksItsConnectionsIsGivenUp) {
   struct Row {
     const char *name;
     Bytes sent;      ///< on each connection
-    int connections; ///< that the host takes
+    int connections; ///< accepted by the host
   };
   for (const Row &row : {Row{"breaks frames", {1, 0, 0, 0, 77}, 5}, Row{"comes and goes", {}, 11}}) {
     SCOPED_TRACE(row.name);
@@ -230,7 +230,7 @@ TEST(SessionHostileTest, AJoinerThatSendsBeforeItHasAPlayerStartsNoMatch) {
   }
   EXPECT_FALSE(idle.Closed());
   lobby.network.Run(2000);
-  EXPECT_TRUE(idle.Closed()) << "it has thirty seconds to make its player";
+  EXPECT_TRUE(idle.Closed()) << "it has thirty seconds to create its player";
   const auto other = lobby.network.Program("10.0.0.2");
   EXPECT_NO_THROW(Join(*other, lobby.network.Search(*other).at(0)));
 }
@@ -246,7 +246,7 @@ TEST(SessionHostileTest, AFloodOfMessagesEndsTheSessionAndNotTheMemory) {
     joiner.Send(Frame(session::DataFrame{number, session::DataKind::Game, payload}));
     while (lobby.host->GetMessageCount(lobby.player) > 0) lobby.host->Receive(from, to, DPRECEIVE_ALL);
   }
-  EXPECT_FALSE(joiner.Closed()) << "what the game has taken doesn't count";
+  EXPECT_FALSE(joiner.Closed()) << "messages taken by the game don't count";
   std::size_t most = 0;
   for (; number < 200 && !joiner.Closed(); ++number) {
     joiner.Send(Frame(session::DataFrame{number, session::DataKind::Game, payload}));
@@ -270,7 +270,7 @@ TEST(SessionHostileTest, APlayerThatNeverAcknowledgesIsGivenUp) {
 TEST(SessionHostileTest, APlayerThatOnlySeemsToListenIsGivenUp) {
   struct Row {
     const char *name;
-    std::uint32_t thanks; ///< what it acknowledges: how many more than before
+    std::uint32_t acknowledged; ///< how many messages more than before
   };
   for (const Row &row : {Row{"lives and never acknowledges", 0}, Row{"acknowledges and never reads", 1}}) {
     SCOPED_TRACE(row.name);
@@ -279,13 +279,13 @@ TEST(SessionHostileTest, APlayerThatOnlySeemsToListenIsGivenUp) {
     joiner.MakePlayer();
     TakeAll(*lobby.host, lobby.player);
     const auto message = lobby.host->CreateMessage();
-    message->WriteString(std::string(row.thanks * 60000, 'A'));
+    message->WriteString(std::string(row.acknowledged * 60000, 'A'));
     std::uint32_t next = 1;
     for (int second = 0; second < 40 && !joiner.Closed(); ++second) {
-      if (row.thanks > 0 || second == 0) {
+      if (row.acknowledged > 0 || second == 0) {
         lobby.host->Send(lobby.player, DPID_ALLPLAYERS, DPSEND_GUARANTEED, *message);
       }
-      next += row.thanks;
+      next += row.acknowledged;
       joiner.Send(Frame(session::AckFrame{next}));
       lobby.network.Run(1000);
     }
@@ -301,7 +301,7 @@ TEST(SessionHostileTest, AFloodOfAnswersHidesNobody) {
   const auto host = network.Program("10.0.0.1");
   const auto joiner = network.Program("10.0.0.2");
   Host(*host, "honest");
-  network.wire.Line().LatencyMs = 3; // each way: the flood is first
+  network.wire.Line().LatencyMs = 3; // each way, so that the flood arrives first
   const auto transport = network.wire.Plug("10.0.0.9");
   const auto datagrams = transport->OpenDatagrams(session::Reach::Network, session::DefaultPort);
   const auto listener = transport->Listen(session::Reach::Network, session::DefaultPort);
@@ -316,7 +316,7 @@ TEST(SessionHostileTest, AFloodOfAnswersHidesNobody) {
       session::AnswerFrame answer{Game, ask.Nonce, 100, 1, 2, 0, 5, "fake"};
       for (const auto &bad : {session::AnswerFrame{Game, ask.Nonce + 1, 98, 1, 2, 0, 5, "bad"},
                               session::AnswerFrame{Game, ask.Nonce, 99, 2, 2, 0, 5, "bad"}}) {
-        datagrams->Send(from, session::EncodeDatagram(bad)); // answers nothing; is full
+        datagrams->Send(from, session::EncodeDatagram(bad)); // a wrong nonce; a full session
       }
       for (const std::uint16_t rounds : std::initializer_list<std::uint16_t>{0, 100, 65535}) {
         answer.Rounds = rounds;
@@ -341,7 +341,7 @@ TEST(SessionHostileTest, AFloodOfAnswersHidesNobody) {
   }
   network.Search(*joiner, "10.0.0.9");
   EXPECT_FALSE(calls.empty());
-  EXPECT_LT(poured, std::size_t{500000}) << "who answers no question is hung up on";
+  EXPECT_LT(poured, std::size_t{500000}) << "a call without an answer is ended";
 }
 
 TEST(SessionHostileTest, AQuestionNeverGetsALongerAnswer) {

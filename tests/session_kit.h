@@ -1,7 +1,7 @@
 #pragma once
 
-// Computers on a network of memory, for the tests of the session layer: all of them run on one machine and
-// its virtual clock, each with a network of its own.
+// Computers on a simulated network, for the tests of the session layer. All run on one headless machine and
+// its clock, each with its own network object.
 
 #include "platform/headless/headless_machine.h"
 #include "platform/headless/wire.h"
@@ -19,7 +19,7 @@ const std::string GameGuid = "{7AB2F242-475F-11D4-AF9B-00C04F361528}";
 const std::string ThisComputer = "this computer";
 const std::string Internet = "internet";
 
-/// While it lives, enters a host in the search dialog, and closes the dialog where nobody is found.
+/// While it lives, enters a host in the search dialog, and closes the dialog if nobody is found.
 struct DialogPlayer {
   DialogPlayer(HeadlessMachine &on, const std::string &host, const std::string &button = "Command1")
       : machine(on) {
@@ -47,8 +47,8 @@ struct DialogPlayer {
   DialogPlayer &operator=(const DialogPlayer &) = delete;
 
   HeadlessMachine &machine;
-  std::string offered; ///< what stood in the dialog at first
-  std::string told;    ///< why nobody was found
+  std::string offered; ///< initial entry of the dialog
+  std::string told;    ///< the reason shown if nobody was found
   std::int32_t searchedUntil = 0;
 };
 
@@ -64,7 +64,7 @@ struct Network {
     };
   }
 
-  /// A program on the computer with that address, bound to a connection method.
+  /// A network object on the computer with that address, bound to a connection method.
   std::shared_ptr<session::SessionDirectPlay> Program(const std::string &address,
                                                       const std::string &method = Internet) {
     addresses.insert(address);
@@ -79,13 +79,13 @@ struct Network {
     while (!machine.ClockReached(end)) machine.WaitUntil(end);
   }
 
-  /// Searches, entering `host` in the dialog if one comes up.
+  /// Searches, entering `host` if a dialog is shown.
   std::vector<DirectPlaySessionData> Search(DirectPlay4 &program, const std::string &host = "") {
     const DialogPlayer player(machine, host);
     return Found(program);
   }
 
-  /// Searches. Somebody has to answer the dialog.
+  /// Searches. The caller must answer the dialog.
   std::vector<DirectPlaySessionData> Found(DirectPlay4 &program) {
     DirectPlaySessionData wanted = program.CreateSessionData();
     wanted.SetGuidApplication(GameGuid);
@@ -120,7 +120,7 @@ inline std::int32_t Join(DirectPlay4 &program, const DirectPlaySessionData &row)
   return program.CreatePlayer("Thicket", "Player2", 0, 0);
 }
 
-/// What waits for a player: "number" for a game message of one number, "joined" or "lost" for news.
+/// The messages in a player's queue: the number of a game message, "joined" or "lost" for a system message.
 inline std::vector<std::string> TakeAll(DirectPlay4 &program, std::int32_t player) {
   std::vector<std::string> taken;
   while (program.GetMessageCount(player) > 0) {
@@ -166,7 +166,7 @@ struct Pair {
   std::int32_t joinerPlayer = 0;
 };
 
-/// A stranger's bare connection.
+/// A raw connection of an unknown program.
 struct Stranger {
   Stranger(Network &on, const std::string &address, std::uint16_t port = session::DefaultPort)
       : network(on), transport(on.wire.Plug(address)), stream(transport->Connect({"10.0.0.1", port})) {

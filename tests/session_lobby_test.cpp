@@ -1,4 +1,4 @@
-// Finding, creating, joining and leaving a session, as the lobby does it.
+// Finding, creating, joining and leaving a session.
 
 #include "tests/session_kit.h"
 
@@ -39,7 +39,7 @@ TEST(SessionLobbyTest, ASearchTellsAllThatTheLobbyShowsAndIsOverOnTime) {
   const std::int32_t begun = network.machine.Now();
   const auto rows = network.Search(*joiner);
   EXPECT_LE(network.machine.Now() - begun, 1200);
-  ASSERT_EQ(rows.size(), 1U) << "a host that is asked several times is one row";
+  ASSERT_EQ(rows.size(), 1U) << "a host that answers repeatedly is listed once";
   EXPECT_EQ(rows[0].GetSessionName(), "SNWG 17");
   EXPECT_EQ(rows[0].GetCurrentPlayers(), 1);
   EXPECT_EQ(rows[0].GetMaxPlayers(), 2);
@@ -53,7 +53,7 @@ TEST(SessionLobbyTest, TheDialogTakesNamesAndAddressesWithAndWithoutAPort) {
     const char *entered;
     const char *button;
     std::vector<std::string> found;
-    const char *told = ""; ///< first words for who finds nobody
+    const char *told = ""; ///< beginning of the reason if nobody is found
   };
   const std::vector<std::string> none;
   const std::vector<std::string> both{"first", "second"};
@@ -88,11 +88,11 @@ TEST(SessionLobbyTest, TheDialogTakesNamesAndAddressesWithAndWithoutAPort) {
   std::string last;
   for (const Row &row : rows) {
     SCOPED_TRACE(std::string(row.entered) + ", " + row.button);
-    const auto joiner = network.Program("10.0.0.2"); // as Connect makes it, anew each time
+    const auto joiner = network.Program("10.0.0.2"); // a new one each time, as Connect does
     const DialogPlayer player(network.machine, row.entered, row.button);
     const std::int32_t begun = network.machine.Now();
     std::vector<std::string> names = Names(network.Found(*joiner));
-    EXPECT_EQ(player.offered, last) << "it offers what was entered last";
+    EXPECT_EQ(player.offered, last) << "it offers the last entry";
     EXPECT_TRUE(player.told.starts_with(row.told) && player.told.empty() == (*row.told == '\0'))
         << player.told;
     last = row.entered;
@@ -175,7 +175,7 @@ TEST(SessionLobbyTest, TheHomeRouterLetsCallersInAsLongAsTheHostHasItsSession) {
   const std::int32_t player = Join(*joiner, network.Search(*joiner).at(0));
   network.Run(1000);
   SendNumber(*joiner, player, 1);
-  EXPECT_EQ(ports.size(), 1U) << "a broken connection has to find its way back";
+  EXPECT_EQ(ports.size(), 1U) << "the port stays open for a reconnect";
   host.reset();
   EXPECT_TRUE(ports.empty());
 }
@@ -202,7 +202,7 @@ TEST(SessionLobbyTest, AThirdComputerCanNeitherFindNorEnterAFullSession) {
   EXPECT_TRUE(pair.network.Search(*third, "10.0.0.1").empty());
   const std::int32_t begun = pair.network.machine.Now();
   EXPECT_THROW(Join(*third, pair.row), DirectPlayError);
-  EXPECT_LT(pair.network.machine.Now() - begun, 1000) << "a refusal needs no waiting";
+  EXPECT_LT(pair.network.machine.Now() - begun, 1000) << "a refusal is immediate";
   SendNumber(*pair.joiner, pair.joinerPlayer, 4);
   pair.network.Run(50);
   EXPECT_EQ(TakeAll(*pair.host, pair.hostPlayer), std::vector<std::string>{"4"});
@@ -230,7 +230,7 @@ TEST(SessionLobbyTest, AHostOfAnotherVersionIsNeitherListedNorJoined) {
   Host(*host);
   const auto row = network.Search(*joiner).at(0);
   host.reset();
-  // The program that is there now answers every question in its own version, and refuses who calls.
+  // The program there now answers every question in another version, and refuses connections.
   constexpr std::size_t VersionInDatagram = 5;
   const auto transport = network.wire.Plug("10.0.0.1");
   const auto listener = transport->Listen(session::Reach::Network, session::DefaultPort);

@@ -6,8 +6,8 @@ using session::StreamState;
 
 namespace {
 
-constexpr std::size_t Window = 64 * 1024; ///< bytes in flight in one direction, at most
-constexpr std::int32_t SendAgainMs = 200; ///< before the first retransmission of a packet
+constexpr std::size_t SendWindow = 64 * 1024; ///< bytes in flight in one direction, at most
+constexpr std::int32_t SendAgainMs = 200;     ///< before the first retransmission of a packet
 
 class WireStream : public session::Stream {
 public:
@@ -50,7 +50,7 @@ public:
   std::size_t Send(session::ByteView bytes) override {
     if (GetState() != StreamState::Open) return 0;
     WirePipe &pipe = circuit_->to[1 - side_];
-    const std::size_t count = std::min(bytes.size(), Window - std::min(Window, pipe.held));
+    const std::size_t count = std::min(bytes.size(), SendWindow - std::min(SendWindow, pipe.held));
     if (count == 0) return 0;
     const std::int32_t now = state_->clock();
     const bool same = circuit_->address[0] == circuit_->address[1];

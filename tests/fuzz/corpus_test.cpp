@@ -1,4 +1,4 @@
-// The corpus of the fuzzers, whole and cut short everywhere, as far as every compiler can run it.
+// The corpus of the fuzzers, also truncated at every byte, as a test for every compiler.
 
 #include "tests/fuzz/hostile_bytes.h"
 
@@ -45,8 +45,8 @@ TEST(CorpusTest, NoPlayerOfTheCorpusBreaksARule) {
   }
 }
 
-/// Reads every sample whole, cut short everywhere, and with each of its bytes changed in turn.
-/// @return names of those that were taken as they are
+/// Reads every sample whole, truncated at every byte, and with each byte changed in turn.
+/// @return the names of the samples that are accepted unchanged
 std::vector<std::string> ReadDamaged(const std::string &folder, bool (*read)(session::ByteView)) {
   std::vector<std::string> taken;
   for (const auto &[name, bytes] : Samples(folder)) {

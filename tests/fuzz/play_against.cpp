@@ -14,29 +14,28 @@ namespace {
 
 constexpr std::int16_t Rounds = 2;
 constexpr std::int32_t MostPoints =
-    10 * (Rounds + 1);                   ///< a side's own, and a score that claims a round too many
+    10 * (Rounds + 1);                   ///< a side's own, and a score that claims one round too many
 constexpr std::size_t LongestLine = 800; ///< bytes of a chat line
 constexpr int MostActs = 60;
 constexpr std::size_t LongestPress = 20; ///< frames
 constexpr std::int32_t FrameMs = 25;
 constexpr std::int32_t AnswerMs = 5;
 constexpr std::int32_t KickAgainMs = 2000;
-constexpr std::int32_t PatienceMs = 200000; ///< in which a match ends that the other side has left
+constexpr std::int32_t PatienceMs = 200000; ///< within which a match must end after the other side has left
 
 enum Act : std::uint8_t {
-  SendMessage, ///< the bytes are a message's fields
-  SendBytes,   ///< the bytes go out as they are
-  Wait,        ///< each byte is a frame
-  Reconnect,   ///< the connection is cut, and the bytes go out on the next
-  Shoot,       ///< this computer's player flicks, so far as it may
+  SendMessage, ///< sends the bytes as the fields of a message
+  SendBytes,   ///< sends the bytes as they are
+  Wait,        ///< waits one frame per byte
+  Reconnect,   ///< cuts the connection and sends the bytes on the next one
+  Shoot,       ///< the local player flicks, if allowed
   ActCount,
 };
 
 const std::string GameGuid = "{7AB2F242-475F-11D4-AF9B-00C04F361528}";
 const Guid GameId = *ParseGuid(GameGuid);
 
-/// A match of which this computer is the host, and a joiner that keeps the protocol until it begins to break
-/// it.
+/// A match hosted by this computer, with a joiner that follows the protocol until the input breaks it.
 struct Match {
   explicit Match(ByteView row)
       : acts(row), game("INET", Rounds), wire([this] { return game.machine.Now(); }, 1),
@@ -60,13 +59,13 @@ struct Match {
     game.machine.Player = [this] { Watch(); };
   }
 
-  /// Lets what was sent arrive and be answered.
+  /// Waits for delivery and the answer.
   void Run() {
     const std::int32_t end = game.machine.ClockIn(AnswerMs);
     while (!game.machine.ClockReached(end)) game.machine.WaitUntil(end);
   }
 
-  /// Connects anew, says something and takes the first answer.
+  /// Reconnects, sends bytes and reads the first answer.
   AnyFrame Call(const AnyFrame &frame) {
     stream = transport->Connect({"10.0.0.1", DefaultPort});
     Run();
@@ -81,17 +80,17 @@ struct Match {
 
   void Send(const AnyFrame &frame) { stream->Send(EncodeFrame(frame)); }
 
-  /// At every pump: the other player acts, the rules are looked at.
+  /// Called at every pump: the other player acts, and the rules are checked.
   void Watch() {
     RequireRules();
     if (!game.machine.Shown.empty() && game.machine.Shown.back()->Name.starts_with("frm") &&
         game.machine.Shown.back() != &game.window) {
-      game.machine.ClickOn(*game.machine.Shown.back()); // an end card
+      game.machine.ClickOn(*game.machine.Shown.back()); // closes an end card
     }
     if (!left && introduction.empty()) Listen();
     if (!game.machine.ClockReached(actAt)) return;
     if (left) {
-      // In its own kick the game waits for its player, whoever has left.
+      // In its own kick the game waits for the local player, even if the other has left.
       Do(Shoot, Bytes(LongestPress - 1));
       actAt = game.machine.ClockIn(KickAgainMs);
       return;
@@ -110,7 +109,7 @@ struct Match {
     acts = acts.subspan(2 + length);
   }
 
-  /// Acknowledges what has come, and gives a sign of life.
+  /// Acknowledges messages and sends keep-alives.
   void Listen() {
     Bytes bytes(10000);
     bytes.resize(stream->Receive(bytes));
@@ -168,11 +167,11 @@ struct Match {
   FaultyWire wire;
   std::shared_ptr<Transport> transport;
   std::unique_ptr<Stream> stream;
-  Bytes introduction; ///< goes out as soon as the new connection stands
+  Bytes introduction; ///< sent as soon as the new connection is open
   std::uint64_t id = 0;
   Token secret{};
   std::uint32_t next = 1;
-  std::uint32_t heard = 0; ///< number of the last message that came
+  std::uint32_t heard = 0; ///< number of the last message received
   FrameReader reader{LargestFrame};
   std::int32_t signAt = 0;
   std::int32_t actAt = 0;
@@ -187,7 +186,7 @@ void PlayAgainst(ByteView bytes) {
   try {
     match.game.window.Load();
   } catch (const ProgramEnd &) {
-    // By the match's end, or by the box that the other side has left.
+    // Ended by the end of the match, or by the box that the other side has left.
   }
 }
 

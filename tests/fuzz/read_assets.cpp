@@ -1,4 +1,4 @@
-// Models and bitmaps of whatever bytes: each is either refused or true to itself.
+// Models and bitmaps from arbitrary bytes: each is either rejected or consistent.
 
 #include "tests/fuzz/hostile_bytes.h"
 

@@ -13,14 +13,14 @@ namespace fuzz {
 
 namespace {
 
-/// What was understood is exactly what was there.
+/// Checks that re-encoding gives the same bytes.
 void RequireSame(const AnyFrame &frame, ByteView bytes) {
-  // A question's filling says nothing, and of a frame of another version only that is known.
+  // The padding of a question is ignored, and so is the content of a frame of another version.
   if (std::holds_alternative<AskFrame>(frame) || std::holds_alternative<OtherVersionFrame>(frame)) return;
   Require(std::ranges::equal(EncodeDatagram(frame), bytes), "a frame comes back from its bytes");
 }
 
-/// Reads a message as each of the game's own, behind its tag.
+/// Reads a message as each kind of the game's messages.
 void ReadFields(const SessionMessage &message) {
   constexpr std::int16_t Rounds = 3;
   const auto behindTag = [&message] {
@@ -28,7 +28,7 @@ void ReadFields(const SessionMessage &message) {
     try {
       copy.ReadString();
     } catch (const DirectPlayError &) {
-      // It has none, and is read all the same.
+      // It has no tag, and is read all the same.
     }
     return copy;
   };
@@ -76,7 +76,7 @@ void ReadFrames(ByteView bytes) {
   } catch (const MalformedError &) {
     // Refused.
   }
-  // The same bytes in pieces, whose sizes they tell themselves.
+  // The same bytes in pieces, with sizes taken from the bytes.
   FrameReader reader(LargestFrame);
   try {
     while (!bytes.empty()) {
