@@ -8,7 +8,7 @@
 
 namespace {
 
-// Keys by their place under X, whatever the layout prints on them.
+// Physical key codes under X, independent of the layout.
 constexpr quint32 ScanCodeLeftOfOne = 49;
 constexpr quint32 ScanCodeOfS = 39;
 constexpr std::int16_t LeftButton = 1;
@@ -31,7 +31,7 @@ std::int16_t KeyCodeOf(const QKeyEvent &event) {
   default:
     break;
   }
-  // A keyboard of another alphabet has no "S"; the key stands where it stands on a Latin one.
+  // Non-Latin layouts have no "S"; use the key at its physical position.
   if (event.nativeScanCode() == ScanCodeOfS && !IsLatin(event.key())) return KeyCodes::S;
   const bool tilde = event.text() == "~" || event.text() == "`" || event.key() == Qt::Key_AsciiTilde ||
                      event.key() == Qt::Key_QuoteLeft || event.nativeScanCode() == ScanCodeLeftOfOne;
@@ -68,7 +68,7 @@ void CanvasView::paintEvent(QPaintEvent *event) {
   if (picture_.isNull()) {
     painter.fillRect(event->rect(), Qt::black);
   } else {
-    // Pixel for pixel: a picture that is scaled, be it by 1, is slow to paint.
+    // Unscaled: Qt paints a scaled image slowly, even at a factor of 1.
     const double pixel = 1.0 / devicePixelRatioF();
     painter.scale(pixel, pixel);
     painter.drawImage(0, 0, picture_);
@@ -76,9 +76,9 @@ void CanvasView::paintEvent(QPaintEvent *event) {
 }
 
 bool CanvasView::event(QEvent *event) {
-  // A press that began before the window lost the keyboard has no release.
+  // Forget presses from before the window lost the keyboard.
   if (event->type() == QEvent::WindowDeactivate) pressed_ = {};
-  // Tab stays with the game, and so does every shortcut.
+  // The game gets Tab and every shortcut.
   if (event->type() == QEvent::ShortcutOverride) {
     event->accept();
     return true;
@@ -88,7 +88,7 @@ bool CanvasView::event(QEvent *event) {
 
 void CanvasView::keyPressEvent(QKeyEvent *event) {
   const std::int16_t code = KeyCodeOf(*event);
-  // A held key repeats as a release and a press of the same moment, which Qt doesn't always see as one.
+  // A held key repeats as a release and a press with the same time, which Qt doesn't always recognise.
   if (event->isAutoRepeat() || (code == releasedKey_ && event->timestamp() == releasedAt_)) return;
   machine_.Post(window_, [this, code] {
     if (canvas_.KeyDown) canvas_.KeyDown(code, 0);
@@ -107,7 +107,7 @@ void CanvasView::keyReleaseEvent(QKeyEvent *event) {
 
 void CanvasView::mousePressEvent(QMouseEvent *event) {
   setFocus();
-  // The press by which the player comes back to the window is no shot.
+  // The press that activates the window must not shoot.
   if (window_.CapturesPointer && !machine_.PointerHeld()) return;
   pressed_ |= event->button();
   const std::int16_t button = ButtonOf(event->button());
@@ -120,7 +120,7 @@ void CanvasView::mousePressEvent(QMouseEvent *event) {
 }
 
 void CanvasView::mouseReleaseEvent(QMouseEvent *event) {
-  // Nor is the release of a press that was never told.
+  // Ignore the release of a press that wasn't reported.
   const bool told = pressed_.testFlag(event->button());
   pressed_ &= ~Qt::MouseButtons(event->button());
   if (!told || (window_.CapturesPointer && !machine_.PointerHeld())) return;

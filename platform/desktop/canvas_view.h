@@ -1,6 +1,6 @@
 #pragma once
 
-// The widget of a canvas: shows the picture that was drawn last, and tells of keys and buttons.
+// The widget of a canvas: shows the last drawn frame, and reports keys and buttons.
 
 #include "platform/controls.h"
 
@@ -13,7 +13,7 @@ class CanvasView : public QWidget {
 public:
   CanvasView(DesktopMachine &machine, Window &window, Canvas &canvas, QWidget &parent);
 
-  /// Shows a picture at once. It is kept by reference: nobody may change it before the next call.
+  /// Shows a frame at once. Keeps a reference: the image must not change before the next call.
   void ShowPicture(const QImage &picture);
 
 protected:
@@ -29,7 +29,7 @@ private:
   Window &window_;
   Canvas &canvas_;
   QImage picture_;
-  std::int16_t releasedKey_ = 0; ///< the key let go of last, and when by the display's clock
+  std::int16_t releasedKey_ = 0; ///< the last released key, and its time on the display's clock
   quint64 releasedAt_ = 0;
-  Qt::MouseButtons pressed_; ///< buttons whose press was told to the game
+  Qt::MouseButtons pressed_; ///< buttons whose press was reported to the game
 };

@@ -9,11 +9,11 @@
 
 namespace {
 
-constexpr float PointsToPixels = 96.0f / 72.0f; ///< the windows are laid out for 96 dots to the inch
+constexpr float PointsToPixels = 96.0f / 72.0f; ///< the windows are designed for 96 dpi
 
 QColor Convert(const Color &color) { return {color.Red, color.Green, color.Blue}; }
 
-/// The ground of a box that can't be used now: its own colour with the light off.
+/// Background of a disabled box: a darker shade of its colour.
 QColor Unlit(const Color &color) {
   constexpr int Dimmed = 5; ///< its lightness is divided by it
   return {color.Red / Dimmed, color.Green / Dimmed, color.Blue / Dimmed};
@@ -21,7 +21,7 @@ QColor Unlit(const Color &color) {
 
 QFont FontOf(const Typeface &typeface) {
   const bool serif = typeface.Name == "Times New Roman";
-  // Each is as wide as the other: where one is missing the layout stays.
+  // Typefaces of equal widths, so that substitution keeps the layout.
   QFont font(serif ? QStringList{"Liberation Serif", "Tinos", "Times New Roman"}
                    : QStringList{"Liberation Sans", "Arimo", "Arial"});
   font.setStyleHint(serif ? QFont::Serif : QFont::SansSerif);
@@ -30,7 +30,7 @@ QFont FontOf(const Typeface &typeface) {
   return font;
 }
 
-/// The canvas's widget carries nothing over: its picture comes with each drawing.
+/// The widget of a canvas copies no properties; each drawing sets its image.
 class CanvasControlView : public ControlView {
 public:
   CanvasControlView(DesktopMachine &machine, Window &window, Canvas &model, QWidget &parent)
@@ -91,7 +91,7 @@ void ControlView::CarryOver() {
         palette.setColor(group, QPalette::Base, Convert(control_.BackColor));
         palette.setColor(group, QPalette::Text, Convert(foreColor_));
       }
-      // The toolkit draws a box's edge in a shade of the window's colour.
+      // The toolkit draws the edge of a box in a shade of the window colour.
       for (const auto role : {QPalette::Base, QPalette::Window})
         palette.setColor(QPalette::Disabled, role, Unlit(control_.BackColor));
       palette.setColor(QPalette::Disabled, QPalette::Text, Convert(control_.BackColor));

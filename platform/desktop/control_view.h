@@ -1,7 +1,7 @@
 #pragma once
 
-// The widgets of the controls. What the game writes into a control's record is carried over to its widget;
-// what the user does at the widget comes back through the machine's queue.
+// The widgets of the controls. Changes of a control's record are copied to its widget; user input at the
+// widget goes into the machine's event queue.
 
 #include "platform/controls.h"
 
@@ -20,30 +20,30 @@ public:
   const Control &Model() const { return control_; }
   virtual QWidget *Widget() const = 0;
 
-  /// The rectangle that its widget covers: the control's place and what it draws beside it.
+  /// The rectangle of the widget: the control's place and decorations beside it.
   virtual Rectangle Extent() const { return control_.Place; }
 
-  /// Brings the properties that have changed since the last call to the widget.
+  /// Copies the properties that have changed since the last call to the widget.
   void CarryOver();
 
   virtual void TakeFocus() { Widget()->setFocus(); }
 
-  /// Picks the letter that, with Alt, presses the button: the first of its caption that isn't taken yet.
+  /// Chooses the button's mnemonic: the first letter of its caption that is still free.
   virtual void ChooseMnemonic(QString & /*taken*/) {}
 
   /// Presses the button if Enter or Esc is its key; returns whether it is.
   virtual bool PressedBy(bool /*enter*/, bool /*escape*/) { return false; }
 
-  /// Makes the text small enough for the control's place.
+  /// Shrinks the text to fit the control's place.
   virtual void Fit() {}
 
-  /// Scrolls a document by a key that nobody else wanted.
+  /// Scrolls a document by a key that no other control handles.
   virtual void ScrollBy(QKeyEvent & /*event*/) {}
 
 protected:
   virtual void CarryOverOwn() = 0;
 
-  /// Whether it is written in the control's own colour rather than the toolkit's.
+  /// Whether the text has the control's colour rather than the toolkit's.
   virtual bool OwnColor() const { return false; }
 
 private:

@@ -18,6 +18,6 @@ std::shared_ptr<DirectPlay4> DesktopDirectX::DirectPlayCreate(const std::string 
 }
 
 int DesktopDirectX::SystemBpp() {
-  constexpr int HighColor = 16; // bits; where a screen has more, the canvas can have a surface of these
+  constexpr int HighColor = 16; // bits; also available on screens with more
   return std::min(QGuiApplication::primaryScreen()->depth(), HighColor);
 }

@@ -25,10 +25,10 @@
 
 namespace {
 
-/// Stands in for Qt's own words about a display that can't be used: they are many, and an abort follows.
+/// Replaces Qt's long messages about an unusable display, and its abort.
 void RefuseDisplay(QtMsgType type, const QMessageLogContext &, const QString &) {
   if (type != QtFatalMsg) return;
-  std::cerr << "Snapwedge can't go on: it needs a display, and none answers:";
+  std::cerr << "Snapwedge can't go on: no display is available:";
   for (const char *name : {"DISPLAY", "WAYLAND_DISPLAY", "QT_QPA_PLATFORM"}) {
     std::cerr << ' ' << name << "=\"" << qgetenv(name).toStdString() << '"';
   }
@@ -36,14 +36,14 @@ void RefuseDisplay(QtMsgType type, const QMessageLogContext &, const QString &) 
   std::_Exit(1);
 }
 
-/// Whether the screen has too few colours for Qt to paint anything.
+/// Whether the screen has too few colours for Qt to paint.
 bool ScreenStaysDark() { return QGuiApplication::primaryScreen()->depth() < 15; }
 
 } // namespace
 
 DesktopMachine::DesktopMachine(int &argc, char **argv) {
   ChooseDisplay();
-  // Every single motion counts, so that the pointer's offsets add up to what the hand did.
+  // Every motion event is needed, so that the offsets add up to the motion of the hand.
   QCoreApplication::setAttribute(Qt::AA_CompressHighFrequencyEvents, false);
   const QtMessageHandler before = qInstallMessageHandler(RefuseDisplay);
   application_ = std::make_unique<QApplication>(argc, argv);
@@ -63,13 +63,13 @@ DesktopMachine::~DesktopMachine() {
 
 void DesktopMachine::TryOpenGL() {
   QObject::connect(&openGLTest_, &QProcess::finished, [this](int status, QProcess::ExitStatus exit) {
-    // What crashes there tells nothing; a match will.
+    // A crash isn't conclusive; a match will show.
     if (exit != QProcess::NormalExit || status == EXIT_SUCCESS || views_.empty()) return;
     const std::string why = openGLTest_.readAllStandardOutput().toStdString();
     Post(
         views_.front()->Model(), [why] { throw RendererError(why); }, Delivery::UnderModal);
   });
-  // The launch window's first picture comes first.
+  // The launch window is shown first.
   constexpr int AfterFirstPictureMs = 500;
   QObject::connect(&openGLTestDelay_, &QTimer::timeout, [this] {
     openGLTest_.start(QCoreApplication::applicationFilePath(), {OpenGLTestOption});
@@ -85,7 +85,7 @@ std::int32_t DesktopMachine::timeGetTime() {
 }
 
 std::uint32_t DesktopMachine::RandomSeed() {
-  // In nanoseconds, and stirred: draws in quick succession must not resemble each other.
+  // Nanoseconds, hashed, so that seeds in quick succession are unrelated.
   const auto now = std::chrono::steady_clock::now().time_since_epoch().count();
   const auto stirred = static_cast<std::uint64_t>(now) * 0x9E3779B97F4A7C15ULL;
   return static_cast<std::uint32_t>(stirred >> 32);
@@ -148,12 +148,12 @@ void DesktopMachine::Show(Window &window) {
   WindowView &view = *views_.back();
   if (!modal_.empty() && modal_.back() == &window) {
     view.setWindowModality(Qt::ApplicationModal);
-    // The play window stands for itself beside the launch window; any other belongs to the one that opened
+    // The play window is independent of the launch window; any other window is owned by the one that opened
     // it.
     if (owner && !window.CapturesPointer) view.BelongTo(*owner);
   }
   view.CarryOver();
-  // The first picture takes long; the window comes up with it rather than black.
+  // The first frame takes long; draw it before the window opens, which would else be black.
   for (Control *control : window.Controls) {
     if (auto *canvas = dynamic_cast<RMCanvas *>(control); canvas && canvas->SceneFrame) DrawCanvas(*canvas);
   }
@@ -167,13 +167,13 @@ void DesktopMachine::Hide(Window &window) {
   pointer_.Hold(nullptr);
   const auto view = std::ranges::find_if(views_, [&](const auto &each) { return &each->Model() == &window; });
   if (view == views_.end()) return;
-  // One window that makes room for another goes when that has come.
+  // A window that is replaced by another closes after that has opened.
   leaving_.push_back(std::move(*view));
   views_.erase(view);
 }
 
 void DesktopMachine::CheckFiles(const Window &window) {
-  constexpr QSize IconSize(128, 128); // the least
+  constexpr QSize IconSize(128, 128); // minimum
   const auto directory = AppPath();
   const double density = QGuiApplication::primaryScreen()->devicePixelRatio();
   CheckPicture(directory, "icon", 1.0, IconSize);
@@ -204,23 +204,22 @@ void DesktopMachine::SetFocus(Control &control) {
 
 void DesktopMachine::DrawCanvas(Canvas &canvas) {
   const auto shown = std::ranges::find_if(views_, [&](const auto &view) { return view->FindCanvas(canvas); });
-  if (shown == views_.end()) return; // the window doesn't show yet
+  if (shown == views_.end()) return; // the window isn't open yet
   CanvasView &view = *(*shown)->FindCanvas(canvas);
   if (!renderer_) renderer_ = std::make_unique<Renderer>();
   const QSize pixels = view.size() * view.devicePixelRatioF();
   if (!renderer_->Draw(static_cast<const RMCanvas &>(canvas), pixels)) return;
-  // A card that has come down must not stand over the picture of what follows.
+  // A card that was hidden must not cover the next frame.
   (*shown)->CarryOver();
   view.ShowPicture(renderer_->Picture());
 }
 
 void DesktopMachine::MsgBox(const MessageBox &box) {
   if (ScreenStaysDark()) std::cerr << box.Title << ' ' << box.Text << std::endl;
-  // The record stands for the box among the modal windows: while it is the topmost, no other window gets
-  // events.
+  // The record represents the box among the modal windows, so that no other window gets events.
   Window record;
   const ModalScope scope(*this, record);
-  leaving_.clear(); // none of them may own the box
+  leaving_.clear(); // none of these may own the box
   pointer_.LetGo();
   bool answered = false;
   const auto answer = [&] {

@@ -1,7 +1,7 @@
 #pragma once
 
-// The machine of the desktop, on Qt. Qt's handlers do nothing but put calls on the queue; the game runs from
-// `Pump`, on our own stack, and so may nest and throw.
+// The desktop machine, on Qt. Qt's handlers only queue calls; the game runs from `Pump`, outside Qt's
+// callbacks, and so may nest and throw.
 
 #include "platform/desktop/pointer.h"
 #include "platform/desktop/router/home_router.h"
@@ -21,11 +21,11 @@ class WindowView;
 
 class DesktopMachine : public Machine {
 public:
-  /// Where no display answers it says so and ends the process.
+  /// Prints an error and exits the process if there is no display.
   DesktopMachine(int &argc, char **argv);
   ~DesktopMachine() override;
 
-  /// Finds out, beside everything else, whether the game can draw here. If it can't, a pump soon throws what
+  /// Tests in the background whether OpenGL works. If it doesn't, a later pump throws the error that
   /// `DrawCanvas` would.
   void TryOpenGL();
 
@@ -59,7 +59,7 @@ protected:
 
 private:
   WindowView *ViewOf(const Window &window) const;
-  /// Brings all properties to the screen, and the pointer into or out of its hold.
+  /// Copies all properties to the widgets, and captures or releases the pointer.
   void CarryOver();
 
   std::unique_ptr<QApplication> application_;
@@ -67,7 +67,8 @@ private:
   HomeRouter router_;
   DesktopSockets sockets_{&router_};
   std::vector<std::unique_ptr<WindowView>> views_;
-  std::vector<std::unique_ptr<WindowView>> leaving_; ///< hidden, but on the screen until the next pump
+  std::vector<std::unique_ptr<WindowView>>
+      leaving_; ///< hidden by the game, on the screen until the next pump
   std::unique_ptr<Renderer> renderer_;
   std::unique_ptr<ScreenAwake> screenAwake_;
   QProcess openGLTest_;

@@ -12,7 +12,7 @@ namespace {
 
 bool IsSet(const char *name) { return !qEnvironmentVariableIsEmpty(name); }
 
-/// Whether Qt's part for Wayland is installed.
+/// Whether Qt's Wayland plugin is installed.
 bool QtKnowsWayland() {
   const auto paths = QCoreApplication::libraryPaths();
   return std::ranges::any_of(paths, [](const QString &path) {
@@ -20,7 +20,7 @@ bool QtKnowsWayland() {
   });
 }
 
-/// Asks the display that Qt will use, and tells Qt which that is.
+/// Chooses the platform for Qt and queries its display.
 std::optional<DisplayFacts> ChoosePlatform() {
   constexpr const char *Choice = "QT_QPA_PLATFORM";
   if (IsSet(Choice)) {
@@ -46,7 +46,7 @@ void ChooseDisplay() {
   if (display->scalesItself) {
     qputenv("QT_SCALE_FACTOR", QByteArray::number(scale / display->ownFactor));
   } else {
-    // For each screen in the place of its own factor, so that the windows stay as they are on all of them.
+    // Replaces the own factor of every screen, so that the windows have the same size on all of them.
     qputenv("QT_SCREEN_SCALE_FACTORS", QByteArrayList(display->screens, QByteArray::number(scale)).join(';'));
   }
 }

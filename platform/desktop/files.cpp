@@ -19,7 +19,7 @@ namespace fs = std::filesystem;
 
 constexpr std::uintmax_t LargestPicture = 16UL << 20, LargestDocument = 1UL << 20; ///< bytes
 
-/// Pixels per pixel of the design of the sets in which every picture is made, and how their files' names end.
+/// The available densities, device pixels per design pixel, and the suffixes of their files.
 constexpr struct PictureSet {
   double density;
   const char *ending;
@@ -27,7 +27,7 @@ constexpr struct PictureSet {
 
 constexpr double SameDensity = 0.01;
 
-/// The one that is made for the screen, else the next larger one, to be scaled down.
+/// The density of the screen, else the next larger one, to be scaled down.
 const PictureSet &SetFor(double density) {
   const auto *set =
       std::ranges::find_if(Sets, [&](const auto &each) { return each.density > density - SameDensity; });
@@ -38,8 +38,7 @@ fs::path PathOf(const fs::path &directory, const std::string &name, const char *
   return directory / "pictures" / (name + ending);
 }
 
-/// The size that a PNG file tells of itself. Each of its chunks has a check sum, so damage shows without
-/// unpacking it.
+/// The declared size of a PNG file. Every chunk has a checksum, so damage is detected without decoding.
 QSize CheckPng(const fs::path &file, const std::vector<char> &bytes) {
   constexpr std::string_view Signature("\x89PNG\r\n\x1a\n", 8);
   constexpr std::size_t Number = 4, Type = 4, Sum = 4; // bytes
@@ -50,32 +49,32 @@ QSize CheckPng(const fs::path &file, const std::vector<char> &bytes) {
     return value;
   };
   const std::string_view all(bytes.data(), bytes.size());
-  if (!all.starts_with(Signature)) RefuseFile(file, "not a PNG picture");
+  if (!all.starts_with(Signature)) RefuseFile(file, "not a PNG file");
   QSize size;
   for (std::size_t at = Signature.size();;) {
-    if (bytes.size() - at < Number + Type + Sum) RefuseFile(file, "the picture's end is missing");
+    if (bytes.size() - at < Number + Type + Sum) RefuseFile(file, "the file is truncated");
     const std::size_t length = number(at);
-    if (length > bytes.size() - at - Number - Type - Sum) RefuseFile(file, "the picture's end is missing");
+    if (length > bytes.size() - at - Number - Type - Sum) RefuseFile(file, "the file is truncated");
     const char *chunk = &bytes[at + Number];
     const auto sum = crc32(0, reinterpret_cast<const Bytef *>(chunk), static_cast<uInt>(Type + length));
-    if (sum != number(at + Number + Type + length)) RefuseFile(file, "the picture is damaged");
+    if (sum != number(at + Number + Type + length)) RefuseFile(file, "the image is damaged");
     const std::string_view type(chunk, Type);
     if (size.isEmpty()) {
-      if (type != "IHDR" || length != HeaderLength) RefuseFile(file, "the picture has no header");
+      if (type != "IHDR" || length != HeaderLength) RefuseFile(file, "the image has no header");
       size = QSize(static_cast<int>(number(at + Number + Type)),
                    static_cast<int>(number(at + Number + Type + Number)));
-      if (size.isEmpty()) RefuseFile(file, "the picture has no pixels");
+      if (size.isEmpty()) RefuseFile(file, "the image has no pixels");
     }
     at += Number + Type + length + Sum;
     if (type != "IEND") continue;
-    if (at != bytes.size()) RefuseFile(file, "the picture goes on behind its end");
+    if (at != bytes.size()) RefuseFile(file, "there is data after the end of the image");
     return size;
   }
 }
 
 void CheckPictureFile(const fs::path &file, double density, const QSize &place) {
-  constexpr int Slack = 4;     // pixels of the design that a picture may leave bare
-  constexpr int MostTimes = 2; // how much larger than its place it may be
+  constexpr int Slack = 4;     // design pixels that an image may be too small
+  constexpr int MostTimes = 2; // maximum size relative to its place
   CheckOnce(file, [&] {
     const QSize size = CheckPng(file, ReadFile(file, LargestPicture));
     const QSize wanted = (QSizeF(place) * density).toSize();
@@ -86,7 +85,7 @@ void CheckPictureFile(const fs::path &file, double density, const QSize &place) 
     const auto told = [](const QSize &pixels) {
       return std::to_string(pixels.width()) + " by " + std::to_string(pixels.height());
     };
-    RefuseFile(file, "the picture is " + told(size) + " pixels large and its place " + told(wanted));
+    RefuseFile(file, "the image has " + told(size) + " pixels, its place " + told(wanted));
   });
 }
 
@@ -101,7 +100,7 @@ QPixmap LoadPicture(DesktopMachine &machine, const QWidget &shownOn, const std::
   QImage picture;
   if (!picture.loadFromData(reinterpret_cast<const uchar *>(bytes.data()), static_cast<int>(bytes.size()),
                             "PNG"))
-    RefuseFile(file, "the picture can't be read");
+    RefuseFile(file, "the image can't be read");
   if (std::abs(set.density - density) > SameDensity) {
     picture = picture.scaled((picture.size().toSizeF() * (density / set.density)).toSize(),
                              Qt::IgnoreAspectRatio, Qt::SmoothTransformation);
@@ -121,10 +120,10 @@ void CheckDocument(const fs::path &file) {
     QStringDecoder decoder(QStringDecoder::Utf8);
     const QString text =
         QString(decoder(QByteArrayView(bytes.data(), static_cast<qsizetype>(bytes.size())))).trimmed();
-    if (decoder.hasError() || text.contains(QChar::Null)) RefuseFile(file, "not a text");
+    if (decoder.hasError() || text.contains(QChar::Null)) RefuseFile(file, "not a text file");
     if (!text.startsWith("<!DOCTYPE html", Qt::CaseInsensitive) &&
         !text.startsWith("<html", Qt::CaseInsensitive))
       RefuseFile(file, "not an HTML document");
-    if (!text.endsWith("</html>", Qt::CaseInsensitive)) RefuseFile(file, "the document's end is missing");
+    if (!text.endsWith("</html>", Qt::CaseInsensitive)) RefuseFile(file, "the document is truncated");
   });
 }

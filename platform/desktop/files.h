@@ -1,6 +1,6 @@
 #pragma once
 
-// The files that windows show: pictures and documents.
+// The files of windows: images and documents.
 
 #include <QPixmap>
 #include <QWidget>
@@ -10,18 +10,18 @@
 
 class DesktopMachine;
 
-/// A picture of the game at the density of that widget's screen.
-/// @throws FileError  that names a picture which can't be read and says why
+/// Loads an image of the game for the pixel density of the widget's screen.
+/// @throws FileError  if it can't be read; names it and says why
 QPixmap LoadPicture(DesktopMachine &machine, const QWidget &shownOn, const std::string &name);
 
-/// Makes sure that such a picture could be loaded, for much less than loading it costs.
+/// Checks that such an image is loadable, without decoding it.
 /// @param directory  of the game
-/// @param density    of the screen, pixels per pixel of the design
-/// @param place      what it must fill, pixels of the design
+/// @param density    of the screen, device pixels per design pixel
+/// @param place      the size that it must fill, design pixels
 /// @throws FileError
 void CheckPicture(const std::filesystem::path &directory, const std::string &name, double density,
                   const QSize &place);
 
-/// Makes sure that a document is text with a beginning and an end.
+/// Checks that a document is complete text.
 /// @throws FileError
 void CheckDocument(const std::filesystem::path &file);

@@ -20,7 +20,7 @@ FocusRing::FocusRing(QWidget &window, const QColor &color) : QWidget(&window), c
 
 void FocusRing::Surround(const QWidget *focus) {
   const bool ours = focus && focus->parentWidget() == parentWidget();
-  // A canvas has the keyboard whenever no box has: there is nothing to tell.
+  // A canvas needs no ring: it has the keyboard whenever no box has.
   if (!ours || dynamic_cast<const CanvasView *>(focus)) {
     hide();
     return;

@@ -1,13 +1,14 @@
 #pragma once
 
-// Shows which control has the keyboard: the toolkit's own mark is hardly seen on the game's backgrounds.
+// Shows which control has the keyboard focus, because the toolkit's own mark is hardly visible on the game's
+// backgrounds.
 
 #include <QWidget>
 
-/// A ring around the control of a window that has the keyboard.
+/// A ring around the focused control of a window.
 class FocusRing : public QWidget {
 public:
-  /// @param color  one that stands out from the window's ground
+  /// @param color  one that contrasts with the window's background
   FocusRing(QWidget &window, const QColor &color);
 
 protected:

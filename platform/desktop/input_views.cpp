@@ -1,4 +1,4 @@
-// The controls that the user works: text boxes, buttons, check boxes and lists.
+// The interactive controls: text boxes, buttons, check boxes and lists.
 
 #include "platform/desktop/typed_view.h"
 
@@ -62,7 +62,7 @@ public:
   ButtonView(DesktopMachine &machine, Window &window, CommandButton &model, QWidget &parent)
       : View(machine, window, model, parent) {
     QObject::connect(widget_, &QPushButton::clicked, [this] { Press(); });
-    // The toolkit's own grey is too pale to read what the button will do once it can be pressed.
+    // The toolkit's grey for disabled text is too pale.
     QPalette palette = widget_->palette();
     const QColor text = palette.color(QPalette::Active, QPalette::ButtonText),
                  back = palette.color(QPalette::Active, QPalette::Button);
@@ -113,7 +113,7 @@ private:
     });
   }
 
-  QChar mnemonic_; ///< Alt and this letter press the button; it is underlined
+  QChar mnemonic_; ///< underlined; Alt and this letter press the button
 };
 
 class CheckBoxView : public View<CheckBox, QCheckBox> {
@@ -139,7 +139,7 @@ private:
   int carried_ = -1;
 };
 
-/// Rows to choose from: a list box or a drop-down list.
+/// A list box or a drop-down list.
 template <class Record, class QtWidget> class RowsView : public View<Record, QtWidget> {
 public:
   RowsView(DesktopMachine &machine, Window &window, Record &model, QWidget &parent)
@@ -159,8 +159,7 @@ public:
     }
   }
 
-  /// Of the rows of a drop-down list that are known from the beginning each fits into the box. A list box
-  /// scrolls.
+  /// Shrinks the text so that every initial row of a drop-down list fits. A list box scrolls.
   void Fit() override {
     if constexpr (std::is_same_v<QtWidget, QComboBox>) {
       constexpr int Edge = 2; // pixels, on each side

@@ -16,7 +16,7 @@ namespace {
 constexpr sf_count_t LongestSound = 60L * 48000;   ///< frames
 constexpr std::uintmax_t LargestFile = 16UL << 20; ///< bytes
 
-/// The device and its context: they live as long as any buffer.
+/// The device and its context, kept alive by every buffer.
 struct Device {
   Device() {
     device = alcOpenDevice(nullptr);
@@ -25,7 +25,7 @@ struct Device {
     if (!context || !alcMakeContextCurrent(context)) {
       if (context) alcDestroyContext(context);
       alcCloseDevice(device);
-      throw SoundError("the sound device gives no context");
+      throw SoundError("can't create a context on the sound device");
     }
   }
   ~Device() {
@@ -52,8 +52,8 @@ struct Wave {
   int Rate = 0;
 };
 
-/// Compares what a wave file says of its size with what there is: the reader takes half a sound for a whole
-/// one.
+/// Checks the declared size of a wave file against its real size, because the library accepts truncated
+/// files.
 /// @throws FileError
 void RequireWhole(const std::filesystem::path &path) {
   constexpr std::size_t Mark = 4, ChunkHeader = 8, FileHeader = 12; // bytes
@@ -70,11 +70,11 @@ void RequireWhole(const std::filesystem::path &path) {
     const std::size_t length = number(at + Mark);
     const bool sound = mark(at) == "data";
     at += ChunkHeader + length;
-    if (at > bytes.size()) RefuseFile(path, "the sound's end is missing");
+    if (at > bytes.size()) RefuseFile(path, "the file is truncated");
     if (sound) return;
-    at += length % 2; // filled up to an even number
+    at += length % 2; // padded to an even length
   }
-  RefuseFile(path, "the wave file has no sound in it");
+  RefuseFile(path, "the wave file has no samples");
 }
 
 Wave ReadWave(const std::filesystem::path &path) {
@@ -88,12 +88,12 @@ Wave ReadWave(const std::filesystem::path &path) {
   const std::unique_ptr<SNDFILE, int (*)(SNDFILE *)> file(sf_open(path.c_str(), SFM_READ, &info), sf_close);
   if (!file) throw SoundError(name + ": " + sf_strerror(nullptr));
   if (info.channels < 1 || info.channels > 2 || info.frames < 1 || info.frames > LongestSound) {
-    throw SoundError(name + ": not a sound of one or two channels and at most a minute");
+    throw SoundError(name + ": must have one or two channels and last at most a minute");
   }
   Wave wave{std::vector<short>(static_cast<std::size_t>(info.frames * info.channels)), info.channels,
             info.samplerate};
   if (sf_readf_short(file.get(), wave.Samples.data(), info.frames) != info.frames) {
-    throw SoundError(name + ": the file is cut short");
+    throw SoundError(name + ": the file is truncated");
   }
   return wave;
 }
@@ -109,7 +109,7 @@ public:
     alBufferData(buffer_, wave.Channels == 1 ? AL_FORMAT_MONO16 : AL_FORMAT_STEREO16, wave.Samples.data(),
                  static_cast<ALsizei>(wave.Samples.size() * sizeof(short)), wave.Rate);
     alSourcei(source_, AL_BUFFER, static_cast<ALint>(buffer_));
-    // A mono sound would otherwise be placed in space.
+    // Otherwise a mono sound is spatialised.
     alSourcei(source_, AL_SOURCE_RELATIVE, AL_TRUE);
     Check(name_);
   }
@@ -129,7 +129,7 @@ public:
   }
 
   void Stop() override {
-    // Paused, not stopped: the position stays.
+    // Pause keeps the position.
     alSourcePause(source_);
     Check(name_);
   }

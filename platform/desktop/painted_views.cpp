@@ -18,7 +18,7 @@ const QColor LitRed(255, 36, 24);
 
 void MeterWidget::Show(const Face &face) {
   if (face == face_) return;
-  // While the meter rises or falls the letters beside it stand still.
+  // If only the level has changed, repaint the bar alone.
   Face standing = face;
   standing.Level = face_.Level;
   const bool levelAlone = standing == face_;
@@ -79,7 +79,7 @@ void MeterWidget::PaintBar(QPainter &painter) const {
 }
 
 void MeterWidget::PaintScale(QPainter &painter) const {
-  // Pixels from the bar.
+  // Distances from the bar, pixels.
   constexpr int StrokeFrom = 1, StrokeTo = 6, WordsFrom = 9;
   const int wordsHeight = painter.fontMetrics().height();
   for (const ProgressBar::Mark &mark : face_.Scale) {

@@ -9,22 +9,22 @@
 #include <optional>
 #include <vector>
 
-/// A vertical meter that fills from below, green to yellow to red, with its scale to the right.
+/// A vertical meter that fills from the bottom, green to yellow to red, with its scale on the right.
 class MeterWidget : public QWidget {
 public:
   using QWidget::QWidget;
 
-  /// What it shows. All values are shares of the full meter, 0 to 1.
+  /// The displayed state. All values are fractions of the full meter, 0 to 1.
   struct Face {
     float Level = 0.0f;
     std::vector<ProgressBar::Mark> Scale;
     std::optional<float> Ghost;
-    float CapFrom = 1.0f; ///< where the red cap begins
+    float CapFrom = 1.0f; ///< beginning of the red cap
     bool CapLit = false;
     bool operator==(const Face &) const = default;
   };
 
-  void SetBarWidth(int pixels) { barWidth_ = pixels; } ///< the rest of the width is the scale's
+  void SetBarWidth(int pixels) { barWidth_ = pixels; } ///< the rest of the width is for the scale
   void Show(const Face &face);
 
 protected:
@@ -34,7 +34,7 @@ private:
   void PaintBar(QPainter &painter) const;
   void PaintScale(QPainter &painter) const;
   QRect Inside() const;          ///< the bar without its border
-  int LevelY(float share) const; ///< where a level's upper edge lies
+  int LevelY(float share) const; ///< top edge of a level
 
   int barWidth_ = 0;
   Face face_;

@@ -50,7 +50,7 @@ PlainBox::PlainBox(const MessageBox &box, std::function<void()> answered) : answ
   painter.setFont(QGuiApplication::font());
   painter.drawText(words, Qt::TextWordWrap, text);
   painter.drawRect(button_);
-  painter.drawRect(button_.adjusted(1, 1, -1, -1)); // the one that Enter presses
+  painter.drawRect(button_.adjusted(1, 1, -1, -1)); // a default button has a double frame
   painter.drawText(button_, Qt::AlignCenter, "OK");
   if (!box.Critical) return;
   const QRect icon(Margin, Margin, Icon, Icon), cross = icon.adjusted(10, 10, -10, -10);

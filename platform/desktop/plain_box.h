@@ -1,7 +1,6 @@
 #pragma once
 
-// A message box for screens on which Qt can open windows but has nothing to paint with: those of 8 bits and
-// a palette.
+// A message box for 8-bit palette screens, on which Qt can open windows but can't paint.
 
 #include "platform/machine.h"
 
@@ -12,10 +11,10 @@
 
 class PlainBox : public QWindow {
 public:
-  /// Whether the screen is such a one.
+  /// Whether the screen is one of these.
   static bool Needed();
 
-  /// @param answered  called once, from inside Qt, when the user has pressed OK or closed the box
+  /// @param answered  called once, from inside Qt, when the user presses OK or closes the box
   PlainBox(const MessageBox &box, std::function<void()> answered);
 
 protected:
@@ -28,6 +27,6 @@ private:
   void Answer();
 
   std::function<void()> answered_;
-  QImage picture_; ///< one bit a pixel: 0 the screen's white, 1 its black
+  QImage picture_; ///< one bit per pixel: 0 white, 1 black
   QRect button_;
 };

@@ -10,7 +10,7 @@ constexpr double PointerGrid = 65536.0; ///< steps of the absolute pointer grid 
 } // namespace
 
 void Pointer::MoveHome(int gridX, int gridY) {
-  // The game reads whole pixels. What a slow hand has moved beyond them counts the next time.
+  // The game reads whole pixels. The fraction is kept for the next reading.
   const QPointF fraction = place_ - Place();
   const QRect screen = QGuiApplication::primaryScreen()->geometry();
   home_ = QPointF(screen.left() + static_cast<int>(gridX * screen.width() / PointerGrid),
@@ -26,9 +26,9 @@ void Pointer::Hold(QWidget *widget) {
   widget_ = widget;
   place_ = home_;
   if (!widget_) return;
-  // Hidden first: a compositor that keeps programs from moving the pointer allows it for a hidden one.
+  // Hide it first: some compositors only let programs move a hidden pointer.
   QGuiApplication::setOverrideCursor(Qt::BlankCursor);
-  // The game counts what the display counts, whatever the scale of the windows: the hand that moves the
-  // pointer so far across the desk turns the aim by the same angle at each.
+  // The motion isn't scaled with the windows, so that the same motion of the hand always turns the aim by the
+  // same angle.
   hold_ = HoldPointer(*widget_, [this](Dots way) { place_ += QPointF(way.x, way.y); });
 }

@@ -1,7 +1,7 @@
 #pragma once
 
-// The pointer as the game sees it: a place that it puts home at every frame and reads as an offset. The real
-// pointer is hidden and held meanwhile (`pointer_hold.h`), and its motion moves the game's.
+// The pointer as the game sees it: a position that it resets every frame and reads as an offset. The real
+// pointer is hidden and captured meanwhile (`pointer_hold.h`), and its motion moves the game's pointer.
 
 #include "platform/desktop/pointer_hold.h"
 
@@ -15,17 +15,16 @@ class Pointer {
 public:
   ~Pointer() { LetGo(); }
 
-  /// Puts the game's pointer at a place of a grid of 0 to 65535 on each axis of the screen.
+  /// Moves the game's pointer to a position on a grid of 0 to 65535 on each axis of the screen.
   void MoveHome(int gridX, int gridY);
 
-  /// The game's pointer. Without a hold it stands at its home.
+  /// Position of the game's pointer; its home while nothing is captured.
   QPoint Place() const { return place_.toPoint(); }
 
-  /// Whether the game wants the pointer hidden. It is hidden only while it is held.
+  /// Whether the game wants the pointer hidden. It is hidden only while captured.
   void SetHidden(bool hidden) { hidden_ = hidden; }
 
-  /// Holds the real pointer over that widget, which gets all that mouse and buttons do meanwhile, or lets go
-  /// of it for none.
+  /// Captures the real pointer over a widget, which then gets all mouse events; null releases it.
   void Hold(QWidget *widget);
   void LetGo() { Hold(nullptr); }
   bool Held() const { return !widget_.isNull(); }

@@ -8,8 +8,8 @@
 
 namespace {
 
-/// On a display where no program can move the pointer or keep it: its places are compared while it is over
-/// the window.
+/// For a display on which programs can neither move nor capture the pointer: uses the differences of its
+/// positions over the window.
 class PlainHold : public PointerHold, QObject {
 public:
   PlainHold(QWidget &over, Moved moved) : moved_(std::move(moved)), pixel_(over.devicePixelRatioF()) {
@@ -28,7 +28,7 @@ private:
   }
 
   Moved moved_;
-  double pixel_; ///< device pixels per pixel of Qt
+  double pixel_; ///< device pixels per Qt pixel
   std::optional<Dots> last_;
 };
 

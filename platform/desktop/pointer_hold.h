@@ -1,7 +1,7 @@
 #pragma once
 
-// A hold on the real pointer: as long as it lives the pointer stays near one widget and tells its motion
-// alone.
+// Pointer capture: while the object lives, the real pointer stays near one widget and only its motion is
+// reported.
 
 #include "platform/desktop/pointer_travel.h"
 
@@ -12,21 +12,21 @@
 
 class PointerHold {
 public:
-  /// Told of each motion, in what the display counts: device pixels under X, the compositor's units under
+  /// Called for each motion, in units of the display: device pixels under X, the compositor's units under
   /// Wayland.
   using Moved = std::function<void(Dots way)>;
 
   virtual ~PointerHold() = default;
 
-  /// Whether another hold must take its place: the mouse isn't the one any more that it was made for.
+  /// Whether it must be replaced because the mouse has changed.
   virtual bool Lost() const { return false; }
 };
 
-/// A hold by the means of the display that the program runs on. The pointer must be hidden already.
+/// Captures the pointer by the means of the current display. The pointer must already be hidden.
 std::unique_ptr<PointerHold> HoldPointer(QWidget &over, const PointerHold::Moved &moved);
 
-/// Null where X doesn't serve the program.
+/// Null if the program doesn't run on X.
 std::unique_ptr<PointerHold> HoldPointerOnX(QWidget &over, const PointerHold::Moved &moved);
 
-/// Null where no Wayland compositor serves the program, or it lets nobody hold the pointer.
+/// Null if the program doesn't run on Wayland, or the compositor doesn't support pointer constraints.
 std::unique_ptr<PointerHold> HoldPointerOnWayland(QWidget &over, const PointerHold::Moved &moved);

@@ -10,7 +10,7 @@ Dots PointerTravel::Reported(int id, Device device, Dots values) {
 
 Dots PointerTravel::Moved(int id, Dots place) {
   const auto report = reports_.extract(id);
-  if (!report) return {}; // by a program, or told already
+  if (!report) return {}; // by a program, or already reported
   const auto &[device, values] = report.mapped();
   const bool isPlace = std::abs(values.x - place.x) < 1 && std::abs(values.y - place.y) < 1;
   if (device == Device::TellsEither && !isPlace) return values;

@@ -1,12 +1,12 @@
 #pragma once
 
-// The arithmetic of a held pointer: how far the hand has moved it, though it is moved back under the hand
-// time and again, stops at the screen's edges, and jumps. Knows nothing of any display, so that it can be
-// tried against a simulated one.
+// The arithmetic of a captured pointer: the motion of the hand, although the pointer is moved back
+// repeatedly, stops at the edges of the screen, and jumps. Independent of any display, so that it can be
+// tested against a simulated one.
 
 #include <map>
 
-/// A place on the display or a way across it, in what the display counts. Fractions count.
+/// A position or motion on the display, in its units, with fractions.
 struct Dots {
   double x = 0;
   double y = 0;
@@ -15,27 +15,27 @@ struct Dots {
   friend bool operator==(Dots, Dots) = default;
 };
 
-/// A display tells a motion twice: what the device has reported, then where the pointer is. A move that a
-/// program has asked for is told by the place alone, so what devices report adds up to the hand's way
-/// whatever programs do to the pointer.
+/// A display reports a motion twice: the values of the device, then the position of the pointer. A move
+/// requested by a program only changes the position, so the reports of the devices add up to the motion of
+/// the hand.
 class PointerTravel {
 public:
   enum class Device {
-    TellsWay,   ///< a mouse: how far it went
-    TellsPlace, ///< a tablet, a remote viewer: where it is; it doesn't go along when the pointer is moved
-    TellsEither ///< a program that plays the part of a device, by ways and places as it likes
+    TellsWay,   ///< relative: a mouse
+    TellsPlace, ///< absolute: a tablet or remote viewer; not affected when a program moves the pointer
+    TellsEither ///< a virtual device that reports both relative and absolute values
   };
 
-  /// @param place  where the pointer is
+  /// @param place  position of the pointer
   explicit PointerTravel(Dots place) : begin_(place) {}
 
-  /// A device has reported a motion. Returns the hand's way as far as it can be told by now.
+  /// A device has reported a motion. Returns the motion of the hand as far as known now.
   /// @param id      of the device, any number
-  /// @param values  the way, or a place in the device's own count
+  /// @param values  the motion, or a position in units of the device
   Dots Reported(int id, Device device, Dots values);
 
-  /// The pointer has come to a place by a motion of that device, or by a move while that device was used
-  /// last. Returns the hand's way as far as `Reported` hasn't told it.
+  /// The pointer has moved, by that device or by a program after that device was last used. Returns the
+  /// motion of the hand that `Reported` hasn't returned.
   Dots Moved(int id, Dots place);
 
 private:
@@ -43,7 +43,7 @@ private:
     Device device;
     Dots values;
   };
-  std::map<int, Report> reports_; ///< of places, until the pointer's own place tells what they mean
-  std::map<int, Dots> places_;    ///< where devices that tell places were last
+  std::map<int, Report> reports_; ///< absolute reports, until the position of the pointer gives their meaning
+  std::map<int, Dots> places_;    ///< last positions of absolute devices
   Dots begin_;
 };

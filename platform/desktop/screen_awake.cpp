@@ -13,7 +13,7 @@ namespace {
 
 const QString Name = "Snapwedge", Reason = "A match is being played";
 
-/// Without a bus of the session the library would start one.
+/// Without a session bus the library would start one.
 bool HasBus() {
   return !qEnvironmentVariableIsEmpty("DBUS_SESSION_BUS_ADDRESS") ||
          QFile::exists(qEnvironmentVariable("XDG_RUNTIME_DIR") + "/bus");
@@ -64,7 +64,7 @@ void ScreenAwake::AskPortal() {
         takeBack_ = QDBusMessage::createMethodCall(Service, handle.value<QDBusObjectPath>().path(),
                                                    "org.freedesktop.portal.Request", "Close");
       },
-      [] {}); // a desktop without either blanks its screen, or has no idea of it
+      [] {}); // a desktop without either may blank its screen
 }
 
 ScreenAwake::~ScreenAwake() {

@@ -1,7 +1,7 @@
 #pragma once
 
-// Keeps the desktop from blanking its screen as long as it lives, where the desktop lets a program ask for
-// that. A network match is waited through without a touch of mouse or keys.
+// Inhibits screen blanking while it lives, if the desktop supports it. In a network match there is no input
+// during the other player's turn.
 
 #include <QDBusMessage>
 #include <QObject>
@@ -14,10 +14,10 @@ public:
   ~ScreenAwake() override;
 
 private:
-  /// Sends a request and hands its answer on; an error goes to `refused`.
+  /// Sends a request and passes its answer on; an error goes to `refused`.
   template <class Answered, class Refused>
   void Ask(const QDBusMessage &request, Answered answered, Refused refused);
   void AskPortal();
 
-  std::optional<QDBusMessage> takeBack_; ///< what ends it, once it has been granted
+  std::optional<QDBusMessage> takeBack_; ///< ends the inhibition, once granted
 };

@@ -1,4 +1,4 @@
-// The controls that only show: labels, pictures, the document, the meter, lines and shapes.
+// The display-only controls: labels, images, the document, the meter, lines and shapes.
 
 #include "platform/desktop/files.h"
 #include "platform/desktop/painted_views.h"
@@ -25,14 +25,14 @@ public:
     widget_->setAlignment(across | Qt::AlignTop);
     widget_->setWordWrap(model.WordWrap);
     widget_->setTextFormat(Qt::PlainText);
-    // A click on a label is a click on what lies under it.
+    // A click on a label goes to whatever is under it.
     widget_->setAttribute(Qt::WA_TransparentForMouseEvents);
     if (model.Border) {
       constexpr int Margin = 1; // pixel
       widget_->setFrameStyle(QFrame::Box | QFrame::Plain);
       widget_->setAutoFillBackground(true);
       widget_->setMargin(Margin);
-      widget_->setIndent(0); // nine lines fill the frame from top to bottom
+      widget_->setIndent(0); // nine lines fill the frame
     }
   }
 
@@ -51,13 +51,13 @@ protected:
     widget_->setText(Text(model_.Caption));
     if (full_) Fit();
   }
-  /// On the toolkit's own ground, dark on some desktops, only the toolkit knows what can be read.
+  /// On the toolkit's background, which is dark on some desktops, the toolkit chooses a readable colour.
   bool OwnColor() const override {
     return !model_.Border && (window_.HasBackColor || !window_.Picture.empty());
   }
 
 private:
-  std::optional<QFont> full_; ///< the label's own font, once it is known
+  std::optional<QFont> full_; ///< the font of the label before shrinking
 };
 
 class PictureView : public View<PictureBox, QLabel> {
@@ -67,7 +67,7 @@ public:
     widget_->setAutoFillBackground(true);
     widget_->setAlignment(Qt::AlignLeft | Qt::AlignTop);
     widget_->setPixmap(LoadPicture(machine, parent, model.Picture));
-    // The box is as large as its picture: what its place has beyond it would show as a bare edge.
+    // The box is as large as its image, because a larger place would show an empty edge.
     widget_->resize(widget_->pixmap().deviceIndependentSize().toSize());
   }
 
@@ -75,7 +75,7 @@ protected:
   void CarryOverOwn() override {}
 };
 
-/// A document that scrolls by wheel, bar and keys, though the keyboard stays with a button.
+/// A document that scrolls by wheel, bar and keys, although a button has the keyboard focus.
 class DocumentView : public View<RichTextBox, QTextBrowser> {
 public:
   DocumentView(DesktopMachine &machine, Window &window, RichTextBox &model, QWidget &parent)

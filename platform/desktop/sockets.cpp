@@ -18,11 +18,11 @@
 
 namespace {
 
-constexpr std::uint16_t MostSockets = 32767; ///< what the library says it has; POSIX knows no number
+constexpr std::uint16_t MostSockets = 32767; ///< the reported maximum; POSIX has no limit
 constexpr std::int16_t BytesOfIPv4 = 4;
 constexpr std::int16_t BytesOfIPv6 = 16;
 
-// Addresses of no computer, far enough away for the default route. Nothing is sent there.
+// Unused addresses behind the default route. Nothing is sent there.
 constexpr const char *FarIPv4 = "192.0.2.1";
 constexpr const char *FarIPv6 = "2001:db8::1";
 constexpr std::uint16_t AnyPort = 9;
@@ -35,7 +35,7 @@ Interfaces ReadInterfaces() {
   return {list, freeifaddrs};
 }
 
-/// Containers and virtual machines hang on bridges; nobody outside reaches a bridge's address.
+/// Bridges connect containers and virtual machines; their addresses are unreachable from outside.
 bool IsBridge(const char *interface) {
   const int socket = ::socket(AF_INET, SOCK_DGRAM | SOCK_CLOEXEC, 0);
   if (socket < 0) return false;
@@ -49,7 +49,7 @@ bool IsBridge(const char *interface) {
   return known && std::strncmp(driver.driver, "bridge", sizeof driver.driver) == 0;
 }
 
-/// Raw bytes of an address; empty if it is of another family.
+/// Raw bytes of an address; empty for another family.
 std::string BytesOf(const sockaddr *address, int family) {
   if (!address || address->sa_family != family) return {};
   if (family == AF_INET) {
@@ -60,19 +60,19 @@ std::string BytesOf(const sockaddr *address, int family) {
           BytesOfIPv6};
 }
 
-/// An interface that is up and plugged in, and isn't loopback.
+/// Whether an interface is up, plugged in, and not loopback.
 bool Works(const ifaddrs &interface) {
   return (interface.ifa_flags & IFF_UP) && (interface.ifa_flags & IFF_RUNNING) &&
          !(interface.ifa_flags & IFF_LOOPBACK);
 }
 
-/// Raw addresses of that family that others may reach.
+/// Raw addresses of a family that others may reach.
 std::vector<std::string> AddressesOf(const Interfaces &interfaces, int family) {
   std::vector<std::string> addresses;
   for (const ifaddrs *each = interfaces.get(); each; each = each->ifa_next) {
     const std::string bytes = BytesOf(each->ifa_addr, family);
     if (bytes.empty() || !Works(*each) || IsBridge(each->ifa_name)) continue;
-    // Of no use without the interface's name.
+    // Link-local addresses are useless without the interface.
     if (family == AF_INET6 &&
         IN6_IS_ADDR_LINKLOCAL(&reinterpret_cast<const sockaddr_in6 *>(each->ifa_addr)->sin6_addr)) {
       continue;
@@ -82,7 +82,7 @@ std::vector<std::string> AddressesOf(const Interfaces &interfaces, int family) {
   return addresses;
 }
 
-/// Raw source address of the default route; empty if there is none, or if its cable isn't plugged in.
+/// Raw source address of the default route; empty if there is none or its interface is unplugged.
 std::string AddressTowards(const char *far, int family, const Interfaces &interfaces) {
   sockaddr_storage address{};
   auto *const generic = reinterpret_cast<sockaddr *>(&address);

@@ -4,10 +4,10 @@
 
 class HomeRouter;
 
-/// The sockets library on POSIX, where it needs no start.
+/// The sockets library on POSIX, where it needs no initialisation.
 class DesktopSockets : public Sockets {
 public:
-  /// @param router  knows the public address, maybe; null: nobody does
+  /// @param router  may know the public address; may be null
   explicit DesktopSockets(HomeRouter *router = nullptr) : router_(router) {}
 
   int WSAStartup(std::uint16_t version, WSADATA &data) override;
@@ -15,10 +15,9 @@ public:
   std::int32_t WSAGetLastError() override { return lastError_; }
   int gethostname(std::string &name, int size) override;
 
-  /// The address at which others reach this computer, whatever the name: the home router's public one if that
-  /// is known; else the one by which this computer reaches the Internet; else those of the interfaces that
-  /// are plugged in and no bridges, IPv4 before IPv6; 127.0.0.1 if there is none. A computer's own name may
-  /// resolve to the loopback address, so it isn't looked at.
+  /// The address at which others reach this computer, ignoring the name, which may resolve to the loopback
+  /// address: the public address of the home router if known; else the source address of the default route;
+  /// else those of the interfaces that are up and not bridges, IPv4 before IPv6; else 127.0.0.1.
   const hostent_record *gethostbyname(const std::string &name) override;
 
 private:

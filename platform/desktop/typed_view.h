@@ -1,7 +1,6 @@
 #pragma once
 
-// What the views of the single kinds of control share, and how one is made of a control whose kind isn't
-// known.
+// The common base of the views of each kind of control, and their factory.
 
 #include "platform/desktop/control_view.h"
 #include "platform/desktop/desktop_machine.h"
@@ -27,7 +26,7 @@ public:
 protected:
   void Post(std::function<void()> call) { machine_.Post(window_, std::move(call)); }
 
-  /// Where the typeface is missing another takes its place, and a wider one would be cut off.
+  /// A substitute for a missing typeface may be wider, and would be cut off.
   template <class Fits> void ShrinkLettersUntil(Fits fits) {
     constexpr int SmallestLetters = 8; // pixels
     QFont font = widget_->font();
@@ -43,14 +42,14 @@ protected:
   QtWidget *widget_; ///< owned by its parent
 };
 
-/// Makes views in one window. A maker takes the controls that it knows and answers null for others.
+/// Creates the views of one window. Each maker returns null for controls of other kinds.
 struct ViewMaker {
   DesktopMachine &machine;
   Window &window;
   QWidget &parent;
 
-  std::unique_ptr<ControlView> MakeShown(Control &control) const; ///< what only shows (shown_views.cpp)
-  std::unique_ptr<ControlView> MakeInput(Control &control) const; ///< what the user works (input_views.cpp)
+  std::unique_ptr<ControlView> MakeShown(Control &control) const; ///< display only (shown_views.cpp)
+  std::unique_ptr<ControlView> MakeInput(Control &control) const; ///< interactive (input_views.cpp)
 
   /// A view of that type, if the control is of that kind.
   template <class Record, class ViewType> std::unique_ptr<ControlView> Try(Control &control) const {

@@ -5,9 +5,9 @@
 
 namespace {
 
-constexpr QSizeF PlayWindow(639, 478); // client area, pixels of the design
-// No program learns its frame before it has a window. Title bars are 20 to 37 pixels high, and the desktop
-// scales them by its own factor.
+constexpr QSizeF PlayWindow(639, 478); // client area, design pixels
+// The frame is unknown before there is a window. Title bars are 20 to 37 pixels high, scaled by the desktop's
+// factor.
 constexpr QSizeF Frame(10, 40);
 constexpr double ShareOfFreeArea = 0.9;
 constexpr double Step = 0.5;

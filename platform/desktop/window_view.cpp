@@ -17,7 +17,7 @@ QRect PlaceOf(const BackPicture &picture, const QPixmap &pixmap) {
   return {picture.Left, picture.Top, size.width() / picture.Columns, size.height()};
 }
 
-/// Whether the window is painted by the game, and so dark, rather than by the toolkit.
+/// Whether the game paints the background, which is then dark, rather than the toolkit.
 bool OwnGround(const Window &window) { return window.HasBackColor || !window.Picture.empty(); }
 
 } // namespace
@@ -40,7 +40,7 @@ WindowView::WindowView(DesktopMachine &machine, Window &window)
     if (last) setTabOrder(last, widget);
     last = widget;
   }
-  // It belongs to this widget.
+  // Owned by this widget.
   new FocusRing(*this, OwnGround(window) ? QColor(255, 225, 77) : palette().color(QPalette::WindowText));
 }
 
@@ -74,8 +74,8 @@ void WindowView::CarryOverBackPictures() {
 }
 
 void WindowView::BelongTo(const WindowView &owner) {
-  setWindowFlag(Qt::Dialog); // of the owner of any other Qt doesn't tell the window manager
-  winId();                   // there is a window from now on
+  setWindowFlag(Qt::Dialog); // Qt tells the window manager the owner only of a dialog
+  winId();                   // creates the native window
   windowHandle()->setTransientParent(owner.windowHandle());
 }
 
@@ -126,7 +126,7 @@ void WindowView::paintEvent(QPaintEvent *) {
   QPainter painter(this);
   const QRect content(corner_, QSize(window_.Width, window_.Height));
   if (content != rect()) {
-    // A window manager has stretched what asks for one size: full screen, or a tile.
+    // A window manager has stretched the fixed size, for full screen or a tile.
     painter.fillRect(rect(), Qt::black);
     painter.fillRect(content, palette().window());
     painter.setClipRect(content);
@@ -155,7 +155,7 @@ void WindowView::keyPressEvent(QKeyEvent *event) {
   const bool enter = event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter;
   const bool escape = event->key() == Qt::Key_Escape;
   for (const auto &view : views_) {
-    // Enter presses the button that has the keyboard, or else the window's own.
+    // Enter presses the focused button, or else the window's default button.
     if (view->PressedBy(enter, escape)) return;
   }
   if (escape && window_.Escape) {

@@ -1,7 +1,7 @@
 #pragma once
 
-// A window of the desktop that shows a `Window` record: one widget for each control, to which changed
-// properties are carried over at each pump.
+// The desktop window of a `Window` record, with one widget for each control. Changed properties are copied at
+// each pump.
 
 #include "platform/desktop/canvas_view.h"
 #include "platform/desktop/control_view.h"
@@ -19,7 +19,7 @@ class DesktopMachine;
 
 class WindowView : public QWidget {
 public:
-  /// @throws FileError  that names a picture or document which can't be read
+  /// @throws FileError  if an image or document can't be read
   WindowView(DesktopMachine &machine, Window &window);
   ~WindowView() override;
 
@@ -27,14 +27,14 @@ public:
   const Window &Model() const { return window_; }
 
   void CarryOver();
-  void BelongTo(const WindowView &owner); ///< to stay above it and go with it; before `Open`
-  void Open();                            ///< puts the window in the middle of the screen, active
+  void BelongTo(const WindowView &owner); ///< stays above the owner; call before `Open`
+  void Open();                            ///< shows the window, centred and active
   void SetFocusTo(const Control &control);
   CanvasView *FindCanvas(const Canvas &canvas) const;
-  CanvasView *AnyCanvas() const; ///< the window's canvas, null if it has none
+  CanvasView *AnyCanvas() const; ///< the canvas of the window, or null
 
-  /// Whether it is the active window, and has been for so long that the press by which the player came back
-  /// to it has arrived: focus and press come one after the other.
+  /// Whether it has been the active window long enough for the mouse press that activated it to have arrived;
+  /// the press follows the focus.
   bool Settled() const;
 
 protected:
@@ -52,9 +52,9 @@ private:
   DesktopMachine &machine_;
   Window &window_;
   QPixmap background_;
-  std::vector<BackPicture> backPictures_; ///< as carried over last
+  std::vector<BackPicture> backPictures_; ///< as last copied
   std::map<std::string, QPixmap> backPixmaps_;
-  QPoint corner_;            ///< of the content: the window's own, unless it has been stretched
-  QElapsedTimer activation_; ///< since the window became active or inactive
+  QPoint corner_;            ///< of the content; not the origin if the window has been stretched
+  QElapsedTimer activation_; ///< time since activation or deactivation
   std::vector<std::unique_ptr<ControlView>> views_;
 };

@@ -1,4 +1,4 @@
-// Asking an X display.
+// Queries an X display.
 
 #include "platform/desktop/display.h"
 
@@ -13,7 +13,7 @@
 
 namespace {
 
-constexpr double DotsPerInch = 96.0; ///< of a screen whose factor is 1
+constexpr double DotsPerInch = 96.0; ///< at a factor of 1
 
 template <class Reply> using Freed = std::unique_ptr<Reply, decltype(&std::free)>;
 template <class Reply> Freed<Reply> Own(Reply *reply) { return {reply, std::free}; }
@@ -24,7 +24,7 @@ Freed<xcb_get_property_reply_t> Property(xcb_connection_t *x, xcb_window_t root,
   return Own(xcb_get_property_reply(x, xcb_get_property(x, 0, root, name, type, 0, Longest), nullptr));
 }
 
-/// Desktops write the factor that their user has chosen into the resources of the display.
+/// Desktops store the user's scale factor in the resources of the display.
 double OwnFactor(xcb_connection_t *x, xcb_window_t root) {
   constexpr std::string_view Name = "\nXft.dpi:";
   const auto property = Property(x, root, XCB_ATOM_RESOURCE_MANAGER, XCB_ATOM_STRING);
@@ -37,7 +37,7 @@ double OwnFactor(xcb_connection_t *x, xcb_window_t root) {
   return std::max(std::atof(resources.c_str() + found + Name.size()) / DotsPerInch, 1.0);
 }
 
-/// What panels leave free, over all screens.
+/// The area free of panels, over all screens.
 QRect WorkArea(xcb_connection_t *x, xcb_window_t root, const QRect &all) {
   constexpr std::string_view Name = "_NET_WORKAREA";
   const auto atom = Own(xcb_intern_atom_reply(x, xcb_intern_atom(x, 1, Name.size(), Name.data()), nullptr));

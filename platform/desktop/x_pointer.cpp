@@ -1,5 +1,5 @@
-// Holding the pointer under X. What the devices report is counted; the pointer itself is only kept over the
-// window, so that presses land there.
+// Pointer capture under X. The motion comes from device reports; the pointer is only kept over the window so
+// that presses go there.
 
 #include "platform/desktop/pointer_hold.h"
 
@@ -19,8 +19,7 @@ namespace {
 
 using Device = PointerTravel::Device;
 
-constexpr int Stray =
-    60; ///< device pixels that the pointer may go from the widget's middle, across plus down
+constexpr int Stray = 60; ///< maximum distance from the middle of the widget, x plus y, device pixels
 
 template <class Reply> using Freed = std::unique_ptr<Reply, decltype(&std::free)>;
 template <class Reply> Freed<Reply> Own(Reply *reply) { return {reply, std::free}; }
@@ -28,7 +27,7 @@ template <class Reply> Freed<Reply> Own(Reply *reply) { return {reply, std::free
 double Convert(xcb_input_fp1616_t fixed) { return fixed / 65536.0; }
 double Convert(xcb_input_fp3232_t fixed) { return fixed.integral + fixed.frac / 4294967296.0; }
 
-/// What motions of that device tell.
+/// The kind of a device.
 Device KindOf(xcb_connection_t *x, xcb_input_device_id_t id) {
   const auto reply = Own(xcb_input_xi_query_device_reply(x, xcb_input_xi_query_device(x, id), nullptr));
   if (!reply || reply->num_infos == 0) return Device::TellsWay;
@@ -44,7 +43,7 @@ Device KindOf(xcb_connection_t *x, xcb_input_device_id_t id) {
   return Device::TellsWay;
 }
 
-/// The first two values of a report; one that is missing hasn't changed.
+/// The first two values of a report; a missing one is unchanged.
 Dots ValuesOf(const xcb_input_raw_motion_event_t &report) {
   const std::uint32_t *mask = xcb_input_raw_button_press_valuator_mask(&report);
   if (report.valuators_len == 0) return {};
@@ -73,7 +72,7 @@ public:
   }
 
 private:
-  /// Finds out where the widget's middle is. Returns where the pointer is.
+  /// Finds the middle of the widget. Returns the position of the pointer.
   Dots Look() {
     const QWidget &window = *over_.window();
     const QPointF middle = QPointF(over_.mapTo(&window, over_.rect().center())) * over_.devicePixelRatioF();
@@ -114,10 +113,10 @@ private:
     const auto &motion = reinterpret_cast<const xcb_input_motion_event_t &>(event);
     const Dots place{Convert(motion.root_x), Convert(motion.root_y)};
     Tell(travel_.Moved(motion.sourceid, place));
-    // An event carries the number of the last request that the display had carried out by then.
+    // An event has the number of the last request that the display had executed.
     if (static_cast<std::int32_t>(event.full_sequence - return_) >= 0) returning_ = false;
     const bool strayed = std::abs(place.x - anchorX_) + std::abs(place.y - anchorY_) > Stray;
-    // A device that tells places would only take the pointer away again.
+    // An absolute device would move the pointer away again.
     if (strayed && !returning_ && Kind(motion.sourceid) != Device::TellsPlace) MoveBack();
     return false;
   }
@@ -134,14 +133,14 @@ private:
 
   QWidget &over_;
   xcb_connection_t *x_;
-  std::uint8_t extension_; ///< number of the extension that tells of devices
+  std::uint8_t extension_; ///< number of the XInput extension
   Moved moved_;
   xcb_window_t root_ = XCB_NONE;
-  std::int16_t anchorX_ = 0, anchorY_ = 0; ///< where the pointer is moved back to
+  std::int16_t anchorX_ = 0, anchorY_ = 0; ///< the position to move back to
   PointerTravel travel_;
-  bool returning_ = false; ///< it has been asked to move back, and nothing that happened later has been seen
-  unsigned return_ = 0;    ///< number of that request
-  std::map<int, Device> kinds_; ///< of the devices seen
+  bool returning_ = false;      ///< a move back is requested, and no later event has arrived
+  unsigned return_ = 0;         ///< number of that request
+  std::map<int, Device> kinds_; ///< kinds of the devices seen
 };
 
 } // namespace

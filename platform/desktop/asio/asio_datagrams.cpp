@@ -12,13 +12,13 @@ namespace {
 
 using Udp = asio::ip::udp;
 
-constexpr std::size_t LargestDatagram = 2048; ///< bytes; more than any of ours
-/// The group to which hosts listen on each link: link-local, "SNWG" in its last bytes.
+constexpr std::size_t LargestDatagram = 2048; ///< bytes; ours are shorter
+/// The link-local multicast group of hosts, with "SNWG" in its last bytes.
 constexpr const char *LinkGroup = "ff02::534e:5747";
 
 struct Interfaces {
-  std::vector<asio::ip::address_v4> Broadcasts; ///< of the IPv4 interfaces that are up, loopback's included
-  std::vector<unsigned> Bare;                   ///< indices of those that are up and have no such address
+  std::vector<asio::ip::address_v4> Broadcasts; ///< of the IPv4 interfaces that are up, and of loopback
+  std::vector<unsigned> Bare;                   ///< indices of those without a broadcast address
   std::vector<unsigned> Links;                  ///< indices of the interfaces with IPv6
 };
 
@@ -35,7 +35,7 @@ Interfaces FindInterfaces() {
     if (!each->ifa_addr || !(each->ifa_flags & IFF_UP)) continue;
     if (each->ifa_addr->sa_family == AF_INET6) found.Links.push_back(if_nametoindex(each->ifa_name));
     if (each->ifa_addr->sa_family != AF_INET || (each->ifa_flags & IFF_LOOPBACK)) continue;
-    // The system tells an interface's own address where there is none to broadcast to.
+    // Without a broadcast address the system returns the address of the interface.
     const in_addr_t own = AddressIn(each->ifa_addr), broadcast = AddressIn(each->ifa_broadaddr);
     if ((each->ifa_flags & IFF_BROADCAST) && broadcast != INADDR_ANY && broadcast != own) {
       found.Broadcasts.emplace_back(ntohl(broadcast));
@@ -93,13 +93,13 @@ private:
     return true;
   }
 
-  /// A datagram may get lost anyway, so a failure is no more than that.
+  /// Ignores errors, since a datagram may get lost anyway.
   static void SendAt(Udp::socket &socket, const Udp::endpoint &to, session::ByteView data) {
     std::error_code ignored;
     socket.send_to(asio::buffer(data.data(), data.size()), to, 0, ignored);
   }
 
-  /// To 255.255.255.255 by that interface. The routes would send it out at one interface alone, or at none.
+  /// Sends to 255.255.255.255 through an interface. Routing would use one interface only, or none.
   void SendToAllAt(unsigned interface, std::uint16_t port, session::ByteView data) {
     const Udp::endpoint to(asio::ip::address_v4::broadcast(), port);
     iovec bytes{const_cast<std::uint8_t *>(data.data()), data.size()};
@@ -118,7 +118,7 @@ private:
     header->cmsg_type = IP_PKTINFO;
     header->cmsg_len = CMSG_LEN(sizeof by);
     std::memcpy(CMSG_DATA(header), &by, sizeof by);
-    ::sendmsg(four_.native_handle(), &message, 0); // may get lost anyway
+    ::sendmsg(four_.native_handle(), &message, 0); // an error counts as a loss
   }
 
   session::Reach reach_;
@@ -126,7 +126,7 @@ private:
   std::optional<Udp::socket> six_;
 };
 
-/// The IPv6 socket beside an IPv4 one; nothing where the system has none.
+/// The IPv6 socket beside an IPv4 one; nothing if the system has no IPv6.
 std::optional<Udp::socket> OpenSix(asio::io_context &context, std::uint16_t port) {
   std::error_code error;
   Udp::socket socket(context);

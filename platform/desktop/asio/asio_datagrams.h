@@ -4,9 +4,9 @@
 
 #include <asio.hpp>
 
-/// An IPv4 address that a socket of both kinds shows as an IPv6 one, as itself; any other as it is.
+/// Converts an IPv4-mapped IPv6 address to IPv4; returns any other unchanged.
 asio::ip::address PlainAddress(const asio::ip::address &address);
 
-/// Datagrams on that port; null if it can't be had.
+/// Opens a datagram port; null if it isn't available.
 std::unique_ptr<session::DatagramPort> OpenAsioDatagrams(asio::io_context &context, session::Reach reach,
                                                          std::uint16_t port);

@@ -4,6 +4,6 @@
 
 class HomeRouter;
 
-/// The network of this computer, for one program.
-/// @param router  lets callers in to a host; null: none is asked for anything
+/// The real network, for one program.
+/// @param router  forwards the port of a host; null for none
 std::shared_ptr<DirectPlay4> CreateAsioDirectPlay(Machine &machine, HomeRouter *router = nullptr);

@@ -47,7 +47,7 @@ public:
     if (GetState() != StreamState::Open) return 0;
     std::error_code error;
     const std::size_t count = socket_.write_some(asio::buffer(bytes.data(), bytes.size()), error);
-    // After a failure there may still be something to receive: it is `Receive` that comes to the end.
+    // After an error there may still be data; `Receive` finds the end.
     return error ? 0 : count;
   }
 
@@ -87,7 +87,7 @@ private:
 };
 
 std::vector<std::string> AddressesOf(const std::string &name) {
-  // The one name that means the same everywhere, also where there is no name service.
+  // The one name that must work without a name service.
   if (name == "localhost") return {"127.0.0.1", "::1"};
   addrinfo wanted{};
   wanted.ai_socktype = SOCK_STREAM;
@@ -104,8 +104,7 @@ std::vector<std::string> AddressesOf(const std::string &name) {
   return addresses;
 }
 
-/// Asks the system on a thread of its own, which nobody waits for: where no name server answers it takes the
-/// system half a minute to say so.
+/// Resolves on a detached thread, because without a name server the system takes half a minute to fail.
 class AsioLookup : public session::Lookup {
 public:
   explicit AsioLookup(const std::string &name) {
@@ -115,28 +114,28 @@ public:
         found->done = true;
       }).detach();
     } catch (const std::system_error &) {
-      found_->done = true; // no thread to be had: nobody is found
+      found_->done = true; // no thread available: the name is unknown
     }
   }
   bool Done() override { return found_->done; }
   std::vector<std::string> Addresses() override { return found_->addresses; }
 
 private:
-  /// Outlives the lookup: the answer may come when nobody wants it any more.
+  /// Shared with the thread, which may outlive the lookup.
   struct Found {
-    std::atomic<bool> done = false; ///< the thread has written `addresses`, and is over
+    std::atomic<bool> done = false; ///< `addresses` is complete
     std::vector<std::string> addresses;
   };
   std::shared_ptr<Found> found_ = std::make_shared<Found>();
 };
 
-/// A socket that takes connections; nothing if the port can't be had.
+/// A listening socket; null if the port isn't available.
 std::unique_ptr<session::Listener> ListenAt(asio::io_context &context, const Tcp::endpoint &at) {
   std::error_code error;
   Tcp::acceptor acceptor(context);
   acceptor.open(at.protocol(), error);
   if (!error && at.protocol() == Tcp::v6()) acceptor.set_option(asio::ip::v6_only(false), error);
-  // A port whose last connection has just ended can be had again; one that another program listens on can't.
+  // Allows a port in TIME_WAIT, but not one on which another program listens.
   if (!error) acceptor.set_option(Tcp::acceptor::reuse_address(true), error);
   if (!error) acceptor.bind(at, error);
   if (!error) acceptor.listen(asio::socket_base::max_listen_connections, error);
@@ -151,7 +150,7 @@ std::unique_ptr<session::Listener> AsioTransport::Listen(session::Reach reach, s
   if (reach == session::Reach::ThisComputer) {
     return ListenAt(context_, {asio::ip::address_v4::loopback(), port});
   }
-  // One socket takes both kinds of addresses; where the system has no IPv6, IPv4 alone.
+  // One socket for both IPv6 and IPv4; IPv4 only if the system has no IPv6.
   if (auto both = ListenAt(context_, {asio::ip::address_v6::any(), port})) return both;
   return ListenAt(context_, {asio::ip::address_v4::any(), port});
 }
@@ -173,7 +172,7 @@ std::unique_ptr<session::Stream> AsioTransport::Connect(const session::Endpoint 
   if (!error) socket.open(at.protocol(), error);
   if (!error) socket.non_blocking(true, error);
   if (error) return std::make_unique<AsioStream>(Tcp::socket(context_), StreamState::Closed, to.Address);
-  // The system's own call, since the library's waits for the end of the handshake even here.
+  // The system call, because the library's connect blocks even on a non-blocking socket.
   if (::connect(socket.native_handle(), at.data(), static_cast<socklen_t>(at.size())) == 0) {
     return std::make_unique<AsioStream>(std::move(socket), StreamState::Open, to.Address);
   }
@@ -189,7 +188,7 @@ std::unique_ptr<session::Lookup> AsioTransport::LookUp(const std::string &name) 
 
 void AsioTransport::FillRandom(std::span<std::uint8_t> bytes) {
   if (getrandom(bytes.data(), bytes.size(), 0) != static_cast<ssize_t>(bytes.size())) {
-    throw std::runtime_error("the system gives no random bytes");
+    throw std::runtime_error("can't get random bytes from the system");
   }
 }
 

@@ -1,7 +1,7 @@
 #pragma once
 
-// Streams and datagrams on real sockets. Every socket is non-blocking and looked at when it is polled;
-// nothing runs by itself but the search for a name.
+// Streams and datagrams on real sockets. Every socket is non-blocking and polled; only name lookups run on a
+// thread.
 
 #include "platform/session/transport.h"
 
@@ -11,7 +11,7 @@ class HomeRouter;
 
 class AsioTransport : public session::Transport {
 public:
-  /// @param router  null: none is asked for anything
+  /// @param router  may be null
   explicit AsioTransport(HomeRouter *router) : router_(router) {}
 
   void Poll() override {}
@@ -21,7 +21,7 @@ public:
   std::unique_ptr<session::Stream> Connect(const session::Endpoint &to) override;
   std::unique_ptr<session::Lookup> LookUp(const std::string &name) override;
   void FillRandom(std::span<std::uint8_t> bytes) override;
-  void WakeAt(std::optional<std::int32_t>) override {} // whoever pumps looks often enough
+  void WakeAt(std::optional<std::int32_t>) override {} // the machine pumps often enough
   bool Rest(std::int32_t milliseconds) override;
 
 private:

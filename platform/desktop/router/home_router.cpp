@@ -24,7 +24,7 @@ struct Range {
   int bits;
 };
 
-/// IPv4 addresses that the Internet knows no way to: a router that has one stands behind another.
+/// IPv4 addresses that aren't reachable from the Internet: a router with one is behind another router.
 constexpr Range Private[] = {{0x00000000, 8},  {0x0A000000, 8},  {0x64400000, 10}, {0x7F000000, 8},
                              {0xA9FE0000, 16}, {0xAC100000, 12}, {0xC0A80000, 16}, {0xE0000000, 3}};
 
@@ -38,7 +38,7 @@ bool IsPublic(const std::string &address) {
   return true;
 }
 
-/// What is open, and by whom.
+/// An open mapping.
 struct Opened {
   std::uint16_t inside;
   std::uint16_t outside;
@@ -51,12 +51,12 @@ struct HomeRouter::State {
   std::mutex mutex;
   std::condition_variable changed;
   // Guarded by the mutex.
-  std::uint16_t wanted = 0; ///< port to be open; 0 for none
-  std::uint64_t handle = 0; ///< of the object by which it was wanted
+  std::uint16_t wanted = 0; ///< port to open; 0 for none
+  std::uint64_t handle = 0; ///< of the `OpenedPort` that wants it
   bool running = false;     ///< the thread has been started
-  bool ending = false;      ///< the program is on its way out
-  bool looked = false;      ///< the first look for a router is over
-  bool asking = false;      ///< something is open on the router, or may be
+  bool ending = false;      ///< the program is exiting
+  bool looked = false;      ///< the first search for a router is over
+  bool asking = false;      ///< a mapping exists, or may exist
   std::string address;      ///< public; empty if unknown
 
   bool Wants(std::uint16_t port) {
@@ -65,7 +65,7 @@ struct HomeRouter::State {
   }
 };
 
-/// The thread's work: brings the router to what is wanted, one step after the other.
+/// The thread: makes the router match the wanted state, step by step.
 class HomeRouter::Worker {
 public:
   explicit Worker(std::shared_ptr<State> state) : state_(std::move(state)) {
@@ -99,8 +99,8 @@ private:
     opened_.reset();
   }
 
-  /// Opens or renews. What is open and can't be renewed is lost, unless nobody wants it any more: then it is
-  /// still to be closed.
+  /// Opens or renews. A mapping that can't be renewed is lost, unless it isn't wanted any more: then it must
+  /// still be closed.
   void Open(std::uint16_t port) {
     if (opened_) {
       if (OpenBy(*opened_->by, port, opened_->outside) || !state_->Wants(port)) return;
@@ -121,7 +121,7 @@ private:
       state_->address = IsPublic(*address) ? *address : "";
       state_->asking = true;
     }
-    // Two hosts behind one router: a joiner looks at each of these ports.
+    // With two hosts behind one router the port may be taken. A joiner tries each of these ports.
     std::uint16_t outside = first;
     for (int i = 0; i < session::PortCount && wanted(); ++i) {
       if (protocol.Open(port, outside)) {
@@ -141,8 +141,8 @@ private:
 
 namespace {
 
-/// A thread takes the signal mask of the one that starts it: a router that hangs up must not end the game by
-/// a signal.
+/// Blocks signals for the new thread, which inherits the mask: a closed connection must not kill the game
+/// with SIGPIPE.
 class SignalsBlocked {
 public:
   SignalsBlocked() {
@@ -198,7 +198,7 @@ std::unique_ptr<session::RouterPort> HomeRouter::Open(std::uint16_t port) {
       std::thread([state = state_] { Worker(state).Run(); }).detach();
       state_->running = true;
     } catch (const std::system_error &) {
-      state_->looked = true; // no thread to be had: no port
+      state_->looked = true; // no thread available: no port
     }
   }
   return std::make_unique<OpenedPort>(state_, handle);

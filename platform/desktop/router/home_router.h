@@ -1,7 +1,7 @@
 #pragma once
 
-// The router of the home, which lets nobody in who wasn't asked: opens a port of it for a waiting host, keeps
-// it open, and learns the public address on the way.
+// The home router, which blocks incoming connections: opens a port for a waiting host, keeps it open, and
+// finds out the public address.
 
 #include "platform/session/transport.h"
 
@@ -9,25 +9,25 @@
 #include <optional>
 #include <string>
 
-/// Talks to the router on a thread of its own, which starts with the first opened port. Everything here is
-/// called from the game's one thread and returns at once but where it says otherwise.
+/// Talks to the router on its own thread, started with the first port. All calls come from the game's one
+/// thread and return at once unless stated otherwise.
 class HomeRouter {
 public:
   HomeRouter();
 
-  /// Waits, at most a second, until the router has been told to close what is open.
+  /// Waits at most a second for the removal of the mappings.
   ~HomeRouter();
 
   HomeRouter(const HomeRouter &) = delete;
   HomeRouter &operator=(const HomeRouter &) = delete;
 
-  /// Has the port, TCP and UDP, opened until the returned object's end; renewed as long as that lives. Where
-  /// it is taken on the router another one on which a host is looked for takes its place. One port at a time:
-  /// a new one replaces the one before.
+  /// Opens the port, TCP and UDP, and keeps it open while the returned object lives. If it is taken on the
+  /// router, opens another port that joiners try. Only one port at a time: a new one replaces the previous
+  /// one.
   std::unique_ptr<session::RouterPort> Open(std::uint16_t port);
 
-  /// The router's public IPv4 address; nothing if no router has told one. Waits, at most two seconds, while a
-  /// router is being looked for the first time.
+  /// The public IPv4 address of the router; nothing if unknown. Waits at most two seconds during the first
+  /// search for a router.
   std::optional<std::string> PublicAddress();
 
 private:
@@ -35,6 +35,5 @@ private:
   class Worker;
   class OpenedPort;
 
-  std::shared_ptr<State>
-      state_; ///< the thread's too: it may outlive this object when a router doesn't answer
+  std::shared_ptr<State> state_; ///< shared with the thread, which may outlive this object
 };

@@ -1,4 +1,4 @@
-// NAT-PMP. Routers that speak its successor PCP take its requests as well, as a rule.
+// NAT-PMP. Routers with its successor PCP usually accept its requests too.
 
 #include "platform/desktop/router/router_protocol.h"
 
@@ -15,7 +15,7 @@ namespace {
 using Clock = std::chrono::steady_clock;
 using Milliseconds = std::chrono::milliseconds;
 
-/// The library's object, and with it a socket to the gateway.
+/// The library's object, which owns a socket to the gateway.
 class Gateway {
 public:
   Gateway() : opened_(initnatpmp(&gateway_, 0, 0) == 0) {}
@@ -25,7 +25,7 @@ public:
   Gateway(const Gateway &) = delete;
   Gateway &operator=(const Gateway &) = delete;
 
-  /// Null where this computer has no gateway.
+  /// Null if this computer has no gateway.
   natpmp_t *Get() { return opened_ ? &gateway_ : nullptr; }
 
 private:
@@ -33,7 +33,7 @@ private:
   bool opened_;
 };
 
-/// The answer to the question that was sent last; nothing if none comes or the router refuses.
+/// The answer to the last request; nothing on a time-out or refusal.
 std::optional<natpmpresp_t> Await(natpmp_t &gateway, const std::function<bool()> &wanted) {
   natpmpresp_t answer{};
   for (const auto end = Clock::now() + Milliseconds(NatPmpAnswerMs); Clock::now() < end && wanted();) {
@@ -64,7 +64,7 @@ public:
   }
 
   bool Open(std::uint16_t inside, std::uint16_t outside) override {
-    // A router gives another port where that one is taken.
+    // A router assigns another port if that one is taken.
     const auto given = Request(NATPMP_PROTOCOL_TCP, inside, outside, LeaseSeconds);
     if (given != outside) {
       if (given) Request(NATPMP_PROTOCOL_TCP, inside, 0, 0);
@@ -81,7 +81,7 @@ public:
   }
 
 private:
-  /// Returns the port that the router has given. @param seconds  0 takes it back
+  /// Returns the assigned port. @param seconds  0 removes the mapping
   static std::optional<std::uint16_t> Request(int protocol, std::uint16_t inside, std::uint16_t outside,
                                               unsigned seconds) {
     Gateway gateway;

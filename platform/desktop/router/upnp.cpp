@@ -9,10 +9,10 @@
 
 namespace {
 
-constexpr unsigned char HopLimit = 2;    ///< as the protocol has it
-constexpr int OnlyPermanentLeases = 725; ///< error of a router that knows no time limit
+constexpr unsigned char HopLimit = 2;    ///< as specified
+constexpr int OnlyPermanentLeases = 725; ///< error code of a router without time limits
 
-/// What a router may call itself, the newer types first.
+/// Types of routers and services to search for.
 constexpr std::array Types = {"urn:schemas-upnp-org:device:InternetGatewayDevice:1",
                               "urn:schemas-upnp-org:device:InternetGatewayDevice:2",
                               "urn:schemas-upnp-org:service:WANIPConnection:1",
@@ -26,9 +26,9 @@ Devices Discover(const char *type) {
           freeUPNPDevlist};
 }
 
-constexpr std::size_t AddressText = 64; ///< bytes of a buffer; the library fills up to 46
+constexpr std::size_t AddressText = 64; ///< buffer size, bytes; the library needs 46
 
-/// A router that is connected to the Internet.
+/// An Internet gateway device.
 class Igd {
 public:
   explicit Igd(UPNPDev *devices) {
@@ -49,7 +49,7 @@ public:
   bool Connected() const { return kind_ == 1; }
   const char *Url() const { return urls_.controlURL; }
   const char *Service() const { return data_.first.servicetype; }
-  const char *OwnAddress() const { return own_.data(); } ///< this computer's, as the router sees it
+  const char *OwnAddress() const { return own_.data(); } ///< of this computer, as the router sees it
 
 private:
   UPNPUrls urls_{};
@@ -67,8 +67,7 @@ public:
       if (!devices || !wanted()) continue;
       auto found = std::make_unique<Igd>(devices.get());
       if (!found->Connected()) continue;
-      igd_ =
-          std::move(found); // the one before is needed up to here: what it has opened may have to be closed
+      igd_ = std::move(found); // not earlier: the previous one may be needed to close a mapping
       std::array<char, AddressText> address{};
       UPNP_GetExternalIPAddress(igd_->Url(), igd_->Service(), address.data());
       return address.data();
@@ -101,7 +100,7 @@ private:
     return result == UPNPCOMMAND_SUCCESS;
   }
 
-  std::unique_ptr<Igd> igd_; ///< found last
+  std::unique_ptr<Igd> igd_; ///< the last one found
 };
 
 } // namespace

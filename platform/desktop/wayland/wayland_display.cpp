@@ -1,4 +1,4 @@
-// Asking a Wayland compositor.
+// Queries a Wayland compositor.
 
 #include "platform/desktop/display.h"
 
@@ -15,15 +15,15 @@ namespace {
 
 template <class Object> using Owned = std::unique_ptr<Object, void (*)(Object *)>;
 
-/// What the compositor has told so far. Of several screens the first counts.
+/// The properties received so far, of the first screen.
 struct Answers {
   bool constrains = false, tellsMotion = false;
   Owned<wl_output> screen{nullptr, wl_output_destroy};
   Owned<zxdg_output_manager_v1> sizes{nullptr, zxdg_output_manager_v1_destroy};
-  QSize pixels;        ///< of the screen's mode
-  bool turned = false; ///< whether the screen stands on its side
-  int factor = 1;      ///< at which programs draw; the next whole one to the screen's own
-  QSize counted;       ///< what the desktop counts for the screen, empty if it doesn't tell
+  QSize pixels;        ///< of the mode
+  bool turned = false; ///< whether the screen is rotated
+  int factor = 1;      ///< integer scale for programs, rounded up from that of the screen
+  QSize counted;       ///< logical size of the screen, empty if unknown
 };
 
 Answers &Of(void *data) { return *static_cast<Answers *>(data); }

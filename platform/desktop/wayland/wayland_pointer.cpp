@@ -1,4 +1,4 @@
-// Holding the pointer under Wayland: the compositor locks it where it is and tells its motion.
+// Pointer capture under Wayland: the compositor locks the pointer in place and reports its motion.
 
 #include "platform/desktop/pointer_hold.h"
 
@@ -20,7 +20,7 @@ namespace {
 
 template <class Object> using Owned = std::unique_ptr<Object, void (*)(Object *)>;
 
-/// What the compositor offers for holding a pointer. Lives as long as the process.
+/// The interfaces for locking the pointer. Lives as long as the process.
 struct Offers {
   zwp_pointer_constraints_v1 *constraints = nullptr;
   zwp_relative_pointer_manager_v1 *motions = nullptr;
@@ -42,8 +42,8 @@ const wl_registry_listener RegistryListener = {
     .global_remove = [](void *, wl_registry *, std::uint32_t) {},
 };
 
-/// Asks on a queue of our own, since Qt dispatches the usual one as it likes; what is bound then goes to the
-/// usual one.
+/// Uses its own event queue, because Qt dispatches the default one; the bound objects then use the default
+/// queue.
 Offers AskFor(wl_display *compositor) {
   Offers offers;
   wl_event_queue *queue = wl_display_create_queue(compositor);
@@ -65,11 +65,11 @@ template <class Object> Object *Native(const char *name) {
       QGuiApplication::platformNativeInterface()->nativeResourceForIntegration(name));
 }
 
-/// Qt makes a new one when a mouse is plugged in or out.
+/// Qt creates a new one when a mouse is plugged in or removed.
 wl_pointer *QtsPointer() { return Native<wl_pointer>("wl_pointer"); }
 
-/// The window's content on its surface. Where Qt draws the frame the surface has that too, and a pointer
-/// locked over it would press there.
+/// The content of the window on its surface. If Qt draws the frame, it is part of the surface, and a pointer
+/// locked over it would click there.
 Owned<wl_region> ContentOf(const QPlatformWindow &window) {
   Owned<wl_region> region(wl_compositor_create_region(Native<wl_compositor>("compositor")),
                           wl_region_destroy);
@@ -81,14 +81,14 @@ Owned<wl_region> ContentOf(const QPlatformWindow &window) {
 
 class WaylandHold : public PointerHold, QObject {
 public:
-  /// @param pointer  null where there is no mouse
+  /// @param pointer  null if there is no mouse
   WaylandHold(QWidget &over, const Offers &offers, wl_surface *surface, wl_pointer *pointer, Moved moved)
       : over_(over), moved_(std::move(moved)), pointer_(pointer) {
     if (!pointer) return;
     motions_.reset(zwp_relative_pointer_manager_v1_get_relative_pointer(offers.motions, pointer));
     static constexpr zwp_relative_pointer_v1_listener Listener = {.relative_motion = Motion};
     zwp_relative_pointer_v1_add_listener(motions_.get(), &Listener, this);
-    // Locked again by itself whenever the window gets the pointer.
+    // Persistent: the compositor locks again whenever the window gets the pointer.
     const auto content = ContentOf(*over.window()->windowHandle()->handle());
     lock_.reset(zwp_pointer_constraints_v1_lock_pointer(offers.constraints, surface, pointer, content.get(),
                                                         ZWP_POINTER_CONSTRAINTS_V1_LIFETIME_PERSISTENT));
@@ -98,8 +98,8 @@ public:
   bool Lost() const override { return pointer_ != QtsPointer(); }
 
 private:
-  /// The widget gets the presses wherever in its window the pointer is locked. A grab of Qt's own is for
-  /// menus alone here.
+  /// Sends the presses to the widget wherever in its window the pointer is locked. Qt's grab only works for
+  /// menus here.
   bool eventFilter(QObject *receiver, QEvent *event) override {
     const auto type = event->type();
     if (type != QEvent::MouseButtonPress && type != QEvent::MouseButtonRelease &&

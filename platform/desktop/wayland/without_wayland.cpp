@@ -1,4 +1,4 @@
-// What stands in where the game is built without Wayland.
+// Stubs for builds without Wayland.
 
 #include "platform/desktop/display.h"
 #include "platform/desktop/pointer_hold.h"
