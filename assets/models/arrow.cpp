@@ -1,5 +1,5 @@
-// The aim: the hand behind the piece that is about to flick it, a bold flat arrow ahead of it, and from the
-// arrow on a dotted line down the field.
+// The aim: the hand behind the piece, a flat arrow ahead of it, and a dotted line from the arrow down the
+// field.
 
 #include "hand.h"
 #include "models.h"
@@ -27,16 +27,16 @@ constexpr double BevelWidth = 0.45;
 constexpr Paint Ink{0.16, 0.08, 0.0, 0.0};
 constexpr Paint Bevel{0.95, 0.66, 0.0, 0.0};
 constexpr Paint Face{1.0, 0.95, 0.3, 0.0};
-constexpr Paint White{2.2, 2.2, 0.0, 0.0}; ///< shines so much that pure yellow light leaves it white
+constexpr Paint White{2.2, 2.2, 0.0, 0.0}; ///< so bright that pure yellow light leaves it white
 
-// The dots. The eye of the camera at rest sees them at even steps: with the distance grow their steps and
-// their size, else they would run into each other and flicker at the far end of the field.
+// The dots. Their spacing and size grow with the distance, so that they look evenly spaced from the camera's
+// initial position and don't merge and flicker at the far end of the field.
 constexpr int Dots = 9;
 constexpr double FirstDot = 30.0; ///< from the piece's middle
-constexpr double LastDot = 164.0; ///< from the start it lies in the middle of the target
+constexpr double LastDot = 164.0; ///< at the start it is in the middle of the bonus area
 constexpr double EyeBehind = 35.0;
 constexpr double FirstHalf = 0.62, LastHalf = 1.2; ///< half widths
-constexpr double Stretch = 3.0;                    ///< length by width, as of all that is painted on a road
+constexpr double Stretch = 3.0;                    ///< length by width, elongated like road markings
 constexpr double DotRise = 0.46;                   ///< height by half width
 
 /// The arrow's outline from the tail's left corner round by way of the tip, moved inward by `inset`.
@@ -85,7 +85,7 @@ void AddArrow(Mesh &mesh) {
   mesh.Triangle(top[3], top[4], top[5]);
 }
 
-/// A low white dome with a dark rim, `way` ahead of the piece.
+/// A low white dome with a dark rim, at distance `way` from the piece.
 void AddDot(Mesh &mesh, double way, double half) {
   constexpr int Sides = 8;
   constexpr double RimWidth = 0.25, RimRise = 0.1;

@@ -1,5 +1,5 @@
-// The target at the far edge: a striped disc and on it a raised ring and a star. Nothing of it may reach over
-// its circle, since whatever lies over it counts.
+// The bonus area at the far edge: a striped disc with a raised ring and a star. Nothing may extend beyond the
+// circle, since the rules test for these meshes.
 
 #include "models.h"
 #include "shapes.h"

@@ -12,8 +12,8 @@ constexpr double HalfWidth = 14.0;     ///< from the middle to each upright
 constexpr double UprightHeight = 32.5; ///< above the bar
 constexpr double TubeRadius = 0.62;
 constexpr double StemRadius = 0.95;
-constexpr double StemBack = 4.5;   ///< how far the stem stands behind the bar
-constexpr double StemFoot = -24.6; ///< where the stem ends, a little below the table's edge
+constexpr double StemBack = 4.5;   ///< distance of the stem behind the bar
+constexpr double StemFoot = -24.6; ///< end of the stem, a little below the table's edge
 constexpr double EdgeZ = 7.0;      ///< of the table's far edge, from the bar
 constexpr int Sides = 16;
 
@@ -24,7 +24,7 @@ constexpr Paint Steel{0.34, 0.26, 1.0, 0.0};
 constexpr Paint Ribbon{1.0, 0.10, 1.0, 0.0};
 constexpr Paint RibbonShade{0.75, 0.03, 1.0, 0.0};
 
-/// Varnish: darker on the side away from the light, with a gleam along the side that mirrors it to the start.
+/// Varnish: darker on the side away from the light, with a highlight toward the start.
 TubePaint Varnished(const Paint &paint) {
   return [paint](const Point &normal, const Point &along) {
     constexpr Point Light{-0.36, 0.86, 0.47}, Mirror{-0.21, 0.53, 0.82};
@@ -77,7 +77,7 @@ Mesh MakeGoal() {
   neck.push_back({0.0, StemFoot, -StemBack});
   Tube(mesh, neck, StemRadius, Sides, Varnished(Amber));
 
-  // It rides along the table's edge on a runner, as a clamp holds a lamp to a desk.
+  // It slides along the table's edge on a clamp, like that of a desk lamp.
   Tube(mesh, {{0.0, StemFoot + 0.9, -StemBack}, {0.0, StemFoot + 0.9, EdgeZ + 0.6}}, 0.75, 10, Steel);
   Box(mesh, {-3.4, StemFoot - 0.2, EdgeZ - 0.5}, {3.4, StemFoot + 3.8, EdgeZ - 0.05}, Steel);
   Lathe(mesh, {0.0, StemFoot, -StemBack},

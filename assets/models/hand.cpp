@@ -1,6 +1,6 @@
-// The hand that flicks the piece, as on the launch window's picture: a right hand in a striped sleeve that
-// points along -z, its other fingers folded. It lies so flat that one looks over it from behind, and sees
-// most of the piece from every place of the camera.
+// The hand that flicks the piece, as in the picture of the launch window: a right hand in a striped sleeve
+// that points along -z, the other fingers folded. It is so flat that most of the piece is visible from every
+// camera position.
 
 #include "hand.h"
 
@@ -10,8 +10,8 @@
 
 namespace {
 
-// The game lays pure yellow over the mesh, which leaves no blue. What shines far above 1 takes on the parts
-// that it lacks, so that these come out as skin and as cream.
+// The game multiplies the mesh with pure yellow, which removes blue. Values far above 1 regain it by
+// crosstalk, so these appear as skin and cream.
 constexpr Paint Skin{2.19, 0.51, 0.0, 0.0};
 constexpr Paint Nail{2.40, 0.95, 0.0, 0.0};
 constexpr Paint Cream{2.00, 1.85, 0.0, 0.0};
@@ -21,8 +21,8 @@ constexpr Paint Ink{0.16, 0.08, 0.0, 0.0};
 
 constexpr double InkWidth = 0.17;
 
-// From the tip to the knuckle. From the camera at rest the tip hides the middle of the piece's near edge
-// only.
+// From the tip to the knuckle. From the initial camera position the tip hides only the middle of the piece's
+// near edge.
 const std::vector<Joint> PointingFinger = {{{0.0, 0.20, 3.9}, 0.92, 0.60},
                                            {{0.0, 0.42, 6.6}, 1.20, 0.84},
                                            {{-0.05, 0.62, 10.4}, 1.28, 1.02},
@@ -41,7 +41,7 @@ Point OnSkin(const Joint &from, const Joint &to, double along, double turn, doub
 void AddCrease(Mesh &mesh, const Joint &from, const Joint &to, double along) {
   constexpr int Parts = 4;
   constexpr double Reach = 0.75; ///< radians to each side
-  constexpr double Half = 0.045; ///< share of the way between the joints
+  constexpr double Half = 0.045; ///< fraction of the distance between the joints
   constexpr double Above = 0.03;
   for (int part = 0; part < Parts; ++part) {
     const auto point = [&](int step, double side) {

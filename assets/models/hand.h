@@ -2,6 +2,6 @@
 
 #include "mesh.h"
 
-/// Adds the hand that flicks: a pointing finger whose tip lies close behind the origin, and what of the hand
-/// and the sleeve belongs to it, along +z. Lengths in scene units, the table's top at y = -0.5.
+/// Adds the flicking hand: a pointing finger whose tip is close behind the origin, with hand and sleeve along
+/// +z. Scene units, table top at y = -0.5.
 void AddHand(Mesh &mesh);

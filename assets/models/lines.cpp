@@ -22,13 +22,12 @@ void Band(Mesh &mesh, double x0, double x1, double z0, double z1) {
                 Yellow);
 }
 
-/// Width of a line across the field: the further away, the wider, so that it never gets too thin to be seen
-/// whole.
+/// Width of a line across the field, increasing with the distance so that it stays visible.
 double LineWidth(double z) { return 1.0 + 0.9 * (NearZ - z) / (NearZ - FarZ); }
 
 void Words(Mesh &mesh, const char *text, double middleX, double footZ, double height, double width,
            double stroke) {
-  // Who looks toward the far edge has +x at the left hand.
+  // +x is to the left of a viewer who faces the far edge.
   Lettering lettering{
       {0.0, PaintY, footZ}, {-1.0, 0.0, 0.0}, {0.0, 0.0, -1.0}, width, height, width * 0.35, stroke};
   lettering.origin.x = middleX + LineLength(text, lettering) / 2.0;

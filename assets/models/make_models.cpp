@@ -1,5 +1,5 @@
-// Writes the model files of the game into a directory. The factors are those by which the game multiplies
-// each model, and the offsets those that it adds, so that every model comes to its place.
+// Writes the model files of the game to a directory. Factors and offsets are those that the game applies to
+// each model.
 
 #include "models.h"
 

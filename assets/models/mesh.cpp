@@ -9,7 +9,7 @@ namespace {
 
 constexpr double SmallestArea = 1e-7; ///< of a face worth writing, square units
 
-/// A number with its decimal point, as readers of such files want it.
+/// A number with a decimal point, which readers of mesh files require.
 std::string Number(double value) {
   char text[40];
   std::snprintf(text, sizeof text, "%.5f", value == 0.0 ? 0.0 : value);
@@ -20,8 +20,8 @@ std::string Number(double value) {
 
 std::string Triple(const Point &a) { return Number(a.x) + ";" + Number(a.y) + ";" + Number(a.z) + ";"; }
 
-/// A nudge of a normal, too small to be seen, that differs from colour to colour. Readers join vertices that
-/// share place and normal without a look at their colours, and would blur the edge between two paints.
+/// An invisibly small change of a normal that depends on the colour. Readers merge vertices with equal
+/// positions and normals regardless of their colours, which would blur the edge between two colours.
 Point Nudge(const Paint &paint) {
   constexpr double Size = 4e-4;
   const auto part = [&](double a, double b, double c, double d) {
@@ -116,7 +116,7 @@ void Mesh::Write(const std::filesystem::path &path, const std::string &name,
   writeFaces();
   file << "MeshNormals {\n" << vertices_.size() << ";\n";
   for (std::size_t i = 0; i < vertices_.size(); ++i) {
-    // A normal scales the other way round, or it would lean out of its surface.
+    // Normals scale by the inverse.
     const Point normal = Normalized(vertices_[i].normal) + Nudge(vertices_[i].paint);
     file << Triple(Normalized(
                 {normal.x * placement.scale.x, normal.y * placement.scale.y, normal.z * placement.scale.z}))

@@ -1,7 +1,7 @@
 #pragma once
 
-// A triangle mesh in the making, and the file that it becomes. Left-handed axes, y up, lengths in whatever
-// unit the model is thought in; the writer divides by the factors that the game multiplies by.
+// A builder of triangle meshes, and the writer of mesh files. Left-handed axes, y up, any unit of length; the
+// writer divides by the factors that the game multiplies by.
 
 #include <filesystem>
 #include <string>
@@ -17,17 +17,17 @@ Point operator*(const Point &a, double factor);
 double Dot(const Point &a, const Point &b);
 Point Cross(const Point &a, const Point &b);
 double Length(const Point &a);
-Point Normalized(const Point &a); ///< (0, 1, 0) for a vector too short to have a direction
+Point Normalized(const Point &a); ///< (0, 1, 0) for a vector of almost zero length
 Point Mix(const Point &a, const Point &b, double share);
 
-/// Colour of a vertex, parts from 0 to 1, above 1 for what shines. It tints what the game lays over the mesh,
-/// be it a texture or a material.
+/// Colour of a vertex, channels from 0 to 1, above 1 for highlights. It is multiplied with the texture or
+/// material.
 struct Paint {
   double r = 1.0, g = 1.0, b = 1.0;
-  double texture = 1.0; ///< how much of the texture shows: 1 all of it, 0 the plain paint
+  double texture = 1.0; ///< weight of the texture: 1 full texture, 0 plain colour
 };
 
-Paint operator*(const Paint &paint, double brightness); ///< the share of texture stays
+Paint operator*(const Paint &paint, double brightness); ///< keeps the weight of the texture
 Paint Mix(const Paint &a, const Paint &b, double share);
 
 struct Vertex {
@@ -36,7 +36,7 @@ struct Vertex {
   Paint paint;
 };
 
-/// Where a model comes to stand: scene = file * scale + offset, axis by axis.
+/// Placement of a model by the game: scene = file * scale + offset, per axis.
 struct Placement {
   Point scale{1.0, 1.0, 1.0};
   Point offset;
@@ -44,19 +44,18 @@ struct Placement {
 
 class Mesh {
 public:
-  int Add(const Vertex &vertex); ///< the vertex's number
-  /// A face between three vertices, turned so that its front lies on the side of their normals. Faces without
-  /// area are dropped.
+  int Add(const Vertex &vertex); ///< returns the index of the vertex
+  /// A face of three vertices, oriented by their normals. Degenerate faces are dropped.
   void Triangle(int a, int b, int c);
-  void Quad(int a, int b, int c, int d); ///< corners in order round the face
-  /// A quad with corners of its own.
+  void Quad(int a, int b, int c, int d); ///< corners in order around the face
+  /// A quad with its own vertices.
   void Quad(const Vertex &a, const Vertex &b, const Vertex &c, const Vertex &d);
-  /// A face of its own with one normal; the front lies on the side of `normal`.
+  /// A flat face with its own vertices, oriented by `normal`.
   void FlatQuad(const Point &a, const Point &b, const Point &c, const Point &d, const Point &normal,
                 const Paint &paint);
   void FlatTriangle(const Point &a, const Point &b, const Point &c, const Point &normal, const Paint &paint);
 
-  /// Adds all of another mesh, each vertex as `place` makes it.
+  /// Adds another mesh with every vertex transformed by `place`.
   template <typename Place> void Append(const Mesh &other, Place place) {
     const int first = static_cast<int>(vertices_.size());
     for (const Vertex &vertex : other.vertices_) Add(place(vertex));
@@ -65,7 +64,7 @@ public:
 
   std::size_t Faces() const { return faces_.size(); }
 
-  /// Writes the mesh so that it has its places of now once the game has scaled and shifted it by `placement`.
+  /// Writes the mesh such that the game's `placement` restores the current positions.
   /// @throws std::runtime_error  if the file can't be written
   void Write(const std::filesystem::path &path, const std::string &name, const Placement &placement) const;
 

@@ -1,6 +1,6 @@
-// The piece: a sheet of notebook paper folded to a thick triangle. Its edges are the rounded folds of several
-// layers, its top swells a little, and over one half of it lies the last flap, whose free edge stands up. A
-// thin line of ink all round sets it off from whatever lies behind it.
+// The piece: a sheet of notebook paper folded into a thick triangle. Its edges are the rounded folds of
+// several layers, the top bulges a little, and the last flap covers one half, with its free edge raised. A
+// thin outline separates it from the background.
 
 #include "models.h"
 #include "shapes.h"
@@ -11,7 +11,7 @@ namespace {
 
 constexpr Point Corners[3] = {{0.0, 0.0, -2.5}, {5.0, 0.0, 2.5}, {-5.0, 0.0, 2.5}};
 
-constexpr double InkWidth = 0.11; ///< by which the paper stays inside the corners
+constexpr double InkWidth = 0.11; ///< inset of the paper from the corners
 constexpr double InkFoot = -0.425;
 constexpr double InkHead = 0.33;
 
@@ -19,7 +19,7 @@ constexpr double Underside = -0.40;
 constexpr double TopEdge = 0.24;  ///< height of the top along its border
 constexpr double Swelling = 0.08; ///< of the top in its middle
 constexpr double FlapLift = 0.05; ///< of the flap's sheet above the top
-constexpr double FlapCurl = 0.11; ///< how much further its free edge stands up
+constexpr double FlapCurl = 0.11; ///< additional height of its free edge
 constexpr double TopInset = 0.20; ///< of the top and the underside from the paper's outline
 
 constexpr Paint Paper{1.0, 1.0, 1.0, 1.0};
@@ -41,7 +41,7 @@ void Inset(double inset, double y, Point (&out)[3]) {
   }
 }
 
-/// A triangular sheet between three corners, cut into cells, with height and paint as `shape` tells.
+/// A triangular grid between three corners, with height and colour given by `shape`.
 template <typename Shape>
 void Sheet(Mesh &mesh, const Point (&corners)[3], int cells, double facing, Shape shape) {
   std::vector<std::vector<int>> rows;
@@ -76,8 +76,8 @@ double FromBorder(const Point &at) {
   return nearest;
 }
 
-/// The line round the paper: a shell that shows its inner side only, so that one sees of it what reaches
-/// beyond the paper, whichever way the piece is turned. It has the corners that the rules look from.
+/// The outline of the paper: a shell with its front inside, visible where it extends beyond the paper in any
+/// orientation. Its corners are those tested by the rules.
 void AddInk(Mesh &mesh) {
   const struct { double inset, y; } levels[] = {{0.03, InkFoot}, {0.0, 0.0}, {0.03, InkHead}};
   Point ring[3][3];
@@ -101,7 +101,7 @@ Mesh MakePiece() {
 
   AddInk(mesh);
 
-  // The folds. Dark hollows part the layers of paper.
+  // The folds. Dark grooves separate the layers of paper.
   struct Level {
     double inset, y, lean; ///< lean: upward part of the normal
     Paint paint;

@@ -1,6 +1,6 @@
 #pragma once
 
-// Solids and flat figures that the models are put together from.
+// Solids and flat shapes that the models are built from.
 
 #include "mesh.h"
 
@@ -12,41 +12,41 @@ constexpr double Pi = 3.14159265358979323846;
 /// 0 below `from`, 1 above `to`, smooth between.
 double SmoothStep(double from, double to, double value);
 
-/// A point of a profile that is turned round the y axis or led along an outline.
+/// A point of a profile that is revolved around the y axis or swept along an outline.
 struct ProfilePoint {
   double out = 0.0; ///< radius, or distance from the outline
   double y = 0.0;
   Paint paint;
 };
 
-/// Turns a profile round the y axis through `centre`. The surface faces right of the way along the profile
-/// (out to the right, y up) and is smooth along it where `smooth` is set.
+/// Revolves a profile around the y axis through `centre`. The surface faces to the right of the profile's
+/// direction (out to the right, y up) and is smooth where `smooth` is set.
 void Lathe(Mesh &mesh, const Point &centre, const std::vector<ProfilePoint> &profile, int segments,
            bool smooth);
 
-/// Paint of a tube where its surface looks along `normal` and it runs along `along`.
+/// Colour of a tube by surface normal and direction.
 using TubePaint = std::function<Paint(const Point &normal, const Point &along)>;
 
 /// A round tube along a path, with rounded ends.
 void Tube(Mesh &mesh, const std::vector<Point> &path, double radius, int sides, const TubePaint &paint);
 void Tube(Mesh &mesh, const std::vector<Point> &path, double radius, int sides, const Paint &paint);
 
-/// A cross-section of a limb: an ellipse across its path.
+/// A cross-section of a limb: an ellipse perpendicular to its path.
 struct Joint {
   Point at;
-  double side = 1.0; ///< half width, level
+  double side = 1.0; ///< half width, horizontal
   double up = 1.0;   ///< half height
 };
 
-/// A round limb along joints, with ends rounded off in `capRings` steps.
+/// A round limb along joints, with ends rounded in `capRings` steps.
 void Limb(Mesh &mesh, const std::vector<Joint> &joints, int sides, int capRings, const Paint &paint);
 
-/// A shell around a solid that shows its inner side only: of it one sees a line round the solid.
+/// A shell around a solid with its front inside, which is visible as an outline.
 void Outline(Mesh &mesh, const Mesh &solid, double width, const Paint &paint);
 
 /// A box between two corners.
 void Box(Mesh &mesh, const Point &low, const Point &high, const Paint &paint);
 
-/// A flat stroke at height `y`, front up, through points whose y is not looked at, with mitred bends.
+/// A flat stroke at height `y`, facing up, through points whose y is ignored, with mitred bends.
 void Stroke(Mesh &mesh, const std::vector<Point> &path, bool closed, double width, double y,
             const Paint &paint);

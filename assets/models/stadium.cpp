@@ -1,6 +1,6 @@
-// The stadium: a floor with a running track far below the table, and round it, on a square plan with round
-// corners, decks of seats that rise past the table to two tiers and a rim with masts and flags. Everything
-// that the camera can look past lies outside the square of its places.
+// The stadium: a floor with a running track far below the table, surrounded on a rounded square plan by decks
+// of seats that rise past the table to two tiers and a rim with masts and flags. All of it is outside the
+// square of the camera positions.
 
 #include "models.h"
 #include "shapes.h"
@@ -12,7 +12,7 @@
 
 namespace {
 
-constexpr double Floor = -150.0;   ///< just below where a falling piece ends
+constexpr double Floor = -150.0;   ///< just below the end of a fall
 constexpr double CornerAt = 100.0; ///< the round corners' middles, in x and z
 constexpr int StraightParts = 6;   ///< of each side
 constexpr int CornerParts = 7;     ///< of each corner
@@ -26,7 +26,7 @@ constexpr Paint Steel{0.36, 0.38, 0.48, 0.0};
 constexpr Paint Lamp{1.9, 1.8, 1.5, 0.0};
 constexpr Paint Track{0.60, 0.27, 0.23, 0.0};
 constexpr Paint LaneLine{0.76, 0.66, 0.64, 0.0};
-// Dusk has reached the ground: none of its colours is near the table's, so that the table's edge stands out.
+// The ground is at dusk, in colours unlike those of the table, so that the edge of the table is distinct.
 constexpr Paint LightGrass{0.17, 0.28, 0.36, 0.06};
 constexpr Paint DarkGrass{0.14, 0.24, 0.33, 0.06};
 constexpr Paint Banner{0.10, 0.12, 0.36, 0.0};
@@ -35,12 +35,12 @@ constexpr Paint Banner{0.10, 0.12, 0.36, 0.0};
 constexpr double BannerFoot = 10.4;
 constexpr double BannerHead = 22.6;
 
-/// A place on the plan: where a level that lies `out` from the middle passes, and which way is outward.
+/// A position on the plan at distance `out` from the middle, and the outward direction.
 struct Station {
   double x, z, outX, outZ;
 };
 
-/// `turn` counts columns round the stadium, from the far side's end at -x on; fractions lie between.
+/// `turn` counts columns around the stadium, starting at the -x end of the far side; may be fractional.
 Station At(double turn, double out) {
   const double wrapped = turn - Columns * std::floor(turn / Columns);
   const int side = static_cast<int>(wrapped / SideColumns) % 4;
@@ -77,7 +77,7 @@ struct Level {
 /// Paint of a column at one of its ends, a turn of `column` or one more.
 using PaintAt = std::function<Paint(int column, double turn)>;
 
-/// The surface between two levels, all the way round. It faces left of the way from `low` to `high`, seen
+/// The surface between two levels, all around. It faces to the left of the direction from `low` to `high`,
 /// with outward to the right.
 void Ring(Mesh &mesh, const Level &low, const Level &high, const PaintAt &lowPaint,
           const PaintAt &highPaint) {
@@ -99,8 +99,8 @@ void Ring(Mesh &mesh, const Level &low, const Level &high, const Paint &lowPaint
       mesh, low, high, [&](int, double) { return lowPaint; }, [&](int, double) { return highPaint; });
 }
 
-/// Blocks of seats where supporters of one side sit together, in the colours of their side. Brighter than the
-/// picture itself, since the haze takes much of it away.
+/// Blocks of seats with supporters of one side, in its colours. Brighter than the texture, to compensate for
+/// the haze.
 Paint Supporters(int column) {
   static const Paint tints[] = {{1.32, 1.30, 1.32, 1.0},
                                 {1.42, 1.02, 0.94, 1.0},
@@ -113,7 +113,7 @@ Paint Supporters(int column) {
 /// A deck of seats with stairs between its blocks. `lowLight` and `highLight`: brightness at its foot and
 /// head.
 void Deck(Mesh &mesh, const Level &low, const Level &high, double lowLight, double highLight) {
-  // In two steps, so that the shade under the deck above doesn't reach down to the front rows.
+  // In two steps, so that the shade under the upper deck doesn't extend to the front rows.
   const Level middle{(low.out + high.out) / 2.0, (low.y + high.y) / 2.0};
   const double middleLight = lowLight * 0.6 + highLight * 0.4;
   const auto lit = [](double light) {
@@ -148,8 +148,7 @@ void Boards(Mesh &mesh, double out, double low, double high, int phase, double l
   Ring(mesh, {out, low}, {out + 0.4, high}, colour, colour);
 }
 
-/// Brightness of the floor at a place: the table keeps the light from the middle, all the softer for its
-/// height.
+/// Brightness of the floor: the table casts a soft shadow in the middle.
 double FloorLight(double x, double z) {
   constexpr double ShiftX = 8.0, ShiftZ = -12.0; // the light comes from above the start
   constexpr double Roundness = 4.0;              // of the pool of shade: that of the table, well blurred
@@ -331,7 +330,7 @@ Mesh MakeStadium() {
   Ring(mesh, {214.0, -47.0}, {206.0, -46.0}, Shade * 0.8, Shade);
   Boards(mesh, 205.6, -46.0, -40.0, 5, 0.85);
 
-  // The two tiers that the table's height looks at.
+  // The two tiers at the height of the table.
   Deck(mesh, {206.0, -39.5}, {254.0, 9.5}, 0.92, 0.42);
   Ring(mesh, {254.0, 9.5}, {254.0, 14.0}, Shade, Shade * 0.7);
   Ring(mesh, {254.0, 14.0}, {232.0, 16.8}, Shade * 0.7, Shade);
@@ -347,7 +346,7 @@ Mesh MakeStadium() {
     AddMast(mesh, side * SideColumns + 0.3);
     AddMast(mesh, side * SideColumns + StraightParts - 0.3);
   }
-  // Brighter than life: half of them are seen from their unlit side.
+  // Brighter than realistic, because half of them are seen from the unlit side.
   static const Paint flags[] = {
       {1.45, 0.24, 0.20, 0.0}, {1.50, 1.15, 0.18, 0.0}, {0.22, 0.58, 1.40, 0.0}, {1.35, 1.32, 1.30, 0.0}};
   for (int i = 0; i < Columns; ++i) AddFlag(mesh, i + 0.5, flags[i % 4]);

@@ -1,5 +1,5 @@
-// The table: a flat top, a wooden edge and an arched underside. The same model at ten times the size hangs
-// over the stadium as the sky, which shows its underside: the arch makes a dome of it, and the paint its
+// The table: a flat top, a wooden edge and an arched underside. The same model enlarged ten times is the sky
+// above the stadium, of which the underside is visible: the arch forms a dome, and the vertex colours its
 // haze.
 
 #include "models.h"
@@ -14,10 +14,10 @@ namespace {
 constexpr double HalfSide = 88.0;   ///< of the square top
 constexpr double EdgeHeight = 0.9;  ///< of the upright part of the edge
 constexpr double Thickness = 3.4;   ///< at the edge
-constexpr double Undercut = 2.0;    ///< how far the underside stays behind the top
+constexpr double Undercut = 2.0;    ///< inset of the underside
 constexpr double CrownDepth = 0.15; ///< thickness in the middle, where the sky is highest
 constexpr int TopCells = 7;         ///< odd, so that no seam runs along the middle of the field
-// Where the sky comes down, behind the rim of the stands: its clouds face the camera there.
+// The sky descends behind the rim of the stands, so that its clouds face the camera.
 constexpr double SkyShoulder = 28.0;
 constexpr double SkyFoot = 42.0;
 
@@ -30,7 +30,7 @@ constexpr Paint KerbRed{0.92, 0.10, 0.08, 0.0};
 constexpr Paint KerbWhite{1.05, 1.03, 1.0, 0.0};
 constexpr Paint LightWood{0.93, 0.72, 0.47, 0.0};
 constexpr Paint DarkWood{0.55, 0.34, 0.19, 0.0};
-// Brighter than the picture itself: what hangs over the stadium is seen from its unlit side.
+// Brighter than the texture, because the sky is seen from its unlit side.
 constexpr Paint Zenith{1.03, 1.01, 1.08, 1.0};
 constexpr Paint Horizon{1.155, 0.96, 0.84, 0.30};
 
@@ -41,7 +41,7 @@ std::vector<double> Even(int cells, double half) {
   return places;
 }
 
-/// A square of cells between places along both axes, on which `vertex` tells the vertex at (x, z).
+/// A grid of cells between coordinates on both axes; `vertex` gives the vertex at (x, z).
 template <typename VertexAt> void Grid(Mesh &mesh, const std::vector<double> &places, VertexAt vertex) {
   const int cells = static_cast<int>(places.size()) - 1;
   std::vector<int> numbers;
@@ -64,8 +64,8 @@ double ArchHeight(double x, double z) {
   return -CrownDepth - vault - (Thickness - CrownDepth - 0.35) * SmoothStep(SkyShoulder, SkyFoot, away);
 }
 
-/// The flat top: turf with a kerb around it. The turf's border has a corner at each block of the kerb, since
-/// a gap between two faces would be a hole to the eye and to the rules.
+/// The flat top: turf with a kerb around it. The border of the turf has a vertex at each block of the kerb,
+/// because a gap between two faces would be a hole in the image and for the rules.
 void AddTop(Mesh &mesh) {
   static constexpr Point Up{0.0, 1.0, 0.0};
   constexpr double Inner = HalfSide - KerbWidth;

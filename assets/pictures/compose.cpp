@@ -1,5 +1,5 @@
-// Composes a picture's source into plain SVG: puts in the parts that pictures share, sets the letterings and
-// fills the stands. A text that doesn't fit its place stops the build.
+// Converts the source of a picture to plain SVG: inserts shared parts, sets the letterings and fills the
+// stands. A text that doesn't fit is an error.
 //
 //     compose SOURCE PARTS_DIRECTORY OUTPUT
 
@@ -16,7 +16,7 @@
 
 namespace {
 
-// A part may use parts, but not itself.
+// Limits recursion: a part may use other parts, but not itself.
 constexpr int DeepestPart = 8;
 
 std::string ReadFile(const std::filesystem::path &path) {

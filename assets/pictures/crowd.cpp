@@ -11,7 +11,7 @@ constexpr std::array Faces = {"#f6cfa6", "#e3a877", "#b97a4d", "#8a5433", "#f9dc
 constexpr std::array Hairs = {"#3a2a24", "#6b4128", "#d9a441", "#20232b", "#a5502b"};
 // In widths of a figure.
 constexpr double RowHeight = 1.0, HeadRadius = 0.33, Jitter = 0.12;
-// One in so many holds both arms up.
+// One figure in so many raises both arms.
 constexpr unsigned Cheering = 6;
 
 } // namespace
@@ -19,7 +19,7 @@ constexpr unsigned Cheering = 6;
 std::string SetCrowd(const Element &element) {
   const double left = element.Number("x"), width = element.Number("width"), person = element.Number("person");
   const int rows = static_cast<int>(element.Number("rows"));
-  // The engine's own numbers are the same on every machine; the library's distributions aren't.
+  // The engine is the same on every machine; the standard distributions aren't.
   std::minstd_rand draw(static_cast<unsigned>(element.Number("seed", 1)));
   const auto oneOf = [&](const auto &choices) { return choices[(draw() >> 8) % choices.size()]; };
   const auto jitter = [&] {

@@ -7,8 +7,8 @@
 
 namespace {
 
-/// A letter as it is written down: M starts a line, L goes on to a sharp corner, R to a round one, Z closes
-/// the line, D is a dot.
+/// The notation of a letter: M starts a line, L continues to a sharp corner, R to a round one, Z closes the
+/// line, D is a dot.
 struct Drawing {
   char character;
   double advance;

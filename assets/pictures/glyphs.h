@@ -1,10 +1,10 @@
 #pragma once
 
-// The game's own typeface as skeletons: the middle lines of its letters, to be drawn with a pen of any width.
+// The game's typeface as skeletons: the centre lines of its letters, to be drawn with a pen of any width.
 // One set serves the titles (fat pen), the texts (thin pen) and the newspapers (wide flat pen).
 //
-// A letter stands on a grid with y up: baseline 0, small letters 6 high, capitals 9 high, descenders to -3.
-// Stems lie on whole numbers, so that at one pixel per unit they fall on whole pixels.
+// Letters are on a grid with y up: baseline 0, small letters 6 high, capitals 9 high, descenders to -3.
+// Stems are at integers, so that at one pixel per unit they align with pixels.
 
 #include <vector>
 
@@ -29,5 +29,5 @@ struct Glyph {
   std::vector<GlyphPoint> dots;
 };
 
-/// @throws std::invalid_argument  for a character that the typeface doesn't have
+/// @throws std::invalid_argument  for a character missing in the typeface
 const Glyph &GlyphOf(char character);

@@ -10,15 +10,16 @@
 
 namespace {
 
-// How far a rounded corner's control points lie from its ends towards the corner; a circle would have 0.55.
+// Distance of the control points of a rounded corner from its ends, relative to the corner; 0.55 for a
+// circle.
 constexpr double CornerFullness = 0.62;
 // Radius of dots, in widths of the pen.
 constexpr double DotRadius = 0.62;
-// Marks a place at which a word may be broken; doesn't show.
+// An invisible mark at which a word may be broken.
 constexpr char BreakMark = '|';
-// At most so much is added between the letters of a justified line, in units; words take the rest.
+// Maximum space added between the letters of a justified line, in units; the rest goes between words.
 constexpr double MostLetterSpace = 0.45;
-// A justified line is stretched only if its words fill this much of it.
+// A line is justified only if its words fill this fraction of it.
 constexpr double LeastFilled = 0.6;
 
 struct Word {
@@ -41,7 +42,7 @@ double Advance(const std::string &text, const Style &style) {
   return units * style.unit * style.stretch;
 }
 
-/// From the first letter's left to the last one's right edge. The gap behind the last letter doesn't count.
+/// Width from the left edge of the first letter to the right edge of the last, without its trailing gap.
 double Width(const Line &line, const Style &style) {
   constexpr double LastGap = 3.0;
   double width = 0.0;
@@ -50,8 +51,8 @@ double Width(const Line &line, const Style &style) {
   return width + ((style.pen - LastGap) - style.space) * style.unit * style.stretch;
 }
 
-/// The path of one skeleton line, rounded corners and all. Coordinates are divided by `contrast` in x, since
-/// the pen is drawn that much wider.
+/// The path of one skeleton line, with rounded corners. x is divided by `contrast`, because the path is drawn
+/// wider by that factor.
 std::string LinePath(const GlyphLine &line, double radius, double x, double y, const Style &style) {
   const auto place = [&](double px, double py) {
     return Decimal((x + px * style.unit * style.stretch) / style.contrast) + " " +
@@ -93,7 +94,7 @@ public:
       : style_(style), ink_(std::move(ink)), accent_(std::move(accent)) {}
 
   /// @param between  added behind each letter, pixels
-  /// @return         where the next word would start without a space
+  /// @return         start of the next word without a space
   double SetWord(const Word &word, double x, double baseline, double between) {
     for (const char character : word.text) {
       if (character == BreakMark) continue;
@@ -174,8 +175,7 @@ std::vector<Line> Paragraphs(const std::string &text) {
   return paragraphs;
 }
 
-/// Takes as much of the word's head as fits behind the line, and returns what is left of it; the whole word
-/// if nothing fits.
+/// Appends as much of the word as fits to the line, and returns the rest; the whole word if nothing fits.
 Word BreakWord(Line &line, const Word &word, double width, const Style &style) {
   for (std::size_t mark = word.text.rfind(BreakMark); mark != std::string::npos && mark > 0;
        mark = word.text.rfind(BreakMark, mark - 1)) {
@@ -208,7 +208,7 @@ Style ReadStyle(const Element &element) {
           element.Text("snap", "0") == "1",      element.Text("ends", "square")};
 }
 
-/// Where a line starts and what is added between its words and its letters.
+/// Start of a line and the space added between its words and letters.
 struct Spacing {
   double start = 0.0, words = 0.0, letters = 0.0;
 };
@@ -224,7 +224,7 @@ Spacing Align(const Line &line, const std::string &align, bool last, double widt
   return {0.0, (rest - betweenLetters * letters) / static_cast<double>(line.size() - 1), betweenLetters};
 }
 
-/// @throws std::invalid_argument  if the text that was set takes more lines or height than the element allows
+/// @throws std::invalid_argument  if the text takes more lines or height than the element allows
 void CheckFit(const Element &element, double lines, double depth) {
   if (lines > element.Number("lines", lines)) {
     throw std::invalid_argument("the text \"" + element.content + "\" takes " + Decimal(lines) +

@@ -10,18 +10,17 @@
 /// words between asterisks take the accent ink. Its attributes:
 ///
 /// - x, y, width, height: the box, pixels; y is the top of the first line's capitals
-/// - lines: how many the text may take, any number unless told
+/// - lines: maximum number of lines, unlimited by default
 /// - cap: height of the capitals, pixels
-/// - stretch: widening of the letters, 1 unless told
-/// - pen: width of upright strokes in units of a ninth of cap; contrast: how many times wider than level
-/// strokes
+/// - stretch: horizontal scale of the letters, 1 by default
+/// - pen: width of vertical strokes in ninths of cap; contrast: their width relative to horizontal strokes
 /// - space: added between letters, in the same units
-/// - leading: from line to line, gap: added between paragraphs, both in pixels
+/// - leading: line height, gap: added between paragraphs, both in pixels
 /// - align: "left", "center", "right" or "justify"
 /// - ends: "round" or "square" ends and corners of strokes
-/// - serif: half the length of the slabs at the ends of upright strokes, none unless told
+/// - serif: half the length of the slabs at the ends of vertical strokes, none by default
 /// - ink, accent: colours
-/// - snap: "1" puts each letter on whole pixels, for small texts
+/// - snap: "1" aligns each letter with pixels, for small texts
 ///
 /// @throws std::invalid_argument  if the text doesn't fit into the box, or a character has no shape
 std::string SetLettering(const Element &element);

@@ -34,7 +34,7 @@ double Element::Number(const std::string &attribute, double otherwise) const {
 }
 
 pugi::xml_document ParseMarkup(const std::string &text) {
-  // Line breaks in attributes count: they part the paragraphs of a lettering.
+  // Keeps line breaks in attributes, which separate paragraphs of a lettering.
   constexpr unsigned Options = (pugi::parse_default | pugi::parse_fragment) & ~pugi::parse_wconv_attribute;
   pugi::xml_document document;
   const auto result = document.load_string(text.c_str(), Options);

@@ -18,19 +18,19 @@ constexpr Vowel Eh{560, 1750, 2550};
 constexpr Vowel Oh{480, 880, 2450};
 constexpr Vowel Oo{320, 760, 2300};
 
-/// How hard a throat is pressed: a shout has brighter pulses and rings higher up than talk.
+/// Vocal effort: a shout has brighter pulses and stronger high formants than talk.
 struct Effort {
-  double Brightness;    ///< Hz, above which the pulses get duller
+  double Brightness;    ///< corner frequency of the pulses, Hz
   double Second, Third; ///< weights of the higher formants
 };
 constexpr Effort Talk{1400, 0.6, 0.3};
 constexpr Effort Yell{3400, 1.0, 0.8};
 
-/// One voice. Pitch (Hz), loudness (0 to 1) and vowel (0 the first, 1 the second) are told at each moment of
+/// One voice. Pitch (Hz), loudness (0 to 1) and vowel (0 the first, 1 the second) are functions of time from
 /// 0 to 1.
 Signal Voice(double seconds, Random &random, const Effort &effort, const Vowel &from, const Vowel &to,
              const std::function<double(double)> &pitch, const std::function<double(double)> &loudness) {
-  constexpr std::size_t Block = 256; ///< samples for which the formants stand still
+  constexpr std::size_t Block = 256; ///< samples with constant formants
   const double throat = random.Between(0.9, 1.15);
   Signal out(Samples(seconds), 0.0);
   double phase = random.Next(), wobble = random.Between(0, 2 * Pi);
@@ -42,7 +42,7 @@ Signal Voice(double seconds, Random &random, const Effort &effort, const Vowel &
     if (i % Block == 0) {
       const double share = at;
       const auto mix = [&](double a, double b) { return (a + (b - a) * share) * throat; };
-      // New filters would click; the old ones' memory goes on in them.
+      // Keep the state of the filters, or they would click.
       const auto retune = [](BandPass &band, double frequency, double quality) {
         BandPass next(frequency, quality);
         next.TakeMemoryOf(band);
@@ -62,7 +62,7 @@ Signal Voice(double seconds, Random &random, const Effort &effort, const Vowel &
   return out;
 }
 
-/// Air: noise in the bands where crowds are.
+/// Breath: noise in the bands of crowds.
 Signal Air(double seconds, Random &random, double low, double high) {
   Signal out(Samples(seconds));
   BandPass a(low, 0.7), b(high, 0.6);
@@ -90,7 +90,7 @@ Signal Claps(double seconds, Random &random, int people) {
   return out;
 }
 
-/// Somebody whistles on two fingers.
+/// A two-finger whistle.
 Signal Fingers(Random &random) {
   const double low = random.Between(1500, 2000), high = low * random.Between(1.25, 1.6),
                seconds = random.Between(0.35, 0.7);
@@ -110,8 +110,8 @@ struct Shouting {
   Effort Throats;
   Vowel From, To;
   double Lowest, Highest; ///< pitch at the start, Hz
-  double Bend;            ///< share by which the pitch rises, or falls if below 0
-  double Swell, End;      ///< seconds within which all have begun, and fallen silent
+  double Bend;            ///< relative change of pitch
+  double Swell, End;      ///< seconds until all have started, and until all are silent
   double AirLow, AirHigh; ///< middle of the breath's two bands, Hz
 };
 
@@ -146,8 +146,8 @@ void Finish(Signal &signal) {
   Fade(signal, 0.004, 0.02);
 }
 
-/// Thousands who talk, too far off for a word: bands of noise, each of which comes and goes as fast as
-/// syllables do, while the whole breathes at no measure that an ear could count.
+/// Thousands of distant, unintelligible voices: bands of noise, each modulated at the rate of syllables, with
+/// a slow irregular modulation of the whole.
 Signal Babble(double seconds, Random &random) {
   constexpr int Bands = 14;
   constexpr double Lowest = 200, Highest = 3800; // Hz
@@ -169,7 +169,7 @@ Signal Babble(double seconds, Random &random) {
   return out;
 }
 
-/// Single people whom one can make out: talk, and now and then a shout.
+/// Individual voices: talk, and occasional shouts.
 Signal Calls(double seconds, Random &random, int people) {
   const Vowel vowels[] = {Ah, Eh, Oh, Oo};
   Signal out(Samples(seconds), 0.0);
@@ -189,7 +189,7 @@ Signal Calls(double seconds, Random &random, int people) {
   return out;
 }
 
-/// A part of the stand sees something coming: voices that rise and fall together.
+/// Anticipation in a part of the stand: voices that rise and fall together.
 Signal Wave(Random &random) {
   constexpr double Seconds = 3.6;
   constexpr int People = 40;
@@ -204,7 +204,7 @@ Signal Wave(Random &random) {
   return out;
 }
 
-/// Somebody near by who shouts a word or two to the field.
+/// A nearby shout of a word or two.
 Signal Shouter(Random &random) {
   const Vowel vowels[] = {Ah, Eh, Oh};
   const double base = random.Between(150, 340);
@@ -224,8 +224,8 @@ Signal Shouter(Random &random) {
   return out;
 }
 
-/// Loudness of a stand that is never quite at rest, a factor around 1 at each sample: it rises toward each
-/// `peak` (seconds) and falls off more slowly behind it.
+/// Loudness of a restless stand, a factor around 1 for each sample: rises toward each `peak` (seconds) and
+/// falls off more slowly.
 Signal Swells(double seconds, const std::vector<double> &peaks) {
   constexpr double Quiet = 0.8, Rise = 1.2, Fall = 1.9, Height = 0.62; // seconds; share of the quiet level
   Signal out(Samples(seconds), Quiet);
@@ -249,7 +249,7 @@ Signal Crowd(double seconds, std::uint32_t seed) {
   Signal out;
   Add(out, Babble(whole, random), 0, 0.6);
   Add(out, Calls(whole, random, People), 0, 1.2);
-  // In turn, so that something always goes on somewhere.
+  // In turn, so that something is always audible.
   std::vector<double> peaks;
   Signal waves;
   for (int wave = 0; wave < Waves; ++wave) {

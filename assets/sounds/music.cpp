@@ -14,8 +14,8 @@ double Frequency(int note) {
   return 440.0 * std::pow(2.0, (note - 69) / 12.0);
 } ///< of a note by its MIDI number
 
-/// A plucked string: a burst of noise that runs round a line as long as its period and gets duller with each
-/// turn. The line is a whole number of samples; an all-pass takes up the rest, or high notes would be flat.
+/// A plucked string: a burst of noise in a delay line as long as the period, low-passed on each pass. An
+/// all-pass provides the fractional delay, or high notes would be flat.
 Signal Pluck(int note, double seconds, double brightness, Random &random) {
   constexpr double AveragerDelay = 0.5, LeastRest = 0.1; // samples
   const double period = Rate / Frequency(note) - AveragerDelay;
@@ -41,13 +41,13 @@ Signal Pluck(int note, double seconds, double brightness, Random &random) {
   return out;
 }
 
-/// An amplifier that is turned up too far, and its loudspeaker.
+/// An overdriven amplifier and its loudspeaker.
 void Distort(Signal &signal, double drive, double tone) {
   LowPass speaker(tone), speakerAgain(tone);
   double block = 0;
   for (double &sample : signal) {
     const double shaped = std::tanh(drive * sample + 0.15) - std::tanh(0.15);
-    block += 0.002 * (shaped - block); // takes the standing part out
+    block += 0.002 * (shaped - block); // removes the DC component
     sample = speakerAgain(speaker(shaped - block));
   }
 }
@@ -155,14 +155,14 @@ Signal Theme() {
   Add(out, bass, 0, 0.42);
   Add(out, rhythm, 0, 0.18);
   Add(out, lead, 0, 0.42);
-  // What rings past the last bar rings into the first.
+  // The tail of the last bar wraps around to the first.
   const std::size_t length = Samples(Bars * Bar);
   for (std::size_t i = length; i < out.size(); ++i) out[i - length] += out[i];
   out.resize(length);
   ReverberateLoop(out, 0.9, 0.28);
   Level(out, ThemeLevel);
   Limit(out, ThemePeak);
-  BeginAtSilence(out, 0.01); // too little to be heard in its beat
+  BeginAtSilence(out, 0.01); // too short to disturb the beat
   return out;
 }
 

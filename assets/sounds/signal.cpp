@@ -61,7 +61,7 @@ void CloseLoop(Signal &signal, double seconds) {
   const std::size_t length = signal.size() - overlap;
   for (std::size_t i = 0; i < overlap; ++i) {
     const double share = static_cast<double>(i) / static_cast<double>(overlap);
-    // Equal power: the two ends know nothing of each other.
+    // Equal-power cross-fade, because the two ends are uncorrelated.
     signal[i] = std::sqrt(share) * signal[i] + std::sqrt(1 - share) * signal[length + i];
   }
   signal.resize(length);
@@ -78,7 +78,7 @@ void BeginAtSilence(Signal &signal, double withinSeconds) {
 
 namespace {
 
-/// One row of echoes: delays of no common measure, each fed back through a dull wall.
+/// One set of echoes: incommensurable delays, each with low-passed feedback.
 Signal Echoes(const Signal &signal, double seconds) {
   Signal out(signal.size(), 0.0);
   for (const double delay : {0.0297, 0.0371, 0.0411, 0.0437, 0.0533, 0.0617}) {
@@ -116,7 +116,7 @@ void Level(Signal &signal, double decibels) {
   mean /= static_cast<double>(signal.size());
   for (double &sample : signal) sample -= mean;
 
-  // The head makes high tones about 4 dB louder.
+  // High tones sound about 4 dB louder.
   constexpr double HighFrom = 1000, HighGain = 0.58; // Hz; 1.58 is 4 dB
   LowPass low(HighFrom);
   Signal heard = signal;
@@ -136,7 +136,7 @@ void Limit(Signal &signal, double ceiling) {
   constexpr double Reach = 0.006; // seconds before and after a peak within which the gain falls and rises
   const std::size_t reach = Samples(Reach), count = signal.size();
   if (count == 0) return;
-  // The lowest gain that anything within reach needs, then the mean of it over the reach: it falls in time.
+  // The minimum gain within reach, then its moving average, so that the gain falls in time.
   std::vector<double> needed(count, 1.0);
   for (std::size_t i = 0; i < count; ++i) {
     const double peak = std::abs(signal[i]);

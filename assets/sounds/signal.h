@@ -1,6 +1,6 @@
 #pragma once
 
-// Building blocks of sound: a signal is a row of samples at 44.1 kHz, about -1 to 1.
+// Building blocks of sound. A signal is a sequence of samples at 44.1 kHz, about -1 to 1.
 
 #include <cstdint>
 #include <filesystem>
@@ -8,14 +8,14 @@
 
 namespace sounds {
 
-constexpr int Rate = 44100; ///< samples a second
+constexpr int Rate = 44100; ///< samples per second
 constexpr double Pi = 3.14159265358979323846;
 
 using Signal = std::vector<double>;
 
 inline std::size_t Samples(double seconds) { return static_cast<std::size_t>(seconds * Rate); }
 
-/// A generator of our own, so that a sound is the same on every machine.
+/// Our own generator, so that a sound is the same on every machine.
 class Random {
 public:
   explicit Random(std::uint32_t seed) : state_(seed * 2654435761U + 12345U) {}
@@ -27,13 +27,13 @@ private:
   std::uint32_t state_;
 };
 
-/// A filter of second order that lets a band pass, with a gain of 1 at its middle.
+/// A second-order band-pass filter with a gain of 1 at its centre.
 class BandPass {
 public:
   BandPass(double frequency, double quality);
   double operator()(double in);
 
-  /// Goes on where another filter stands: a band that moves doesn't click.
+  /// Copies the state of another filter, so that a moving band doesn't click.
   void TakeMemoryOf(const BandPass &other);
 
 private:
@@ -41,7 +41,7 @@ private:
   double x1_ = 0, x2_ = 0, y1_ = 0, y2_ = 0;
 };
 
-/// A filter of first order that lets low frequencies pass.
+/// A first-order low-pass filter.
 class LowPass {
 public:
   explicit LowPass(double frequency);
@@ -57,24 +57,24 @@ void Add(Signal &to, const Signal &what, double atSeconds, double gain = 1.0);
 /// Fades both ends, so that nothing clicks.
 void Fade(Signal &signal, double inSeconds, double outSeconds);
 
-/// Makes a loop: the end is laid over the beginning and fades into it. The signal gets shorter by that time.
+/// Makes a loop by cross-fading the end into the beginning. Shortens the signal by that time.
 void CloseLoop(Signal &signal, double seconds);
 
-/// Turns a loop round, by less than a time, so that it begins where it is nearest to silence: its first start
-/// doesn't click.
+/// Rotates a loop by less than a time, to begin at its quietest sample, so that the first start doesn't
+/// click.
 void BeginAtSilence(Signal &signal, double withinSeconds);
 
-/// Adds the echoes of a large place.
+/// Adds the reverberation of a large space.
 void Reverberate(Signal &signal, double seconds, double share);
 
-/// The same for a loop: what rings on at the end rings into the beginning.
+/// The same for a loop: the tail wraps around to the beginning.
 void ReverberateLoop(Signal &signal, double seconds, double share);
 
-/// Brings a sound to a loudness as an ear has it (dB of its loudest half second, of full scale).
+/// Scales a sound to a perceived loudness, the dBFS of its loudest half second.
 void Level(Signal &signal, double decibels);
 
-/// Turns a sound down around each peak above the ceiling (share of full scale), so gently that nothing is
-/// distorted. Takes the signal for a loop; a sound that ends in silence isn't changed by that.
+/// A limiter: reduces the gain smoothly around each peak above the ceiling, a fraction of full scale. Treats
+/// the signal as a loop, which makes no difference if it ends in silence.
 void Limit(Signal &signal, double ceiling);
 
 void Write(const Signal &signal, const std::filesystem::path &file);

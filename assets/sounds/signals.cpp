@@ -8,13 +8,13 @@
 namespace sounds {
 namespace {
 
-/// A pea whistle: two tones that beat, each breath of the player in them, and the ball that chops and bends
-/// them as it rolls, never twice at quite the same pace.
+/// A pea whistle: two beating tones with breath noise, interrupted and bent by the ball, which rolls at an
+/// irregular rate.
 Signal Blast(double seconds, double trill, Random &random) {
   constexpr double Low = 2640, High = 3020;            // tones, Hz
-  constexpr double Bend = 0.028;                       // share by which the ball bends a tone
-  constexpr double LeastOpen = 0.12;                   // of the tone, while the ball lies before the hole
-  constexpr double StartsFlat = 0.09, EndsFlat = 0.05; // shares of the pitch
+  constexpr double Bend = 0.028;                       // relative change of pitch by the ball
+  constexpr double LeastOpen = 0.12;                   // minimum amplitude, while the ball covers the hole
+  constexpr double StartsFlat = 0.09, EndsFlat = 0.05; // relative pitch
   constexpr double Attack = 0.028, Release = 0.06;     // seconds
   Signal out(Samples(seconds));
   BandPass breath(3300, 0.8), hiss(6400, 0.7);
@@ -32,7 +32,7 @@ Signal Blast(double seconds, double trill, Random &random) {
     high += High * pitch * (1 - 0.6 * Bend * roll) / Rate;
     const double tone = std::sin(2 * Pi * low) + 0.6 * std::sin(2 * Pi * high) +
                         0.16 * std::sin(4 * Pi * low) + 0.06 * std::sin(6 * Pi * high);
-    // The air that the ball keeps from the tone rushes past it.
+    // Where the ball blocks the tone, the air becomes noise.
     const double air = random.Noise();
     const double rush = (1.3 - 0.6 * open) * (1 + 1.6 * std::exp(-t / 0.03));
     out[i] = pressure * (0.5 * open * tone + rush * (0.36 * breath(air) + 0.22 * hiss(air)));
@@ -48,7 +48,7 @@ void Finish(Signal &signal) {
   Fade(signal, 0.002, 0.01);
 }
 
-/// The paper comes to lie on the felt: a soft, low knock and a last rub.
+/// The paper stops on the felt: a soft, low knock and a final rub.
 Signal Settle(Random &random) {
   Signal out(Samples(0.2));
   LowPass felt(300), feltAgain(600);

@@ -6,9 +6,9 @@
 
 namespace sounds {
 
-// Loudness in dB, see `Level`, and peaks as a share of full scale, see `Limit`. As low as they are because up
-// to three events and all loops sound at once, and their sum must not clip. The theme stands out from the
-// crowd that it sounds with; a whistle's narrow tone carries further than its loudness says.
+// Loudness in dB, see `Level`, and peaks as a fraction of full scale, see `Limit`. They are low because up to
+// three events and all loops sound at once without clipping. The theme is louder than the crowd; the narrow
+// tone of a whistle is more audible than its loudness suggests.
 constexpr double EventLevel = -16.0, EventPeak = 0.33;
 constexpr double WhistleLevel = -19.5, WhistlePeak = 0.25;
 constexpr double StingLevel = -16.5, StingPeak = 0.22;
@@ -16,7 +16,7 @@ constexpr double ThemeLevel = -18.0, ThemePeak = 0.28;
 constexpr double CrowdLevel = -20.5, CrowdPeak = 0.2;
 
 Signal Crowd(double seconds, std::uint32_t seed); ///< a large crowd at rest, a loop
-Signal Cheer();                                   ///< it swells and falls
+Signal Cheer();                                   ///< swells and fades
 Signal LargeCheer();                              ///< with claps and whistles
 Signal Boo();                                     ///< many low voices, falling
 Signal Theme();                                   ///< stadium rock, a loop

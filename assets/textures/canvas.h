@@ -1,6 +1,6 @@
 #pragma once
 
-// A picture to paint a texture on. Everything on it repeats at its edges.
+// An image to paint a texture on. It wraps around at the edges.
 
 #include <cstdint>
 #include <filesystem>
@@ -8,7 +8,7 @@
 
 namespace textures {
 
-/// A colour, parts from 0 to 1.
+/// A colour, channels from 0 to 1.
 struct Paint {
   double r = 0, g = 0, b = 0;
 };
@@ -17,14 +17,14 @@ inline Paint Mix(const Paint &a, const Paint &b, double share) {
   return {a.r + (b.r - a.r) * share, a.g + (b.g - a.g) * share, a.b + (b.b - a.b) * share};
 }
 
-/// Same for the same numbers on every machine, 0 to below 1.
+/// A hash in [0, 1), the same on every machine.
 double Hash(std::uint32_t x, std::uint32_t y, std::uint32_t seed);
 
-/// Smooth noise that repeats after `cells` cells on either axis; (u, v) of 0 to 1 is the whole picture. 0
-/// to 1.
+/// Smooth noise from 0 to 1 with a period of `cells` cells on both axes; (u, v) from 0 to 1 is the whole
+/// image.
 double Noise(double u, double v, int cells, std::uint32_t seed);
 
-/// Several layers of it, each twice as fine and half as strong. 0 to 1.
+/// Fractal noise from 0 to 1: several octaves, each of half the amplitude.
 double Cloud(double u, double v, int cells, int layers, std::uint32_t seed);
 
 /// 0 below `low`, 1 above `high`, smooth between.
@@ -36,7 +36,7 @@ public:
       : size_(size), pixels_(static_cast<std::size_t>(size) * static_cast<std::size_t>(size)) {}
   int Size() const { return size_; }
 
-  /// A pixel, top row first; places beyond an edge are those at the other.
+  /// A pixel, top row first; coordinates wrap around.
   Paint &At(int x, int y);
 
   /// A soft-edged ellipse; middle and radii in pixels.

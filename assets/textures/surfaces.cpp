@@ -1,4 +1,4 @@
-// The four textures, as they lie on their meshes.
+// The four textures.
 
 #include "assets/textures/canvas.h"
 
@@ -11,7 +11,7 @@ namespace {
 
 constexpr double Pi = 3.14159265358979323846;
 
-/// Runs over all pixels with their place, 0 to 1 on either axis.
+/// Visits all pixels with their coordinates, 0 to 1 on both axes.
 template <class Painter> Canvas Painted(int size, Painter painter) {
   Canvas canvas(size);
   for (int y = 0; y < size; ++y) {
@@ -29,7 +29,7 @@ Canvas Grass() {
   constexpr int Size = 1024;
   constexpr std::uint32_t Blades = 90000;
   constexpr Paint Light{0.43, 0.73, 0.30}, Dark{0.27, 0.57, 0.24}, Dry{0.56, 0.68, 0.32};
-  // Blade over blade, leaning the way that the mower went. What lies deep between them is dim.
+  // Overlapping blades that lean in the direction of mowing. Lower ones are darker.
   std::vector<double> grain(static_cast<std::size_t>(Size) * Size, 0.80);
   for (std::uint32_t blade = 0; blade < Blades; ++blade) {
     double x = Size * Hash(blade, 1, 11), y = Size * Hash(blade, 2, 11);
@@ -37,7 +37,7 @@ Canvas Grass() {
     const double length = 9 + 12 * Hash(blade, 5, 11);
     const double way = std::sin(2 * Pi * y / Size) > 0 ? 1 : -1;
     for (double step = 0; step < length; step += 1) {
-      const double share = step / length; // from its foot to its tip
+      const double share = step / length; // from base to tip
       const int left = static_cast<int>(std::floor(x));
       for (int px = left - 1; px <= left + 2; ++px) {
         const double cover = 1 - Step(0.5, 1.5 - 0.5 * share, std::abs(px + 0.5 - x));
@@ -60,8 +60,8 @@ Canvas Grass() {
 }
 
 Canvas Sky() {
-  // One repeat is 333 scene units of the sky over the stadium: heaps of cloud in the light of a low sun. They
-  // are modelled in relief and lit from the start's corner, so that their near side glows.
+  // One repeat is 333 scene units of sky: cumulus clouds in low sunlight. They are a height field lit from
+  // the start's corner, so that their near side is bright.
   constexpr int Size = 1024, Clouds = 11;
   constexpr Paint Lilac{0.60, 0.55, 0.88}, Rose{0.74, 0.62, 0.88}, Peach{1.0, 0.86, 0.78},
       White{1.0, 0.985, 0.955}, Under{0.76, 0.66, 0.87};
@@ -82,7 +82,7 @@ Canvas Sky() {
     }
   };
   for (std::uint32_t cloud = 0; cloud < Clouds; ++cloud) {
-    // Spread over the repeat by steps that never meet again, then in random heaps: large in the middle.
+    // Distributed by a low-discrepancy sequence, then in random clusters, large in the middle.
     const double x = Size * (cloud * 0.754878 + 0.05 * Hash(cloud, 1, 7)), y = Size * cloud * 0.569840;
     const double wide = 70 + 80 * Hash(cloud, 2, 7), tall = 0.45 * wide;
     for (std::uint32_t puff = 0; puff < 34; ++puff) {
@@ -91,7 +91,7 @@ Canvas Sky() {
       heap(x + wide * away * std::cos(turn), y + tall * away * std::sin(turn), radius);
     }
   }
-  // The relief frays, and is blurred where it would be too sharp for a sky.
+  // Adds noise to the height field, and blurs edges that are too sharp.
   const auto blur = [&](int reach) {
     for (const bool across : {true, false}) {
       const std::vector<double> from = relief;
@@ -149,13 +149,13 @@ Canvas Crowd() {
       };
       const double acrossX = (seat + 0.5) / Seats, acrossY = (row + 0.5) / Rows;
       const double seatX = (seat + 0.5 + (row % 2) * 0.5) * Place, seatY = (row + 0.5) * Pitch;
-      if (draw(1) < 0.03 + 0.5 * Step(0.74, 0.84, Noise(acrossX, acrossY, 11, 55))) { // nobody came
+      if (draw(1) < 0.03 + 0.5 * Step(0.74, 0.84, Noise(acrossX, acrossY, 11, 55))) { // an empty seat
         canvas.Blob(seatX, seatY + 3.5, 6.4, 3.6, Gloom, 0.8);
         canvas.Blob(seatX, seatY - 0.5, 6.0, 4.6, Seat);
         continue;
       }
       const double x = seatX + 0.26 * (draw(2) - 0.5) * Place, y = seatY + 0.22 * (draw(3) - 0.5) * Pitch;
-      // Friends come in the same colour.
+      // Neighbours often have the same colour.
       const double taste = 0.55 * Noise(acrossX, acrossY, 9, 70) + 0.45 * draw(4);
       const Paint &shirt = Shirts[static_cast<std::size_t>(taste * 9.999)];
       const Paint &skin = Skins[static_cast<std::size_t>(draw(5) * draw(5) * 3.999)];
@@ -165,7 +165,7 @@ Canvas Crowd() {
       canvas.Blob(x, y + 6.0, 7.6, 5.4, Mix(shirt, Gloom, 0.45));
       canvas.Blob(x, y + 3.2, 8.0, 5.0, sleeve);
       canvas.Blob(x, y + 2.4, 6.0, 4.6, shirt);
-      if (draw(7) < 0.20) { // both arms up
+      if (draw(7) < 0.20) { // both arms raised
         limb(x - 7.2, y + 1.5, x - 8.2, y - 9.5, 2.0, skin);
         limb(x + 7.2, y + 1.5, x + 8.2, y - 9.5, 2.0, skin);
       } else if (draw(7) < 0.32) { // one arm waves
@@ -191,13 +191,12 @@ Canvas Crowd() {
 }
 
 Canvas Paper() {
-  // The sheet lies over the folded piece at a slant: u runs along p, the direction of the piece's left leg,
-  // and v against q, that of its right leg, shortened by the slant. Places below are told in the piece's own
-  // x and z.
+  // The sheet is oblique on the folded piece: u runs along p, the direction of the piece's left leg, and v
+  // against q, that of its right leg, shortened by the slant. Coordinates below are the piece's x and z.
   constexpr int Size = 512, Rules = 10;
-  constexpr double Scale = 0.19, Top = 0.34; // repeats to the unit; height of the piece's top
+  constexpr double Scale = 0.19, Top = 0.34; // repeats per unit; height of the piece's top
   const double alongP = Scale, alongQ = -Scale / std::sqrt(3.0), alongY = 2 * Scale / std::sqrt(6.0);
-  constexpr double MarginU = 0.86; // falls once on the piece, near its middle
+  constexpr double MarginU = 0.86; // occurs once on the piece, near its middle
   static constexpr Paint White{0.985, 0.975, 0.945}, Rule{0.24, 0.47, 0.90}, Margin{0.92, 0.22, 0.28},
       Pencil{0.26, 0.26, 0.33};
   Canvas canvas = Painted(Size, [&](double u, double v, int, int) {
@@ -210,7 +209,7 @@ Canvas Paper() {
     return paint;
   });
 
-  // What somebody drew during a lesson: a face and a star. A pencil's line wavers in place and strength.
+  // Doodles: a face and a star. The pencil line varies in position and strength.
   int dots = 0;
   const auto dot = [&](double x, double z) {
     const double p = (x - z) / std::sqrt(2.0), q = (x + z) / std::sqrt(2.0);
