@@ -176,7 +176,7 @@ TEST_F(FilesTest, AnEndCardThatGoesBadDuringAMatchTellsTheResultAllTheSame) {
       (play.*card.show)();
       ADD_FAILURE() << "it was shown";
     } catch (const FileError &error) {
-      EXPECT_EQ(error.what(), card.result + "\n\n\"" + card.file + "\": not a PNG picture");
+      EXPECT_EQ(error.what(), card.result + "\n\n\"" + card.file + "\": not a PNG file");
     }
   }
 }

@@ -40,26 +40,27 @@ std::uint32_t Number(std::span<const char> bytes, std::size_t at, std::size_t co
 
 BitmapSize CheckBitmap(std::span<const char> bytes) {
   constexpr std::uint32_t CommonHeader = 40, LargestHeader = 124, Plain = 0;
-  if (bytes.size() < HeaderBytes) Fail("its header isn't whole");
-  if (bytes[0] != 'B' || bytes[1] != 'M') Fail("it doesn't begin as one");
+  if (bytes.size() < HeaderBytes) Fail("the header is incomplete");
+  if (bytes[0] != 'B' || bytes[1] != 'M') Fail("wrong signature");
   const std::uint32_t header = Number(bytes, HeaderSizeAt, 4);
-  if (header < CommonHeader || header > LargestHeader) Fail("its header is of an unknown kind");
+  if (header < CommonHeader || header > LargestHeader) Fail("unknown type of header");
   const auto width = static_cast<std::int32_t>(Number(bytes, WidthAt, 4));
   // Negative if the top row comes first.
   const auto height = static_cast<std::int32_t>(Number(bytes, HeightAt, 4));
   if (width < 1 || width > LargestSide || height == 0 || height > LargestSide || height < -LargestSide) {
-    Fail("it is " + std::to_string(width) + " by " + std::to_string(height) + " pixels large");
+    Fail("unsupported size, " + std::to_string(width) + " by " + std::to_string(height) + " pixels");
   }
   const std::uint32_t depth = Number(bytes, DepthAt, 2);
-  if (depth != 24 && depth != 32) Fail("it has " + std::to_string(depth) + " bits a pixel and not 24 or 32");
-  if (Number(bytes, CompressionAt, 4) != Plain) Fail("it is compressed");
+  if (depth != 24 && depth != 32)
+    Fail(std::to_string(depth) + " bits per pixel, only 24 and 32 are supported");
+  if (Number(bytes, CompressionAt, 4) != Plain) Fail("compression isn't supported");
   if (Number(bytes, PlanesAt, 2) != 1) Fail("it has more than one plane");
   const std::uint64_t pixelsAt = Number(bytes, PixelsAt, 4);
-  if (pixelsAt < PixelsAt + 4 + header) Fail("its pixels begin inside its header");
+  if (pixelsAt < PixelsAt + 4 + header) Fail("the pixels overlap the header");
   // Rows are padded to 32 bits.
   const std::uint64_t row = (static_cast<std::uint64_t>(width) * depth + 31) / 32 * 4;
   if (bytes.size() < pixelsAt + row * static_cast<std::uint64_t>(std::abs(height)))
-    Fail("its end is missing");
+    Fail("the file is truncated");
   return {width, std::abs(height)};
 }
 
@@ -72,7 +73,7 @@ ImageData ParseImage(std::span<const char> bytes) {
                             &image.Width, &image.Height, &channels, STBI_rgb_alpha),
       stbi_image_free);
   if (!pixels) Fail(stbi_failure_reason());
-  if (image.Width != size.Width || image.Height != size.Height) Fail("its header contradicts itself");
+  if (image.Width != size.Width || image.Height != size.Height) Fail("the header is inconsistent");
   const auto count = static_cast<std::size_t>(image.Width) * static_cast<std::size_t>(image.Height) * 4;
   image.Pixels.assign(pixels.get(), pixels.get() + count);
   return image;

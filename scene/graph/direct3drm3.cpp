@@ -25,7 +25,7 @@ Ref<Direct3DRMWrap> Direct3DRM3::CreateWrap(std::int32_t type, const Ref<Direct3
                                             float ox, float oy, float oz, float dx, float dy, float dz,
                                             float ux, float uy, float uz, float ou, float ov, float su,
                                             float sv) {
-  if (type != D3DRMWRAP_FLAT) throw SceneError("a wrap can be flat only");
+  if (type != D3DRMWRAP_FLAT) throw SceneError("only flat wraps are supported");
   const Transform system = reference ? reference->World() : Transform{};
   return std::make_shared<Direct3DRMWrap>(system, Vector{ox, oy, oz}, Vector{dx, dy, dz}, Vector{ux, uy, uz},
                                           ou, ov, su, sv);

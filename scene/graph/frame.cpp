@@ -52,8 +52,7 @@ Wide PointIn(const WideTransform &t, const Wide &v) { return In(t, Minus(v, t.Or
 
 void RequireFinite(std::initializer_list<float> values) {
   for (const float value : values) {
-    if (!std::isfinite(value))
-      throw SceneError("a frame can't be moved or turned by a number that isn't finite");
+    if (!std::isfinite(value)) throw SceneError("a frame operation has an argument that isn't finite");
   }
 }
 
@@ -62,7 +61,7 @@ constexpr double UnitTolerance = 1e-6; ///< deviation from orthonormal due to 32
 /// Normalises a vector. A vector of unit length within rounding is returned unchanged, to the bit.
 Wide Unit(const Wide &v) {
   const double square = Dot(v, v);
-  if (!(square > 0.0) || !std::isfinite(square)) throw SceneError("a direction without length");
+  if (!(square > 0.0) || !std::isfinite(square)) throw SceneError("a direction of zero length");
   if (std::abs(square - 1.0) <= UnitTolerance) return v;
   const double length = std::sqrt(square);
   return {v.x / length, v.y / length, v.z / length};
@@ -76,7 +75,7 @@ WideTransform AxesFrom(const Wide &direction, const Wide &up) {
   const double lean = Dot(upright, axes.Direction);
   if (std::abs(lean) > UnitTolerance) {
     upright = Minus(upright, {axes.Direction.x * lean, axes.Direction.y * lean, axes.Direction.z * lean});
-    if (Dot(upright, upright) < UnitTolerance) throw SceneError("the up vector lies along the direction");
+    if (Dot(upright, upright) < UnitTolerance) throw SceneError("the up vector is parallel to the direction");
   }
   axes.Up = Unit(upright);
   axes.Right = Unit(Cross(axes.Up, axes.Direction));
@@ -131,7 +130,7 @@ void Direct3DRMFrame3::AddVisual(const Ref<Direct3DRMMeshBuilder3> &visual) {
 
 void Direct3DRMFrame3::DeleteVisual(const Ref<Direct3DRMMeshBuilder3> &visual) {
   const auto found = std::ranges::find(visuals_, visual);
-  if (found == visuals_.end()) throw SceneError("the visual doesn't hang in this frame");
+  if (found == visuals_.end()) throw SceneError("the visual isn't attached to this frame");
   (*found)->Attached(-1);
   visuals_.erase(found);
   revision_.Raise();
@@ -205,7 +204,7 @@ void Direct3DRMFrame3::GetOrientation(const Ref<Direct3DRMFrame3> &ref, Vector &
 
 void Direct3DRMFrame3::LookAt(const Ref<Direct3DRMFrame3> &target, const Ref<Direct3DRMFrame3> &ref,
                               std::int32_t constraint) {
-  if (constraint != D3DRMCONSTRAIN_Z) throw SceneError("a frame can look at another without roll only");
+  if (constraint != D3DRMCONSTRAIN_Z) throw SceneError("LookAt supports only D3DRMCONSTRAIN_Z");
   lookedAt_ = target;
   const Wide toTarget = Minus(Widen(target->World().Origin), Widen(World().Origin));
   const double distance = std::sqrt(Dot(toTarget, toTarget));
@@ -231,7 +230,7 @@ void Direct3DRMFrame3::LookAt(const Ref<Direct3DRMFrame3> &target, const Ref<Dir
 }
 
 void Direct3DRMFrame3::AddRotation(std::int32_t combine, float x, float y, float z, float theta) {
-  if (combine != D3DRMCOMBINE_BEFORE) throw SceneError("a frame can be turned about its own axis only");
+  if (combine != D3DRMCOMBINE_BEFORE) throw SceneError("AddRotation supports only D3DRMCOMBINE_BEFORE");
   RequireFinite({x, y, z, theta});
   if (theta == 0.0f) return;
   const WideTransform own = Widen(local_);

@@ -8,7 +8,7 @@ namespace {
 
 void RequireFinite(float a, float b, float c) {
   if (!std::isfinite(a) || !std::isfinite(b) || !std::isfinite(c)) {
-    throw SceneError("a mesh can't be changed by a number that isn't finite");
+    throw SceneError("a mesh operation has an argument that isn't finite");
   }
 }
 
@@ -16,7 +16,7 @@ void RequireFinite(float a, float b, float c) {
 
 void Direct3DRMMeshBuilder3::LoadFromFile(const std::filesystem::path &file, std::int16_t id,
                                           std::int32_t flags) {
-  if (id != 0 || flags != 0) throw SceneError("a mesh can be loaded from a file as a whole only");
+  if (id != 0 || flags != 0) throw SceneError("only a whole file can be loaded");
   data_ = *ReadMeshFile(file);
   ++coordinateRevision_;
   ChangedGeometry();

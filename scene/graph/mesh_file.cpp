@@ -23,12 +23,12 @@ void Append(const aiMesh &mesh, const aiScene &scene, bool colored, MeshData &da
   for (unsigned i = 0; i < mesh.mNumVertices; ++i) {
     const Vector v = Convert(mesh.mVertices[i]);
     if (!Bounded(v.x) || !Bounded(v.y) || !Bounded(v.z)) {
-      throw SceneError("not a mesh file: a vertex lies beyond all measure");
+      throw SceneError("not a mesh file: a vertex is too far from the origin");
     }
     data.Positions.push_back(v);
     const Vector normal = mesh.mNormals ? Convert(mesh.mNormals[i]) : Vector{0, 1, 0};
     if (!Bounded(normal.x) || !Bounded(normal.y) || !Bounded(normal.z)) {
-      throw SceneError("not a mesh file: a normal points nowhere");
+      throw SceneError("not a mesh file: a normal is out of range");
     }
     data.Normals.push_back(normal);
     const aiVector3D *coordinates = mesh.mTextureCoords[0];
@@ -50,7 +50,7 @@ void Append(const aiMesh &mesh, const aiScene &scene, bool colored, MeshData &da
     if (face.mNumIndices != 3) continue; // points and lines
     for (unsigned corner = 0; corner < 3; ++corner) {
       if (face.mIndices[corner] >= mesh.mNumVertices)
-        throw SceneError("not a mesh file: a face names no vertex");
+        throw SceneError("not a mesh file: a face refers to a missing vertex");
       data.Indices.push_back(base + face.mIndices[corner]);
     }
     data.FaceColors.push_back({diffuse.r, diffuse.g, diffuse.b});

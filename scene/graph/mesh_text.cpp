@@ -35,7 +35,7 @@ public:
   explicit Text(std::string_view text) : text_(text) {}
 
   std::string Plain() {
-    if (!text_.starts_with(Header) && !text_.starts_with(OlderHeader)) Fail("it doesn't begin as one");
+    if (!text_.starts_with(Header) && !text_.starts_with(OlderHeader)) Fail("wrong signature");
     at_ = Header.size();
     SkipLine();
     plain_.reserve(text_.size());
@@ -55,7 +55,7 @@ public:
       } else if (kind == "Frame") {
         Frame(1);
       } else {
-        Fail("\"" + Shown(kind) + "\" isn't known here");
+        Fail("\"" + Shown(kind) + "\" is unknown here");
       }
     }
   }
@@ -109,7 +109,7 @@ private:
 
   std::string_view NeededToken() {
     const std::string_view token = Token();
-    if (token.empty()) Fail("the end is missing");
+    if (token.empty()) Fail("unexpected end of file");
     return token;
   }
 
@@ -136,7 +136,7 @@ private:
 
   void Separate() {
     SkipBlanks();
-    if (at_ >= text_.size()) Fail("the end is missing");
+    if (at_ >= text_.size()) Fail("unexpected end of file");
     if (!IsSeparator(text_[at_])) Fail("a number is followed by neither ';' nor ','");
     ++at_;
     plain_ += Separator;
@@ -157,8 +157,8 @@ private:
     std::size_t value = 0, digits = 0;
     for (; IsDigit(Next()) && digits <= MostDigits; ++at_, ++digits)
       value = value * 10 + static_cast<std::size_t>(Next() - '0');
-    if (digits == 0) Fail(at_ < text_.size() ? "a whole number is missing" : "the end is missing");
-    if (digits > MostDigits) Fail("a whole number is too large");
+    if (digits == 0) Fail(at_ < text_.size() ? "an integer is missing" : "unexpected end of file");
+    if (digits > MostDigits) Fail("an integer is too large");
     plain_ += std::to_string(value);
     Separate();
     return value;
@@ -173,7 +173,7 @@ private:
   void CountOf(const char *what, std::size_t wanted) {
     const std::size_t count = Whole();
     if (count == wanted) return;
-    Fail(std::to_string(count) + " " + what + " where there must be " + std::to_string(wanted));
+    Fail(std::to_string(count) + " " + what + " instead of " + std::to_string(wanted));
   }
 
   void Index(const char *what, std::size_t count) {
@@ -184,7 +184,7 @@ private:
   }
 
   void Digits() {
-    if (!IsDigit(Next())) Fail(at_ < text_.size() ? "a number is missing" : "the end is missing");
+    if (!IsDigit(Next())) Fail(at_ < text_.size() ? "a number is missing" : "unexpected end of file");
     while (IsDigit(Next())) ++at_;
   }
 
@@ -253,7 +253,7 @@ private:
       } else if (kind == "Mesh") {
         Mesh();
       } else {
-        Fail("\"" + Shown(kind) + "\" isn't known in a frame");
+        Fail("\"" + Shown(kind) + "\" is unknown in a frame");
       }
     }
   }
@@ -303,7 +303,7 @@ private:
       } else if (kind == "VertexDuplicationIndices") {
         PassOver();
       } else {
-        Fail("\"" + Shown(kind) + "\" isn't known in a mesh");
+        Fail("\"" + Shown(kind) + "\" is unknown in a mesh");
       }
     }
   }
@@ -313,7 +313,7 @@ private:
     const std::size_t normals = Count("normals", MostVertices * 4);
     for (std::size_t normal = 0; normal < normals; ++normal) Numbers(3);
     CountOf("faces of normals", faces.size());
-    if (Faces(faces.size(), "normal", normals) != faces) Fail("a face has not one normal a corner");
+    if (Faces(faces.size(), "normal", normals) != faces) Fail("a face doesn't have one normal per corner");
     Expect("}");
     End();
   }
@@ -333,7 +333,7 @@ private:
   void Materials(std::size_t faces) {
     Begin("MeshMaterialList");
     const std::size_t materials = Count("materials", MostMaterials), indices = Whole();
-    if (indices != faces && indices != 1) Fail("the faces have not one material each");
+    if (indices != faces && indices != 1) Fail("not every face has a material");
     for (std::size_t index = 0; index < indices; ++index) Index("material", materials);
     if (Next() == Separator) ++at_;
     plain_ += Separator;
@@ -352,10 +352,10 @@ private:
       } else if (kind == "Material") {
         Material();
       } else {
-        Fail("\"" + Shown(kind) + "\" isn't known among materials");
+        Fail("\"" + Shown(kind) + "\" is unknown among materials");
       }
     }
-    if (given != materials) Fail("a mesh has not as many materials as it says");
+    if (given != materials) Fail("the number of materials of a mesh is wrong");
     End();
   }
 
@@ -380,7 +380,7 @@ private:
       const std::string_view kind = NeededToken();
       if (kind == "}") break;
       if (kind != "TextureFilename" && kind != "TextureFileName")
-        Fail("\"" + Shown(kind) + "\" isn't known in a material");
+        Fail("\"" + Shown(kind) + "\" is unknown in a material");
       TextureName();
     }
     End();
@@ -391,9 +391,9 @@ private:
   void TextureName() {
     Open();
     SkipBlanks();
-    if (Next() != '"') Fail("a file's name has no quotation mark");
+    if (Next() != '"') Fail("a file name isn't quoted");
     const std::size_t end = text_.find('"', at_ + 1);
-    if (end == std::string_view::npos) Fail("the end is missing");
+    if (end == std::string_view::npos) Fail("unexpected end of file");
     at_ = end + 1;
     if (Next() != ';') Fail("\";\" is missing");
     ++at_;

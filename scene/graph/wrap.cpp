@@ -10,7 +10,7 @@ Direct3DRMWrap::Direct3DRMWrap(const Transform &system, const Vector &origin, co
     : ou_(ou), ov_(ov), su_(su), sv_(sv) {
   for (const float value : {origin.x, origin.y, origin.z, direction.x, direction.y, direction.z, up.x, up.y,
                             up.z, ou, ov, su, sv}) {
-    if (!std::isfinite(value)) throw SceneError("a wrap of a number that isn't finite");
+    if (!std::isfinite(value)) throw SceneError("a wrap has an argument that isn't finite");
   }
   const auto out = [&](double x, double y, double z) {
     return Row{system.Right.x * x + system.Up.x * y + system.Direction.x * z,
@@ -27,7 +27,7 @@ Direct3DRMWrap::Direct3DRMWrap(const Transform &system, const Vector &origin, co
   }
   const auto unit = [](Row r) {
     const double length = std::sqrt(r.x * r.x + r.y * r.y + r.z * r.z);
-    if (!(length > 0.0)) throw SceneError("a wrap whose up vector lies along its direction");
+    if (!(length > 0.0)) throw SceneError("the up vector of a wrap is parallel to its direction");
     return Row{r.x / length, r.y / length, r.z / length};
   };
   const Row d = unit(out(direction.x, direction.y, direction.z)), u = out(up.x, up.y, up.z);

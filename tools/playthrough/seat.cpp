@@ -108,7 +108,7 @@ std::optional<::Window> Seat::Find(const std::string &title) {
     if (const auto window = Find(title)) return *window;
     Pause(LookAgain);
   }
-  throw GaveUp("no window \"" + title + "\" has come");
+  throw GaveUp("no window \"" + title + "\" has appeared");
 }
 
 Image Seat::Read(Drawable from, int x, int y, int width, int height) {

@@ -229,7 +229,7 @@ void Table::WaitForPosts() {
     if (out >= NearTheEnd && out > before) return;
     before = out;
   }
-  throw GaveUp("the posts don't come to an end of their way");
+  throw GaveUp("the posts don't reach a turning point");
 }
 
 void Table::PlayPointAfter(Kick kick) {
@@ -269,5 +269,5 @@ void Table::WaitForTurn(bool home) {
       return;
     }
   }
-  throw GaveUp("the turn doesn't come");
+  throw GaveUp("the side's turn doesn't come");
 }

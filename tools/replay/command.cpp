@@ -41,7 +41,7 @@ public:
       }
     }
     if (error != std::errc() || end != word.data() + word.size()) {
-      reader_.Refuse(what + " isn't a number that can be used: \"" + word + '"');
+      reader_.Refuse(what + " isn't a valid number: \"" + word + '"');
     }
     if constexpr (std::is_floating_point_v<Number>) {
       if (!std::isfinite(value)) reader_.Refuse(what + " isn't finite: \"" + word + '"');
@@ -56,7 +56,7 @@ public:
   }
 
   void End() {
-    if (next_ != words_.size()) reader_.Refuse("surplus: \"" + words_[next_] + '"');
+    if (next_ != words_.size()) reader_.Refuse("unexpected: \"" + words_[next_] + '"');
   }
 
 private:
@@ -117,7 +117,7 @@ std::optional<Command> CommandReader::Next() {
     Command command = Parse(words, *this);
     words.End();
     if (std::holds_alternative<RoundsCommand>(command) && line_ != 1)
-      Refuse("rounds stands in the first line only");
+      Refuse("rounds is allowed only in the first line");
     return command;
   }
   return std::nullopt;

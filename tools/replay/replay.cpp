@@ -76,10 +76,10 @@ private:
     played_ = false;
   }
 
-  void Do(const RoundsCommand &) { commands_.Refuse("rounds stands in the first line only"); }
-  void Do(const ModeCommand &) { commands_.Refuse("mode comes before the first shot"); }
-  void Do(const SkillCommand &) { commands_.Refuse("skill comes before the first shot"); }
-  void Do(const SeedCommand &) { commands_.Refuse("seed comes before the first shot"); }
+  void Do(const RoundsCommand &) { commands_.Refuse("rounds is allowed only in the first line"); }
+  void Do(const ModeCommand &) { commands_.Refuse("mode is allowed only before the first shot"); }
+  void Do(const SkillCommand &) { commands_.Refuse("skill is allowed only before the first shot"); }
+  void Do(const SeedCommand &) { commands_.Refuse("seed is allowed only before the first shot"); }
   void Do(const FramesCommand &frames) { framesLeft_ = frames.Count; }
 
   void Do(const ProbeCommand &probe) {

@@ -112,7 +112,7 @@ void Computer::AnswerBox(const std::string &title, Milliseconds patience) {
 }
 
 void Computer::ExpectNobodyGone() {
-  if (Sees("Game Over:")) throw GaveUp(who_ + " is told that the other player has gone");
+  if (Sees("Game Over:")) throw GaveUp(who_ + " is told that the other player has left");
 }
 
 void Computer::Watch(const std::atomic<std::size_t> &wanted) {

@@ -19,11 +19,11 @@ void Home(const std::string &act) {
 void ExpectPorts(int wanted, const std::string &when, Seconds patience = RouterTakes) {
   const auto begun = Clock::now();
   while (std::stoi(RunScript("home", "ports")) != wanted) {
-    if (Clock::now() - begun > patience) throw GaveUp("not so: " + when);
+    if (Clock::now() - begun > patience) throw GaveUp("not true: " + when);
     Pause(Milliseconds(50));
   }
   const auto took = std::chrono::duration_cast<Milliseconds>(Clock::now() - begun).count();
-  Tell(when + ": the router passes on " + std::to_string(wanted) + " ports, " + std::to_string(took) +
+  Tell(when + ": the router forwards " + std::to_string(wanted) + " ports, " + std::to_string(took) +
        " ms later");
 }
 

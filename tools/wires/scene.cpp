@@ -8,7 +8,7 @@
 void Tell(const std::string &what) { std::cout << "-- " << what << std::endl; }
 
 void Expect(bool fits, const std::string &what) {
-  if (!fits) throw GaveUp("not so: " + what);
+  if (!fits) throw GaveUp("not true: " + what);
   Tell(what);
 }
 
@@ -17,7 +17,7 @@ std::string RunScript(const std::string &script, const std::string &act) {
   FILE *const output = popen(command.c_str(), "r");
   std::string said;
   for (int letter = 0; output && (letter = std::fgetc(output)) != EOF;) said += static_cast<char>(letter);
-  if (!output || pclose(output) != 0) throw GaveUp("fails: " + command);
+  if (!output || pclose(output) != 0) throw GaveUp("failed: " + command);
   return said;
 }
 
