@@ -127,8 +127,8 @@ public:
   Flag KickMode = False; ///< point-after: the next shot is a kick
   /// 0 aiming, 1 left button held (the meter charges), 2 right button held (orbit).
   std::int16_t MouseMode = 0;
-  std::int16_t ForgottenButtons = 0; ///< bit set of the buttons whose next release is ignored
-  Flag ShiftDown = False;            ///< Shift is held: the mouse zooms
+  std::int16_t IgnoredButtons = 0; ///< bit set of the buttons whose next release is ignored
+  Flag ShiftDown = False;          ///< Shift is held: the mouse zooms
 
   // ---- The shot ----------------------------------------------------------------------------------
 
@@ -141,10 +141,10 @@ public:
   void ReadAim();       ///< copies `AimFrame`'s vectors to X1 to Z2
   void ReadShotPlace(); ///< copies `AimFrame`'s position to FrameX, FrameY, FrameZ
   Flag MouseGate();     ///< -1 if the mouse buttons work now
-  void RestMeter();     ///< resets the meter without a shot
+  void ResetMeter();    ///< resets the meter without a shot
 
   /// Treats held buttons as released without a shot, and ignores their actual release.
-  void RestMouse();
+  void ReleaseButtons();
   void LetGo(); ///< the window lost the keyboard: treats all buttons and keys as released
   void RMCanvas1_MouseDown(std::int16_t Button, std::int16_t Shift, float X, float Y);
   void RMCanvas1_MouseUp(std::int16_t Button, std::int16_t Shift, float X, float Y);
@@ -281,8 +281,8 @@ public:
   void SendEnd();
   void SendOver();
 
-  Flag CardIsTold = False;                                   ///< "RESULT" is sent, its "Continue" isn't yet
-  std::vector<std::shared_ptr<DirectPlayMessage>> HeldLines; ///< chat lines held until "Continue"
+  Flag ResultSent = False;                                  ///< "RESULT" is sent, its "Continue" isn't yet
+  std::vector<std::shared_ptr<DirectPlayMessage>> HeldChat; ///< chat lines held until "Continue"
 
   // net/message_pump.cpp
   void CheckMessages(); ///< handles one message of the queue, if there is one
@@ -308,7 +308,7 @@ public:
 
   Flag Replaying = False;     ///< a flick of the other side is being replayed, with its cards and its kick
   Flag ReplayingKick = False; ///< a kick of the other side is being replayed, with its card
-  std::deque<std::shared_ptr<const ReceivedShot>> KeptFlicks; ///< received during the replay of another
+  std::deque<std::shared_ptr<const ReceivedShot>> QueuedFlicks; ///< received during the replay of another
   Flag ResultDue = False; ///< the "RESULT" of a replayed shot is still to be shown
   Flag LastWait = False; ///< the host is waiting for the last possession of the match; nobody shoots after it
   Flag OtherSideOver = False;       ///< the other side has reported the result of its last possession

@@ -114,9 +114,9 @@ void frmSnapwedge::EndMatch() {
     program.StopSounds();
     machine.Hide(*this);
     if (program.LaunchWindow) machine.Hide(*program.LaunchWindow);
-    const std::int32_t end = machine.ClockIn(LastWordsMs);
+    const std::int32_t end = machine.ClockIn(FinalDeliveryMs);
     while (!program.DP->Delivered() && !machine.ClockReached(end))
-      machine.WaitUntil(machine.ClockIn(NetworkLookMs));
+      machine.WaitUntil(machine.ClockIn(NetworkPollMs));
   }
   throw ProgramEnd{};
 }
@@ -173,7 +173,7 @@ void frmSnapwedge::MyDelay2() {
   BeginStep(PauseMs);
   while (!machine.ClockReached(FrameEnd)) {
     CheckMessages();
-    machine.WaitUntil(machine.ClockIn(NetworkLookMs));
+    machine.WaitUntil(machine.ClockIn(NetworkPollMs));
   }
   Busy = False;
 }

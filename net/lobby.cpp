@@ -156,7 +156,7 @@ void frmNewNet::AwaitJoiner() {
       machine, [this] { return program.DP->GetMessageCount(program.MyPlayerId) > 0; });
   while (Polling) {
     CheckMessages();
-    machine.WaitUntil(machine.ClockIn(LobbyLookMs));
+    machine.WaitUntil(machine.ClockIn(LobbyPollMs));
     machine.Show(*this);
   }
 }

@@ -48,9 +48,9 @@ void PlayWithCard(const Program &program, std::int16_t result) {
 } // namespace
 
 void frmSnapwedge::CheckMessages() {
-  if (!Replaying && !KeptFlicks.empty()) {
-    const auto shot = KeptFlicks.front();
-    KeptFlicks.pop_front();
+  if (!Replaying && !QueuedFlicks.empty()) {
+    const auto shot = QueuedFlicks.front();
+    QueuedFlicks.pop_front();
     ReplayFlick(*shot);
     return;
   }
@@ -113,8 +113,8 @@ bool frmSnapwedge::TakeFlick(const ReceivedShot &shot) {
     ReplayFlick(shot);
     return true;
   }
-  if (KeptFlicks.size() >= AttemptsInPossession) return false;
-  KeptFlicks.push_back(std::make_shared<const ReceivedShot>(shot));
+  if (QueuedFlicks.size() >= AttemptsInPossession) return false;
+  QueuedFlicks.push_back(std::make_shared<const ReceivedShot>(shot));
   return true;
 }
 
@@ -127,8 +127,8 @@ void frmSnapwedge::ReplayFlick(const ReceivedShot &shot) {
   Replaying = False;
   if (!program.MyTurn) return;
   // The possession is over, so its queued flicks are void.
-  DroppedMessages += static_cast<std::int32_t>(KeptFlicks.size());
-  KeptFlicks.clear();
+  DroppedMessages += static_cast<std::int32_t>(QueuedFlicks.size());
+  QueuedFlicks.clear();
 }
 
 void frmSnapwedge::ReplayKick(const ReceivedShot &shot) {
@@ -143,7 +143,7 @@ void frmSnapwedge::ReplayKick(const ReceivedShot &shot) {
 void frmSnapwedge::ShowOtherResult(std::int16_t MES) {
   Busy = True;
   ResultDue = False;
-  RestMouse(); // the card would swallow the release, and the meter would go on charging
+  ReleaseButtons(); // the card would swallow the release, and the meter would go on charging
   PlayBeforeCard(program, MES);
   const std::string hint = lblHint.Caption;
   HintOtherResult(MES);
@@ -174,7 +174,7 @@ void frmSnapwedge::CanIContinue() {
       ++DroppedMessages; // while its card is up, the other side sends nothing else
       machine.Pump();
     } else {
-      machine.WaitUntil(machine.ClockIn(NetworkLookMs));
+      machine.WaitUntil(machine.ClockIn(NetworkPollMs));
     }
   }
 }
@@ -182,7 +182,7 @@ void frmSnapwedge::CanIContinue() {
 void frmSnapwedge::AwaitOver() {
   while (!OtherSideOver) {
     CheckMessages();
-    if (!OtherSideOver) machine.WaitUntil(machine.ClockIn(NetworkLookMs));
+    if (!OtherSideOver) machine.WaitUntil(machine.ClockIn(NetworkPollMs));
   }
 }
 

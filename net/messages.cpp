@@ -66,25 +66,25 @@ void frmSnapwedge::SendResult(std::int16_t MES) {
   DirectPlayMessage &message = Begin(program, "RESULT");
   message.WriteLong(MES);
   Send(program);
-  CardIsTold = True;
+  ResultSent = True;
 }
 
 void frmSnapwedge::SendContinue() {
   SendTag(program, "Continue");
-  CardIsTold = False;
-  for (const auto &line : HeldLines) {
+  ResultSent = False;
+  for (const auto &line : HeldChat) {
     program.OutMsg = line;
     Send(program);
   }
-  HeldLines.clear();
+  HeldChat.clear();
 }
 
 void frmSnapwedge::SendText() {
   DirectPlayMessage &message = Begin(program, "MESSAGE");
   message.WriteString(Text2.Text);
   // While the other computer shows our card it drops every line, so this one is held until "Continue".
-  if (CardIsTold) {
-    HeldLines.push_back(program.OutMsg);
+  if (ResultSent) {
+    HeldChat.push_back(program.OutMsg);
   } else {
     Send(program);
   }

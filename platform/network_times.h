@@ -1,6 +1,6 @@
 #pragma once
 
-// Every time-out and interval of the network, ms. docs/protocol.md tells what the protocol's are for.
+// Every time-out and interval of the network, ms. docs/protocol.md explains those of the protocol.
 
 #include <cstdint>
 
@@ -20,17 +20,18 @@ constexpr std::int32_t SearchMs = 1000;  ///< waiting for answers
 constexpr std::int32_t AskAgainMs = 300; ///< between two sendings of the question
 
 // Polling.
-constexpr std::int32_t NetworkLookMs = 5; ///< longest sleep while something may arrive
-constexpr std::int32_t LobbyLookMs = 25;  ///< the same while a host waits for a joiner
+constexpr std::int32_t NetworkPollMs = 5; ///< longest sleep while something may arrive
+constexpr std::int32_t LobbyPollMs = 25;  ///< the same while a host waits for a joiner
 
 // The match.
-constexpr std::int32_t LastWordsMs = 60000; ///< at the end of a match, for the last messages to be delivered
-constexpr std::int32_t LineBackMs = 4000;   ///< the title says so long that the line is back
+constexpr std::int32_t FinalDeliveryMs =
+    60000;                                ///< at the end of a match, for the last messages to be delivered
+constexpr std::int32_t LineBackMs = 4000; ///< the title says so long that the line is back
 
 // The home router.
 constexpr std::int32_t RouterLeaseMs = 900000; ///< lifetime of a port mapping; a crash leaves it open so long
 constexpr std::int32_t RouterRenewMs = 300000; ///< a mapping is renewed after this
-constexpr std::int32_t RouterLookAgainMs = 60000;  ///< between two searches for a router
+constexpr std::int32_t RouterRetryMs = 60000;  ///< between two searches for a router
 constexpr std::int32_t RouterFirstAnswerMs = 2000; ///< waiting for the public address
 constexpr std::int32_t RouterFarewellMs = 1000;    ///< at the end, for the mapping to be removed
 constexpr std::int32_t NatPmpAnswerMs = 800;       ///< three requests, the repeats after 250 and 500 ms

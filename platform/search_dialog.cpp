@@ -106,7 +106,7 @@ bool SearchDialog::ShowSearching(const std::string &what) {
   return answer_ != Answer::GiveUp;
 }
 
-void SearchDialog::TellNobody(NobodyFound why, int port) {
+void SearchDialog::ShowNobodyFound(NobodyFound why, int port) {
   Label2.Caption = Words(why, Text1.Text, port);
   Command1.Caption = "Try again";
   Command2.Caption = "Close";

@@ -15,7 +15,7 @@ public:
 
   std::optional<std::string> Ask() override;
   bool ShowSearching(const std::string &what) override;
-  void TellNobody(NobodyFound why, int port) override;
+  void ShowNobodyFound(NobodyFound why, int port) override;
 
   Label Label1; ///< what to enter
   TextBox Text1;

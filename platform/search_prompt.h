@@ -31,7 +31,7 @@ public:
 
   /// Tells why nobody was found. The next `Ask` lets the player correct the entry and try again.
   /// @param port  the port that the host has to open
-  virtual void TellNobody(NobodyFound why, int port) = 0;
+  virtual void ShowNobodyFound(NobodyFound why, int port) = 0;
 };
 
 /// Puts a prompt up; its end takes it down.

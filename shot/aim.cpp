@@ -135,7 +135,7 @@ Flag frmSnapwedge::MouseGate() {
 
 void frmSnapwedge::RMCanvas1_MouseDown(std::int16_t Button, std::int16_t /*Shift*/, float /*X*/,
                                        float /*Y*/) {
-  ForgottenButtons = Without(ForgottenButtons, Button); // the release of a new press counts
+  IgnoredButtons = Without(IgnoredButtons, Button); // the release of a new press counts
   if (!MouseGate()) return;
   if (Button == LeftButton) {
     ShotPending = True;
@@ -146,9 +146,9 @@ void frmSnapwedge::RMCanvas1_MouseDown(std::int16_t Button, std::int16_t /*Shift
 }
 
 void frmSnapwedge::RMCanvas1_MouseUp(std::int16_t Button, std::int16_t /*Shift*/, float /*X*/, float /*Y*/) {
-  const bool forgotten = (ForgottenButtons & Button) != 0;
-  ForgottenButtons = Without(ForgottenButtons, Button);
-  if (forgotten || !MouseGate()) return;
+  const bool ignored = (IgnoredButtons & Button) != 0;
+  IgnoredButtons = Without(IgnoredButtons, Button);
+  if (ignored || !MouseGate()) return;
   MouseMode = 0;
   if (Button != LeftButton) return;
   ReadAim();
@@ -161,7 +161,7 @@ void frmSnapwedge::RMCanvas1_MouseUp(std::int16_t Button, std::int16_t /*Shift*/
   }
   if (Force == 0.0f) {
     // A click shorter than a frame has no force, and a kick without force would never come down.
-    RestMeter();
+    ResetMeter();
     HintNoKick();
     return;
   }
@@ -170,20 +170,20 @@ void frmSnapwedge::RMCanvas1_MouseUp(std::int16_t Button, std::int16_t /*Shift*/
   KickFB(KickFrameX, KickFrameY, KickFrameZ, Force, KickX1, KickY1, KickZ1, KickX2, KickY2, KickZ2);
 }
 
-void frmSnapwedge::RestMeter() {
+void frmSnapwedge::ResetMeter() {
   ShotPending = False;
   Force = 0;
   ProgressBar1.Value = 0;
 }
 
-void frmSnapwedge::RestMouse() {
-  ForgottenButtons = LeftButton | RightButton;
+void frmSnapwedge::ReleaseButtons() {
+  IgnoredButtons = LeftButton | RightButton;
   if (NoShot) return; // a running shot goes on
   MouseMode = 0;
-  if (ShotPending) RestMeter();
+  if (ShotPending) ResetMeter();
 }
 
 void frmSnapwedge::LetGo() {
   ShiftDown = False;
-  RestMouse();
+  ReleaseButtons();
 }

@@ -36,7 +36,7 @@ struct Built {
   }
 };
 
-/// A mesh's places, shifted by the place of its frame where that isn't what the row tells of.
+/// The bounding box of a mesh, raised by `lift`.
 struct Extent {
   Vector Low{1e9f, 1e9f, 1e9f}, High{-1e9f, -1e9f, -1e9f};
   Extent(const Direct3DRMMeshBuilder3 &mesh, float lift) {

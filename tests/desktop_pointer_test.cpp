@@ -16,7 +16,7 @@ using Device = PointerTravel::Device;
 /// so that sums are exact.
 class Display {
 public:
-  Device device = Device::TellsWay;
+  Device device = Device::Relative;
   bool obeys = true; ///< whether the display moves the pointer at a program's request
   Dots hand;         ///< motion of the hand while the pointer was captured
   Dots told;         ///< motion counted by the program
@@ -35,15 +35,15 @@ public:
     if (program_) told = told + program_->Moved(Id, pointer_);
   }
 
-  /// @param asPlace  absolute or relative, for a device that supports both
-  void MoveHand(Dots way, bool asPlace) {
-    if (device == Device::TellsPlace || (device == Device::TellsEither && asPlace)) {
+  /// @param asAbsolute  absolute or relative, for a device that supports both
+  void MoveHand(Dots way, bool asAbsolute) {
+    if (device == Device::Absolute || (device == Device::Mixed && asAbsolute)) {
       const Dots from = device_;
       device_ = OnScreen(device_ + way);
       way = device_ - from; // an absolute device stops at the edge
       pointer_ = device_;
       constexpr double DeviceDots = 32; // resolution of a tablet
-      const double scale = device == Device::TellsPlace ? DeviceDots : 1;
+      const double scale = device == Device::Absolute ? DeviceDots : 1;
       Report({device_.x * scale, device_.y * scale}, way);
     } else {
       pointer_ = OnScreen(pointer_ + way);
@@ -97,18 +97,18 @@ TEST(PointerTravelTest, AMillionMotionsAddUpExactlyWhateverFocusAndDisplayDo) {
       if (display.Held()) {
         display.LetGo();
       } else {
-        display.device = chance.Once(3)   ? Device::TellsPlace
-                         : chance.Once(3) ? Device::TellsEither
-                                          : Device::TellsWay;
+        display.device = chance.Once(3)   ? Device::Absolute
+                         : chance.Once(3) ? Device::Mixed
+                                          : Device::Relative;
         // Near the origin absolute and relative values look alike, so the pointer must not stay there.
-        display.obeys = display.device == Device::TellsEither || !chance.Once(3);
+        display.obeys = display.device == Device::Mixed || !chance.Once(3);
         display.Hold();
         display.Warp(Anchor);
       }
     }
     held += display.Held() ? 1 : 0;
     display.MoveHand(chance.Way(), chance.Once(2));
-    if (display.device == Device::TellsEither || chance.Once(4)) display.Warp(Anchor);
+    if (display.device == Device::Mixed || chance.Once(4)) display.Warp(Anchor);
     if (chance.Once(1000)) display.Warp({900, 700});
     ASSERT_TRUE(display.told == display.hand) << "at motion " << motion;
   }

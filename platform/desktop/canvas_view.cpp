@@ -58,7 +58,7 @@ CanvasView::CanvasView(DesktopMachine &machine, Window &window, Canvas &canvas, 
   setMouseTracking(true);
 }
 
-void CanvasView::ShowPicture(const QImage &picture) {
+void CanvasView::ShowFrame(const QImage &picture) {
   picture_ = picture;
   if (isVisible()) repaint();
 }

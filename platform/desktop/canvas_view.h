@@ -14,7 +14,7 @@ public:
   CanvasView(DesktopMachine &machine, Window &window, Canvas &canvas, QWidget &parent);
 
   /// Shows a frame at once. Keeps a reference: the image must not change before the next call.
-  void ShowPicture(const QImage &picture);
+  void ShowFrame(const QImage &picture);
 
 protected:
   void paintEvent(QPaintEvent *event) override;

@@ -121,7 +121,7 @@ void DesktopMachine::Sleep(std::optional<std::int32_t> deadline) {
   leaving_.clear();
   CarryOver();
   std::int32_t milliseconds = deadline ? std::max(Elapsed(timeGetTime(), *deadline), 0) : -1;
-  if (HasPolls()) milliseconds = deadline ? std::min(milliseconds, NetworkLookMs) : NetworkLookMs;
+  if (HasPolls()) milliseconds = deadline ? std::min(milliseconds, NetworkPollMs) : NetworkPollMs;
   QTimer timer;
   timer.setTimerType(Qt::PreciseTimer);
   timer.setSingleShot(true);
@@ -211,7 +211,7 @@ void DesktopMachine::DrawCanvas(Canvas &canvas) {
   if (!renderer_->Draw(static_cast<const RMCanvas &>(canvas), pixels)) return;
   // A card that was hidden must not cover the next frame.
   (*shown)->CarryOver();
-  view.ShowPicture(renderer_->Picture());
+  view.ShowFrame(renderer_->Picture());
 }
 
 void DesktopMachine::MsgBox(const MessageBox &box) {

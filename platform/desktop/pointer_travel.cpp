@@ -3,7 +3,7 @@
 #include <cmath>
 
 Dots PointerTravel::Reported(int id, Device device, Dots values) {
-  if (device == Device::TellsWay) return values;
+  if (device == Device::Relative) return values;
   reports_[id] = {device, values};
   return {};
 }
@@ -12,8 +12,8 @@ Dots PointerTravel::Moved(int id, Dots place) {
   const auto report = reports_.extract(id);
   if (!report) return {}; // by a program, or already reported
   const auto &[device, values] = report.mapped();
-  const bool isPlace = std::abs(values.x - place.x) < 1 && std::abs(values.y - place.y) < 1;
-  if (device == Device::TellsEither && !isPlace) return values;
+  const bool isAbsolute = std::abs(values.x - place.x) < 1 && std::abs(values.y - place.y) < 1;
+  if (device == Device::Mixed && !isAbsolute) return values;
   Dots &last = places_.try_emplace(id, begin_).first->second;
   const Dots way = place - last;
   last = place;

@@ -21,9 +21,9 @@ struct Dots {
 class PointerTravel {
 public:
   enum class Device {
-    TellsWay,   ///< relative: a mouse
-    TellsPlace, ///< absolute: a tablet or remote viewer; not affected when a program moves the pointer
-    TellsEither ///< a virtual device that reports both relative and absolute values
+    Relative, ///< a mouse
+    Absolute, ///< a tablet or remote viewer; not affected when a program moves the pointer
+    Mixed     ///< a virtual device that reports both relative and absolute values
   };
 
   /// @param place  position of the pointer

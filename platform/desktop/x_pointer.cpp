@@ -30,17 +30,17 @@ double Convert(xcb_input_fp3232_t fixed) { return fixed.integral + fixed.frac / 
 /// The kind of a device.
 Device KindOf(xcb_connection_t *x, xcb_input_device_id_t id) {
   const auto reply = Own(xcb_input_xi_query_device_reply(x, xcb_input_xi_query_device(x, id), nullptr));
-  if (!reply || reply->num_infos == 0) return Device::TellsWay;
+  if (!reply || reply->num_infos == 0) return Device::Relative;
   const auto infos = xcb_input_xi_query_device_infos_iterator(reply.get());
   const std::string_view name(xcb_input_xi_device_info_name(infos.data), infos.data->name_len);
-  if (name.find("XTEST") != name.npos) return Device::TellsEither;
+  if (name.find("XTEST") != name.npos) return Device::Mixed;
   for (auto each = xcb_input_xi_device_info_classes_iterator(infos.data); each.rem > 0;
        xcb_input_device_class_next(&each)) {
     if (each.data->type != XCB_INPUT_DEVICE_CLASS_TYPE_VALUATOR) continue;
     const auto *axis = reinterpret_cast<const xcb_input_valuator_class_t *>(each.data);
-    if (axis->number == 0 && axis->mode == XCB_INPUT_VALUATOR_MODE_ABSOLUTE) return Device::TellsPlace;
+    if (axis->number == 0 && axis->mode == XCB_INPUT_VALUATOR_MODE_ABSOLUTE) return Device::Absolute;
   }
-  return Device::TellsWay;
+  return Device::Relative;
 }
 
 /// The first two values of a report; a missing one is unchanged.
@@ -117,7 +117,7 @@ private:
     if (static_cast<std::int32_t>(event.full_sequence - return_) >= 0) returning_ = false;
     const bool strayed = std::abs(place.x - anchorX_) + std::abs(place.y - anchorY_) > Stray;
     // An absolute device would move the pointer away again.
-    if (strayed && !returning_ && Kind(motion.sourceid) != Device::TellsPlace) MoveBack();
+    if (strayed && !returning_ && Kind(motion.sourceid) != Device::Absolute) MoveBack();
     return false;
   }
 

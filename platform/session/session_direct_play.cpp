@@ -129,18 +129,18 @@ SessionDirectPlay::GetDPEnumSessions(const DirectPlaySessionData &wanted, std::i
   const Guid game = ExpectGuid(wanted);
   const ResetAtEnd<Search> end{search_};
   if (*reach_ == Reach::Network && makePrompt_) return std::make_shared<EnumSessions>(SearchByPrompt(game));
-  const WindowsDisabled still(machine_);
+  const WindowsDisabled disabled(machine_);
   RunSearch(std::nullopt, game, [](const Search &) { return true; });
   return std::make_shared<EnumSessions>(search_->Sessions());
 }
 
-/// Runs a search until it is over or `goesOn`, called after every poll, returns false. Leaves the result in
-/// `search_`.
+/// Runs a search until it is over or `keepGoing`, called after every poll, returns false. Leaves the result
+/// in `search_`.
 void SessionDirectPlay::RunSearch(std::optional<HostName> host, const Guid &game,
-                                  const std::function<bool(const Search &)> &goesOn) {
+                                  const std::function<bool(const Search &)> &keepGoing) {
   search_ = std::make_unique<Search>(*transport_, *reach_, std::move(host), game, machine_.timeGetTime());
   Poll();
-  while (!search_->Done() && goesOn(*search_)) machine_.WaitUntil(machine_.ClockIn(NetworkLookMs));
+  while (!search_->Done() && keepGoing(*search_)) machine_.WaitUntil(machine_.ClockIn(NetworkPollMs));
 }
 
 /// Lets the player enter the host, and try again as long as no session is found there.
@@ -152,19 +152,19 @@ std::vector<DirectPlaySessionData> SessionDirectPlay::SearchByPrompt(const Guid 
     std::optional<HostName> host;
     if (!everybody) host = HostName::Parse(*answer);
     if (!everybody && !host) {
-      prompt->TellNobody(NobodyFound::NoPlace, DefaultPort);
+      prompt->ShowNobodyFound(NobodyFound::NoPlace, DefaultPort);
       continue;
     }
     const std::string place = everybody ? "the local network" : *answer;
-    bool goesOn = true;
+    bool keepGoing = true;
     RunSearch(host, game, [&](const Search &search) {
       const std::string what = search.LooksUp() ? "Looking up the name " : "Searching ";
-      goesOn = prompt->ShowSearching(what + place);
-      return goesOn;
+      keepGoing = prompt->ShowSearching(what + place);
+      return keepGoing;
     });
     // A player who wants to host comes this way too: on the local network an empty list is no failure.
-    if (!goesOn || everybody || !search_->Sessions().empty()) return search_->Sessions();
-    prompt->TellNobody(search_->WhyNobody(), host->Port.value_or(DefaultPort));
+    if (!keepGoing || everybody || !search_->Sessions().empty()) return search_->Sessions();
+    prompt->ShowNobodyFound(search_->WhyNobody(), host->Port.value_or(DefaultPort));
     search_.reset();
   }
   return {};
@@ -233,9 +233,9 @@ std::int32_t SessionDirectPlay::CreatePlayer(const std::string &, const std::str
 void SessionDirectPlay::Await(const std::function<bool()> &over) {
   const std::int32_t end = machine_.ClockIn(OpenMs);
   Poll();
-  const WindowsDisabled still(machine_);
+  const WindowsDisabled disabled(machine_);
   while (!over() && !machine_.ClockReached(end)) {
-    machine_.WaitUntil(machine_.ClockIn(NetworkLookMs));
+    machine_.WaitUntil(machine_.ClockIn(NetworkPollMs));
     if (!session_) throw DirectPlayError("session: closed while it was being joined");
   }
 }
@@ -283,8 +283,8 @@ void SessionDirectPlay::Close() {
   // No pump here: the game may be unwinding and must not be called.
   session_->SayBye(machine_.timeGetTime());
   for (std::int32_t waited = 0; waited < FarewellMs && !session_->GetLink().ByeIsOver();
-       waited += NetworkLookMs) {
-    if (!transport_->Rest(NetworkLookMs)) break;
+       waited += NetworkPollMs) {
+    if (!transport_->Rest(NetworkPollMs)) break;
     transport_->Poll();
     session_->Poll(machine_.timeGetTime());
   }

@@ -43,7 +43,7 @@ private:
   void Poll();
   void ExpectConnection() const;
   void RunSearch(std::optional<HostName> host, const Guid &game,
-                 const std::function<bool(const Search &)> &goesOn);
+                 const std::function<bool(const Search &)> &keepGoing);
   std::vector<DirectPlaySessionData> SearchByPrompt(const Guid &game);
   void Join(const DirectPlaySessionData &description);
   void Await(const std::function<bool()> &over);

@@ -9,7 +9,7 @@ constexpr std::uint32_t FacesInLeaf = 4;
 constexpr std::size_t DeepestTree = 64; ///< stack of a traversal; deeper than any tree of 2^32 faces
 constexpr double RoundingSlack = 1e-14; ///< relative; several roundings of a double
 
-std::array<float, 3> Parts(const Vector &v) { return {v.x, v.y, v.z}; }
+std::array<float, 3> Coordinates(const Vector &v) { return {v.x, v.y, v.z}; }
 
 /// Intersects the ray with a face. The test of a shared edge uses the same two corners in both faces and
 /// differs only in sign, so a ray can't pass between them.
@@ -69,13 +69,14 @@ void TriangleTree::BuildNode(std::span<const Vector> positions, std::uint32_t fi
   const std::size_t node = nodes_.size();
   nodes_.push_back({box, first, count});
   if (count <= FacesInLeaf) return;
-  const auto low = Parts(box.Low), high = Parts(box.High);
+  const auto low = Coordinates(box.Low), high = Coordinates(box.High);
   std::size_t axis = 0;
   for (std::size_t i = 1; i < 3; ++i) {
     if (high[i] - low[i] > high[axis] - low[axis]) axis = i;
   }
   const auto middle = [&](const Face &face) {
-    return Parts(positions[face.A])[axis] + Parts(positions[face.B])[axis] + Parts(positions[face.C])[axis];
+    return Coordinates(positions[face.A])[axis] + Coordinates(positions[face.B])[axis] +
+           Coordinates(positions[face.C])[axis];
   };
   const std::uint32_t half = count / 2;
   std::nth_element(faces.begin(), faces.begin() + half, faces.end(),
@@ -89,9 +90,9 @@ void TriangleTree::BuildNode(std::span<const Vector> positions, std::uint32_t fi
 std::optional<double> TriangleTree::Intersect(std::span<const Vector> positions, const D3DRMRAY &ray) const {
   std::optional<double> nearest;
   if (nodes_.empty()) return nearest;
-  const auto direction = Parts(ray.Direction), origin = Parts(ray.Origin);
+  const auto direction = Coordinates(ray.Direction), origin = Coordinates(ray.Origin);
   const auto meetsBox = [&](const Box &box) {
-    const auto low = Parts(box.Low), high = Parts(box.High);
+    const auto low = Coordinates(box.Low), high = Coordinates(box.High);
     double enter = 0.0, leave = nearest.value_or(1e300);
     for (std::size_t axis = 0; axis < 3; ++axis) {
       if (direction[axis] == 0.0f) {

@@ -19,7 +19,7 @@ const std::string LineIsBroken = "waiting for the other computer ...";
 } // namespace
 
 void ScriptedPlayer::Look() {
-  letsGo_ = false;
+  releasing_ = false;
   if (machine_.Shown.empty()) return;
   Listen();
   if (!machine_.Boxes.empty() && machine_.Boxes.back().Title == "Game Over:")
@@ -89,21 +89,21 @@ void ScriptedPlayer::UseLobby(frmNewNet &lobby) {
 
 void ScriptedPlayer::Press() {
   hand_ = Hand::Pressing;
-  letGoAt_.reset();
+  releaseAt_.reset();
   leaveAt_.reset();
   machine_.PressMouse(1);
 }
 
 void ScriptedPlayer::Release() {
-  letsGo_ = true;
+  releasing_ = true;
   machine_.ReleaseMouse(1);
 }
 
 /// Acts while the left button is down.
 void ScriptedPlayer::Hold(frmSnapwedge &table) {
-  if (letGoAt_ || hand_ == Hand::Stale) {
-    if (!letGoAt_) letGoAt_ = machine_.ClockIn(Between(0, LongestHoldMs));
-    if (!machine_.ClockReached(*letGoAt_)) return;
+  if (releaseAt_ || hand_ == Hand::Stale) {
+    if (!releaseAt_) releaseAt_ = machine_.ClockIn(Between(0, LongestHoldMs));
+    if (!machine_.ClockReached(*releaseAt_)) return;
   } else if (table.MouseMode == 1) {
     if (leaveAt_ && table.ProgressBar1.Value >= *leaveAt_) {
       ++seen_.LeftInCharge;
@@ -115,21 +115,21 @@ void ScriptedPlayer::Hold(frmSnapwedge &table) {
   }
   // Either the level is reached, or the shot has fired by itself.
   Release();
-  if (hand_ == Hand::Stale) letsGo_ = false;
+  if (hand_ == Hand::Stale) releasing_ = false;
   hand_ = Hand::Open;
 }
 
 void ScriptedPlayer::SeeShotSent(float force) {
   ++seen_.ShotsSent;
   const bool overcharged = force == OverchargedFlick || force == OverchargedKick;
-  if (!letsGo_ && !(overcharged && hand_ == Hand::Pressing)) ++seen_.ShotsWithoutHand;
+  if (!releasing_ && !(overcharged && hand_ == Hand::Pressing)) ++seen_.ShotsWithoutHand;
 }
 
 /// Called when the window is repainted, which means that a card is up.
 void ScriptedPlayer::SeeCard() {
   const auto *table = dynamic_cast<frmSnapwedge *>(machine_.FindWindow("frmSnapwedge"));
-  if (!table || table->CardIsTold || hand_ != Hand::Pressing) return;
-  if (!letGoAt_) ++seen_.CardsInCharge;
+  if (!table || table->ResultSent || hand_ != Hand::Pressing) return;
+  if (!releaseAt_) ++seen_.CardsInCharge;
   hand_ = Hand::Stale;
 }
 
@@ -201,7 +201,7 @@ bool ScriptedPlayer::Fidget(frmSnapwedge &table) {
   case 4:
     if (table.MouseGate()) return false;
     Press(); // not its turn; it may be by the time of the release
-    letGoAt_ = machine_.ClockIn(Between(0, LongestHoldMs));
+    releaseAt_ = machine_.ClockIn(Between(0, LongestHoldMs));
     return true;
   case 5:
     machine_.LoseFocus();
@@ -239,7 +239,7 @@ void ScriptedPlayer::Listen() {
   }
 }
 
-void ScriptedPlayer::SeePicture() {
+void ScriptedPlayer::SeeFrame() {
   auto *table = dynamic_cast<frmSnapwedge *>(machine_.FindWindow("frmSnapwedge"));
   if (!table) return;
   Listen();

@@ -16,7 +16,7 @@ public:
   ScriptedPlayer(HeadlessMachine &machine, bool host, int rounds, std::uint32_t seed)
       : machine_(machine), host_(host), rounds_(rounds), random_(seed) {
     machine.Player = [this] { Look(); };
-    machine.OnDraw = [this](Canvas &) { SeePicture(); };
+    machine.OnDraw = [this](Canvas &) { SeeFrame(); };
     machine.OnRepaint = [this] { SeeCard(); };
   }
 
@@ -46,7 +46,7 @@ private:
   void Aim(const frmSnapwedge &table);
   void MoveMouse(int reachX, int reachY);
   void Listen();
-  void SeePicture();
+  void SeeFrame();
   void SeeCard();
   void Read(const frmSnapwedge &table);
   int Between(int low, int high) {
@@ -71,11 +71,11 @@ private:
   bool goHome_ = false;
   bool atTable_ = false;
   Hand hand_ = Hand::Open;
-  bool letsGo_ = false;                 ///< the release is posted
-  std::optional<std::int32_t> letGoAt_; ///< time of a release that doesn't depend on the meter
-  std::optional<float> leaveAt_;        ///< meter value at which the player switches to another window
-  bool orbits_ = false;                 ///< the right button is down
-  float release_ = 0;                   ///< meter value at which the left button is released
+  bool releasing_ = false;                ///< the release is posted
+  std::optional<std::int32_t> releaseAt_; ///< time of a release that doesn't depend on the meter
+  std::optional<float> leaveAt_;          ///< meter value at which the player switches to another window
+  bool orbits_ = false;                   ///< the right button is down
+  float release_ = 0;                     ///< meter value at which the left button is released
   int attempt_ = 0;
   bool aimed_ = false;        ///< the aim of the next shot is set
   bool planned_ = false;      ///< this possession follows the plan for a Touchdown

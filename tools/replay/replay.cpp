@@ -20,7 +20,7 @@ public:
       : machine_(machine), program_(program), commands_(commands), window_(machine, program),
         watcher_(window_), planner_(machine.AppPath()) {
     planner_.Seed = machine.Seed;
-    machine.OnDraw = [this](Canvas &) { SeePicture(); };
+    machine.OnDraw = [this](Canvas &) { SeeFrame(); };
     machine.Player = [this] { SeePump(); };
   }
 
@@ -37,10 +37,10 @@ private:
   bool ComputersTurn() const { return program_.GameMode == "Computer" && !program_.MyTurn; }
   char Side() const { return program_.MyTurn ? 'A' : 'B'; }
 
-  void SeePicture() {
+  void SeeFrame() {
     const bool firstOfComputer = stage_ == Stage::Between && ComputersTurn() && window_.NoShot;
     if (firstOfComputer) BeginComputer();
-    watcher_.SeePicture();
+    watcher_.SeeFrame();
     if (stage_ == Stage::Flick && window_.KickMode) {
       ReportFlick(window_, asked_, watcher_.Flick());
       stage_ = Stage::PointAfter;

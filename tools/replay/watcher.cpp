@@ -19,7 +19,7 @@ void Watcher::Begin() {
   Look(flick_);
 }
 
-void Watcher::SeePicture() {
+void Watcher::SeeFrame() {
   // The sky moves in every step of a flick and stands still in a fall. The rise changes in every step of a
   // kick and at no other time.
   if (window_.NoShot && !window_.KickMode && window_.SkyU != lastSkyU_) {

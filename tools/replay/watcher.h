@@ -21,8 +21,8 @@ public:
   /// Resets the observations and records the position of the piece.
   void Begin();
 
-  void SeePicture(); ///< call at every frame
-  void SeeCards();   ///< call at every pump: a card needs no frame of the scene
+  void SeeFrame(); ///< call at every frame
+  void SeeCards(); ///< call at every pump: a card needs no frame of the scene
 
   const SeenShot &Flick() const { return flick_; }
   const SeenShot &Kick() const { return kick_; }

@@ -88,7 +88,7 @@ public:
       if (wanted == 0) {
         state_->changed.wait(lock, other);
       } else {
-        state_->changed.wait_for(lock, Milliseconds(opened_ ? RouterRenewMs : RouterLookAgainMs), other);
+        state_->changed.wait_for(lock, Milliseconds(opened_ ? RouterRenewMs : RouterRetryMs), other);
       }
     }
   }
