@@ -11,4 +11,4 @@ struct ComputerPlan {
 };
 
 /// Draws the plan of the attempt that begins with `shots` attempts left.
-ComputerPlan PlanComputerShot(Machine &machine, SkillLevel skill, std::int16_t shots);
+ComputerPlan PlanComputerShot(Machine &machine, const SkillLevel &skill, std::int16_t shots);
