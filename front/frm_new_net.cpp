@@ -32,23 +32,10 @@ std::optional<std::int16_t> ParseRounds(const std::string &text) {
 /// Loads all sounds and starts those of the launch window.
 void StartSounds(Program &program, const Window &window) {
   program.DS->SetCooperativeLevel(window, DSSCL_PRIORITY);
-  const auto directory = program.machine.AppPath();
-  const DSBUFFERDESC description;
-  const WAVEFORMATEX format;
-  const auto load = [&](const char *file) {
-    return program.DS->CreateSoundBufferFromFile(directory / file, description, format);
-  };
-  program.SndCrowd = load("crowd.daw");
-  program.SndCrowd2 = load("crowd2.daw");
-  program.SndYeah = load("yeah.daw");
-  program.SndYeah2 = load("yeah2.daw");
-  program.SndBoo = load("boo.daw");
-  program.SndTheme = load("theme.daw");
-  program.SndGuit2 = load("guit2.daw");
-  program.SndSwoosh = load("swoosh.daw");
-  program.SndWis1 = load("wis1.daw");
-  program.SndWis2 = load("wis2.daw");
-  program.SndWis3 = load("wis3.daw");
+  for (const SoundFile &sound : SoundFiles) {
+    program.*sound.Buffer =
+        program.DS->CreateSoundBufferFromFile(program.machine.AppPath() / sound.Name, {}, {});
+  }
   program.PlayLoop(program.SndCrowd2);
   program.PlayLoop(program.SndCrowd);
   program.PlayOnce(program.SndYeah2);
@@ -108,7 +95,7 @@ void frmNewNet::Check1_Click() { program.StadiumOn = Check1.Value ? True : False
 
 void frmNewNet::Check2_Click() { program.MessagesOn = Check2.Value ? True : False; }
 
-void frmNewNet::Combo1_Click() { program.Skill = static_cast<SkillLevel>(Combo1.ListIndex); }
+void frmNewNet::Combo1_Click() { program.Skill = SkillLevels.at(static_cast<std::size_t>(Combo1.ListIndex)); }
 
 bool frmNewNet::TakeRounds() {
   if (const auto rounds = ParseRounds(Text1.Text)) {

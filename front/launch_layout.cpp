@@ -110,8 +110,10 @@ void frmNewNet::LayOutLeft() {
   Put(Combo1, "Combo1", 3000, 5160, 1095, 315);
   Combo1.AccessibleName = "Computer Skill Level";
   Combo1.Font.Points = SmallPoints;
-  Combo1.List = {"Easy", "Medium", "Hard"};
-  Combo1.ListIndex = 1;
+  for (const SkillLevel &level : SkillLevels) {
+    if (level == program.Skill) Combo1.ListIndex = static_cast<int>(Combo1.List.size());
+    Combo1.List.emplace_back(level.Name);
+  }
   Combo1.Click = [this] { Combo1_Click(); };
   Put(Command1, "Command1", 480, 5520, 1815, 375, "VS, Computer", [this] { Command1_Click(); });
   Put(Command2, "Command2", 2400, 5520, 1815, 375, "VS. Human", [this] { Command2_Click(); });

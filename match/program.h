@@ -3,6 +3,7 @@
 // The program-wide variables. One record is one running program: two records in one process are two
 // computers.
 
+#include "match/skill_levels.h"
 #include "platform/machine.h"
 
 #include <cstdint>
@@ -15,9 +16,6 @@ constexpr Flag False = 0;
 constexpr Flag True = -1;
 
 constexpr Flag Not(Flag flag) { return static_cast<Flag>(~flag); }
-
-/// How well the computer plays. The level only scales its random errors.
-enum class SkillLevel { Easy, Medium, Hard };
 
 constexpr std::int16_t MostRounds = 99; ///< of a match
 
@@ -40,9 +38,9 @@ struct Program {
   // The options.
   Flag StadiumOn = True;  ///< stadium, field lines and sky are shown
   Flag MessagesOn = True; ///< result cards come up in a match on one computer
-  SkillLevel Skill = SkillLevel::Medium;
+  SkillLevel Skill = DefaultSkillLevel;
 
-  // Sound. The buffers are null while `SoundOn` is 0.
+  // Sound. The buffers are null while `SoundOn` is 0. `SoundFiles` below has a row for each.
   Flag SoundOn = True; ///< sound works; 0 for good once initialisation has failed
   std::unique_ptr<DirectX7> DX;
   std::shared_ptr<DirectSound> DS;
@@ -87,11 +85,23 @@ struct Program {
     if (SoundOn) sound->Stop();
   }
 
-  /// Stops all sounds.
-  void StopSounds() const {
-    for (const SoundBuffer *sound : {&SndCrowd, &SndCrowd2, &SndYeah, &SndYeah2, &SndBoo, &SndTheme,
-                                     &SndGuit2, &SndSwoosh, &SndWis1, &SndWis2, &SndWis3}) {
-      Stop(*sound);
-    }
-  }
+  /// Stops every sound.
+  void StopSounds() const;
 };
+
+struct SoundFile {
+  SoundBuffer Program::*Buffer;
+  const char *Name; ///< in the directory of the game
+};
+
+/// Every sound, in the order of loading.
+inline constexpr SoundFile SoundFiles[] = {
+    {&Program::SndCrowd, "crowd.daw"}, {&Program::SndCrowd2, "crowd2.daw"}, {&Program::SndYeah, "yeah.daw"},
+    {&Program::SndYeah2, "yeah2.daw"}, {&Program::SndBoo, "boo.daw"},       {&Program::SndTheme, "theme.daw"},
+    {&Program::SndGuit2, "guit2.daw"}, {&Program::SndSwoosh, "swoosh.daw"}, {&Program::SndWis1, "wis1.daw"},
+    {&Program::SndWis2, "wis2.daw"},   {&Program::SndWis3, "wis3.daw"},
+};
+
+inline void Program::StopSounds() const {
+  for (const SoundFile &sound : SoundFiles) Stop(this->*sound.Buffer);
+}

@@ -29,18 +29,6 @@ float Draw(Machine &machine, float steps) {
 
 float DrawSign(Machine &machine) { return Draw(machine, SignSteps) <= LastNegative ? -1.0f : 1.0f; }
 
-/// Factor of the random errors.
-float ErrorScale(SkillLevel skill) {
-  switch (skill) {
-  case SkillLevel::Easy:
-    return 2.0f;
-  case SkillLevel::Hard:
-    return 0.5f;
-  default:
-    return 1.0f;
-  }
-}
-
 /// Planned force of an attempt, by the number of attempts left before it.
 float BaseForce(std::int16_t shots) {
   if (shots == 3) return FirstForce;
@@ -50,13 +38,13 @@ float BaseForce(std::int16_t shots) {
 
 } // namespace
 
-ComputerPlan PlanComputerShot(Machine &machine, SkillLevel skill, std::int16_t shots) {
+ComputerPlan PlanComputerShot(Machine &machine, const SkillLevel &skill, std::int16_t shots) {
   float Turn = Quotient(Draw(machine, TurnSteps), TurnDivisor);
   float Spread = Quotient(Draw(machine, SpreadSteps), SpreadDivisor);
   Turn *= DrawSign(machine);
   Spread *= DrawSign(machine);
-  Turn *= ErrorScale(skill);
-  Spread *= ErrorScale(skill);
+  Turn *= skill.ErrorScale;
+  Spread *= skill.ErrorScale;
   return {Turn, Sum(Spread, BaseForce(shots))};
 }
 

@@ -10,4 +10,4 @@ struct ComputerPlan {
 };
 
 /// Plans the next attempt. @param shots  attempts left before it
-ComputerPlan PlanComputerShot(Machine &machine, SkillLevel skill, std::int16_t shots);
+ComputerPlan PlanComputerShot(Machine &machine, const SkillLevel &skill, std::int16_t shots);

@@ -1,6 +1,6 @@
 // The mouse: aim, meter, gate, zoom and orbit, and the keys.
 
-#include "tests/game_kit.h"
+#include "tests/network_kit.h"
 
 #include <gtest/gtest.h>
 
@@ -191,6 +191,92 @@ TEST(AimTest, ShiftZoomsAlongTheViewAndLetsGo) {
   game.machine.MoveMouse(30, 0);
   game.Frames(1);
   EXPECT_NEAR(Heading(game), -0.1f, 1e-6f);
+  game.machine.PressKey(KeyCodes::Shift);
+  game.machine.PressMouse(1);
+  game.Frames(1);
+  game.machine.MoveMouse(0, -50);
+  game.Frames(1);
+  EXPECT_NEAR(game.Place(game.window.CameraFrame).z, 120.0f - 2 * (120.0f - camera.z), 0.1f)
+      << "also while the meter rises";
+  EXPECT_EQ(game.window.ProgressBar1.Value, 8.0f);
+}
+
+/// Plays with a mouse that moves whenever `moves` says so. Whoever aims next must see nothing of it.
+void PlayWithARestlessMouse(Game &game, const std::function<bool()> &moves,
+                            const std::function<void()> &play) {
+  int moved = 0;
+  game.machine.Player = [&] {
+    if (!moves()) return;
+    game.machine.MoveMouse(3, 0);
+    ++moved;
+  };
+  play();
+  game.machine.Player = nullptr;
+  EXPECT_GT(moved, 0);
+  game.Frames(1);
+  EXPECT_EQ(Heading(game), 0.0f);
+}
+
+TEST(AimTest, WhatTheMouseDoesWhileNobodyAimsIsForgotten) {
+  const auto underCard = [](Game &game) { return game.window.AnyPictures() != False; };
+  {
+    SCOPED_TRACE("in a fall");
+    Game game;
+    game.SetUp();
+    game.PutPiece(0, -80, 3);
+    PlayWithARestlessMouse(
+        game, [&] { return game.Place(game.window.PieceFrame).y < 0.0f && !underCard(game); },
+        [&] { game.Flick(60); });
+  }
+  {
+    SCOPED_TRACE("in the frame of a shot that fires by itself");
+    Game game;
+    game.SetUp();
+    PlayWithARestlessMouse(
+        game, [&] { return game.window.Force == 96.0f && !game.window.NoShot; },
+        [&] {
+          game.machine.PressMouse(1);
+          game.Frames(14);
+        });
+    EXPECT_EQ(game.Cards, std::vector<std::int16_t>{4});
+  }
+  {
+    SCOPED_TRACE("in a kick's flight");
+    Game game;
+    game.SetUp();
+    game.PutPiece(0, -87, 1);
+    game.window.CheckRay();
+    game.machine.OnDraw = [&, pressed = false](Canvas &) mutable {
+      if (!game.window.KickMode || std::exchange(pressed, true)) return;
+      game.machine.PressMouse(1);
+      game.machine.After(150, [&] { game.machine.ReleaseMouse(1); });
+    };
+    PlayWithARestlessMouse(
+        game, [&] { return game.window.KickMode && game.window.NoShot && !underCard(game); },
+        [&] { game.Flick(0); });
+  }
+  {
+    SCOPED_TRACE("in the computer's point-after");
+    Game game("Computer");
+    game.SetUp();
+    game.window.Reset();
+    game.PutPiece(0, -87, 0);
+    game.window.CheckRay();
+    game.window.ArrowFrame->DeleteVisual(game.window.ArrowMesh); // as at the end of a flick
+    std::int16_t side = 2;
+    PlayWithARestlessMouse(
+        game, [&] { return game.window.KickMode; }, [&] { game.window.CheckScore(side); });
+  }
+  {
+    SCOPED_TRACE("in the other computer's point-after");
+    NetworkGame game(true);
+    game.PutPiece(0, -87, 1);
+    game.window.PieceSurface = "Table";
+    game.Receive(Shot("Flick", 0, -87));
+    game.ReceiveIn(2000, Shot("Goal", 96));
+    PlayWithARestlessMouse(
+        game, [&] { return game.window.KickMode; }, [&] { game.Frames(1); });
+  }
 }
 
 TEST(AimTest, LosingTheKeyboardPutsTheMeterToRestWithoutAShot) {
@@ -243,15 +329,30 @@ TEST(KeysTest, TheStadiumGoesAndComesInEveryPhase) {
   EXPECT_FALSE(game.program.StadiumOn);
 }
 
-TEST(KeysTest, EscapeEndsTheProgramFromWithinAFlightWithAWhistle) {
-  Game game;
-  game.SetUp();
-  game.SoundsSince();
-  game.machine.DrawMs = 25; // so slow that no step waits
-  game.machine.After(200, [&] { game.machine.PressKey(KeyCodes::Escape); });
-  EXPECT_THROW(game.Flick(96), ProgramEnd);
-  EXPECT_EQ(game.SoundsSince(), "play swoosh.daw, play wis3.daw");
-  EXPECT_TRUE(game.machine.CursorShown);
+TEST(KeysTest, EscapeEndsTheProgramFromWithinAShotWithAWhistle) {
+  for (const bool kick : {false, true}) {
+    SCOPED_TRACE(kick ? "kick" : "flick");
+    Game game;
+    game.SetUp();
+    game.SoundsSince();
+    game.machine.DrawMs = 25; // so slow that no step waits
+    if (kick) {
+      game.PutPiece(0, -87, 1);
+      game.window.CheckRay();
+    }
+    game.machine.OnDraw = [&](Canvas &) {
+      const frmSnapwedge &window = game.window;
+      if (window.NoShot && (window.KickMode != False) == kick) game.machine.PressKey(KeyCodes::Escape);
+      if (!window.KickMode || window.NoShot) return;
+      if (window.Force == 0.0f) game.machine.PressMouse(1);
+      if (window.Force == 48.0f) game.machine.ReleaseMouse(1);
+    };
+    EXPECT_THROW(game.Flick(kick ? 0 : 96), ProgramEnd);
+    EXPECT_EQ(game.SoundsSince(), kick ? "play swoosh.daw, play yeah2.daw, play wis2.daw, play wis3.daw"
+                                       : "play swoosh.daw, play wis3.daw");
+    EXPECT_EQ(game.Cards, kick ? std::vector<std::int16_t>{3} : std::vector<std::int16_t>{});
+    EXPECT_TRUE(game.machine.CursorShown);
+  }
 }
 
 TEST(KeysTest, TheCloseBoxIsEscape) {

@@ -7,6 +7,8 @@
 #include "tests/hand.h"
 
 #include <AL/al.h>
+#include <QCheckBox>
+#include <QComboBox>
 #include <QLabel>
 #include <QLineEdit>
 #include <QListWidget>
@@ -19,7 +21,9 @@
 
 #include <chrono>
 #include <fstream>
+#include <numeric>
 #include <optional>
+#include <set>
 #include <thread>
 
 namespace {
@@ -45,7 +49,7 @@ void PumpFor(DesktopMachine &machine, std::int32_t milliseconds) {
   while (!machine.ClockReached(end)) machine.WaitUntil(end);
 }
 
-/// A window with one control of each kind that has text.
+/// A window with one control of each interactive kind, and a meter.
 struct Form {
   explicit Form(DesktopMachine &on) : machine(on) {
     window.Name = "Form";
@@ -63,7 +67,17 @@ struct Form {
     list.Name = "list";
     list.Place = {10, 120, 100, 60};
     list.List = {"one", "two"};
-    window.Controls = {&label, &box, &button, &list};
+    check.Name = "check";
+    check.Place = {130, 40, 20, 20};
+    check.Value = 1;
+    combo.Name = "combo";
+    combo.Place = {130, 80, 100, 24};
+    combo.List = {"low", "middle", "high"};
+    combo.ListIndex = 1;
+    meter.Name = "meter";
+    meter.Place = {250, 10, 20, 184};
+    meter.Vertical = true;
+    window.Controls = {&label, &box, &button, &list, &check, &combo, &meter};
     machine.Show(window);
     PumpFor(machine, 50);
   }
@@ -75,7 +89,85 @@ struct Form {
   TextBox box;
   CommandButton button;
   ListBox list;
+  CheckBox check;
+  ComboBox combo;
+  ProgressBar meter;
 };
+
+/// The rows of a picture, from the bottom, that are bright in a column.
+std::vector<int> BrightRows(const QImage &picture, int column) {
+  constexpr int Bright = 180; // of the brightest channel
+  std::vector<int> rows;
+  for (int y = 0; y < picture.height(); ++y) {
+    const QColor color = picture.pixelColor(column, y);
+    if (std::max({color.red(), color.green(), color.blue()}) > Bright)
+      rows.insert(rows.begin(), picture.height() - 1 - y);
+  }
+  return rows;
+}
+
+TEST(DesktopMachineTest, EveryKindOfControlWorks) {
+  Form form(TheMachine());
+  int pressed = 0;
+  std::vector<int> ticked, listed, chosen;
+  std::string typed;
+  form.button.Click = [&] { ++pressed; };
+  form.check.Click = [&] { ticked.push_back(form.check.Value); };
+  form.list.Click = [&] { listed.push_back(form.list.ListIndex); };
+  form.combo.Click = [&] { chosen.push_back(form.combo.ListIndex); };
+  form.box.KeyPress = [&](std::int16_t) { typed = form.box.Text; };
+
+  QTest::mouseClick(WidgetOf("button"), Qt::LeftButton);
+  QTest::keyClick(WidgetOf("button"), Qt::Key_Space);
+
+  auto *check = qobject_cast<QCheckBox *>(WidgetOf("check"));
+  EXPECT_TRUE(check->isChecked()) << "as the game has set it";
+  QTest::mouseClick(check, Qt::LeftButton, {}, QPoint(8, check->height() / 2));
+  form.machine.Pump();
+  EXPECT_FALSE(check->isChecked());
+  QTest::keyClick(check, Qt::Key_Space);
+
+  auto *list = qobject_cast<QListWidget *>(WidgetOf("list"));
+  QTest::mouseClick(list->viewport(), Qt::LeftButton, {}, list->visualItemRect(list->item(1)).center());
+  form.machine.Pump();
+  QTest::keyClick(list, Qt::Key_Up);
+
+  auto *combo = qobject_cast<QComboBox *>(WidgetOf("combo"));
+  EXPECT_EQ(combo->currentText(), "middle");
+  QTest::keyClick(combo, Qt::Key_Down);
+  form.machine.Pump();
+  EXPECT_EQ(combo->currentText(), "high");
+  QTest::keyClick(combo, Qt::Key_Home);
+
+  QTest::keyClicks(WidgetOf("box"), "words");
+  form.machine.Pump();
+  EXPECT_EQ(pressed, 2);
+  EXPECT_EQ(ticked, (std::vector{0, 1}));
+  EXPECT_EQ(listed, (std::vector{1, 0}));
+  EXPECT_EQ(chosen, (std::vector{2, 0}));
+  EXPECT_EQ(typed, "words");
+  EXPECT_EQ(combo->currentText(), "low");
+
+  const std::vector<int> empty = BrightRows(WidgetOf("meter")->grab().toImage(), 10);
+  form.meter.Value = 50;
+  form.machine.Pump();
+  const std::vector<int> half = BrightRows(WidgetOf("meter")->grab().toImage(), 10);
+  constexpr int Border = 2, Inside = 180; // pixels
+  std::vector<int> lowerHalf(Inside / 2);
+  std::iota(lowerHalf.begin(), lowerHalf.end(), Border);
+  EXPECT_TRUE(empty.empty());
+  EXPECT_EQ(half, lowerHalf);
+}
+
+TEST(DesktopMachineTest, RandomNumbersDiffer) {
+  constexpr int Draws = 100;
+  std::set<float> numbers;
+  for (int draw = 0; draw < Draws; ++draw) {
+    TheMachine().Randomize();
+    numbers.insert(TheMachine().Rnd());
+  }
+  EXPECT_GT(numbers.size(), Draws / 2u);
+}
 
 TEST(DesktopMachineTest, PropertiesReachTheScreenAtThePump) {
   Form form(TheMachine());
@@ -502,6 +594,32 @@ TEST(DesktopSoundTest, StopKeepsThePositionAndPlayDoesNotRestart) {
   crowd->Play(DSBPLAY_DEFAULT);
   EXPECT_GE(OffsetOf(source), stopped) << "it continues from its position";
   EXPECT_GT(playedOn(stopped), stopped);
+}
+
+TEST(DesktopSoundTest, ALoopGoesOnAndASoundEnds) {
+  const auto sound = OpenDefaultSound();
+  struct Row {
+    std::int32_t flags;
+    ALint atTheEnd;
+  };
+  for (const Row &row : {Row{DSBPLAY_LOOPING, AL_PLAYING}, Row{DSBPLAY_DEFAULT, AL_STOPPED}}) {
+    const auto whistle =
+        sound->CreateSoundBufferFromFile(std::filesystem::path(SNAPWEDGE_GAME_DIR) / "wis1.daw", {}, {});
+    const ALuint source = LastSource();
+    constexpr ALint NearTheEnd = 4410; // samples
+    ALint buffer = 0, bytes = 0;
+    alGetSourcei(source, AL_BUFFER, &buffer);
+    alGetBufferi(static_cast<ALuint>(buffer), AL_SIZE, &bytes);
+    const ALint start = bytes / 2 - NearTheEnd;
+    alSourcei(source, AL_SAMPLE_OFFSET, start);
+    whistle->Play(row.flags);
+    // Either it has stopped, or it has begun again.
+    for (int tries = 0; tries < 400 && OffsetOf(source) >= start; ++tries)
+      std::this_thread::sleep_for(std::chrono::milliseconds(50));
+    ALint state = 0;
+    alGetSourcei(source, AL_SOURCE_STATE, &state);
+    EXPECT_EQ(state, row.atTheEnd);
+  }
 }
 
 TEST(DesktopSoundTest, AFileThatIsNoSoundIsNamed) {

@@ -61,6 +61,50 @@ TEST(RendererTest, TheSameSceneGivesTheSamePictureToTheBit) {
   }
 }
 
+/// The mean colour of a part of a picture.
+QColor MeanColor(const QImage &picture, const QRect &part) {
+  int red = 0, green = 0, blue = 0;
+  for (int y = part.top(); y <= part.bottom(); ++y) {
+    for (int x = part.left(); x <= part.right(); ++x) {
+      const QColor color = picture.pixelColor(x, y);
+      red += color.red();
+      green += color.green();
+      blue += color.blue();
+    }
+  }
+  const int count = part.width() * part.height();
+  return {red / count, green / count, blue / count};
+}
+
+TEST(RendererTest, TheSceneHasItsColours) {
+  struct Row {
+    const char *name;
+    QRect part; ///< pixels
+    QColor color;
+  };
+  const Row rows[] = {
+      {"sky at dusk", {30, 2, 60, 10}, {185, 158, 213}},
+      {"turf", {300, 228, 80, 25}, {121, 194, 79}},
+      {"banner", {10, 100, 40, 12}, {50, 47, 88}},
+      {"arrow", {200, 215, 16, 8}, {243, 238, 59}},
+      {"bar of the posts", {185, 92, 40, 2}, {229, 220, 98}},
+      {"paper of the piece", {165, 266, 25, 5}, {217, 211, 217}},
+      {"finger", {190, 300, 30, 40}, {255, 196, 149}},
+      {"wood of the table", {20, 297, 90, 10}, {141, 102, 66}},
+  };
+  constexpr int Near = 20; // of 255, in each channel
+  for (const Quality quality : {Quality::Full, Quality::Low}) {
+    Picture picture(quality);
+    const QImage drawn = picture.Draw();
+    for (const Row &row : rows) {
+      const QColor mean = MeanColor(drawn, row.part);
+      EXPECT_NEAR(mean.red(), row.color.red(), Near) << row.name;
+      EXPECT_NEAR(mean.green(), row.color.green(), Near) << row.name;
+      EXPECT_NEAR(mean.blue(), row.color.blue(), Near) << row.name;
+    }
+  }
+}
+
 TEST(RendererTest, APictureThatIsDrawnInPartsIsTheWholeOne) {
   for (const Quality quality : {Quality::Full, Quality::Low}) {
     Picture picture(quality);

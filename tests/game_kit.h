@@ -19,19 +19,8 @@ public:
     program.Rounds = rounds;
     program.DX = machine.CreateDirectX();
     program.DS = program.DX->DirectSoundCreate("");
-    for (const auto &[buffer, file] : {std::pair{&program.SndCrowd, "crowd.daw"},
-                                       {&program.SndCrowd2, "crowd2.daw"},
-                                       {&program.SndYeah, "yeah.daw"},
-                                       {&program.SndYeah2, "yeah2.daw"},
-                                       {&program.SndBoo, "boo.daw"},
-                                       {&program.SndTheme, "theme.daw"},
-                                       {&program.SndGuit2, "guit2.daw"},
-                                       {&program.SndSwoosh, "swoosh.daw"},
-                                       {&program.SndWis1, "wis1.daw"},
-                                       {&program.SndWis2, "wis2.daw"},
-                                       {&program.SndWis3, "wis3.daw"}}) {
-      *buffer = program.DS->CreateSoundBufferFromFile(file, {}, {});
-    }
+    for (const SoundFile &sound : SoundFiles)
+      program.*sound.Buffer = program.DS->CreateSoundBufferFromFile(sound.Name, {}, {});
     // A card is repainted when shown, and may be gone by the next pump.
     machine.OnRepaint = [this] {
       for (std::int16_t code = 1; code <= 7; ++code) {

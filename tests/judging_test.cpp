@@ -22,6 +22,13 @@ struct Row {
   float tableZ = 0; ///< offset of the table, to move its far edge off the far-edge line
 };
 
+/// Whether the camera has the close-up view.
+bool IsCloseUp(const Game &game) {
+  Vector behind;
+  game.window.CameraFrame->GetPosition(game.window.PieceFrame, behind);
+  return std::hypot(behind.x, behind.y - 20.0f, behind.z - 20.0f) < 1e-3f;
+}
+
 /// Plays a flick of force 0, which judges the piece where it is.
 TEST(JudgingTest, EveryOutcomeHasItsCardItsPointsAndItsTurnover) {
   // Unturned, corner A is at (5, 2.5), B at (-5, 2.5), C at (0, -2.5) from the centre; half a turn mirrors
@@ -57,9 +64,7 @@ TEST(JudgingTest, EveryOutcomeHasItsCardItsPointsAndItsTurnover) {
     game.window.CheckRay();
     bool closeUp = false, winCam = false;
     game.machine.OnDraw = [&](Canvas &) {
-      Vector behind;
-      game.window.CameraFrame->GetPosition(game.window.PieceFrame, behind);
-      closeUp = closeUp || std::hypot(behind.x, behind.y - 20.0f, behind.z - 20.0f) < 1e-3f;
+      closeUp = closeUp || IsCloseUp(game);
       winCam = winCam || game.Place(game.window.CameraFrame) == Vector{row.x < 0 ? -88.0f : 88.0f, 30, -88};
     };
     std::int32_t pointsUnderCard = 0;
@@ -106,8 +111,10 @@ TEST(JudgingTest, TouchdownPaysSixBeforeItsCardAndLeadsToTheKick) {
   game.PutPiece(0, -87, 1);
   game.window.CheckRay();
   std::int32_t pointsUnderCard = -1;
+  bool closeUp = false;
   game.machine.OnDraw = [&](Canvas &) {
     if (game.window.KickMode) throw ProgramEnd{};
+    closeUp = closeUp || IsCloseUp(game);
   };
   Vector cameraUnderCard;
   game.machine.After(100, [&] {
@@ -115,6 +122,7 @@ TEST(JudgingTest, TouchdownPaysSixBeforeItsCardAndLeadsToTheKick) {
     cameraUnderCard = game.Place(game.window.CameraFrame);
   });
   EXPECT_THROW(game.Flick(0.0f), ProgramEnd);
+  EXPECT_TRUE(closeUp);
   EXPECT_EQ(pointsUnderCard, 6);
   EXPECT_EQ(cameraUnderCard, (Vector{88, 30, -88}));
   EXPECT_EQ(game.Cards, std::vector<std::int16_t>{3});

@@ -213,7 +213,7 @@ TEST(LaunchWindowTest, OptionsReachTheMatch) {
   });
   EXPECT_EQ(launch.program.StadiumOn, False);
   EXPECT_EQ(launch.program.MessagesOn, False);
-  EXPECT_EQ(launch.program.Skill, SkillLevel::Hard);
+  EXPECT_EQ(launch.program.Skill.Name, "Hard");
 }
 
 TEST(LaunchWindowTest, TheInformationWindowsOpenOverItAndCloseAgain) {

@@ -85,27 +85,12 @@ TEST(MatchTest, SetUpStopsTheLaunchWindowsSoundsAndStartsTheCrowd) {
   EXPECT_FALSE(game.window.Text2.Enabled);
 }
 
-TEST(MatchTest, EveryCardHasItsSoundsForEitherSide) {
-  const std::string home[] = {"play yeah.daw",
-                              "play boo.daw",
-                              "play yeah2.daw, play wis2.daw",
-                              "",
-                              "play yeah.daw",
-                              "play wis1.daw",
-                              ""};
-  const std::string away[] = {"",
-                              "play yeah2.daw",
-                              "play boo.daw, play wis2.daw",
-                              "play yeah2.daw",
-                              "",
-                              "play yeah.daw, play wis1.daw",
-                              "play yeah2.daw"};
+TEST(MatchTest, EveryCardIsUpForThreeSeconds) {
   for (std::int16_t code = 1; code <= 7; ++code) {
     for (const Flag turn : {True, False}) {
       SCOPED_TRACE(std::to_string(code) + (turn ? " home" : " away"));
       Game game;
       game.SetUp();
-      game.SoundsSince();
       game.program.MyTurn = turn;
       game.window.Player = turn ? 1 : 2;
       const std::int32_t begin = game.machine.Now();
@@ -114,7 +99,6 @@ TEST(MatchTest, EveryCardHasItsSoundsForEitherSide) {
       bool upToTheEnd = false;
       game.machine.After(2999, [&] { upToTheEnd = game.window.Card(code).Visible; });
       game.window.ShowMessage(static_cast<std::int16_t>(code));
-      EXPECT_EQ(game.SoundsSince(), turn ? home[code - 1] : away[code - 1]);
       EXPECT_EQ(game.machine.Now() - begin, 3000);
       EXPECT_EQ(game.Cards, std::vector<std::int16_t>{code});
       EXPECT_TRUE(upToTheEnd);
@@ -164,24 +148,6 @@ TEST(MatchTest, FramesLastTwentyFiveMillisecondsEvenAcrossTheClocksWrap) {
   EXPECT_EQ(static_cast<std::uint32_t>(game.machine.Now()) - begin, 100U);
 }
 
-/// Its clock advances at every reading.
-class RestlessMachine : public HeadlessMachine {
-public:
-  using HeadlessMachine::HeadlessMachine;
-  std::int32_t timeGetTime() override {
-    SetNow(Now() + 1);
-    return Now();
-  }
-};
-
-TEST(MatchTest, AStepIsCountedFromItsStart) {
-  RestlessMachine machine(SNAPWEDGE_GAME_DIR);
-  Program program(machine);
-  frmSnapwedge window(machine, program);
-  window.BeginStep(25);
-  EXPECT_EQ(window.FrameEnd - window.FrameStart, 25);
-}
-
 TEST(MatchTest, WithoutTheStadiumOnlyTheFieldIsThereAndTheKeyBringsItBack) {
   Game game;
   game.program.StadiumOn = False;
@@ -193,16 +159,6 @@ TEST(MatchTest, WithoutTheStadiumOnlyTheFieldIsThereAndTheKeyBringsItBack) {
   game.Frames(1);
   EXPECT_EQ(game.window.StadiumFrame->Visuals().size(), 2U);
   EXPECT_EQ(game.window.SkyFrame->Visuals().size(), 1U);
-}
-
-TEST(MatchTest, TheWinCameraStandsOnThePiecesOwnSide) {
-  for (const auto &[pieceX, cameraX] : {std::pair{-0.5f, -88.0f}, {0.0f, 88.0f}, {3.0f, 88.0f}}) {
-    Game game;
-    game.SetUp();
-    game.PutPiece(pieceX, -60, 3);
-    game.window.WinCam();
-    EXPECT_EQ(game.Place(game.window.CameraFrame), (Vector{cameraX, 30, -88}));
-  }
 }
 
 } // namespace

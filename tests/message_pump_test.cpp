@@ -22,6 +22,51 @@ TEST(MessagePumpTest, AFlickIsReplayedFromItsInputs) {
   EXPECT_TRUE(game.play->Sent.empty()) << "the waiting computer sends nothing about a replay";
 }
 
+TEST(MessagePumpTest, WhoWaitsWatchesFromTheSideline) {
+  NetworkGame game(true);
+  const auto fromTheSide = [&] { return game.Place(game.window.CameraFrame) == Vector{100, 20, 0}; };
+  int drawn = 0;
+  game.machine.OnDraw = [&](Canvas &) {
+    ++drawn;
+    EXPECT_TRUE(fromTheSide());
+  };
+  game.Receive(Shot("Flick", 40));
+  game.Frames(3);
+  EXPECT_GT(drawn, 60);
+  game.machine.OnDraw = nullptr;
+  // A bonus is seen from close by.
+  game.PutPiece(0, -79, 3);
+  game.Receive(Shot("Flick", 0, -79));
+  game.Frames(1);
+  EXPECT_FALSE(fromTheSide());
+  game.Frames(1);
+  EXPECT_TRUE(fromTheSide());
+}
+
+TEST(MessagePumpTest, BothSidesShowTheSameRound) {
+  for (const bool joins : {false, true}) {
+    SCOPED_TRACE(joins ? "joiner" : "host");
+    NetworkGame game(joins);
+    game.window.Round = 0;
+    std::vector<std::string> rounds; // as shown at the end of each possession, the host's first
+    std::string letter;
+    game.OnPump = [&] {
+      if (game.Letter() != letter) {
+        letter = game.Letter();
+        if (rounds.size() == 4) throw ProgramEnd{};
+        rounds.emplace_back();
+        // Either side's shot falls off the table.
+        if (letter == "A") game.machine.PressMouse(1);
+        if (letter == "C") game.ReceiveIn(200, Shot("Flick", 120));
+      }
+      rounds.back() = game.window.Label1.Caption;
+    };
+    EXPECT_THROW(game.window.PlayRounds(), ProgramEnd);
+    EXPECT_EQ(rounds,
+              (std::vector<std::string>{"Round: 1 of 5", "Round: 1 of 5", "Round: 2 of 5", "Round: 2 of 5"}));
+  }
+}
+
 TEST(MessagePumpTest, TheShootersCardRulesTheWaitersScreen) {
   struct Row {
     const char *name;
@@ -34,6 +79,11 @@ TEST(MessagePumpTest, TheShootersCardRulesTheWaitersScreen) {
     game.Receive(Shot("Flick", 120));
     game.ReceiveIn(row.result, {std::string("RESULT"), std::int32_t{4}});
     game.ReceiveIn(row.go, {std::string("Continue")});
+    bool sendersMark = false;
+    game.machine.OnRepaint = [&, count = game.machine.OnRepaint] {
+      count();
+      sendersMark = game.window.Label3.Visible;
+    };
     std::int32_t turnover = 0, cardDown = 0;
     for (int frame = 0; frame < 400 && (!cardDown || !turnover); ++frame) {
       game.Frames(1);
@@ -43,6 +93,7 @@ TEST(MessagePumpTest, TheShootersCardRulesTheWaitersScreen) {
     EXPECT_EQ(game.Cards, std::vector<std::int16_t>{4});
     EXPECT_EQ(game.window.Player, 1);
     EXPECT_GE(cardDown, row.go);
+    EXPECT_TRUE(sendersMark) << "the side is marked that the flick has named";
     EXPECT_EQ(game.SoundsSince(), "play swoosh.daw, play yeah2.daw");
     EXPECT_FALSE(game.window.Busy);
   }
@@ -413,6 +464,22 @@ TEST(MessagePumpTest, TheShooterSendsItsShotItsResultAndItsGoAhead) {
   game.machine.PressKey(KeyCodes::Escape);
   EXPECT_THROW(game.Frames(1), ProgramEnd);
   EXPECT_EQ(game.play->Sent.back(), "END");
+}
+
+TEST(MessagePumpTest, AKicksPointIsToldBehindItsCard) {
+  NetworkGame game(false);
+  game.window.GoalSpeed = 0; // the posts wait in the middle
+  game.PutPiece(0, -87, 1);
+  game.window.CheckRay();
+  game.machine.OnDraw = [&](Canvas &) {
+    if (!game.window.KickMode || game.window.NoShot) return;
+    game.window.Force = 96;
+    game.window.RMCanvas1_MouseUp(1, 0, 0.0f, 0.0f);
+  };
+  game.Flick(0);
+  EXPECT_EQ(game.play->Sent,
+            (std::vector<std::string>{"Flick", "RESULT", "Continue", "Goal", "RESULT", "Continue", "Score"}));
+  EXPECT_EQ(game.window.HomeScore, 7);
 }
 
 TEST(MessagePumpTest, TheKickIsJudgedByTheKickerAlone) {

@@ -1,4 +1,4 @@
-// Writes the eleven sounds into a directory.
+// Writes the sounds into a directory. The build takes the names of its files from here.
 
 #include "assets/sounds/sounds.h"
 

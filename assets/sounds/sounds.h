@@ -1,6 +1,6 @@
 #pragma once
 
-// The eleven sounds.
+// The sounds.
 
 #include "assets/sounds/signal.h"
 

@@ -77,10 +77,11 @@ Command Parse(Words &words, const CommandReader &reader) {
   }
   if (name == "skill") {
     const std::string skill = words.Next("the skill");
-    if (skill == "Easy") return SkillCommand{SkillLevel::Easy};
-    if (skill == "Medium") return SkillCommand{SkillLevel::Medium};
-    if (skill == "Hard") return SkillCommand{SkillLevel::Hard};
-    reader.Refuse("the skill is neither Easy nor Medium nor Hard: \"" + skill + '"');
+    if (const SkillLevel *level = FindSkillLevel(skill)) return SkillCommand{*level};
+    std::string names;
+    for (const SkillLevel &level : SkillLevels)
+      names += (names.empty() ? "" : ", ") + std::string(level.Name);
+    reader.Refuse("the skill is none of " + names + ": \"" + skill + '"');
   }
   if (name == "seed") {
     return SeedCommand{words.NextNumber<std::uint32_t>("seed", 0, std::numeric_limits<std::uint32_t>::max())};
