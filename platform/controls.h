@@ -53,8 +53,10 @@ struct Control {
   Control &operator=(const Control &) = delete;
   virtual ~Control() = default;
 
-  std::string Name;           ///< as in the code, for scripts and tests
-  std::string AccessibleName; ///< what a screen reader says where the control has no words of its own
+  std::string Name; ///< as in the code, for scripts and tests
+  /// What a screen reader calls a control that has neither words of its own nor a label before it.
+  std::string AccessibleName;
+  bool Announced = false; ///< a screen reader says its words as soon as it comes up or they change
   Rectangle Place;
   bool Visible = true;
   bool Enabled = true;
@@ -196,8 +198,10 @@ struct Window {
   Color BackColor;
   std::vector<const BackPicture *> BackPictures; ///< a later one lies over an earlier one
   std::vector<PictureFile> BackPictureFiles;     ///< all that they may come to show
-  std::vector<Control *> Controls; ///< in the order of Tab; a later one lies over an earlier one
-  bool Visible = false;            ///< written by the machine's `Show` and `Hide` and by nobody else
+  /// In the order of Tab; a later one lies over an earlier one. A label right before a text box, a check box
+  /// or a list is what that is called.
+  std::vector<Control *> Controls;
+  bool Visible = false;         ///< written by the machine's `Show` and `Hide` and by nobody else
   bool CapturesPointer = false; ///< while it is the active window, the pointer is hidden and held at its home
   bool KeepsScreenAwake = false; ///< while it is open, the desktop doesn't blank its screen
 

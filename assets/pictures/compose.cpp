@@ -1,7 +1,8 @@
 // Composes a picture's source into plain SVG: puts in the parts that pictures share, sets the letterings and
-// fills the stands. A text that doesn't fit its place stops the build.
+// fills the stands. A text that doesn't fit its place stops the build. What is lettered in the picture is
+// also written as plain text, for screen readers.
 //
-//     compose SOURCE PARTS_DIRECTORY OUTPUT
+//     compose SOURCE PARTS_DIRECTORY OUTPUT WORDS_OUTPUT
 
 #include "crowd.h"
 #include "lettering.h"
@@ -11,6 +12,7 @@
 #include <fstream>
 #include <functional>
 #include <iostream>
+#include <set>
 #include <sstream>
 #include <stdexcept>
 
@@ -25,6 +27,12 @@ std::string ReadFile(const std::filesystem::path &path) {
   std::ostringstream text;
   text << file.rdbuf();
   return text.str();
+}
+
+void WriteFile(const std::filesystem::path &path, const std::string &content) {
+  std::ofstream file(path, std::ios::binary);
+  file << content;
+  if (!file.flush()) throw std::runtime_error("cannot write " + path.string());
 }
 
 std::string ReplaceElements(std::string text, const std::string &name,
@@ -66,20 +74,32 @@ std::string PutInParts(const std::string &text, const std::filesystem::path &dir
   });
 }
 
+/// The words of all letterings, a line for each. A word that is set several times, as a shadow or a rim, is
+/// written once, and what an element calls silent not at all.
+std::string WordsOf(const std::string &svg) {
+  std::string words;
+  std::set<std::string> written;
+  for (Element lettering = FindElement(svg, "lettering"); !lettering.name.empty();
+       lettering = FindElement(svg, "lettering", lettering.end)) {
+    const std::string line = PlainWords(lettering);
+    if (!lettering.Has("silent") && written.insert(line).second) words += line + "\n";
+  }
+  return words;
+}
+
 } // namespace
 
 int main(int count, char **arguments) {
-  if (count != 4) {
-    std::cerr << "usage: compose SOURCE PARTS_DIRECTORY OUTPUT\n";
+  if (count != 5) {
+    std::cerr << "usage: compose SOURCE PARTS_DIRECTORY OUTPUT WORDS_OUTPUT\n";
     return 2;
   }
   try {
     std::string svg = PutInParts(ReadFile(arguments[1]), arguments[2], 0);
+    WriteFile(arguments[4], WordsOf(svg));
     svg = ReplaceElements(svg, "lettering", SetLettering);
     svg = ReplaceElements(svg, "crowd", SetCrowd);
-    std::ofstream output(arguments[3], std::ios::binary);
-    output << svg;
-    if (!output.flush()) throw std::runtime_error(std::string("cannot write ") + arguments[3]);
+    WriteFile(arguments[3], svg);
   } catch (const std::exception &error) {
     std::cerr << arguments[1] << ": " << error.what() << "\n";
     return 1;

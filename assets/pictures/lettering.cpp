@@ -16,6 +16,7 @@ constexpr double CornerFullness = 0.62;
 constexpr double DotRadius = 0.62;
 // Marks a place at which a word may be broken; doesn't show.
 constexpr char BreakMark = '|';
+constexpr char AccentMark = '*';
 // At most so much is added between the letters of a justified line, in units; words take the rest.
 constexpr double MostLetterSpace = 0.45;
 // A justified line is stretched only if its words fill this much of it.
@@ -157,7 +158,7 @@ std::vector<Line> Paragraphs(const std::string &text) {
     word = {"", accent};
   };
   for (const char character : text) {
-    if (character == '*') {
+    if (character == AccentMark) {
       accent = !accent;
       if (word.text.empty()) word.accent = accent;
     } else if (character == ' ' || character == '\n') {
@@ -265,4 +266,10 @@ std::string SetLettering(const Element &element) {
   }
   CheckFit(element, lineCount, lowest + DescenderDepth * style.unit - top);
   return setter.Svg();
+}
+
+std::string PlainWords(const Element &element) {
+  std::string words = element.content;
+  std::erase_if(words, [](char character) { return character == AccentMark || character == BreakMark; });
+  return words;
 }

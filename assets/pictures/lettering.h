@@ -22,6 +22,10 @@
 /// - serif: half the length of the slabs at the ends of upright strokes, none unless told
 /// - ink, accent: colours
 /// - snap: "1" puts each letter on whole pixels, for small texts
+/// - silent: "1" for letters that are part of the drawing, like a key's: no screen reader is told of them
 ///
 /// @throws std::invalid_argument  if the text doesn't fit into the box, or a character has no shape
 std::string SetLettering(const Element &element);
+
+/// The element's text without the marks for accents and hyphenation.
+std::string PlainWords(const Element &element);

@@ -6,6 +6,7 @@
 #include "platform/controls.h"
 
 #include <QKeyEvent>
+#include <QLabel>
 #include <QWidget>
 
 #include <memory>
@@ -40,8 +41,17 @@ public:
   /// Scrolls a document by a key that nobody else wanted.
   virtual void ScrollBy(QKeyEvent & /*event*/) {}
 
+  /// Takes the name of the label that stands before it, if it is a field.
+  virtual void BeNamedBy(QLabel & /*label*/) {}
+
+  /// What a screen reader is to say: the words of an announced control that are new since the last call.
+  QString News();
+
 protected:
   virtual void CarryOverOwn() = 0;
+
+  /// What the control says to who can't see it.
+  virtual QString Words() const { return Widget()->accessibleName(); }
 
   /// Whether it is written in the control's own colour rather than the toolkit's.
   virtual bool OwnColor() const { return false; }
@@ -52,6 +62,7 @@ private:
   bool visible_ = false;
   bool enabled_ = false;
   Color foreColor_;
+  QString told_; ///< by `News`
 };
 
 std::unique_ptr<ControlView> MakeView(DesktopMachine &machine, Window &window, Control &control,

@@ -3,6 +3,7 @@
 // The files that windows show: pictures and documents.
 
 #include <QPixmap>
+#include <QString>
 #include <QWidget>
 
 #include <filesystem>
@@ -21,6 +22,14 @@ QPixmap LoadPicture(DesktopMachine &machine, const QWidget &shownOn, const std::
 /// @throws FileError
 void CheckPicture(const std::filesystem::path &directory, const std::string &name, double density,
                   const QSize &place);
+
+/// The words that stand in a picture, for who can't see it.
+/// @throws FileError
+QString LoadWords(const std::filesystem::path &directory, const std::string &picture);
+
+/// Makes sure that they could be loaded.
+/// @throws FileError
+void CheckWords(const std::filesystem::path &directory, const std::string &picture);
 
 /// Makes sure that a document is text with a beginning and an end.
 /// @throws FileError

@@ -8,7 +8,8 @@
 class FocusRing : public QWidget {
 public:
   /// @param color  one that stands out from the window's ground
-  FocusRing(QWidget &window, const QColor &color);
+  /// @param edge   one that stands out from the ring, for where it crosses letters or another control
+  FocusRing(QWidget &window, const QColor &color, const QColor &edge);
 
 protected:
   void paintEvent(QPaintEvent *event) override;
@@ -16,5 +17,5 @@ protected:
 private:
   void Surround(const QWidget *focus);
 
-  QColor color_;
+  QColor color_, edge_;
 };

@@ -12,7 +12,7 @@
 /// A vertical meter that fills from below, green to yellow to red, with its scale to the right.
 class MeterWidget : public QWidget {
 public:
-  using QWidget::QWidget;
+  explicit MeterWidget(QWidget *parent);
 
   /// What it shows. All values are shares of the full meter, 0 to 1.
   struct Face {
@@ -26,6 +26,7 @@ public:
 
   void SetBarWidth(int pixels) { barWidth_ = pixels; } ///< the rest of the width is the scale's
   void Show(const Face &face);
+  int Percent() const; ///< the level
 
 protected:
   void paintEvent(QPaintEvent *event) override;
@@ -42,7 +43,7 @@ private:
 
 class LineWidget : public QWidget {
 public:
-  using QWidget::QWidget;
+  explicit LineWidget(QWidget *parent);
 
 protected:
   void paintEvent(QPaintEvent *event) override;
