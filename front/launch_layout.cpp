@@ -90,15 +90,12 @@ void frmNewNet::LayOutLeft() {
   Put(Text1, "Text1", 3000, 4320, 375, 285);
   Text1.Text = "5";
   Text1.MaxLength = 2; // digits of 99
-  Text1.AccessibleName = "Rounds to Play";
   Put(Label10, "Label10", 3480, 4320, 735, 255, "(1-99)");
   Put(Label7, "Label7", 480, 4680, 2295, 255, "Stadium/Sky On:", Align::Right);
   Put(Check1, "Check1", 3000, 4680, 255, 255);
-  Check1.AccessibleName = "Stadium/Sky On";
   Check1.Click = [this] { Check1_Click(); };
   Put(Label11, "Label11", 480, 4920, 2295, 255, "Messages On:", Align::Right);
   Put(Check2, "Check2", 3000, 4920, 255, 255);
-  Check2.AccessibleName = "Messages On";
   Check2.Click = [this] { Check2_Click(); };
   for (CheckBox *box : {&Check1, &Check2}) {
     box->Value = 1;
@@ -108,7 +105,6 @@ void frmNewNet::LayOutLeft() {
   }
   Put(Label12, "Label12", 480, 5160, 2295, 255, "Computer Skill Level:", Align::Right);
   Put(Combo1, "Combo1", 3000, 5160, 1095, 315);
-  Combo1.AccessibleName = "Computer Skill Level";
   Combo1.Font.Points = SmallPoints;
   for (const SkillLevel &level : SkillLevels) {
     if (level == program.Skill) Combo1.ListIndex = static_cast<int>(Combo1.List.size());
@@ -124,13 +120,11 @@ void frmNewNet::LayOutRight() {
   PutLine(Line2, "Line2", 5280, 1680, 9000, 1680);
   Put(Label2, "Label2", 5280, 1680, 2655, 255, "Connection Methods:");
   Put(lstConnections, "lstConnections", 5280, 1920, 3735, 840);
-  lstConnections.AccessibleName = "Connection Methods";
   Put(cmdConnect, "cmdConnect", 5280, 3000, 1575, 495, "Connect", [this] { cmdConnect_Click(); });
   Put(cmdJoin, "cmdJoin", 5280, 3600, 1575, 375, "Join", [this] { cmdJoin_Click(); });
   Put(Command4, "Command4", 5280, 4080, 1575, 375, "Refresh", [this] { Command4_Click(); });
   Put(Label3, "Label3", 5280, 4560, 3855, 255, "Available Games (Local Network):");
   Put(lstSessions, "lstSessions", 5280, 4800, 3735, 645);
-  lstSessions.AccessibleName = "Available Games";
   for (ListBox *list : {&lstConnections, &lstSessions}) list->Font = {"MS Sans Serif", SmallPoints, false};
   Put(Shape1, "Shape1", 7080, 3000, 1935, 1575);
   Shape1.ForeColor = LightGreen;
@@ -138,7 +132,6 @@ void frmNewNet::LayOutRight() {
   Put(txtName, "txtName", 7200, 3240, 1695, 285);
   txtName.Font.Points = SmallPoints;
   txtName.Text = "SNWG";
-  txtName.AccessibleName = "Session Name";
   Put(cmdCreate, "cmdCreate", 7200, 3600, 1695, 375, "Create", [this] { cmdCreate_Click(); });
   Put(Command5, "Command5", 7200, 4080, 1695, 375, "Cancel", [this] { Command5_Click(); });
   Put(Command8, "Command8", 5280, 5520, 2295, 375, "What's my IP address?", [this] { Command8_Click(); });

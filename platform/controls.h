@@ -53,8 +53,10 @@ struct Control {
   Control &operator=(const Control &) = delete;
   virtual ~Control() = default;
 
-  std::string Name;           ///< the name in the code, for scripts and tests
-  std::string AccessibleName; ///< for screen readers, where the control has no text of its own
+  std::string Name; ///< the name in the code, for scripts and tests
+  /// For screen readers, if the control has neither text nor a label before it.
+  std::string AccessibleName;
+  bool Announced = false; ///< screen readers read its text when it appears or changes
   Rectangle Place;
   bool Visible = true;
   bool Enabled = true;
@@ -194,10 +196,12 @@ struct Window {
   Color BackColor;
   std::vector<const BackPicture *> BackPictures; ///< a later one lies over an earlier one
   std::vector<PictureFile> BackPictureFiles;     ///< every file that they can show
-  std::vector<Control *> Controls; ///< in the order of Tab; a later one lies over an earlier one
-  bool Visible = false;            ///< written only by the machine's `Show` and `Hide`
-  bool CapturesPointer = false;    ///< while it is active, the pointer is hidden and captured
-  bool KeepsScreenAwake = false;   ///< while it is open, the screen isn't blanked
+  /// In the order of Tab; a later one lies over an earlier one. A label directly before a text box, a check
+  /// box or a list names it.
+  std::vector<Control *> Controls;
+  bool Visible = false;          ///< written only by the machine's `Show` and `Hide`
+  bool CapturesPointer = false;  ///< while it is active, the pointer is hidden and captured
+  bool KeepsScreenAwake = false; ///< while it is open, the screen isn't blanked
 
   std::function<void()> Click;      ///< a click outside the controls
   std::function<void()> Escape;     ///< Esc, unless a button or a canvas handles it

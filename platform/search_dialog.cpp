@@ -61,7 +61,6 @@ void SearchDialog::LayOut() {
   Label1.Place = {12, 10, 392, 32};
 
   Text1.Name = "Text1";
-  Text1.AccessibleName = "Computer name or IP address";
   Text1.Place = {12, 48, 392, 24};
   Text1.MaxLength = LongestHost;
 
@@ -69,6 +68,7 @@ void SearchDialog::LayOut() {
   Label2.Caption = Hint;
   Label2.WordWrap = true;
   Label2.Font.Bold = false;
+  Label2.Announced = true;
   Label2.Place = {12, 80, 392, 60};
 
   Command1.Name = "Command1";

@@ -34,12 +34,12 @@ void LayOut(TextBox &box, const std::string &name, Rectangle place, Color back) 
   box.Enabled = false;
 }
 
-void LayOutCard(PictureBox &card, const std::string &name, const std::string &words, int top) {
+void LayOutCard(PictureBox &card, const std::string &name, int top) {
   card.Name = name;
-  card.AccessibleName = words;
   card.Place = {432, top, 201, 177};
   card.Picture = name;
   card.Visible = false;
+  card.Announced = true;
 }
 
 } // namespace
@@ -69,6 +69,8 @@ frmSnapwedge::frmSnapwedge(Machine &onMachine, Program &ofProgram)
   LayOut(Label5, "Label5", {0, 0, 97, 17}, Black, Align::Left, "");
   Label3.Visible = false;
   Label4.Visible = false;
+  Label3.AccessibleName = "Home Team's turn";
+  Label4.AccessibleName = "Away Team's turn";
 
   LayOut(lblHint, "lblHint", {110, 449, 526, 17}, Cream, Align::Left, "");
   lblHint.Font.Points = HintPoints;
@@ -80,6 +82,8 @@ frmSnapwedge::frmSnapwedge(Machine &onMachine, Program &ofProgram)
   Text2.AccessibleName = "Your message";
   Text2.MaxLength = 200;
   Text2.KeyPress = [this](std::int16_t keyCode) { Text2_KeyPress(keyCode); };
+
+  lblPlayer1.Announced = lblPlayer2.Announced = lblHint.Announced = Text1.Announced = true;
 
   RMCanvas1.Name = "RMCanvas1";
   RMCanvas1.AccessibleName = "The table";
@@ -100,13 +104,13 @@ frmSnapwedge::frmSnapwedge(Machine &onMachine, Program &ofProgram)
   ProgressBar1.ScaleWidth = ScaleWidth;
   ProgressBar1.CapFrom = StrongestAimed;
 
-  LayOutCard(Picture3, "Picture3", "Touchdown!!", 56);
-  LayOutCard(Picture5, "Picture5", "3 Points!", 88);
-  LayOutCard(Picture1, "Picture1", "It's Good!", 112);
-  LayOutCard(Picture2, "Picture2", "It's No Good!", 144);
-  LayOutCard(Picture4, "Picture4", "Turnover!", 176);
-  LayOutCard(Picture7, "Picture7", "Short of End Zone!", 208);
-  LayOutCard(Picture6, "Picture6", "Penalty!!", 240);
+  LayOutCard(Picture3, "Picture3", 56);
+  LayOutCard(Picture5, "Picture5", 88);
+  LayOutCard(Picture1, "Picture1", 112);
+  LayOutCard(Picture2, "Picture2", 144);
+  LayOutCard(Picture4, "Picture4", 176);
+  LayOutCard(Picture7, "Picture7", 208);
+  LayOutCard(Picture6, "Picture6", 240);
 
   LayOutBoards();
 

@@ -3,42 +3,17 @@
 #include "match/frm_snapwedge.h"
 #include "match/results.h"
 #include "net/frm_new_net.h"
-#include "platform/desktop/desktop_machine.h"
+#include "tests/desktop_kit.h"
 
 #include <QLabel>
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <cmath>
 #include <optional>
 #include <string>
 #include <vector>
 
 namespace {
-
-/// The desktop machine with the built game.
-class GameMachine : public DesktopMachine {
-public:
-  using DesktopMachine::DesktopMachine;
-  std::filesystem::path AppPath() const override { return SNAPWEDGE_GAME_DIR; }
-
-  /// One for all tests. It is never destroyed, because Qt's statics are destroyed before it.
-  static GameMachine &Get() {
-    static int count = 1;
-    static char name[] = "test";
-    static char *arguments[] = {name, nullptr};
-    static auto *machine = new GameMachine(count, arguments);
-    return *machine;
-  }
-};
-
-/// Relative luminance as defined by WCAG, 0 to 1.
-double Luminance(const QColor &color) {
-  const auto linear = [](double value) {
-    return value <= 0.04045 ? value / 12.92 : std::pow((value + 0.055) / 1.055, 2.4);
-  };
-  return 0.2126 * linear(color.redF()) + 0.7152 * linear(color.greenF()) + 0.0722 * linear(color.blueF());
-}
 
 /// The lowest contrast of the label's text to any pixel behind it; nothing for a text without pixels.
 std::optional<double> LeastContrast(QWidget &window, QLabel &label) {
@@ -48,13 +23,12 @@ std::optional<double> LeastContrast(QWidget &window, QLabel &label) {
   label.setText(QString());
   const QImage blank = window.grab(place).toImage();
   label.setText(text);
-  const double ink = Luminance(label.palette().color(QPalette::WindowText));
+  const QColor ink = label.palette().color(QPalette::WindowText);
   std::optional<double> least;
   for (int y = 0; y < blank.height(); ++y) {
     for (int x = 0; x < blank.width(); ++x) {
       if (written.pixel(x, y) == blank.pixel(x, y)) continue;
-      const double behind = Luminance(blank.pixelColor(x, y));
-      const double contrast = (std::max(ink, behind) + 0.05) / (std::min(ink, behind) + 0.05);
+      const double contrast = Contrast(ink, blank.pixelColor(x, y));
       least = std::min(least.value_or(contrast), contrast);
     }
   }
@@ -222,26 +196,6 @@ TEST(DesktopWindowsTest, PicturesBehindTheControlsFollowTheGame) {
   EXPECT_NE(look(window.HomeBoard.Tile), lit);
   EXPECT_NE(look(window.AwayBoard.Tile), unlit);
   EXPECT_NE(look(window.Tries[2]), three);
-}
-
-TEST(DesktopWindowsTest, TheControlWithTheKeyboardHasARingThatStandsOut) {
-  GameMachine &machine = GameMachine::Get();
-  Program program(machine);
-  frmNewNet window(machine, program);
-  machine.Show(window);
-  machine.SetFocus(window.Command1);
-  QWidget *button = WidgetOf(window, "Command1");
-  const auto rim = [&](int beyond) {
-    const QPoint at = button->geometry().topLeft() + QPoint(-beyond, button->height() / 2);
-    return button->window()->grab(QRect(at, QSize(1, 1))).toImage().pixelColor(0, 0);
-  };
-  for (int tries = 0; tries < 200 && !button->hasFocus(); ++tries) machine.WaitUntil(machine.ClockIn(10));
-  ASSERT_TRUE(button->hasFocus());
-  const double ground = Luminance(rim(3));
-  for (const int beyond : {1, 2}) EXPECT_GE((Luminance(rim(beyond)) + 0.05) / (ground + 0.05), 3.0);
-  machine.SetFocus(window.Text1);
-  machine.Pump();
-  EXPECT_NEAR(Luminance(rim(1)), ground, 0.1) << "it has moved on";
 }
 
 } // namespace

@@ -1,7 +1,8 @@
 // Converts the source of a picture to plain SVG: inserts shared parts, sets the letterings and fills the
-// stands. A text that doesn't fit is an error.
+// stands. A text that doesn't fit is an error. The words of the picture are also written as plain text, for
+// screen readers.
 //
-//     compose SOURCE PARTS_DIRECTORY OUTPUT
+//     compose SOURCE PARTS_DIRECTORY OUTPUT WORDS_OUTPUT
 
 #include "crowd.h"
 #include "lettering.h"
@@ -11,6 +12,7 @@
 #include <fstream>
 #include <functional>
 #include <iostream>
+#include <set>
 #include <sstream>
 #include <stdexcept>
 
@@ -25,6 +27,12 @@ std::string ReadFile(const std::filesystem::path &path) {
   std::ostringstream text;
   text << file.rdbuf();
   return text.str();
+}
+
+void WriteFile(const std::filesystem::path &path, const std::string &content) {
+  std::ofstream file(path, std::ios::binary);
+  file << content;
+  if (!file.flush()) throw std::runtime_error("cannot write " + path.string());
 }
 
 using Replacement = std::function<pugi::xml_document(const Element &)>;
@@ -82,22 +90,38 @@ void PutInParts(pugi::xml_node markup, const std::filesystem::path &directory, i
   });
 }
 
+/// The words of all letterings, one per line. Text that is set several times, as a shadow or a rim, is
+/// written once, and silent elements are left out.
+std::string WordsOf(const pugi::xml_document &picture) {
+  std::string words;
+  std::set<std::string> written;
+  pugi::xpath_node_set letterings = picture.select_nodes("//lettering");
+  letterings.sort(); // in the order of the document
+  for (const pugi::xpath_node &each : letterings) {
+    const Element lettering(each.node());
+    const std::string line = PlainWords(lettering);
+    if (!lettering.Has("silent") && written.insert(line).second) words += line + "\n";
+  }
+  return words;
+}
+
 } // namespace
 
 int main(int count, char **arguments) {
-  if (count != 4) {
-    std::cerr << "usage: compose SOURCE PARTS_DIRECTORY OUTPUT\n";
+  if (count != 5) {
+    std::cerr << "usage: compose SOURCE PARTS_DIRECTORY OUTPUT WORDS_OUTPUT\n";
     return 2;
   }
   try {
     pugi::xml_document picture = ParseMarkup(ReadFile(arguments[1]));
     PutInParts(picture, arguments[2], 0);
+    WriteFile(arguments[4], WordsOf(picture));
     ReplaceElements(picture, "lettering",
                     [](const Element &each) { return ParseMarkup(SetLettering(each)); });
     ReplaceElements(picture, "crowd", [](const Element &each) { return ParseMarkup(SetCrowd(each)); });
-    std::ofstream output(arguments[3], std::ios::binary);
-    picture.save(output, "", pugi::format_raw | pugi::format_no_declaration);
-    if (!output.flush()) throw std::runtime_error(std::string("cannot write ") + arguments[3]);
+    std::ostringstream svg;
+    picture.save(svg, "", pugi::format_raw | pugi::format_no_declaration);
+    WriteFile(arguments[3], svg.str());
   } catch (const std::exception &error) {
     std::cerr << arguments[1] << ": " << error.what() << "\n";
     return 1;

@@ -17,6 +17,7 @@ constexpr double CornerFullness = 0.62;
 constexpr double DotRadius = 0.62;
 // An invisible mark at which a word may be broken.
 constexpr char BreakMark = '|';
+constexpr char AccentMark = '*';
 // Maximum space added between the letters of a justified line, in units; the rest goes between words.
 constexpr double MostLetterSpace = 0.45;
 // A line is justified only if its words fill this fraction of it.
@@ -158,7 +159,7 @@ std::vector<Line> Paragraphs(const std::string &text) {
     word = {"", accent};
   };
   for (const char character : text) {
-    if (character == '*') {
+    if (character == AccentMark) {
       accent = !accent;
       if (word.text.empty()) word.accent = accent;
     } else if (character == ' ' || character == '\n') {
@@ -265,4 +266,10 @@ std::string SetLettering(const Element &element) {
   }
   CheckFit(element, lineCount, lowest + DescenderDepth * style.unit - top);
   return setter.Svg();
+}
+
+std::string PlainWords(const Element &element) {
+  std::string words = element.content;
+  std::erase_if(words, [](char character) { return character == AccentMark || character == BreakMark; });
+  return words;
 }

@@ -21,6 +21,10 @@
 /// - serif: half the length of the slabs at the ends of vertical strokes, none by default
 /// - ink, accent: colours
 /// - snap: "1" aligns each letter with pixels, for small texts
+/// - silent: "1" for letters that are part of the drawing, like those on a key, which screen readers skip
 ///
 /// @throws std::invalid_argument  if the text doesn't fit into the box, or a character has no shape
 std::string SetLettering(const Element &element);
+
+/// The element's text without the marks for accents and hyphenation.
+std::string PlainWords(const Element &element);

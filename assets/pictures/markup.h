@@ -13,6 +13,8 @@ public:
 
   std::string content; ///< the text inside
 
+  bool Has(const std::string &attribute) const { return node_.attribute(attribute.c_str()) != nullptr; }
+
   /// @throws std::invalid_argument  if the attribute is missing
   std::string Text(const std::string &attribute) const;
   std::string Text(const std::string &attribute, const std::string &otherwise) const;
@@ -21,8 +23,6 @@ public:
   double Number(const std::string &attribute, double otherwise) const;
 
 private:
-  bool Has(const std::string &attribute) const { return node_.attribute(attribute.c_str()) != nullptr; }
-
   pugi::xml_node node_;
 };
 

@@ -1,5 +1,6 @@
 #include "platform/desktop/canvas_view.h"
 
+#include "platform/desktop/accessible.h"
 #include "platform/desktop/desktop_machine.h"
 
 #include <QKeyEvent>
@@ -53,6 +54,7 @@ std::int16_t ButtonOf(Qt::MouseButton button) {
 
 CanvasView::CanvasView(DesktopMachine &machine, Window &window, Canvas &canvas, QWidget &parent)
     : QWidget(&parent), machine_(machine), window_(window), canvas_(canvas) {
+  SetAccessibleRole(*this, QAccessible::Canvas);
   setAttribute(Qt::WA_OpaquePaintEvent);
   setFocusPolicy(Qt::StrongFocus);
   setMouseTracking(true);

@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <cmath>
 #include <stdexcept>
+#include <utility>
 
 namespace {
 
@@ -64,7 +65,7 @@ std::unique_ptr<ControlView> MakeView(DesktopMachine &machine, Window &window, C
     widget->setGeometry(place.Left, place.Top, std::max(place.Width, 1), std::max(place.Height, 1));
   }
   widget->setObjectName(Text(control.Name));
-  widget->setAccessibleName(Text(control.AccessibleName));
+  if (!control.AccessibleName.empty()) widget->setAccessibleName(Text(control.AccessibleName));
   widget->setFont(FontOf(control.Font));
   view->CarryOver();
   view->Fit();
@@ -100,4 +101,10 @@ void ControlView::CarryOver() {
   }
   widget->setEnabled(enabled_);
   widget->setVisible(visible_);
+}
+
+QString ControlView::News() {
+  if (!control_.Announced) return {};
+  const QString words = control_.Visible ? Words() : QString();
+  return std::exchange(told_, words) == words ? QString() : words;
 }

@@ -6,6 +6,7 @@
 #include "platform/controls.h"
 
 #include <QKeyEvent>
+#include <QLabel>
 #include <QWidget>
 
 #include <memory>
@@ -40,8 +41,17 @@ public:
   /// Scrolls a document by a key that no other control handles.
   virtual void ScrollBy(QKeyEvent & /*event*/) {}
 
+  /// Takes the name of the label before it, if it is a field.
+  virtual void BeNamedBy(QLabel & /*label*/) {}
+
+  /// The text of an announced control that is new since the last call, for screen readers.
+  QString News();
+
 protected:
   virtual void CarryOverOwn() = 0;
+
+  /// The text of the control for screen readers.
+  virtual QString Words() const { return Widget()->accessibleName(); }
 
   /// Whether the text has the control's colour rather than the toolkit's.
   virtual bool OwnColor() const { return false; }
@@ -52,6 +62,7 @@ private:
   bool visible_ = false;
   bool enabled_ = false;
   Color foreColor_;
+  QString told_; ///< by `News`
 };
 
 std::unique_ptr<ControlView> MakeView(DesktopMachine &machine, Window &window, Control &control,

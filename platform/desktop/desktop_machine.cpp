@@ -1,5 +1,6 @@
 #include "platform/desktop/desktop_machine.h"
 
+#include "platform/desktop/accessible.h"
 #include "platform/desktop/desktop_direct_x.h"
 #include "platform/desktop/display.h"
 #include "platform/desktop/files.h"
@@ -48,6 +49,7 @@ DesktopMachine::DesktopMachine(int &argc, char **argv) {
   const QtMessageHandler before = qInstallMessageHandler(RefuseDisplay);
   application_ = std::make_unique<QApplication>(argc, argv);
   if (!ScreenStaysDark()) qInstallMessageHandler(before);
+  InstallAccessibility();
   application_->setQuitOnLastWindowClosed(false);
   application_->setApplicationDisplayName({});
   application_->setDesktopFileName("org.snapwedge.Snapwedge");
@@ -177,13 +179,16 @@ void DesktopMachine::CheckFiles(const Window &window) {
   const auto directory = AppPath();
   const double density = QGuiApplication::primaryScreen()->devicePixelRatio();
   CheckPicture(directory, "icon", 1.0, IconSize);
-  if (!window.Picture.empty())
+  if (!window.Picture.empty()) {
     CheckPicture(directory, window.Picture, density, {window.Width, window.Height});
+    CheckWords(directory, window.Picture);
+  }
   for (const PictureFile &file : window.BackPictureFiles)
     CheckPicture(directory, file.Name, density, {file.Width, file.Height});
   for (const Control *control : window.Controls) {
     if (const auto *picture = dynamic_cast<const PictureBox *>(control)) {
       CheckPicture(directory, picture->Picture, density, {picture->Place.Width, picture->Place.Height});
+      CheckWords(directory, picture->Picture);
     }
     if (const auto *document = dynamic_cast<const RichTextBox *>(control)) {
       CheckDocument(directory / document->Document);

@@ -17,7 +17,8 @@ namespace {
 
 namespace fs = std::filesystem;
 
-constexpr std::uintmax_t LargestPicture = 16UL << 20, LargestDocument = 1UL << 20; ///< bytes
+constexpr std::uintmax_t LargestPicture = 16UL << 20, LargestText = 1UL << 20; ///< bytes
+constexpr const char *WordsEnding = ".txt";
 
 /// The available densities, device pixels per design pixel, and the suffixes of their files.
 constexpr struct PictureSet {
@@ -72,6 +73,15 @@ QSize CheckPng(const fs::path &file, const std::vector<char> &bytes) {
   }
 }
 
+QString ReadText(const fs::path &file) {
+  const std::vector<char> bytes = ReadFile(file, LargestText);
+  QStringDecoder decoder(QStringDecoder::Utf8);
+  const QString text =
+      QString(decoder(QByteArrayView(bytes.data(), static_cast<qsizetype>(bytes.size())))).trimmed();
+  if (decoder.hasError() || text.contains(QChar::Null)) RefuseFile(file, "not a text file");
+  return text;
+}
+
 void CheckPictureFile(const fs::path &file, double density, const QSize &place) {
   constexpr int Slack = 4;     // design pixels that an image may be too small
   constexpr int MostTimes = 2; // maximum size relative to its place
@@ -114,13 +124,18 @@ void CheckPicture(const fs::path &directory, const std::string &name, double den
   CheckPictureFile(PathOf(directory, name, set.ending), set.density, place);
 }
 
+QString LoadWords(const fs::path &directory, const std::string &picture) {
+  return ReadText(PathOf(directory, picture, WordsEnding));
+}
+
+void CheckWords(const fs::path &directory, const std::string &picture) {
+  const fs::path file = PathOf(directory, picture, WordsEnding);
+  CheckOnce(file, [&] { ReadText(file); });
+}
+
 void CheckDocument(const fs::path &file) {
   CheckOnce(file, [&] {
-    const std::vector<char> bytes = ReadFile(file, LargestDocument);
-    QStringDecoder decoder(QStringDecoder::Utf8);
-    const QString text =
-        QString(decoder(QByteArrayView(bytes.data(), static_cast<qsizetype>(bytes.size())))).trimmed();
-    if (decoder.hasError() || text.contains(QChar::Null)) RefuseFile(file, "not a text file");
+    const QString text = ReadText(file);
     if (!text.startsWith("<!DOCTYPE html", Qt::CaseInsensitive) &&
         !text.startsWith("<html", Qt::CaseInsensitive))
       RefuseFile(file, "not an HTML document");

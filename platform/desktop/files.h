@@ -3,6 +3,7 @@
 // The files of windows: images and documents.
 
 #include <QPixmap>
+#include <QString>
 #include <QWidget>
 
 #include <filesystem>
@@ -21,6 +22,14 @@ QPixmap LoadPicture(DesktopMachine &machine, const QWidget &shownOn, const std::
 /// @throws FileError
 void CheckPicture(const std::filesystem::path &directory, const std::string &name, double density,
                   const QSize &place);
+
+/// The text in an image, for screen readers.
+/// @throws FileError
+QString LoadWords(const std::filesystem::path &directory, const std::string &picture);
+
+/// Checks that it is loadable.
+/// @throws FileError
+void CheckWords(const std::filesystem::path &directory, const std::string &picture);
 
 /// Checks that a document is complete text.
 /// @throws FileError

@@ -1,5 +1,6 @@
 #include "platform/desktop/focus_ring.h"
 
+#include "platform/desktop/accessible.h"
 #include "platform/desktop/canvas_view.h"
 
 #include <QApplication>
@@ -7,11 +8,16 @@
 
 namespace {
 
-constexpr int RingWidth = 2; // pixels
+// Pixels.
+constexpr int RingWidth = 2;
+constexpr int EdgeWidth = 1;
+constexpr int Width = RingWidth + EdgeWidth;
 
 } // namespace
 
-FocusRing::FocusRing(QWidget &window, const QColor &color) : QWidget(&window), color_(color) {
+FocusRing::FocusRing(QWidget &window, const QColor &color, const QColor &edge)
+    : QWidget(&window), color_(color), edge_(edge) {
+  SetAccessibleRole(*this, QAccessible::NoRole);
   setAttribute(Qt::WA_TransparentForMouseEvents);
   hide();
   connect(qApp, &QApplication::focusChanged, this,
@@ -25,14 +31,15 @@ void FocusRing::Surround(const QWidget *focus) {
     hide();
     return;
   }
-  setGeometry(focus->geometry().adjusted(-RingWidth, -RingWidth, RingWidth, RingWidth));
+  setGeometry(focus->geometry().adjusted(-Width, -Width, Width, Width));
   raise();
   show();
 }
 
 void FocusRing::paintEvent(QPaintEvent *) {
   QPainter painter(this);
-  const QRect control = rect().adjusted(RingWidth, RingWidth, -RingWidth, -RingWidth);
+  const QRect control = rect().adjusted(Width, Width, -Width, -Width);
   painter.setClipRegion(QRegion(rect()) - QRegion(control));
-  painter.fillRect(rect(), color_);
+  painter.fillRect(rect(), edge_);
+  painter.fillRect(control.adjusted(-RingWidth, -RingWidth, RingWidth, RingWidth), color_);
 }

@@ -9,7 +9,8 @@
 class FocusRing : public QWidget {
 public:
   /// @param color  one that contrasts with the window's background
-  FocusRing(QWidget &window, const QColor &color);
+  /// @param edge   one that contrasts with the ring, where it crosses text or another control
+  FocusRing(QWidget &window, const QColor &color, const QColor &edge);
 
 protected:
   void paintEvent(QPaintEvent *event) override;
@@ -17,5 +18,5 @@ protected:
 private:
   void Surround(const QWidget *focus);
 
-  QColor color_;
+  QColor color_, edge_;
 };

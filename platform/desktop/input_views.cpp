@@ -17,10 +17,21 @@
 
 namespace {
 
-class TextBoxView : public View<TextBox, QLineEdit> {
+/// A field: a control that is named by the label before it.
+template <class Record, class QtWidget> class Field : public View<Record, QtWidget> {
+public:
+  using View<Record, QtWidget>::View;
+
+  void BeNamedBy(QLabel &label) override {
+    label.setBuddy(this->widget_);
+    if (this->model_.AccessibleName.empty()) this->widget_->setAccessibleName(label.text());
+  }
+};
+
+class TextBoxView : public Field<TextBox, QLineEdit> {
 public:
   TextBoxView(DesktopMachine &machine, Window &window, TextBox &model, QWidget &parent)
-      : View(machine, window, model, parent) {
+      : Field(machine, window, model, parent) {
     widget_->setReadOnly(model.Locked);
     if (model.Locked) widget_->setFocusPolicy(Qt::NoFocus);
     if (model.MaxLength > 0) widget_->setMaxLength(model.MaxLength);
@@ -51,6 +62,10 @@ protected:
     carriedText_ = model_.Text;
     widget_->setText(Text(model_.Text));
     widget_->setCursorPosition(0);
+  }
+
+  QString Words() const override {
+    return model_.Text.empty() ? QString() : widget_->accessibleName() + ": " + Text(model_.Text);
   }
 
 private:
@@ -116,10 +131,10 @@ private:
   QChar mnemonic_; ///< underlined; Alt and this letter press the button
 };
 
-class CheckBoxView : public View<CheckBox, QCheckBox> {
+class CheckBoxView : public Field<CheckBox, QCheckBox> {
 public:
   CheckBoxView(DesktopMachine &machine, Window &window, CheckBox &model, QWidget &parent)
-      : View(machine, window, model, parent) {
+      : Field(machine, window, model, parent) {
     QObject::connect(widget_, &QCheckBox::clicked, [this](bool ticked) {
       Post([this, ticked] {
         model_.Value = ticked ? 1 : 0;
@@ -140,10 +155,10 @@ private:
 };
 
 /// A list box or a drop-down list.
-template <class Record, class QtWidget> class RowsView : public View<Record, QtWidget> {
+template <class Record, class QtWidget> class RowsView : public Field<Record, QtWidget> {
 public:
   RowsView(DesktopMachine &machine, Window &window, Record &model, QWidget &parent)
-      : View<Record, QtWidget>(machine, window, model, parent) {
+      : Field<Record, QtWidget>(machine, window, model, parent) {
     const auto chosen = [this](int row) {
       if (filling_) return;
       this->Post([this, row] {

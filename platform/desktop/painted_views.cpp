@@ -1,5 +1,7 @@
 #include "platform/desktop/painted_views.h"
 
+#include "platform/desktop/accessible.h"
+
 #include <QLinearGradient>
 #include <QPaintEvent>
 #include <QPainter>
@@ -16,13 +18,24 @@ const QColor LitRed(255, 36, 24);
 
 } // namespace
 
+MeterWidget::MeterWidget(QWidget *parent) : QWidget(parent) {
+  SetAccessibleRole(*this, QAccessible::ProgressBar);
+}
+
+int MeterWidget::Percent() const { return static_cast<int>(std::lround(face_.Level * 100.0f)); }
+
 void MeterWidget::Show(const Face &face) {
   if (face == face_) return;
+  const int before = Percent();
   // If only the level has changed, repaint the bar alone.
   Face standing = face;
   standing.Level = face_.Level;
   const bool levelAlone = standing == face_;
   face_ = face;
+  if (Percent() != before) {
+    QAccessibleValueChangeEvent event(this, Percent());
+    QAccessible::updateAccessibility(&event);
+  }
   if (levelAlone) {
     update(0, 0, barWidth_, height());
   } else {
@@ -112,6 +125,8 @@ void MeterWidget::PaintScale(QPainter &painter) const {
   }
 }
 
+LineWidget::LineWidget(QWidget *parent) : QWidget(parent) { SetAccessibleRole(*this, QAccessible::NoRole); }
+
 void LineWidget::paintEvent(QPaintEvent *) {
   QPainter painter(this);
   painter.setPen(palette().color(QPalette::WindowText));
@@ -119,6 +134,7 @@ void LineWidget::paintEvent(QPaintEvent *) {
 }
 
 ShapeWidget::ShapeWidget(QWidget *parent) : QWidget(parent) {
+  SetAccessibleRole(*this, QAccessible::NoRole);
   setAttribute(Qt::WA_TransparentForMouseEvents);
 }
 

@@ -12,7 +12,7 @@
 /// A vertical meter that fills from the bottom, green to yellow to red, with its scale on the right.
 class MeterWidget : public QWidget {
 public:
-  using QWidget::QWidget;
+  explicit MeterWidget(QWidget *parent);
 
   /// The displayed state. All values are fractions of the full meter, 0 to 1.
   struct Face {
@@ -26,6 +26,7 @@ public:
 
   void SetBarWidth(int pixels) { barWidth_ = pixels; } ///< the rest of the width is for the scale
   void Show(const Face &face);
+  int Percent() const; ///< the level
 
 protected:
   void paintEvent(QPaintEvent *event) override;
@@ -42,7 +43,7 @@ private:
 
 class LineWidget : public QWidget {
 public:
-  using QWidget::QWidget;
+  explicit LineWidget(QWidget *parent);
 
 protected:
   void paintEvent(QPaintEvent *event) override;

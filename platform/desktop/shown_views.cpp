@@ -51,6 +51,9 @@ protected:
     widget_->setText(Text(model_.Caption));
     if (full_) Fit();
   }
+  QString Words() const override {
+    return Text(model_.AccessibleName.empty() ? model_.Caption : model_.AccessibleName);
+  }
   /// On the toolkit's background, which is dark on some desktops, the toolkit chooses a readable colour.
   bool OwnColor() const override {
     return !model_.Border && (window_.HasBackColor || !window_.Picture.empty());
@@ -67,6 +70,7 @@ public:
     widget_->setAutoFillBackground(true);
     widget_->setAlignment(Qt::AlignLeft | Qt::AlignTop);
     widget_->setPixmap(LoadPicture(machine, parent, model.Picture));
+    widget_->setAccessibleName(LoadWords(machine.AppPath(), model.Picture));
     // The box is as large as its image, because a larger place would show an empty edge.
     widget_->resize(widget_->pixmap().deviceIndependentSize().toSize());
   }
@@ -85,6 +89,8 @@ public:
     widget_->setSource(QUrl::fromLocalFile(Text(file.string())));
     widget_->setTextInteractionFlags(Qt::NoTextInteraction);
     widget_->setFocusPolicy(Qt::NoFocus);
+    // It never gets the keyboard: a screen reader finds it with the window.
+    parent.setAccessibleDescription(widget_->toPlainText());
     widget_->viewport()->installEventFilter(&filter_);
     filter_.pressed = [this] {
       Post([this] {

@@ -1,5 +1,6 @@
 #include "platform/desktop/window_view.h"
 
+#include "platform/desktop/accessible.h"
 #include "platform/desktop/desktop_machine.h"
 #include "platform/desktop/files.h"
 #include "platform/desktop/focus_ring.h"
@@ -9,6 +10,8 @@
 #include <QPainter>
 #include <QScreen>
 #include <QWindow>
+
+#include <utility>
 
 namespace {
 
@@ -26,22 +29,36 @@ WindowView::WindowView(DesktopMachine &machine, Window &window)
     : QWidget(nullptr, Qt::Window | Qt::CustomizeWindowHint | Qt::WindowTitleHint | Qt::WindowSystemMenuHint |
                            Qt::WindowCloseButtonHint),
       machine_(machine), window_(window) {
+  SetAccessibleRole(*this, QAccessible::Window);
   setFixedSize(window.Width, window.Height);
   setObjectName(QString::fromStdString(window.Name));
   setWindowTitle(QString::fromStdString(window.Caption));
-  if (!window.Picture.empty()) background_ = LoadPicture(machine, *this, window.Picture);
+  toldCaption_ = windowTitle();
+  if (!window.Picture.empty()) {
+    background_ = LoadPicture(machine, *this, window.Picture);
+    auto *words = new PictureWords(*this, LoadWords(machine.AppPath(), window.Picture));
+    words->resize(size());
+  }
   QWidget *last = nullptr;
+  QLabel *label = nullptr;
   QString mnemonics;
   for (Control *control : window.Controls) {
     views_.push_back(MakeView(machine, window, *control, *this));
     views_.back()->ChooseMnemonic(mnemonics);
     QWidget *widget = views_.back()->Widget();
+    if (label) views_.back()->BeNamedBy(*label);
+    label = dynamic_cast<Label *>(control) ? qobject_cast<QLabel *>(widget) : nullptr;
     if (widget->focusPolicy() == Qt::NoFocus) continue;
     if (last) setTabOrder(last, widget);
     last = widget;
   }
+  announcer_ = new Announcer(*this);
   // Owned by this widget.
-  new FocusRing(*this, OwnGround(window) ? QColor(255, 225, 77) : palette().color(QPalette::WindowText));
+  if (OwnGround(window)) {
+    new FocusRing(*this, QColor(255, 225, 77), QColor(20, 32, 20));
+  } else {
+    new FocusRing(*this, palette().color(QPalette::WindowText), palette().color(QPalette::Window));
+  }
 }
 
 WindowView::~WindowView() = default;
@@ -51,6 +68,17 @@ void WindowView::CarryOver() {
   if (windowTitle() != caption) setWindowTitle(caption);
   CarryOverBackPictures();
   for (const auto &view : views_) view->CarryOver();
+  if (isActiveWindow()) Announce(caption);
+}
+
+void WindowView::Announce(const QString &caption) {
+  QStringList news;
+  // A screen reader reads out by itself what the window is called as it opens.
+  if (std::exchange(toldCaption_, caption) != caption) news += caption;
+  for (const auto &view : views_) {
+    if (const QString words = view->News(); !words.isEmpty()) news += words;
+  }
+  if (!news.isEmpty()) announcer_->Say(news.join('\n'));
 }
 
 const QPixmap &WindowView::BackPixmap(const std::string &name) {
@@ -77,6 +105,8 @@ void WindowView::BelongTo(const WindowView &owner) {
   setWindowFlag(Qt::Dialog); // Qt tells the window manager the owner only of a dialog
   winId();                   // creates the native window
   windowHandle()->setTransientParent(owner.windowHandle());
+  // Screen readers read a whole dialog when it opens.
+  for (const auto &view : views_) view->News();
 }
 
 void WindowView::Open() {

@@ -15,6 +15,7 @@
 #include <string>
 #include <vector>
 
+class Announcer;
 class DesktopMachine;
 
 class WindowView : public QWidget {
@@ -47,6 +48,7 @@ protected:
 
 private:
   void CarryOverBackPictures();
+  void Announce(const QString &caption); ///< tells screen readers what is new, the caption included
   const QPixmap &BackPixmap(const std::string &name);
 
   DesktopMachine &machine_;
@@ -57,4 +59,6 @@ private:
   QPoint corner_;            ///< of the content; not the origin if the window has been stretched
   QElapsedTimer activation_; ///< time since activation or deactivation
   std::vector<std::unique_ptr<ControlView>> views_;
+  Announcer *announcer_; ///< owned by this widget
+  QString toldCaption_;
 };

@@ -1,0 +1,94 @@
+#include "platform/desktop/accessible.h"
+
+#include "platform/desktop/painted_views.h"
+
+#include <QAccessibleWidget>
+
+namespace {
+
+constexpr const char *RoleProperty = "accessibleRole";
+
+QAccessible::Role RoleOf(const QObject &object) {
+  const QVariant role = object.property(RoleProperty);
+  return role.isValid() ? static_cast<QAccessible::Role>(role.toInt()) : QAccessible::Client;
+}
+
+/// A window, without its decoration.
+class AccessibleWindow : public QAccessibleWidget {
+public:
+  explicit AccessibleWindow(QWidget *window) : QAccessibleWidget(window, RoleOf(*window)) {}
+
+  /// What belongs to another window is a dialog: a screen reader reads out all of it as it opens.
+  QAccessible::Role role() const override {
+    return widget()->windowType() == Qt::Dialog ? QAccessible::Dialog : QAccessible::Window;
+  }
+  int childCount() const override { return static_cast<int>(Told().size()); }
+  QAccessibleInterface *child(int index) const override {
+    return QAccessible::queryAccessibleInterface(Told().value(index));
+  }
+  int indexOfChild(const QAccessibleInterface *child) const override {
+    return child ? static_cast<int>(Told().indexOf(child->object())) : -1;
+  }
+
+private:
+  QObjectList Told() const {
+    QObjectList told;
+    for (QObject *child : widget()->children()) {
+      const auto *shown = qobject_cast<QWidget *>(child);
+      if (shown && !shown->isWindow() && RoleOf(*shown) != QAccessible::NoRole) told += child;
+    }
+    return told;
+  }
+};
+
+class AccessibleMeter : public QAccessibleWidget, public QAccessibleValueInterface {
+public:
+  explicit AccessibleMeter(MeterWidget *meter)
+      : QAccessibleWidget(meter, QAccessible::ProgressBar), meter_(*meter) {}
+
+  void *interface_cast(QAccessible::InterfaceType type) override {
+    if (type == QAccessible::ValueInterface) return static_cast<QAccessibleValueInterface *>(this);
+    return QAccessibleWidget::interface_cast(type);
+  }
+  QVariant currentValue() const override { return meter_.Percent(); }
+  QVariant minimumValue() const override { return 0; }
+  QVariant maximumValue() const override { return 100; }
+  QVariant minimumStepSize() const override { return 1; }
+  void setCurrentValue(const QVariant &) override {} // it only shows
+
+private:
+  const MeterWidget &meter_;
+};
+
+QAccessibleInterface *MakeInterface(const QString &, QObject *object) {
+  auto *widget = qobject_cast<QWidget *>(object);
+  if (!widget || !widget->property(RoleProperty).isValid()) return nullptr;
+  if (widget->isWindow()) return new AccessibleWindow(widget);
+  if (auto *meter = dynamic_cast<MeterWidget *>(widget)) return new AccessibleMeter(meter);
+  return new QAccessibleWidget(widget, RoleOf(*widget));
+}
+
+} // namespace
+
+void InstallAccessibility() { QAccessible::installFactory(MakeInterface); }
+
+void SetAccessibleRole(QWidget &widget, QAccessible::Role role) { widget.setProperty(RoleProperty, role); }
+
+PictureWords::PictureWords(QWidget &parent, const QString &words) : QWidget(&parent) {
+  SetAccessibleRole(*this, QAccessible::StaticText);
+  setAttribute(Qt::WA_TransparentForMouseEvents);
+  setAccessibleName(words);
+}
+
+Announcer::Announcer(QWidget &parent) : QWidget(&parent) {
+  SetAccessibleRole(*this, QAccessible::Notification);
+  setAttribute(Qt::WA_TransparentForMouseEvents);
+  resize(1, 1);
+  hide();
+}
+
+void Announcer::Say(const QString &words) {
+  hide();
+  setAccessibleName(words);
+  show();
+}

@@ -1,0 +1,411 @@
+// The windows for who plays without a mouse or can't see them: what a screen reader finds and is told, and
+// where the keyboard leads.
+
+#include "front/information_windows.h"
+#include "match/frm_snapwedge.h"
+#include "match/results.h"
+#include "net/frm_new_net.h"
+#include "platform/desktop/accessible.h"
+#include "platform/search_dialog.h"
+#include "tests/desktop_kit.h"
+
+#include <QAbstractButton>
+#include <QAccessible>
+#include <QComboBox>
+#include <QLabel>
+#include <QLineEdit>
+#include <QListWidget>
+#include <QMessageBox>
+#include <QMetaEnum>
+#include <QTest>
+#include <gtest/gtest.h>
+
+#include <fstream>
+#include <functional>
+#include <set>
+#include <sstream>
+
+namespace {
+
+constexpr std::int32_t PatienceMs = 10000; ///< for a window to come up or to go
+
+QString RoleName(const QAccessibleInterface &element) {
+  return QMetaEnum::fromType<QAccessible::Role>().valueToKey(element.role());
+}
+
+std::vector<QAccessibleInterface *> ChildrenOf(const QAccessibleInterface &element) {
+  // Of the toolkit's own widgets only the rows of a list are the game's.
+  const bool toolkit = element.role() != QAccessible::Window && element.role() != QAccessible::Dialog &&
+                       element.role() != QAccessible::List;
+  std::vector<QAccessibleInterface *> children;
+  for (int i = 0; i < (toolkit ? 0 : element.childCount()); ++i) children.push_back(element.child(i));
+  return children;
+}
+
+/// The names of the labels that the element is told to belong to.
+QString LabelsOf(const QAccessibleInterface &element) {
+  QStringList labels;
+  for (const auto &[label, relation] : element.relations(QAccessible::Label))
+    labels += label->text(QAccessible::Name);
+  return labels.join(", ");
+}
+
+/// A line for each element: role, name, value, its label if that isn't its name, states, and behind two
+/// dashes the description.
+void Write(std::ostream &text, QAccessibleInterface &element, const std::string &indent = "") {
+  constexpr qsizetype Longest = 60; // characters of a value or description
+  const auto shortened = [](const QString &words) {
+    const QString line = words.simplified();
+    return (line.size() <= Longest ? line : line.left(Longest) + "...").toStdString();
+  };
+  const QString name = element.text(QAccessible::Name), label = LabelsOf(element);
+  text << indent << RoleName(element).toStdString() << " \""
+       << QString(name).replace('\n', " / ").toStdString() << '"';
+  auto *value = element.valueInterface();
+  const QString content = value ? value->currentValue().toString() + " of " + value->maximumValue().toString()
+                                : element.text(QAccessible::Value);
+  if (!content.isEmpty() && content != name) text << " = \"" << shortened(content) << '"';
+  if (!label.isEmpty() && label != name) text << ", labelled \"" << label.toStdString() << '"';
+  const QAccessible::State state = element.state();
+  for (const auto &[is, word] : {std::pair<bool, const char *>{state.disabled, "disabled"},
+                                 {state.focused, "focused"},
+                                 {state.checked, "checked"},
+                                 {state.selected, "selected"},
+                                 {state.readOnly, "read-only"},
+                                 {state.modal, "modal"},
+                                 {state.invisible, "hidden"}})
+    if (is) text << ", " << word;
+  const QString description = element.text(QAccessible::Description);
+  if (!description.isEmpty()) text << " -- " << shortened(description);
+  text << '\n';
+  for (QAccessibleInterface *child : ChildrenOf(element)) Write(text, *child, indent + "  ");
+}
+
+/// What a screen reader could make nothing of.
+void Complain(std::vector<std::string> &complaints, QAccessibleInterface &element, bool window = true) {
+  const QAccessible::Role role = element.role();
+  const QAccessible::State state = element.state();
+  const auto *pictures = qobject_cast<QLabel *>(element.object());
+  const std::string what = RoleName(element).toStdString() + ' ' +
+                           (element.object() ? element.object()->objectName().toStdString() : "");
+  const bool named = !element.text(QAccessible::Name).isEmpty();
+  if (window && role != QAccessible::Window && role != QAccessible::Dialog)
+    complaints.push_back(what + " is a window without the role of one");
+  if (!window && (role == QAccessible::Client || role == QAccessible::NoRole))
+    complaints.push_back(what + " has no role");
+  if (!named && (window || state.focusable || role == QAccessible::ProgressBar))
+    complaints.push_back(what + " has no name");
+  const bool picture = role == QAccessible::Graphic || role == QAccessible::Canvas ||
+                       dynamic_cast<PictureWords *>(element.object()) ||
+                       (pictures && !pictures->pixmap(Qt::ReturnByValue).isNull());
+  if (!named && picture) complaints.push_back(what + " is a picture without a text");
+  for (QAccessibleInterface *child : ChildrenOf(element)) Complain(complaints, *child, false);
+}
+
+std::string Content(const std::string &file) {
+  std::ifstream stream(file);
+  std::ostringstream text;
+  text << stream.rdbuf();
+  return text.str();
+}
+
+/// Compares what a screen reader finds in the window with the file of that name. A tree that is meant to
+/// change is taken from the message of the failure.
+void ExpectTree(QWidget &window, const std::string &name) {
+  SCOPED_TRACE(name);
+  QAccessibleInterface *root = QAccessible::queryAccessibleInterface(&window);
+  ASSERT_TRUE(root);
+  std::ostringstream tree;
+  Write(tree, *root);
+  EXPECT_EQ(tree.str(), Content(SNAPWEDGE_TESTS_DIR "/accessible_trees/" + name + ".txt"));
+  std::vector<std::string> complaints;
+  Complain(complaints, *root);
+  EXPECT_EQ(complaints, std::vector<std::string>());
+}
+
+/// Runs `open`, which returns when the window has been closed, and `act` once as soon as the window is
+/// active. Reports a window that `act` doesn't close.
+void WhileOpen(GameMachine &machine, const std::string &name, const std::function<void()> &open,
+               const std::function<void(QWidget &)> &act) {
+  bool acted = false;
+  const std::int32_t end = machine.ClockIn(PatienceMs);
+  const auto watch = machine.OnPump([&] {
+    QWidget *window = ShownWindow(name);
+    if (acted || !window || !window->isActiveWindow()) return;
+    acted = true;
+    act(*window);
+  });
+  const Machine::CloseModalsWhen patience(machine, [&] { return machine.ClockReached(end); });
+  open();
+  EXPECT_TRUE(acted) << name << " hasn't come up";
+  EXPECT_FALSE(machine.ClockReached(end)) << name << " doesn't go";
+}
+
+/// Pumps until the window of that name is the active one.
+QWidget &Active(GameMachine &machine, const std::string &name) {
+  const std::int32_t end = machine.ClockIn(PatienceMs);
+  while (!machine.ClockReached(end)) {
+    if (QWidget *window = ShownWindow(name); window && window->isActiveWindow()) return *window;
+    machine.WaitUntil(machine.ClockIn(10));
+  }
+  throw std::runtime_error(name + " doesn't become active");
+}
+
+void Key(QWidget &window, Qt::Key key) {
+  QTest::keyClick(window.focusWidget() ? window.focusWidget() : &window, key);
+}
+
+TEST(DesktopAccessibleTest, TheLaunchWindowIsTold) {
+  GameMachine &machine = GameMachine::Get();
+  Program program(machine);
+  frmNewNet window(machine, program);
+  window.lstConnections.List = {"This Computer", "Internet TCP/IP Connection"};
+  window.lstConnections.ListIndex = 1;
+  machine.Show(window);
+  machine.SetFocus(window.Command1);
+  ExpectTree(Active(machine, window.Name), window.Name);
+}
+
+TEST(DesktopAccessibleTest, TheInformationWindowsAreToldAndCloseByKey) {
+  GameMachine &machine = GameMachine::Get();
+  const struct {
+    const char *name;
+    void (*show)(Machine &);
+    Qt::Key close;
+  } windows[] = {{"frmControls", ShowControls, Qt::Key_Escape},
+                 {"frmBackground", ShowBackground, Qt::Key_Escape},
+                 {"frmText", ShowReadMe, Qt::Key_Space}};
+  Program program(machine);
+  frmNewNet owner(machine, program);
+  machine.Show(owner);
+  for (const auto &each : windows) {
+    WhileOpen(
+        machine, each.name, [&] { each.show(machine); },
+        [&](QWidget &window) {
+          ExpectTree(window, each.name);
+          Key(window, each.close);
+        });
+  }
+}
+
+TEST(DesktopAccessibleTest, TheSearchDialogIsToldAndClosesByEsc) {
+  GameMachine &machine = GameMachine::Get();
+  Program program(machine);
+  frmNewNet owner(machine, program);
+  machine.Show(owner);
+  SearchDialog dialog(machine, "192.0.2.7");
+  WhileOpen(
+      machine, dialog.Name, [&] { EXPECT_FALSE(dialog.Ask()); },
+      [&](QWidget &window) {
+        ExpectTree(window, dialog.Name);
+        Key(window, Qt::Key_Escape);
+      });
+}
+
+TEST(DesktopAccessibleTest, AMessageBoxIsToldAndClosesByEsc) {
+  GameMachine &machine = GameMachine::Get();
+  const auto find = [] { return qobject_cast<QMessageBox *>(QApplication::activeModalWidget()); };
+  bool found = false;
+  const auto watch = machine.OnPump([&] {
+    QMessageBox *box = find();
+    if (found || !box || !box->isActiveWindow()) return;
+    found = true;
+    const QAccessibleInterface *told = QAccessible::queryAccessibleInterface(box);
+    EXPECT_EQ(told->role(), QAccessible::AlertMessage);
+    EXPECT_EQ(told->text(QAccessible::Name), "Rounds to Play:");
+    Key(*box, Qt::Key_Escape);
+  });
+  machine.MsgBox({"Please enter a whole number from 1 to 99.", "Rounds to Play:"});
+  EXPECT_TRUE(found);
+}
+
+/// A match at the start of its first possession.
+struct Match {
+  explicit Match(const std::string &mode) : program(machine), window(machine, program) {
+    program.SoundOn = False;
+    program.GameMode = mode;
+    window.SetUp();
+    window.Round = 1;
+    window.PostScore();
+  }
+  GameMachine &machine = GameMachine::Get();
+  Program program;
+  frmSnapwedge window;
+};
+
+TEST(DesktopAccessibleTest, ThePlayWindowAndItsCardsAreTold) {
+  Match match("Computer");
+  QWidget &shown = Active(match.machine, match.window.Name);
+  match.machine.Pump();
+  match.window.ProgressBar1.Value = 40;
+  match.window.Picture3.Visible = true;
+  match.machine.Repaint(match.window);
+  ExpectTree(shown, match.window.Name);
+}
+
+TEST(DesktopAccessibleTest, TheFrontPagesAreToldAndStayTheMouses) {
+  Match match("Human");
+  match.window.HomeScore = 13;
+  match.window.AwayScore = 7;
+  const std::pair<const char *, void (frmSnapwedge::*)()> pages[] = {{"frmHome", &frmSnapwedge::ShowHome},
+                                                                     {"frmAway", &frmSnapwedge::ShowAway},
+                                                                     {"frmTie", &frmSnapwedge::ShowTie}};
+  for (const auto &[name, show] : pages) {
+    bool stays = false;
+    std::int32_t clickAt = 0;
+    const auto clicks = match.machine.OnPump([&, name = name] {
+      QWidget *page = ShownWindow(name);
+      if (!page || !clickAt || !match.machine.ClockReached(clickAt)) return;
+      stays = true;
+      QTest::mouseClick(page, Qt::LeftButton);
+    });
+    WhileOpen(
+        match.machine, name, [&, show = show] { (match.window.*show)(); },
+        [&, name = name](QWidget &page) {
+          ExpectTree(page, name);
+          for (const Qt::Key key : {Qt::Key_Escape, Qt::Key_Return, Qt::Key_Space}) Key(page, key);
+          clickAt = match.machine.ClockIn(500);
+        });
+    EXPECT_TRUE(stays) << name << " has gone by a key";
+  }
+}
+
+/// What screen readers are told by themselves since the last call.
+std::string NewsOf(QWidget &window) {
+  GameMachine::Get().Pump();
+  for (QWidget *child : window.findChildren<QWidget *>()) {
+    if (!dynamic_cast<Announcer *>(child)) continue;
+    const std::string words = child->accessibleName().toStdString();
+    child->setAccessibleName({});
+    return words;
+  }
+  return "no announcer";
+}
+
+TEST(DesktopAccessibleTest, TurnResultAndScoreAreAnnouncedAndNothingTwice) {
+  Match match("Computer");
+  QWidget &shown = Active(match.machine, match.window.Name);
+  frmSnapwedge &window = match.window;
+  EXPECT_EQ(NewsOf(shown),
+            "Home Team Score: 0\nAway Team Score: 0\nYour turn: 104 yards to the edge. Hold the "
+            "left button, let go to shoot.");
+  EXPECT_EQ(NewsOf(shown), "");
+  window.HintResult(Results::Bonus);
+  window.Picture5.Visible = true;
+  EXPECT_EQ(NewsOf(shown),
+            "A corner on the circle on the first try: 3 points. Two tries are left.\n3 Points!");
+  window.Picture5.Visible = false;
+  EXPECT_EQ(NewsOf(shown), "");
+  window.HomeScore = 3;
+  window.PostScore();
+  EXPECT_EQ(NewsOf(shown), "Home Team Score: 3");
+  window.Reset();
+  EXPECT_EQ(NewsOf(shown), "The computer's turn.");
+  window.Text1.Text = "Well done!";
+  EXPECT_EQ(NewsOf(shown), "The other player's message: Well done!");
+  window.Picture5.Visible = true;
+  window.Caption = "The line is broken";
+  EXPECT_EQ(NewsOf(shown), "The line is broken\n3 Points!") << "a card that comes up again is news again";
+}
+
+TEST(DesktopAccessibleTest, WhatATreeLacksIsFound) {
+  QWidget bare;
+  bare.setObjectName("bare");
+  QLineEdit box(&bare);
+  box.setObjectName("box");
+  QLabel picture(&bare);
+  picture.setObjectName("picture");
+  QPixmap pixmap(8, 8);
+  pixmap.fill(Qt::red);
+  picture.setPixmap(pixmap);
+  QWidget thing(&bare);
+  thing.setObjectName("thing");
+  SetAccessibleRole(bare, QAccessible::Window);
+  std::vector<std::string> complaints;
+  Complain(complaints, *QAccessible::queryAccessibleInterface(&bare));
+  EXPECT_EQ(complaints, (std::vector<std::string>{"Window bare has no name", "EditableText box has no name",
+                                                  "Graphic picture is a picture without a text",
+                                                  "Client thing has no role"}));
+  QWidget plain;
+  plain.setObjectName("plain");
+  plain.setWindowTitle("Plain");
+  complaints.clear();
+  Complain(complaints, *QAccessible::queryAccessibleInterface(&plain));
+  EXPECT_EQ(complaints, std::vector<std::string>{"Client plain is a window without the role of one"});
+}
+
+/// The controls that do something, by their names.
+std::set<std::string> Worked(const QWidget &window) {
+  std::set<std::string> names;
+  for (const QWidget *child : window.findChildren<QWidget *>(Qt::FindDirectChildrenOnly)) {
+    const bool works = qobject_cast<const QAbstractButton *>(child) ||
+                       qobject_cast<const QComboBox *>(child) || qobject_cast<const QLineEdit *>(child) ||
+                       qobject_cast<const QListWidget *>(child);
+    if (works && child->isEnabled()) names.insert(child->objectName().toStdString());
+  }
+  return names;
+}
+
+/// Looks at the two pixels around a control that has the keyboard. Each must stand out by 3 to 1 from what
+/// surrounds the ring, whatever lies there, and not be there without the keyboard.
+void ExpectRing(QWidget &window, QWidget &control) {
+  constexpr int RingWidth = 2;
+  constexpr double LeastContrast = 3.0;
+  const std::string name = control.objectName().toStdString();
+  const auto grown = [&](int by) { return control.geometry().adjusted(-by, -by, by, by); };
+  const QRect inner = control.geometry(), ring = grown(RingWidth), around = grown(RingWidth + 1);
+  ASSERT_TRUE(window.rect().contains(around)) << name;
+  window.setFocus(); // takes it from the control
+  const QImage without = window.grab().toImage();
+  control.setFocus();
+  const QImage with = window.grab().toImage();
+  const QColor color = with.pixelColor(ring.topLeft());
+  int unchanged = 0;
+  for (int y = around.top(); y <= around.bottom(); ++y) {
+    for (int x = around.left(); x <= around.right(); ++x) {
+      if (inner.contains(x, y)) continue;
+      if (ring.contains(x, y)) {
+        EXPECT_EQ(with.pixelColor(x, y), color) << name;
+        if (without.pixelColor(x, y) == color) ++unchanged;
+      } else {
+        EXPECT_GE(Contrast(with.pixelColor(x, y), color), LeastContrast) << name;
+      }
+    }
+  }
+  EXPECT_EQ(unchanged, 0) << name;
+}
+
+/// Goes round by Tab, then looks at the ring of each control.
+void ExpectTabReachesAll(QWidget &window) {
+  const std::set<std::string> all = Worked(window);
+  std::set<std::string> reached;
+  for (std::size_t i = 0; i < 2 * all.size(); ++i) {
+    Key(window, Qt::Key_Tab);
+    if (window.focusWidget()) reached.insert(window.focusWidget()->objectName().toStdString());
+  }
+  EXPECT_EQ(reached, all);
+  for (const std::string &name : all) ExpectRing(window, *window.findChild<QWidget *>(name.c_str()));
+}
+
+TEST(DesktopAccessibleTest, TabLeadsToEveryControlAndARingShowsIt) {
+  GameMachine &machine = GameMachine::Get();
+  Program program(machine);
+  frmNewNet launch(machine, program);
+  for (CommandButton *button : {&launch.cmdJoin, &launch.Command4, &launch.cmdCreate, &launch.Command5})
+    button->Enabled = true;
+  machine.Show(launch);
+  ExpectTabReachesAll(Active(machine, launch.Name));
+  {
+    SearchDialog dialog(machine, "");
+    machine.SetFocus(dialog.Text1);
+    ExpectTabReachesAll(Active(machine, dialog.Name));
+  }
+  WhileOpen(
+      machine, "frmText", [&] { ShowReadMe(machine); },
+      [](QWidget &window) {
+        ExpectTabReachesAll(window);
+        Key(window, Qt::Key_Return);
+      });
+}
+
+} // namespace
