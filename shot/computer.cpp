@@ -1,6 +1,6 @@
 // The computer opponent: one fixed plan for a possession, three forces that add up to the length of the
-// field, and a random error on heading and force. It doesn't look at the table; its skill is the size of its
-// errors.
+// field, and a random error on heading and force. It doesn't look at the table; how well it plays is told in
+// match/skill_levels.h.
 
 #include "shot/computer.h"
 
@@ -13,7 +13,6 @@ namespace {
 
 constexpr float FirstForce = 96.0f;
 constexpr float SecondForce = 27.0f;
-constexpr float ThirdForce = 20.0f;
 
 constexpr float TurnSteps = 10.0f;     ///< the heading error takes one of so many values ...
 constexpr float TurnDivisor = 80.0f;   ///< ... an 80th of a radian apart
@@ -31,10 +30,10 @@ float Draw(Machine &machine, float steps) {
 float DrawSign(Machine &machine) { return Draw(machine, SignSteps) <= LastNegative ? -1.0f : 1.0f; }
 
 /// The plan: the force of the attempt, by the attempts left before it.
-float BaseForce(std::int16_t shots) {
+float BaseForce(const SkillLevel &skill, std::int16_t shots) {
   if (shots == 3) return FirstForce;
   if (shots == 2) return SecondForce;
-  return ThirdForce;
+  return skill.ThirdForce;
 }
 
 } // namespace
@@ -46,7 +45,7 @@ ComputerPlan PlanComputerShot(Machine &machine, const SkillLevel &skill, std::in
   Spread *= DrawSign(machine);
   Turn *= skill.ErrorScale;
   Spread *= skill.ErrorScale;
-  return {Turn, Sum(Spread, BaseForce(shots))};
+  return {Turn, Sum(Spread, BaseForce(skill, shots))};
 }
 
 void frmSnapwedge::CompShot1() {
