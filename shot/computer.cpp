@@ -1,5 +1,5 @@
 // The computer opponent: a fixed plan of three forces that add up to the length of the field, with a random
-// error in heading and force. It doesn't see the table; its skill is the size of its errors.
+// error in heading and force. It doesn't see the table; match/skill_levels.h defines its skill.
 
 #include "shot/computer.h"
 
@@ -12,7 +12,6 @@ namespace {
 
 constexpr float FirstForce = 96.0f;
 constexpr float SecondForce = 27.0f;
-constexpr float ThirdForce = 20.0f;
 
 constexpr float TurnSteps = 10.0f;     ///< the heading error has this many values ...
 constexpr float TurnDivisor = 80.0f;   ///< ... an 80th of a radian apart
@@ -30,10 +29,10 @@ float Draw(Machine &machine, float steps) {
 float DrawSign(Machine &machine) { return Draw(machine, SignSteps) <= LastNegative ? -1.0f : 1.0f; }
 
 /// Planned force of an attempt, by the number of attempts left before it.
-float BaseForce(std::int16_t shots) {
+float BaseForce(const SkillLevel &skill, std::int16_t shots) {
   if (shots == 3) return FirstForce;
   if (shots == 2) return SecondForce;
-  return ThirdForce;
+  return skill.ThirdForce;
 }
 
 } // namespace
@@ -45,7 +44,7 @@ ComputerPlan PlanComputerShot(Machine &machine, const SkillLevel &skill, std::in
   Spread *= DrawSign(machine);
   Turn *= skill.ErrorScale;
   Spread *= skill.ErrorScale;
-  return {Turn, Sum(Spread, BaseForce(shots))};
+  return {Turn, Sum(Spread, BaseForce(skill, shots))};
 }
 
 void frmSnapwedge::CompShot1() {

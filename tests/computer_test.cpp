@@ -13,9 +13,9 @@ namespace {
 TEST(ComputerTest, ThePlanStaysInItsRangesAndUsesAllOfThem) {
   struct Row {
     const char *skill;
-    float scale;
+    float scale, third;
   };
-  for (const Row &row : {Row{"Easy", 2}, Row{"Medium", 1}, Row{"Hard", 0.5f}}) {
+  for (const Row &row : {Row{"Easy", 2, 20}, Row{"Medium", 1, 20}, Row{"Hard", 0.5f, 18.5f}}) {
     SCOPED_TRACE(row.skill);
     HeadlessMachine machine(SNAPWEDGE_GAME_DIR);
     std::map<float, int> turns, spreads;
@@ -23,7 +23,7 @@ TEST(ComputerTest, ThePlanStaysInItsRangesAndUsesAllOfThem) {
     constexpr int Plans = 6000;
     for (int i = 0; i < Plans; ++i) {
       const auto shots = static_cast<std::int16_t>(1 + i % 3);
-      const float base = shots == 3 ? 96.0f : shots == 2 ? 27.0f : 20.0f;
+      const float base = shots == 3 ? 96.0f : shots == 2 ? 27.0f : row.third;
       const ComputerPlan plan = PlanComputerShot(machine, *FindSkillLevel(row.skill), shots);
       ASSERT_LE(std::abs(plan.Turn), 0.1125f * row.scale);
       ASSERT_LE(std::abs(plan.Force - base), 1.22501f * row.scale);
@@ -41,12 +41,14 @@ TEST(ComputerTest, ThePlanStaysInItsRangesAndUsesAllOfThem) {
   }
 }
 
-TEST(ComputerTest, EveryPossessionEndsAndTheMouseStaysShut) {
-  std::map<std::int16_t, int> cards;
-  for (std::uint32_t seed = 1; seed <= 100; ++seed) {
+/// Plays possessions of the computer on a level, each with a seed of its own. Returns the computer's points.
+int PlayPossessions(const SkillLevel &skill, std::uint32_t count, std::map<std::int16_t, int> &cards) {
+  int points = 0;
+  for (std::uint32_t seed = 1; seed <= count; ++seed) {
     SCOPED_TRACE(seed);
     Game game("Computer", 1);
     game.machine.Seed = seed;
+    game.program.Skill = skill;
     game.SetUp();
     game.window.Reset();
     game.machine.OnDraw = [&](Canvas &) {
@@ -59,10 +61,24 @@ TEST(ComputerTest, EveryPossessionEndsAndTheMouseStaysShut) {
     EXPECT_EQ(game.window.Player, 1) << "at most three attempts";
     EXPECT_EQ(game.window.HomeScore, 0);
     for (const std::int16_t card : game.Cards) ++cards[card];
+    points += game.window.AwayScore;
   }
-  EXPECT_GT(cards[3], 0) << "it scores";
-  EXPECT_GT(cards[4] + cards[6] + cards[7], 0) << "it fails";
-  EXPECT_EQ(cards[3], cards[1]) << "and every kick is good";
+  return points;
+}
+
+TEST(ComputerTest, EveryPossessionEndsAndAHigherLevelScoresMore) {
+  constexpr std::uint32_t Possessions = 100;
+  int lower = 0;
+  for (const SkillLevel &skill : SkillLevels) {
+    SCOPED_TRACE(skill.Name);
+    std::map<std::int16_t, int> cards;
+    const int points = PlayPossessions(skill, Possessions, cards);
+    EXPECT_GT(points, lower);
+    lower = points;
+    EXPECT_GT(cards[3], 0) << "it scores";
+    EXPECT_GT(cards[4] + cards[6] + cards[7], 0) << "it fails";
+    EXPECT_EQ(cards[3], cards[1]) << "and every kick is good";
+  }
 }
 
 TEST(ComputerTest, TheHeadingIsMeasuredFromTheFieldAndTheViewFromTheSide) {
