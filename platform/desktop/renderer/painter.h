@@ -16,9 +16,9 @@
 
 /// What a level of quality gives.
 struct PaintQuality {
-  int Samples;    ///< of a pixel, 0 for one
-  int ShadowSize; ///< pixels of the shadow map's sides
-  int ShadowTaps; ///< looks at the shadow map for what lies around a pixel
+  int Samples;      ///< of a pixel, 0 for one
+  int ShadowSize;   ///< pixels of the shadow map's sides
+  int ShadowTaps;   ///< looks at the shadow map for what lies around a pixel
   float Anisotropy; ///< of textures; below 1 not even two of their sizes are mixed
 };
 
