@@ -1,21 +1,136 @@
 #include "platform/desktop/renderer/edge_smoothing.h"
 
-#include "platform/desktop/renderer/shaders.h"
+#include <QtConcurrentMap>
 
-EdgeSmoothing::EdgeSmoothing(Gl &gl) : gl_(gl) {
-  BuildProgram(program_, SmoothingVertexShader, SmoothingFragmentShader);
-  gl_.glGenVertexArrays(1, &array_);
+#include <algorithm>
+#include <cmath>
+#include <cstdint>
+#include <vector>
+
+namespace {
+
+// Brightness is 0 to 255. Contrast is the difference between the most and the least around a pixel.
+constexpr int LeastContrast = 21;   ///< below it there is no edge ...
+constexpr int RelativeContrast = 4; ///< ... nor where this times it is less than the most of them
+constexpr float Span = 4.0f;        ///< pixels along the edge from the first sample to the last
+constexpr int Whole = 256;          ///< of a share of a colour
+constexpr int Strength = 179;       ///< of `Whole`: what small lettering stands
+
+std::uint8_t Brightness(std::uint32_t color) {
+  return static_cast<std::uint8_t>(
+      (77 * (color >> 16 & 0xff) + 151 * (color >> 8 & 0xff) + 28 * (color & 0xff)) >> 8);
 }
 
-EdgeSmoothing::~EdgeSmoothing() { gl_.glDeleteVertexArrays(1, &array_); }
+/// A colour between two; `share` of the second, of `Whole`.
+std::uint32_t Mixed(std::uint32_t a, std::uint32_t b, int share) {
+  const auto of = static_cast<std::uint32_t>(share), rest = static_cast<std::uint32_t>(Whole - share);
+  constexpr std::uint32_t TwoChannels = 0x00ff00ff;
+  const std::uint32_t redAndBlue = ((a & TwoChannels) * rest + (b & TwoChannels) * of) >> 8;
+  const std::uint32_t alphaAndGreen = (a >> 8 & TwoChannels) * rest + (b >> 8 & TwoChannels) * of;
+  return (redAndBlue & TwoChannels) | (alphaAndGreen & ~TwoChannels);
+}
 
-void EdgeSmoothing::Draw(GLuint picture) {
-  constexpr GLsizei Corners = 3;
-  gl_.glDisable(GL_DEPTH_TEST);
-  gl_.glActiveTexture(GL_TEXTURE0);
-  gl_.glBindTexture(GL_TEXTURE_2D, picture);
-  program_.bind();
-  program_.setUniformValue("drawn", 0);
-  gl_.glBindVertexArray(array_);
-  gl_.glDrawArrays(GL_TRIANGLES, 0, Corners);
+/// A colour between four, which lie around a place: `right` and `down` from the first, of `Whole`.
+std::uint32_t Between(const std::uint32_t *first, qsizetype stride, int right, int down) {
+  return Mixed(Mixed(first[0], first[1], right), Mixed(first[stride], first[stride + 1], right), down);
+}
+
+/// A pixel with its diagonal neighbours' brightness, and the range of all five.
+struct Neighbours {
+  int TopLeft, TopRight, BottomLeft, BottomRight;
+  int Least, Most;
+};
+
+/// The colour of a pixel on an edge, whose direction comes from its neighbours. Of four samples along it the
+/// outer two count only if they stay between the colours on both sides of the edge.
+std::uint32_t Smoothed(const std::uint32_t *pixel, qsizetype stride, const Neighbours &near) {
+  const auto difference = [](int a, int b) { return static_cast<float>(a - b); };
+  float alongX = difference(near.BottomLeft + near.BottomRight, near.TopLeft + near.TopRight);
+  float alongY = difference(near.TopLeft + near.BottomLeft, near.TopRight + near.BottomRight);
+  const int sum = near.TopLeft + near.TopRight + near.BottomLeft + near.BottomRight;
+  const float faint = std::max(static_cast<float>(sum) * 0.03f, 2.0f); // keeps faint edges from reaching far
+  const float shorter = std::min(std::abs(alongX), std::abs(alongY)) + faint;
+  alongX = std::clamp(alongX / shorter, -Span, Span) * static_cast<float>(Whole);
+  alongY = std::clamp(alongY / shorter, -Span, Span) * static_cast<float>(Whole);
+
+  const auto at = [&](float share) {
+    const int x = static_cast<int>(alongX * share), y = static_cast<int>(alongY * share);
+    return Between(pixel + (y >> 8) * stride + (x >> 8), stride, x & 0xff, y & 0xff);
+  };
+  const std::uint32_t close = Mixed(at(-1.0f / 6.0f), at(1.0f / 6.0f), Whole / 2);
+  const std::uint32_t wide = Mixed(close, Mixed(at(-0.5f), at(0.5f), Whole / 2), Whole / 2);
+  const int between = Brightness(wide);
+  return Mixed(*pixel, between < near.Least || between > near.Most ? close : wide, Strength);
+}
+
+} // namespace
+
+EdgeSmoothing::EdgeSmoothing(QSize size)
+    : drawn_(size, QImage::Format_RGB32), last_(size, QImage::Format_RGB32),
+      brightness_(static_cast<std::size_t>(size.width()) * static_cast<std::size_t>(size.height())) {
+  last_.fill(Qt::transparent); // no frame has such a pixel
+}
+
+void EdgeSmoothing::Span::Widen(const Span &other) {
+  if (other.Empty()) return;
+  *this = Empty() ? other : Span{std::min(First, other.First), std::max(End, other.End)};
+}
+
+bool EdgeSmoothing::Update(QImage &smooth) {
+  const int height = drawn_.height();
+  std::vector<Span> reached(static_cast<std::size_t>(height));
+  bool changed = false;
+  for (int row = 0; row < height; ++row) {
+    const Span span = Changed(row);
+    changed = changed || !span.Empty();
+    for (int near = std::max(row - Reach, 0); near <= std::min(row + Reach, height - 1); ++near) {
+      reached[static_cast<std::size_t>(near)].Widen(span);
+    }
+  }
+  auto *to = reinterpret_cast<std::uint32_t *>(smooth.bits());
+  QtConcurrent::blockingMap(reached, [&](const Span &span) {
+    const auto row = static_cast<int>(&span - reached.data());
+    if (!span.Empty()) SmoothRow(row, span, to + static_cast<std::ptrdiff_t>(row) * drawn_.width());
+  });
+  std::swap(drawn_, last_);
+  return changed;
+}
+
+/// Where a row differs from the last frame; works out the brightness there.
+EdgeSmoothing::Span EdgeSmoothing::Changed(int row) {
+  const auto *now = reinterpret_cast<const std::uint32_t *>(drawn_.constScanLine(row));
+  const auto *last = reinterpret_cast<const std::uint32_t *>(last_.constScanLine(row));
+  const int width = drawn_.width();
+  const auto first = static_cast<int>(std::mismatch(now, now + width, last).first - now);
+  if (first == width) return {};
+  int end = width;
+  while (now[end - 1] == last[end - 1]) --end;
+  std::transform(now + first, now + end, brightness_.begin() + row * width + first, Brightness);
+  return {first, end};
+}
+
+void EdgeSmoothing::SmoothRow(int row, const Span &span, std::uint32_t *to) const {
+  const int width = drawn_.width();
+  const auto *from = reinterpret_cast<const std::uint32_t *>(drawn_.constScanLine(row));
+  const int copied = std::max(span.First - Reach, 0);
+  std::copy(from + copied, from + std::min(span.End + Reach, width), to + copied);
+  if (row < Reach || row >= drawn_.height() - Reach) return;
+
+  const std::uint8_t *here = brightness_.data() + row * width, *above = here - width, *below = here + width;
+  const int first = std::max(span.First - Reach, Reach), end = std::min(span.End + Reach, width - Reach);
+  // Apart from the rest, for many pixels at a time.
+  std::vector<std::uint8_t> contrasts(static_cast<std::size_t>(width)), brightest(contrasts.size());
+  for (int x = first; x < end; ++x) {
+    const auto [least, most] = std::minmax({above[x - 1], above[x + 1], here[x], below[x - 1], below[x + 1]});
+    contrasts[static_cast<std::size_t>(x)] = static_cast<std::uint8_t>(most - least);
+    brightest[static_cast<std::size_t>(x)] = most;
+  }
+  const auto stride = static_cast<qsizetype>(drawn_.bytesPerLine() / 4);
+  for (int x = first; x < end; ++x) {
+    const int contrast = contrasts[static_cast<std::size_t>(x)],
+              most = brightest[static_cast<std::size_t>(x)];
+    if (contrast < LeastContrast || RelativeContrast * contrast < most) continue;
+    to[x] = Smoothed(from + x, stride,
+                     {above[x - 1], above[x + 1], below[x - 1], below[x + 1], most - contrast, most});
+  }
 }

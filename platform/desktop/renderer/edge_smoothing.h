@@ -1,27 +1,39 @@
 #pragma once
 
-// Smooths the stairs of a picture that has one sample a pixel: where neighbours differ, a pixel is mixed with
-// those along the edge that runs through it. A few looks a pixel, in place of four samples.
+// Smooths the stairs of a frame that has one sample a pixel: where neighbours differ, a pixel is mixed with
+// those along the edge that runs through it. The processor does it, as it draws everything else where one
+// sample is all that there is time for: most pixels need a comparison only, and what is as in the last frame
+// needs nothing.
 
-#include "platform/desktop/renderer/gpu_mesh.h"
+#include <QImage>
 
-#include <QOpenGLShaderProgram>
+#include <cstdint>
+#include <vector>
 
 class EdgeSmoothing {
 public:
-  explicit EdgeSmoothing(Gl &gl);
-  ~EdgeSmoothing();
-  EdgeSmoothing(const EdgeSmoothing &) = delete;
-  EdgeSmoothing &operator=(const EdgeSmoothing &) = delete;
+  explicit EdgeSmoothing(QSize size);
 
-  /// How far away a pixel may lie that has a say in another's colour, pixels.
-  static constexpr int Reach = 3;
+  /// The next frame as drawn, Format_RGB32, to be filled.
+  QImage &Drawn() { return drawn_; }
 
-  /// Draws the smoothed form of a picture into what is drawn into now, pixel for pixel.
-  void Draw(GLuint picture);
+  /// Smooths what has changed since the last call. The outermost pixels, `Reach` from the rim, stay as drawn.
+  /// @param smooth  of the same size and format, its rows without gaps; holds the last frame, smoothed
+  /// @return whether anything has changed
+  bool Update(QImage &smooth);
 
 private:
-  Gl &gl_;
-  QOpenGLShaderProgram program_;
-  GLuint array_ = 0; ///< without vertices: the program makes its own three
+  /// Pixels of a row: from the first to before the end.
+  struct Span {
+    int First = 0, End = 0;
+    bool Empty() const { return First >= End; }
+    void Widen(const Span &other);
+  };
+  Span Changed(int row);
+  void SmoothRow(int row, const Span &span, std::uint32_t *to) const;
+
+  static constexpr int Reach = 3; ///< how far a pixel's colour is carried, pixels
+
+  QImage drawn_, last_;
+  std::vector<std::uint8_t> brightness_; ///< of the pixels of `drawn_`
 };

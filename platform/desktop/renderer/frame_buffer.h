@@ -3,36 +3,37 @@
 // What is drawn into.
 
 #include "platform/desktop/renderer/edge_smoothing.h"
+#include "platform/desktop/renderer/open_gl.h"
 
-#include <QImage>
-#include <QSize>
+#include <QOpenGLFramebufferObject>
 
 #include <optional>
 
-/// A picture off the screen, with several samples a pixel, or one and its edges smoothed.
+/// A frame off the screen, with several samples a pixel, or with one and its edges smoothed.
 class FrameBuffer {
 public:
   /// @param samples  of a pixel, 0 for one
+  /// @throws RendererError
   FrameBuffer(Gl &gl, QSize size, int samples);
-  ~FrameBuffer();
-  FrameBuffer(const FrameBuffer &) = delete;
-  FrameBuffer &operator=(const FrameBuffer &) = delete;
 
   void Begin(float red, float green, float blue); ///< clears it and draws into it from now on
 
-  /// Brings a part that has been drawn into a picture of its size, Format_RGB32.
-  void Read(QImage &picture, const QRect &part);
+  void Keep();        ///< keeps what has been drawn, with its depths
+  void BeginOnKept(); ///< begins with what was kept last
 
-  QSize Size() const { return size_; }
+  /// Brings what has been drawn into an image of its size, Format_RGB32, which holds what was read last.
+  /// @return whether the image has changed
+  bool Read(QImage &image);
+
+  QSize Size() const { return drawn_.size(); }
 
 private:
-  QRect Resolve(const QRect &part);
+  void Require(const QOpenGLFramebufferObject &buffer) const;
+  void DrawInto();
 
   Gl &gl_;
-  QSize size_;
-  GLuint drawn_ = 0, depth_ = 0;
-  GLuint samples_ = 0;                     ///< colours, several a pixel ...
-  GLuint pixels_ = 0;                      ///< ... or one
-  std::optional<EdgeSmoothing> smoothing_; ///< of the latter
-  GLuint resolved_ = 0, resolvedColor_ = 0;
+  QOpenGLFramebufferObject drawn_;
+  std::optional<QOpenGLFramebufferObject> kept_;
+  std::optional<QOpenGLFramebufferObject> resolved_; ///< one colour a pixel of several samples ...
+  std::optional<EdgeSmoothing> smoothing_;           ///< ... or of one
 };

@@ -3,13 +3,10 @@
 // A mesh on the graphics card, uploaded when it has changed and kept until then.
 
 #include "platform/desktop/renderer/light.h"
+#include "platform/desktop/renderer/open_gl.h"
 #include "platform/desktop/renderer/placed.h"
 
-#include <QOpenGLFunctions_3_3_Core>
-
 #include <vector>
-
-using Gl = QOpenGLFunctions_3_3_Core;
 
 /// One mesh as drawn.
 class GpuMesh {

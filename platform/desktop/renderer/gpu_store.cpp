@@ -67,7 +67,8 @@ GLuint GpuStore::Texture(const Ref<Direct3DRMTexture> &texture) {
     upload(level, image);
   }
   texture->GiveBack();
-  gl_.glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MIN_FILTER, GL_LINEAR_MIPMAP_LINEAR);
+  gl_.glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MIN_FILTER,
+                      anisotropy_ > 0.0f ? GL_LINEAR_MIPMAP_LINEAR : GL_LINEAR_MIPMAP_NEAREST);
   gl_.glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MAG_FILTER, GL_LINEAR);
   if (anisotropy_ > 1.0f) gl_.glTexParameterf(GL_TEXTURE_2D, AnisotropyParameter, anisotropy_);
   return name;

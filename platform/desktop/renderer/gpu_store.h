@@ -9,7 +9,7 @@
 
 class GpuStore {
 public:
-  /// @param anisotropy  sharpness of textures seen at flat angles: 1 for none
+  /// @param anisotropy  of textures seen at flat angles: 1 for none; below it not even two mip-maps are mixed
   GpuStore(Gl &gl, float anisotropy) : gl_(gl), anisotropy_(anisotropy) {}
   ~GpuStore();
   GpuStore(const GpuStore &) = delete;

@@ -39,12 +39,13 @@ constexpr float HeightSlack = 0.15f;  ///< of the height
 constexpr float SteepestPitch = 1.5f; ///< radians
 
 constexpr float HoldReach =
-    1.05f; ///< radians aside of the target: what moves farther off can't be held with it
+    0.95f; ///< radians aside of the target: what moves farther off can't be held with it
 constexpr float StopReach =
     0.70f; ///< radians aside of the target that are shown of the way to where it will stop
 constexpr float NearerStop = 0.95f; ///< of the way to the stop, until it is within that
 constexpr float Aside = 1.4f;       ///< radians aside of the picture's middle: a picture is never so wide
-constexpr float CardSide = 0.5f;    ///< of the way from the picture's middle to its right, where cards begin
+constexpr float CardSide =
+    0.42f; ///< of the way from the picture's middle to its right: cards begin a little beyond
 
 QVector3D V(const Vector &v) { return {v.x, v.y, v.z}; }
 Vector V(const QVector3D &v) { return {v.x(), v.y(), v.z()}; }

@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <cmath>
 #include <string>
+#include <tuple>
 
 namespace {
 
@@ -24,6 +25,14 @@ QMatrix4x4 Projection(float height, float aspect, float back) {
   return projection;
 }
 
+/// What is small lies in front of what is large: what it hides needn't be shaded. Paint covers pixels in
+/// part, so the ground under it comes first.
+auto DrawingOrder(const Item &item) {
+  const bool place = !item.Ground && item.Box.Extent() > LargestThing;
+  return std::tuple(place, item.Ground, item.Ground && item.Mesh->IsPaint(**item.Where.Mesh),
+                    item.Box.Extent());
+}
+
 } // namespace
 
 Painter::Painter(Gl &gl, const PaintQuality &quality, Lens &lens)
@@ -37,24 +46,22 @@ bool Painter::Paint(std::span<const Placed> placed, const Direct3DRMFrame3 &came
   const QSize size = picture.size();
   if (!target_ || target_->Size() != size) {
     target_ = std::make_unique<FrameBuffer>(gl_, size, quality_.Samples);
-    damage_.Forget();
+    motion_.Forget();
   }
 
-  std::vector<Item> items, grounds;
+  std::vector<Item> items;
   std::vector<Seen> seen;
   for (const Placed &each : placed) {
     GpuMesh &mesh = store_.Mesh(*each.Mesh);
     mesh.Upload(**each.Mesh, each.Place);
-    items.push_back({each, &mesh, Moved(mesh.Box(), each.Place), false});
+    items.push_back({each, &mesh, Moved(mesh.Box(), each.Place)});
     seen.push_back({each.Frame, each.Place, mesh.Box()});
   }
-  // What is small lies in front of what is large: what it hides needn't be shaded.
-  std::ranges::stable_sort(items, {}, [](const Item &item) { return item.Box.Extent(); });
   MarkGround(items);
-  std::ranges::copy_if(items, std::back_inserter(grounds), &Item::Ground);
-  // Paint covers pixels in part, so what lies under it comes first.
-  std::stable_partition(grounds.begin(), grounds.end(),
-                        [](const Item &ground) { return !ground.Mesh->IsPaint(**ground.Where.Mesh); });
+  std::ranges::stable_sort(items, {}, DrawingOrder);
+  const auto firstGround = std::ranges::find(items, true, &Item::Ground);
+  const std::span<const Item> grounds(firstGround,
+                                      std::ranges::find(firstGround, items.end(), false, &Item::Ground));
 
   gl_.glEnable(GL_DEPTH_TEST);
   gl_.glBlendFunc(GL_SRC_ALPHA, GL_ONE_MINUS_SRC_ALPHA);
@@ -63,18 +70,29 @@ bool Painter::Paint(std::span<const Placed> placed, const Direct3DRMFrame3 &came
 
   const float aspect = static_cast<float>(size.width()) / static_cast<float>(size.height());
   const View view = lens_.Next(camera, seen, aspect);
-  toClip_ = Projection(view.Height, aspect, back) * MatrixOf(view.Camera).inverted();
+  shown_ = toClip_ = Projection(view.Height, aspect, back) * MatrixOf(view.Camera).inverted();
   camera_ = QVector3D(view.Camera.Origin.x, view.Camera.Origin.y, view.Camera.Origin.z);
-  const std::vector<QRect> parts = damage_.Rectangles(items, shadows_.Regions(), shadowsMoved, toClip_, size);
-  for (const QRect &part : parts) DrawPart(items, grounds, part);
-  for (const QRect &part : parts) target_->Read(picture, part);
-  return !parts.empty();
+  const Motion::Change change = motion_.Next(items, shadowsMoved, toClip_);
+  if (change == Motion::Change::None) return false;
+  const bool allMove = std::ranges::all_of(items, &Item::Moves);
+  if (change == Motion::Change::Still) {
+    target_->Begin(FogColor[0], FogColor[1], FogColor[2]);
+    if (!allMove) {
+      Draw(items, grounds, false);
+      backdrop_.Draw(toClip_);
+      target_->Keep();
+    }
+  } else {
+    target_->BeginOnKept();
+  }
+  Draw(items, grounds, true);
+  if (allMove) backdrop_.Draw(toClip_);
+  return target_->Read(picture);
 }
 
-void Painter::DrawPart(std::span<const Item> items, std::span<const Item> grounds, const QRect &part) {
-  Confine(part);
+/// Draws what moves, or what is still.
+void Painter::Draw(std::span<const Item> items, std::span<const Item> grounds, bool moving) {
   bound_ = nullptr;
-  target_->Begin(FogColor[0], FogColor[1], FogColor[2]);
   gl_.glActiveTexture(GL_TEXTURE1);
   gl_.glBindTexture(GL_TEXTURE_2D, shadows_.Map());
   gl_.glActiveTexture(GL_TEXTURE0);
@@ -84,37 +102,36 @@ void Painter::DrawPart(std::span<const Item> items, std::span<const Item> ground
   bool groundDrawn = false;
   for (const Item &item : items) {
     if (!item.Ground) {
-      DrawItem(item, 0);
-    } else if (!groundDrawn && IsWide(item.Mesh->Box())) {
+      if (item.Moves == moving) DrawItem(item, 0);
+    } else if (!groundDrawn) {
       groundDrawn = true;
-      DrawGrounds(grounds, part);
+      DrawGrounds(grounds, moving);
     }
   }
   gl_.glDisable(GL_CULL_FACE);
-  backdrop_.Draw(toClip_);
-  gl_.glDisable(GL_SCISSOR_TEST);
 }
 
-/// Draws into these pixels alone from now on.
-void Painter::Confine(const QRect &part) {
-  gl_.glEnable(GL_SCISSOR_TEST);
-  gl_.glScissor(part.x(), part.y(), part.width(), part.height());
-  shown_ = ToPart(part, target_->Size()) * toClip_;
-}
-
-void Painter::DrawGrounds(std::span<const Item> grounds, const QRect &part) {
+void Painter::DrawGrounds(std::span<const Item> grounds, bool moving) {
+  const auto draw = [&](int taps) {
+    bound_ = nullptr;
+    for (const Item &ground : grounds) {
+      if (ground.Moves == moving) DrawItem(ground, taps);
+    }
+  };
   // First where shadows can lie. The second time those pixels are taken, and the rest is filled.
+  gl_.glEnable(GL_SCISSOR_TEST);
   for (const ShadowRegion &region : shadows_.Regions()) {
     const auto covered = Covered(region.Ground, toClip_, target_->Size());
-    if (!covered || !covered->intersects(part)) continue;
-    Confine(covered->intersected(part));
+    if (!covered) continue;
+    gl_.glScissor(covered->x(), covered->y(), covered->width(), covered->height());
+    shown_ = ToPart(*covered, target_->Size()) * toClip_;
     softness_ = Shadows::InMap(region.Softness);
     halo_ = Shadows::InMap(region.Halo);
-    bound_ = nullptr;
-    for (const Item &ground : grounds) DrawItem(ground, quality_.ShadowTaps);
+    draw(quality_.ShadowTaps);
   }
-  Confine(part);
-  for (const Item &ground : grounds) DrawItem(ground, 0);
+  gl_.glDisable(GL_SCISSOR_TEST);
+  shown_ = toClip_;
+  draw(0);
 }
 
 void Painter::DrawItem(const Item &item, int taps) {
@@ -123,8 +140,9 @@ void Painter::DrawItem(const Item &item, int taps) {
   const auto &material = (*item.Where.Mesh)->Material();
   const auto &texture = (*item.Where.Mesh)->Texture();
   const ColorValue specular = material ? material->Specular : ColorValue{};
+  const bool gleams = specular.Red + specular.Green + specular.Blue > 0.0f;
   const bool paint = item.Mesh->IsPaint(**item.Where.Mesh);
-  QOpenGLShaderProgram &surface = SurfaceProgram({taps, texture != nullptr, paint});
+  QOpenGLShaderProgram &surface = SurfaceProgram({taps, texture != nullptr, paint, gleams});
   if (bound_ != &surface) {
     bound_ = &surface;
     surface.bind();
@@ -145,7 +163,8 @@ QOpenGLShaderProgram &Painter::SurfaceProgram(const SurfaceKind &kind) {
     program = std::make_unique<QOpenGLShaderProgram>();
     const std::string definitions =
         "#version 330 core\n#define SHADOW_TAPS " + std::to_string(kind.ShadowTaps) + "\n#define PICTURED " +
-        std::to_string(kind.Pictured) + "\n#define PAINT " + std::to_string(kind.Paint) + "\n";
+        std::to_string(kind.Pictured) + "\n#define PAINT " + std::to_string(kind.Paint) +
+        "\n#define SPECULAR " + std::to_string(kind.Specular) + "\n";
     BuildProgram(*program, definitions + SurfaceVertexShader, definitions + SurfaceFragmentShader);
   }
   return *program;

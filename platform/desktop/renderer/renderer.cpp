@@ -1,12 +1,13 @@
 #include "platform/desktop/renderer/renderer.h"
 
 #include "platform/desktop/renderer/painter.h"
-#include "platform/desktop/renderer/spare_memory.h"
 
 #include <QElapsedTimer>
 #include <QOffscreenSurface>
 #include <QOpenGLContext>
 #include <QOpenGLVersionFunctionsFactory>
+
+#include <malloc.h>
 
 #include <algorithm>
 #include <ctime>
@@ -15,7 +16,7 @@
 namespace {
 
 constexpr PaintQuality FullPaint{.Samples = 4, .ShadowSize = 2048, .ShadowTaps = 8, .Anisotropy = 8.0f};
-constexpr PaintQuality LowPaint{.Samples = 0, .ShadowSize = 1024, .ShadowTaps = 4, .Anisotropy = 1.0f};
+constexpr PaintQuality LowPaint{.Samples = 0, .ShadowSize = 1024, .ShadowTaps = 4, .Anisotropy = 0.0f};
 
 constexpr std::size_t MeasuredPictures = 8;
 constexpr double SlowPicture = 8.0;  ///< ms: a middle picture dearer than this chooses the low level
@@ -58,9 +59,8 @@ public:
       return false;
     }
     ++pictures_;
-    if (pictures_ == 1) ForgetFiles(); // everything has been uploaded
-    // Shaders are compiled when they are used first, and most are used soon.
-    if (pictures_ > MeasuredPictures && std::has_single_bit(pictures_)) GiveBackSpareMemory();
+    if (pictures_ == 1) ForgetFiles();                 // everything has been uploaded
+    if (pictures_ == MeasuredPictures) malloc_trim(0); // the driver has compiled most of its programs
     // On many cores a picture can be quick and still take more of them than a game on a desk should.
     Measure(std::max(static_cast<double>(timer.nsecsElapsed()) / 1e6,
                      static_cast<double>(std::clock() - processor) * 1e3 / CLOCKS_PER_SEC));
@@ -92,7 +92,7 @@ private:
   PaintQuality Paint() {
     PaintQuality paint = level_ == Quality::Full ? FullPaint : LowPaint;
     if (!context_.hasExtension("GL_EXT_texture_filter_anisotropic") || DrawsInSoftware()) {
-      paint.Anisotropy = 1.0f;
+      paint.Anisotropy = std::min(paint.Anisotropy, 1.0f);
     }
     return paint;
   }

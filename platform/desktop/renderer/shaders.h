@@ -22,6 +22,16 @@ layout(location = 1) in vec3 normal;
 layout(location = 2) in vec2 coordinate;
 layout(location = 3) in vec4 shade; // in the shadow; its fourth part: how much of the texture shows
 layout(location = 4) in vec3 lit;   // in the key light
+out vec3 litLight;
+out float fog;
+#if PICTURED
+out vec2 surfaceCoordinate;
+out float textureShare;
+#endif
+#if SHADOW_TAPS > 0
+out vec3 shadeLight;
+out vec3 shadowPlace;
+#endif
 #if PAINT
 layout(location = 5) in vec3 across; // to the other side of the stroke
 uniform vec2 halfPicture;            // pixels
@@ -34,11 +44,6 @@ uniform vec3 camera;
 uniform vec3 keyDirection;
 uniform vec3 specular;
 uniform float fogDensity;
-out vec2 surfaceCoordinate;
-out vec4 shadeLight;
-out vec3 litLight;
-out vec3 shadowPlace;
-out float fog;
 // A surface that takes shadows is drawn by two programs, each where the other has left room.
 invariant gl_Position;
 const float Sharpness = 24.0;
@@ -46,15 +51,20 @@ void main() {
   vec4 place = toWorld * vec4(position, 1.0);
   vec3 toEye = camera - place.xyz;
   float distance = length(toEye);
-  shadeLight = shade;
   litLight = lit;
-  if (specular.r + specular.g + specular.b > 0.0) {
-    vec3 between = normalize(keyDirection + toEye / distance);
-    float mirrored = pow(max(dot(normalize(mat3(toWorld) * normal), between), 0.0), Sharpness);
-    litLight = sqrt(lit * lit + specular * mirrored);
-  }
+#if SPECULAR
+  vec3 between = normalize(keyDirection + toEye / distance);
+  float mirrored = pow(max(dot(normalize(mat3(toWorld) * normal), between), 0.0), Sharpness);
+  litLight = sqrt(lit * lit + specular * mirrored);
+#endif
+#if PICTURED
   surfaceCoordinate = coordinate;
+  textureShare = shade.a;
+#endif
+#if SHADOW_TAPS > 0
+  shadeLight = shade.rgb;
   shadowPlace = (toShadow * place).xyz;
+#endif
   float depth = distance * fogDensity;
   fog = 1.0 - exp(-depth * depth);
   gl_Position = toClip * place;
@@ -83,11 +93,16 @@ uniform sampler2DShadow shadows;
 uniform float softness; // radius of a shadow's soft edge, in parts of the map
 uniform float halo;     // radius up to which a thing keeps light from the ground around it
 uniform vec3 fogColor;
-in vec2 surfaceCoordinate;
-in vec4 shadeLight;
 in vec3 litLight;
-in vec3 shadowPlace;
 in float fog;
+#if PICTURED
+in vec2 surfaceCoordinate;
+in float textureShare;
+#endif
+#if SHADOW_TAPS > 0
+in vec3 shadeLight;
+in vec3 shadowPlace;
+#endif
 #if PAINT
 in float coverage;
 #endif
@@ -116,10 +131,10 @@ float Lit() {
 void main() {
   vec3 light = litLight;
 #if SHADOW_TAPS > 0
-  light = mix(shadeLight.rgb, litLight, Lit());
+  light = mix(shadeLight, litLight, Lit());
 #endif
 #if PICTURED
-  light *= mix(vec3(1.0), texture(picture, surfaceCoordinate).rgb, shadeLight.a);
+  light *= mix(vec3(1.0), texture(picture, surfaceCoordinate).rgb, textureShare);
 #endif
 #if PAINT
   result = vec4(mix(light, fogColor, fog), coverage);
@@ -156,47 +171,4 @@ inline constexpr const char *BackdropFragmentShader = R"(#version 330 core
 in vec3 glow;
 out vec4 result;
 void main() { result = vec4(glow, 1.0); }
-)";
-
-// One triangle over the whole picture.
-inline constexpr const char *SmoothingVertexShader = R"(#version 330 core
-void main() { gl_Position = vec4(vec2(gl_VertexID & 1, gl_VertexID >> 1) * 4.0 - 1.0, 0.0, 1.0); }
-)";
-
-// The direction of an edge comes from the brightness of the four diagonal neighbours. Two looks along it,
-// close by, and two more further out: those count only where they stay between the colours on both sides of
-// the edge.
-inline constexpr const char *SmoothingFragmentShader = R"(#version 330 core
-uniform sampler2D drawn;
-out vec4 result;
-const float LeastContrast = 0.06;    // below it there is no edge ...
-const float RelativeContrast = 0.20; // ... nor below this part of the brightest neighbour
-const float Span = 4.0;              // pixels along the edge from the first look to the last
-const float Strength = 0.7;          // what small lettering stands
-vec3 At(ivec2 place) {
-  return texelFetch(drawn, clamp(place, ivec2(0), textureSize(drawn, 0) - 1), 0).rgb;
-}
-float Brightness(vec3 color) { return dot(color, vec3(0.30, 0.59, 0.11)); }
-void main() {
-  ivec2 place = ivec2(gl_FragCoord.xy);
-  vec3 middle = At(place);
-  float here = Brightness(middle);
-  float a = Brightness(At(place + ivec2(-1, -1))), b = Brightness(At(place + ivec2(1, -1)));
-  float c = Brightness(At(place + ivec2(-1, 1))), d = Brightness(At(place + ivec2(1, 1)));
-  float least = min(here, min(min(a, b), min(c, d)));
-  float most = max(here, max(max(a, b), max(c, d)));
-  result = vec4(middle, 1.0);
-  if (most - least < max(LeastContrast, RelativeContrast * most)) return;
-  vec2 along = vec2((c + d) - (a + b), (a + c) - (b + d));
-  float faint = max((a + b + c + d) * 0.03, 0.008); // keeps faint edges from reaching far
-  along = clamp(along / (min(abs(along.x), abs(along.y)) + faint), -Span, Span);
-  vec2 pixel = 1.0 / vec2(textureSize(drawn, 0));
-  vec2 center = gl_FragCoord.xy * pixel;
-  along *= pixel;
-  vec3 close = 0.5 * (texture(drawn, center - along / 6.0).rgb + texture(drawn, center + along / 6.0).rgb);
-  vec3 wide = 0.5 * close +
-              0.25 * (texture(drawn, center - along / 2.0).rgb + texture(drawn, center + along / 2.0).rgb);
-  float between = Brightness(wide);
-  result.rgb = mix(middle, between < least || between > most ? close : wide, Strength);
-}
 )";

@@ -16,8 +16,9 @@
 struct Item {
   Placed Where;
   GpuMesh *Mesh;
-  Bounds Box;  ///< in the scene
-  bool Ground; ///< takes shadows
+  Bounds Box;          ///< in the scene
+  bool Ground = false; ///< takes shadows
+  bool Moves = true;   ///< while the camera rests
 };
 
 /// Where on the ground the shadow of one thing lies.
