@@ -106,6 +106,7 @@ void frmNewNet::LayOutLeft() {
   Put(Label12, "Label12", 480, 5160, 2295, 255, "Computer Skill Level:", Align::Right);
   Put(Combo1, "Combo1", 3000, 5160, 1095, 315);
   Combo1.Font.Points = SmallPoints;
+  Combo1.Announced = true;
   Combo1.List = {"Easy", "Medium", "Hard"};
   Combo1.ListIndex = 1;
   Combo1.Click = [this] { Combo1_Click(); };

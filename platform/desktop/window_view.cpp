@@ -105,8 +105,6 @@ void WindowView::BelongTo(const WindowView &owner) {
   setWindowFlag(Qt::Dialog); // of the owner of any other Qt doesn't tell the window manager
   winId();                   // there is a window from now on
   windowHandle()->setTransientParent(owner.windowHandle());
-  // A screen reader reads out all of a dialog as it opens.
-  for (const auto &view : views_) view->News();
 }
 
 void WindowView::Open() {
@@ -115,7 +113,12 @@ void WindowView::Open() {
   show();
   raise();
   activateWindow();
-  if (CanvasView *canvas = AnyCanvas()) canvas->setFocus();
+  if (CanvasView *canvas = AnyCanvas()) {
+    canvas->setFocus();
+  } else {
+    // A screen reader finds out by itself what a window of the usual controls says as it opens.
+    for (const auto &view : views_) view->News();
+  }
 }
 
 void WindowView::SetFocusTo(const Control &control) {
