@@ -106,6 +106,7 @@ void frmNewNet::LayOutLeft() {
   Put(Label12, "Label12", 480, 5160, 2295, 255, "Computer Skill Level:", Align::Right);
   Put(Combo1, "Combo1", 3000, 5160, 1095, 315);
   Combo1.Font.Points = SmallPoints;
+  Combo1.Announced = true;
   for (const SkillLevel &level : SkillLevels) {
     if (level == program.Skill) Combo1.ListIndex = static_cast<int>(Combo1.List.size());
     Combo1.List.emplace_back(level.Name);

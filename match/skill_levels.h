@@ -9,18 +9,17 @@
 /// What makes one level differ from another.
 struct SkillLevel {
   std::string_view Name; ///< as the player reads it
-  float ErrorScale;      ///< factor on the random errors of heading and force
-  float ThirdForce;      ///< of the plan's last shot, without an error
+  float HeadingErrors;   ///< factor on the random errors of heading
+  float ForceErrors;     ///< factor on the random errors of force
   bool operator==(const SkillLevel &) const = default;
 };
 
-// A force of 20 takes a shot without any error just over the edge, where the piece falls: it needs the
-// errors, which shorten the way. Half the errors alone would score less than Medium, so Hard also shoots a
-// little shorter.
+// Hard aims far straighter. Its force varies a little more than Medium's, not less: the plan without any
+// error ends just over the edge, so that smaller errors of force cost points.
 inline constexpr std::array SkillLevels{
-    SkillLevel{"Easy", 2.0f, 20.0f},
-    SkillLevel{"Medium", 1.0f, 20.0f},
-    SkillLevel{"Hard", 0.5f, 18.5f},
+    SkillLevel{"Easy", 2.0f, 2.0f},
+    SkillLevel{"Medium", 1.0f, 1.0f},
+    SkillLevel{"Hard", 0.25f, 1.25f},
 };
 
 /// The level of that name; null if there is none.

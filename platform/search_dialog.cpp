@@ -102,12 +102,14 @@ bool SearchDialog::ShowSearching(const std::string &what) {
   Text1.Enabled = false;
   Command1.Enabled = false;
   Command2.Caption = "Cancel";
+  Label2.Announced = !Label2.Caption.starts_with(what); // one dot more is no news
   Label2.Caption = what + " ." + std::string(dots, '.');
   return answer_ != Answer::GiveUp;
 }
 
 void SearchDialog::ShowNobodyFound(NobodyFound why, int port) {
   Label2.Caption = Words(why, Text1.Text, port);
+  Label2.Announced = true;
   Command1.Caption = "Try again";
   Command2.Caption = "Close";
 }

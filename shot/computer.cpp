@@ -12,6 +12,7 @@ namespace {
 
 constexpr float FirstForce = 96.0f;
 constexpr float SecondForce = 27.0f;
+constexpr float ThirdForce = 20.0f;
 
 constexpr float TurnSteps = 10.0f;     ///< the heading error has this many values ...
 constexpr float TurnDivisor = 80.0f;   ///< ... an 80th of a radian apart
@@ -29,10 +30,10 @@ float Draw(Machine &machine, float steps) {
 float DrawSign(Machine &machine) { return Draw(machine, SignSteps) <= LastNegative ? -1.0f : 1.0f; }
 
 /// Planned force of an attempt, by the number of attempts left before it.
-float BaseForce(const SkillLevel &skill, std::int16_t shots) {
+float BaseForce(std::int16_t shots) {
   if (shots == 3) return FirstForce;
   if (shots == 2) return SecondForce;
-  return skill.ThirdForce;
+  return ThirdForce;
 }
 
 } // namespace
@@ -42,9 +43,9 @@ ComputerPlan PlanComputerShot(Machine &machine, const SkillLevel &skill, std::in
   float Spread = Quotient(Draw(machine, SpreadSteps), SpreadDivisor);
   Turn *= DrawSign(machine);
   Spread *= DrawSign(machine);
-  Turn *= skill.ErrorScale;
-  Spread *= skill.ErrorScale;
-  return {Turn, Sum(Spread, BaseForce(skill, shots))};
+  Turn *= skill.HeadingErrors;
+  Spread *= skill.ForceErrors;
+  return {Turn, Sum(Spread, BaseForce(shots))};
 }
 
 void frmSnapwedge::CompShot1() {

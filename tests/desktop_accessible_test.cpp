@@ -308,6 +308,33 @@ TEST(DesktopAccessibleTest, TurnResultAndScoreAreAnnouncedAndNothingTwice) {
   EXPECT_EQ(NewsOf(shown), "The line is broken\n3 Points!") << "a card that comes up again is news again";
 }
 
+TEST(DesktopAccessibleTest, WhatAKeyChoosesAndHowASearchGoesIsAnnouncedOnce) {
+  GameMachine &machine = GameMachine::Get();
+  Program program(machine);
+  frmNewNet launch(machine, program);
+  machine.Show(launch);
+  QWidget &shown = Active(machine, launch.Name);
+  EXPECT_EQ(NewsOf(shown), "") << "what a reader finds by itself is no news";
+  machine.SetFocus(launch.Combo1);
+  Key(shown, Qt::Key_Down);
+  machine.Pump();
+  EXPECT_EQ(NewsOf(shown), "Hard");
+  SearchDialog dialog(machine, "");
+  QWidget &search = Active(machine, dialog.Name);
+  EXPECT_EQ(NewsOf(search), "");
+  std::vector<std::string> told;
+  const std::int32_t end = machine.ClockIn(600);
+  while (!machine.ClockReached(end)) {
+    EXPECT_TRUE(dialog.ShowSearching("Searching"));
+    if (const std::string news = NewsOf(search); !news.empty()) told.push_back(news);
+    machine.WaitUntil(machine.ClockIn(20));
+  }
+  ASSERT_EQ(told.size(), 1U) << "every dot is told";
+  EXPECT_EQ(told.front().substr(0, 9), "Searching");
+  dialog.TellNobody(NobodyFound::UnknownName, 1);
+  EXPECT_NE(NewsOf(search).find("No computer is known"), std::string::npos);
+}
+
 TEST(DesktopAccessibleTest, WhatATreeLacksIsFound) {
   QWidget bare;
   bare.setObjectName("bare");
@@ -375,15 +402,18 @@ void ExpectRing(QWidget &window, QWidget &control) {
   EXPECT_EQ(unchanged, 0) << name;
 }
 
-/// Goes round by Tab, then looks at the ring of each control.
+/// Goes round by Tab and back again, then looks at the ring of each control.
 void ExpectTabReachesAll(QWidget &window) {
   const std::set<std::string> all = Worked(window);
-  std::set<std::string> reached;
-  for (std::size_t i = 0; i < 2 * all.size(); ++i) {
-    Key(window, Qt::Key_Tab);
-    if (window.focusWidget()) reached.insert(window.focusWidget()->objectName().toStdString());
+  for (const Qt::Key key : {Qt::Key_Tab, Qt::Key_Backtab}) {
+    std::set<std::string> reached;
+    for (std::size_t i = 0; i < 2 * all.size(); ++i) {
+      Key(window, key);
+      const QWidget *focus = QApplication::focusWidget();
+      reached.insert(focus ? focus->objectName().toStdString() : "nothing");
+    }
+    EXPECT_EQ(reached, all);
   }
-  EXPECT_EQ(reached, all);
   for (const std::string &name : all) ExpectRing(window, *window.findChild<QWidget *>(name.c_str()));
 }
 

@@ -62,7 +62,8 @@ protected:
     fs::create_directories(directory / "pictures");
     for (const char *ending : {".dax", ".dab", ".daw", ".html"})
       for (const std::string &name : Names("", ending)) Restore(name);
-    for (const std::string &name : Names("pictures", ".png")) Restore("pictures/" + name);
+    for (const char *ending : {".png", ".txt"})
+      for (const std::string &name : Names("pictures", ending)) Restore("pictures/" + name);
   }
   ~FilesTest() override { fs::remove_all(directory); }
 
@@ -153,6 +154,18 @@ TEST_F(FilesTest, AnyPictureIsNamed) {
       continue; // images for other pixel densities and for the desktop
     Damage<FileError>("pictures/" + name, Start);
     Put("pictures/" + name, Content(directory / "pictures" / "icon-48.png"));
+    ExpectNamed<FileError>(name, Start);
+    Restore("pictures/" + name);
+  }
+}
+
+TEST_F(FilesTest, WordsOfAPictureThatAreMissingOrNoTextAreNamed) {
+  ASSERT_NO_THROW(Start());
+  for (const std::string &name : Names("pictures", ".txt")) {
+    SCOPED_TRACE(name);
+    fs::remove(directory / "pictures" / name);
+    ExpectNamed<FileError>(name, Start);
+    Put("pictures/" + name, "Turn\xff\xfeover");
     ExpectNamed<FileError>(name, Start);
     Restore("pictures/" + name);
   }

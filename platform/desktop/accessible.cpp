@@ -2,7 +2,9 @@
 
 #include "platform/desktop/painted_views.h"
 
+#include <QAbstractItemView>
 #include <QAccessibleWidget>
+#include <QComboBox>
 
 namespace {
 
@@ -60,10 +62,40 @@ private:
   const MeterWidget &meter_;
 };
 
+/// A drop-down list. Of one that has a label a screen reader would say the label alone: the name has both.
+class AccessibleDropDown : public QAccessibleWidget {
+public:
+  explicit AccessibleDropDown(QComboBox *box) : QAccessibleWidget(box, QAccessible::ComboBox), box_(*box) {}
+
+  QString text(QAccessible::Text which) const override {
+    if (which == QAccessible::Value) return box_.currentText();
+    const QString told = QAccessibleWidget::text(which);
+    return which == QAccessible::Name ? told + ' ' + box_.currentText() : told;
+  }
+  QAccessible::State state() const override {
+    QAccessible::State state = QAccessibleWidget::state();
+    state.hasPopup = state.expandable = true;
+    state.expanded = box_.view()->isVisible();
+    return state;
+  }
+  QStringList actionNames() const override { return {showMenuAction(), setFocusAction()}; }
+  void doAction(const QString &action) override {
+    if (action == showMenuAction()) {
+      box_.showPopup();
+    } else {
+      QAccessibleWidget::doAction(action);
+    }
+  }
+
+private:
+  QComboBox &box_;
+};
+
 QAccessibleInterface *MakeInterface(const QString &, QObject *object) {
   auto *widget = qobject_cast<QWidget *>(object);
   if (!widget || !widget->property(RoleProperty).isValid()) return nullptr;
   if (widget->isWindow()) return new AccessibleWindow(widget);
+  if (auto *box = qobject_cast<QComboBox *>(widget)) return new AccessibleDropDown(box);
   if (auto *meter = dynamic_cast<MeterWidget *>(widget)) return new AccessibleMeter(meter);
   return new QAccessibleWidget(widget, RoleOf(*widget));
 }

@@ -1,5 +1,6 @@
 // The interactive controls: text boxes, buttons, check boxes and lists.
 
+#include "platform/desktop/accessible.h"
 #include "platform/desktop/typed_view.h"
 
 #include <QCheckBox>
@@ -23,7 +24,7 @@ public:
   using View<Record, QtWidget>::View;
 
   void BeNamedBy(QLabel &label) override {
-    label.setBuddy(this->widget_);
+    if constexpr (!std::is_same_v<QtWidget, QComboBox>) label.setBuddy(this->widget_);
     if (this->model_.AccessibleName.empty()) this->widget_->setAccessibleName(label.text());
   }
 };
@@ -170,6 +171,7 @@ public:
     if constexpr (std::is_same_v<QtWidget, QListWidget>) {
       QObject::connect(this->widget_, &QListWidget::currentRowChanged, chosen);
     } else {
+      SetAccessibleRole(*this->widget_, QAccessible::ComboBox);
       QObject::connect(this->widget_, &QComboBox::currentIndexChanged, chosen);
     }
   }
@@ -208,6 +210,11 @@ protected:
       }
     }
     filling_ = false;
+  }
+
+  QString Words() const override {
+    const auto row = static_cast<std::size_t>(this->model_.ListIndex);
+    return row < this->model_.List.size() ? Text(this->model_.List[row]) : QString();
   }
 
 private:

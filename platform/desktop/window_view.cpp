@@ -105,8 +105,6 @@ void WindowView::BelongTo(const WindowView &owner) {
   setWindowFlag(Qt::Dialog); // Qt tells the window manager the owner only of a dialog
   winId();                   // creates the native window
   windowHandle()->setTransientParent(owner.windowHandle());
-  // Screen readers read a whole dialog when it opens.
-  for (const auto &view : views_) view->News();
 }
 
 void WindowView::Open() {
@@ -115,7 +113,12 @@ void WindowView::Open() {
   show();
   raise();
   activateWindow();
-  if (CanvasView *canvas = AnyCanvas()) canvas->setFocus();
+  if (CanvasView *canvas = AnyCanvas()) {
+    canvas->setFocus();
+  } else {
+    // A screen reader finds out by itself what a window of the usual controls says as it opens.
+    for (const auto &view : views_) view->News();
+  }
 }
 
 void WindowView::SetFocusTo(const Control &control) {
