@@ -331,11 +331,12 @@ TEST(DesktopAccessibleTest, WhatAKeyChoosesAndHowASearchGoesIsAnnouncedOnce) {
   }
   ASSERT_EQ(told.size(), 1U) << "every dot is told";
   EXPECT_EQ(told.front().substr(0, 9), "Searching");
-  dialog.TellNobody(NobodyFound::UnknownName, 1);
+  dialog.ShowNobodyFound(NobodyFound::UnknownName, 1);
   EXPECT_NE(NewsOf(search).find("No computer is known"), std::string::npos);
 }
 
 TEST(DesktopAccessibleTest, WhatATreeLacksIsFound) {
+  GameMachine machine; // brings the toolkit
   QWidget bare;
   bare.setObjectName("bare");
   QLineEdit box(&bare);

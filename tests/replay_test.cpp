@@ -174,7 +174,7 @@ TEST(ReplayTest, TheSkillScalesTheComputersErrors) {
   }
   EXPECT_NE(errors[0], 0.0f);
   EXPECT_EQ(errors[0], 2 * errors[1]);
-  EXPECT_EQ(errors[1], 2 * errors[2]);
+  EXPECT_EQ(errors[2], 1.25f * errors[1]);
 }
 
 TEST(ReplayTest, InputMayEndAnywhereAndNumbersMayBeExtreme) {
