@@ -25,7 +25,7 @@ struct Picture {
   static QImage Settled(Renderer &renderer, const RMCanvas &canvas) {
     while (renderer.Draw(canvas, CanvasSize)) {
     }
-    return renderer.Picture().copy();
+    return renderer.Frame().copy();
   }
 
   static QGuiApplication &Application() {
@@ -142,7 +142,7 @@ TEST(RendererTest, APictureThatIsDrawnInPartsIsTheWholeOne) {
       Picture::Settled(afresh, window.RMCanvas1);
       afresh.Draw(window.RMCanvas1, CanvasSize * 2); // another size, so that nothing is reused
       afresh.Draw(window.RMCanvas1, CanvasSize);
-      ASSERT_EQ(Differing(parts, afresh.Picture()), 0);
+      ASSERT_EQ(Differing(parts, afresh.Frame()), 0);
     }
   }
 }
@@ -290,7 +290,7 @@ int Flips(Picture &picture, const Vector &from) {
     last[0] = last[1];
     last[1] = last[2];
     picture.renderer.Draw(window.RMCanvas1, CanvasSize);
-    last[2] = picture.renderer.Picture().copy();
+    last[2] = picture.renderer.Frame().copy();
     if (last[0].isNull()) continue;
     for (int y = 0; y < CanvasSize.height(); ++y) {
       const auto line = [&](int image) {

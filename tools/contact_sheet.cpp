@@ -78,7 +78,7 @@ public:
         renderer.Draw(window_.RMCanvas1, CanvasSize * density);
         if (update == 0 && name == "kick") window_.MoveGoal();
       }
-      pictures.emplace_back(name, renderer.Picture().copy());
+      pictures.emplace_back(name, renderer.Frame().copy());
     };
     take("rest", [] {});
     take("far aim", [&] {
@@ -281,7 +281,7 @@ private:
       if (camera != last) cuts.push_back(all.size());
       last = camera;
       renderer.Draw(window.RMCanvas1, CanvasSize);
-      all.emplace_back(std::to_string(all.size()), renderer.Picture().copy());
+      all.emplace_back(std::to_string(all.size()), renderer.Frame().copy());
       if (window.KickMode && name == "touchdown" && !all.empty() && all.size() > LongestTouchdown)
         throw ProgramEnd{};
     };

@@ -216,7 +216,7 @@ void DesktopMachine::DrawCanvas(Canvas &canvas) {
   if (!renderer_->Draw(static_cast<const RMCanvas &>(canvas), pixels)) return;
   // A card that was hidden must not cover the next frame.
   (*shown)->CarryOver();
-  view.ShowFrame(renderer_->Picture());
+  view.ShowFrame(renderer_->Frame());
 }
 
 void DesktopMachine::MsgBox(const MessageBox &box) {

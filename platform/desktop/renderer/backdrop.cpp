@@ -4,12 +4,13 @@
 
 #include <cmath>
 #include <cstdint>
+#include <vector>
 
 namespace {
 
 /// A ring of the dome.
 struct Ring {
-  float Height; ///< of a direction of unit length
+  float Height; ///< y of its unit directions
   float Color[3];
 };
 
@@ -43,16 +44,14 @@ Backdrop::Backdrop(Gl &gl) : gl_(gl) {
     first = static_cast<std::uint16_t>(first + Sides);
   }
   indexCount_ = static_cast<GLsizei>(indices.size());
-  gl_.glGenVertexArrays(1, &array_);
-  gl_.glGenBuffers(1, &vertices_);
-  gl_.glGenBuffers(1, &indices_);
-  gl_.glBindVertexArray(array_);
-  gl_.glBindBuffer(GL_ARRAY_BUFFER, vertices_);
-  gl_.glBufferData(GL_ARRAY_BUFFER, static_cast<GLsizeiptr>(vertices.size() * sizeof(float)), vertices.data(),
-                   GL_STATIC_DRAW);
-  gl_.glBindBuffer(GL_ELEMENT_ARRAY_BUFFER, indices_);
-  gl_.glBufferData(GL_ELEMENT_ARRAY_BUFFER, static_cast<GLsizeiptr>(indices.size() * sizeof(std::uint16_t)),
-                   indices.data(), GL_STATIC_DRAW);
+  array_.create();
+  array_.bind();
+  vertices_.create();
+  vertices_.bind();
+  vertices_.allocate(vertices.data(), static_cast<int>(vertices.size() * sizeof(float)));
+  indices_.create();
+  indices_.bind();
+  indices_.allocate(indices.data(), static_cast<int>(indices.size() * sizeof(std::uint16_t)));
   constexpr GLsizei Stride = 6 * sizeof(float);
   gl_.glVertexAttribPointer(0, 3, GL_FLOAT, GL_FALSE, Stride, nullptr);
   gl_.glVertexAttribPointer(1, 3, GL_FLOAT, GL_FALSE, Stride,
@@ -61,16 +60,10 @@ Backdrop::Backdrop(Gl &gl) : gl_(gl) {
   gl_.glEnableVertexAttribArray(1);
 }
 
-Backdrop::~Backdrop() {
-  program_.removeAllShaders();
-  for (const GLuint *buffer : {&vertices_, &indices_}) gl_.glDeleteBuffers(1, buffer);
-  gl_.glDeleteVertexArrays(1, &array_);
-}
-
 void Backdrop::Draw(const QMatrix4x4 &toClip) {
   program_.bind();
   program_.setUniformValue("toClip", toClip);
-  gl_.glBindVertexArray(array_);
+  array_.bind();
   gl_.glDepthFunc(GL_LEQUAL);
   gl_.glDrawElements(GL_TRIANGLES, indexCount_, GL_UNSIGNED_SHORT, nullptr);
 }

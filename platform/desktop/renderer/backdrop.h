@@ -1,25 +1,25 @@
 #pragma once
 
-// What shows where nothing stands: dusk in the distance, from a dim ground over a glowing horizon to the
-// evening sky.
+// The background behind all meshes: a dome of dusk, from dim ground over a glowing horizon to evening sky.
 
-#include "platform/desktop/renderer/gpu_mesh.h"
+#include "platform/desktop/renderer/open_gl.h"
 
+#include <QMatrix4x4>
+#include <QOpenGLBuffer>
 #include <QOpenGLShaderProgram>
+#include <QOpenGLVertexArrayObject>
 
 class Backdrop {
 public:
   explicit Backdrop(Gl &gl);
-  ~Backdrop();
-  Backdrop(const Backdrop &) = delete;
-  Backdrop &operator=(const Backdrop &) = delete;
 
-  /// Fills what is still empty.
+  /// Fills the pixels that no mesh covers.
   void Draw(const QMatrix4x4 &toClip);
 
 private:
   Gl &gl_;
   QOpenGLShaderProgram program_;
-  GLuint array_ = 0, vertices_ = 0, indices_ = 0;
+  QOpenGLVertexArrayObject array_;
+  QOpenGLBuffer vertices_, indices_{QOpenGLBuffer::IndexBuffer};
   GLsizei indexCount_ = 0;
 };

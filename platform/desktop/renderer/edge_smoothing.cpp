@@ -9,19 +9,19 @@
 
 namespace {
 
-// Brightness is 0 to 255. Contrast is the difference between the most and the least around a pixel.
-constexpr int LeastContrast = 21;   ///< below it there is no edge ...
-constexpr int RelativeContrast = 4; ///< ... nor where this times it is less than the most of them
+// Brightness is 0 to 255. Contrast is the range of brightness around a pixel.
+constexpr int LeastContrast = 21;   ///< of an edge
+constexpr int RelativeContrast = 4; ///< of an edge: at least the greatest brightness divided by this
 constexpr float Span = 4.0f;        ///< pixels along the edge from the first sample to the last
-constexpr int Whole = 256;          ///< of a share of a colour
-constexpr int Strength = 179;       ///< of `Whole`: what small lettering stands
+constexpr int Whole = 256;          ///< fixed-point 1 of a blend factor
+constexpr int Strength = 179;       ///< blend factor of an edge: more would blur small lettering
 
 std::uint8_t Brightness(std::uint32_t color) {
   return static_cast<std::uint8_t>(
       (77 * (color >> 16 & 0xff) + 151 * (color >> 8 & 0xff) + 28 * (color & 0xff)) >> 8);
 }
 
-/// A colour between two; `share` of the second, of `Whole`.
+/// Blends two colours. @param share  of the second, in units of 1 / `Whole`
 std::uint32_t Mixed(std::uint32_t a, std::uint32_t b, int share) {
   const auto of = static_cast<std::uint32_t>(share), rest = static_cast<std::uint32_t>(Whole - share);
   constexpr std::uint32_t TwoChannels = 0x00ff00ff;
@@ -30,25 +30,25 @@ std::uint32_t Mixed(std::uint32_t a, std::uint32_t b, int share) {
   return (redAndBlue & TwoChannels) | (alphaAndGreen & ~TwoChannels);
 }
 
-/// A colour between four, which lie around a place: `right` and `down` from the first, of `Whole`.
+/// Bilinear sample of the four pixels from `first` on, at `right` and `down` in units of 1 / `Whole`.
 std::uint32_t Between(const std::uint32_t *first, qsizetype stride, int right, int down) {
   return Mixed(Mixed(first[0], first[1], right), Mixed(first[stride], first[stride + 1], right), down);
 }
 
-/// A pixel with its diagonal neighbours' brightness, and the range of all five.
+/// Brightness of a pixel's diagonal neighbours, and the range of the pixel and these.
 struct Neighbours {
   int TopLeft, TopRight, BottomLeft, BottomRight;
   int Least, Most;
 };
 
-/// The colour of a pixel on an edge, whose direction comes from its neighbours. Of four samples along it the
-/// outer two count only if they stay between the colours on both sides of the edge.
+/// The colour of a pixel on an edge, blended from four samples along the edge. The outer two count only if
+/// the result stays within the neighbours' range.
 std::uint32_t Smoothed(const std::uint32_t *pixel, qsizetype stride, const Neighbours &near) {
   const auto difference = [](int a, int b) { return static_cast<float>(a - b); };
   float alongX = difference(near.BottomLeft + near.BottomRight, near.TopLeft + near.TopRight);
   float alongY = difference(near.TopLeft + near.BottomLeft, near.TopRight + near.BottomRight);
   const int sum = near.TopLeft + near.TopRight + near.BottomLeft + near.BottomRight;
-  const float faint = std::max(static_cast<float>(sum) * 0.03f, 2.0f); // keeps faint edges from reaching far
+  const float faint = std::max(static_cast<float>(sum) * 0.03f, 2.0f); // shortens the reach of faint edges
   const float shorter = std::min(std::abs(alongX), std::abs(alongY)) + faint;
   alongX = std::clamp(alongX / shorter, -Span, Span) * static_cast<float>(Whole);
   alongY = std::clamp(alongY / shorter, -Span, Span) * static_cast<float>(Whole);
@@ -68,7 +68,7 @@ std::uint32_t Smoothed(const std::uint32_t *pixel, qsizetype stride, const Neigh
 EdgeSmoothing::EdgeSmoothing(QSize size)
     : drawn_(size, QImage::Format_RGB32), last_(size, QImage::Format_RGB32),
       brightness_(static_cast<std::size_t>(size.width()) * static_cast<std::size_t>(size.height())) {
-  last_.fill(Qt::transparent); // no frame has such a pixel
+  last_.fill(Qt::transparent); // differs from every drawn pixel
 }
 
 void EdgeSmoothing::Span::Widen(const Span &other) {
@@ -96,7 +96,7 @@ bool EdgeSmoothing::Update(QImage &smooth) {
   return changed;
 }
 
-/// Where a row differs from the last frame; works out the brightness there.
+/// The range in which a row differs from the last frame. Updates the brightness there.
 EdgeSmoothing::Span EdgeSmoothing::Changed(int row) {
   const auto *now = reinterpret_cast<const std::uint32_t *>(drawn_.constScanLine(row));
   const auto *last = reinterpret_cast<const std::uint32_t *>(last_.constScanLine(row));
@@ -118,7 +118,7 @@ void EdgeSmoothing::SmoothRow(int row, const Span &span, std::uint32_t *to) cons
 
   const std::uint8_t *here = brightness_.data() + row * width, *above = here - width, *below = here + width;
   const int first = std::max(span.First - Reach, Reach), end = std::min(span.End + Reach, width - Reach);
-  // Apart from the rest, for many pixels at a time.
+  // A loop of its own, which compilers vectorise.
   std::vector<std::uint8_t> contrasts(static_cast<std::size_t>(width)), brightest(contrasts.size());
   for (int x = first; x < end; ++x) {
     const auto [least, most] = std::minmax({above[x - 1], above[x + 1], here[x], below[x - 1], below[x + 1]});

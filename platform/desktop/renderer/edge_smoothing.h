@@ -1,9 +1,8 @@
 #pragma once
 
-// Smooths the stairs of a frame that has one sample a pixel: where neighbours differ, a pixel is mixed with
-// those along the edge that runs through it. The processor does it, as it draws everything else where one
-// sample is all that there is time for: most pixels need a comparison only, and what is as in the last frame
-// needs nothing.
+// Antialiasing of a frame with one sample a pixel: where neighbours differ, a pixel is blended with others
+// along the edge. It runs on the processor, which skips pixels without an edge and rows without a change; a
+// shader under software OpenGL would do the whole work for every pixel.
 
 #include <QImage>
 
@@ -14,16 +13,16 @@ class EdgeSmoothing {
 public:
   explicit EdgeSmoothing(QSize size);
 
-  /// The next frame as drawn, Format_RGB32, to be filled.
+  /// The buffer for the next frame as drawn, Format_RGB32.
   QImage &Drawn() { return drawn_; }
 
-  /// Smooths what has changed since the last call. The outermost pixels, `Reach` from the rim, stay as drawn.
-  /// @param smooth  of the same size and format, its rows without gaps; holds the last frame, smoothed
+  /// Smooths the pixels that have changed since the last call. A border of `Reach` pixels stays as drawn.
+  /// @param smooth  of the same size and format, without padding; holds the last frame, smoothed
   /// @return whether anything has changed
   bool Update(QImage &smooth);
 
 private:
-  /// Pixels of a row: from the first to before the end.
+  /// A half-open range of columns.
   struct Span {
     int First = 0, End = 0;
     bool Empty() const { return First >= End; }
@@ -32,7 +31,7 @@ private:
   Span Changed(int row);
   void SmoothRow(int row, const Span &span, std::uint32_t *to) const;
 
-  static constexpr int Reach = 3; ///< how far a pixel's colour is carried, pixels
+  static constexpr int Reach = 3; ///< filter radius, pixels
 
   QImage drawn_, last_;
   std::vector<std::uint8_t> brightness_; ///< of the pixels of `drawn_`

@@ -1,6 +1,6 @@
 #pragma once
 
-// What is drawn into.
+// The render target.
 
 #include "platform/desktop/renderer/edge_smoothing.h"
 #include "platform/desktop/renderer/open_gl.h"
@@ -12,16 +12,17 @@
 /// A frame off the screen, with several samples a pixel, or with one and its edges smoothed.
 class FrameBuffer {
 public:
-  /// @param samples  of a pixel, 0 for one
+  /// @param samples  per pixel, 0 for one
   /// @throws RendererError
   FrameBuffer(Gl &gl, QSize size, int samples);
 
-  void Begin(float red, float green, float blue); ///< clears it and draws into it from now on
+  void Begin(float red, float green, float blue); ///< clears it and binds it
 
-  void Keep();        ///< keeps what has been drawn, with its depths
-  void BeginOnKept(); ///< begins with what was kept last
+  void Keep();        ///< saves the colours and depths drawn so far
+  void BeginOnKept(); ///< restores them and binds it
 
-  /// Brings what has been drawn into an image of its size, Format_RGB32, which holds what was read last.
+  /// Reads the frame back.
+  /// @param image  of the same size, Format_RGB32; holds the last frame
   /// @return whether the image has changed
   bool Read(QImage &image);
 
@@ -34,6 +35,6 @@ private:
   Gl &gl_;
   QOpenGLFramebufferObject drawn_;
   std::optional<QOpenGLFramebufferObject> kept_;
-  std::optional<QOpenGLFramebufferObject> resolved_; ///< one colour a pixel of several samples ...
-  std::optional<EdgeSmoothing> smoothing_;           ///< ... or of one
+  std::optional<QOpenGLFramebufferObject> resolved_; ///< of several samples a pixel
+  std::optional<EdgeSmoothing> smoothing_;           ///< of one sample a pixel
 };

@@ -15,9 +15,15 @@ struct GpuVertex {
   Vector Normal;
 };
 
+/// Replaces what a buffer holds.
+template <class T> void Fill(QOpenGLBuffer &buffer, const std::vector<T> &values) {
+  buffer.bind();
+  buffer.allocate(values.data(), static_cast<int>(values.size() * sizeof(T)));
+}
+
 const void *Offset(std::size_t bytes) { return reinterpret_cast<const void *>(bytes); }
 
-/// Faces in an order in which neighbours follow each other: halved again and again across the longer side.
+/// Sorts faces so that neighbours are adjacent: a k-d split across the longest side.
 void SortByPlace(std::vector<std::uint32_t> &faces, std::size_t first, std::size_t count,
                  const std::vector<Vector> &middles) {
   if (count <= FacesInCluster) return;
@@ -28,7 +34,7 @@ void SortByPlace(std::vector<std::uint32_t> &faces, std::size_t first, std::size
     const Vector &m = middles[face];
     return x >= y && x >= z ? m.x : z >= y ? m.z : m.y;
   };
-  // Halves are whole clusters, so that none is left half empty.
+  // Split at a multiple of the cluster size, so that all clusters but the last are full.
   const std::size_t clusters = (count + FacesInCluster - 1) / FacesInCluster;
   const std::size_t half = clusters / 2 * FacesInCluster;
   const auto begin = faces.begin() + static_cast<std::ptrdiff_t>(first);
@@ -39,11 +45,10 @@ void SortByPlace(std::vector<std::uint32_t> &faces, std::size_t first, std::size
   SortByPlace(faces, first + half, count - half, middles);
 }
 
-/// For each vertex of strokes of paint the way across its stroke, to the other side.
+/// The vector from each vertex of a painted stroke to the opposite side of the stroke.
 ///
-/// A stroke is a strip of quads, and its vertices have more than three edges but for those at its ends. The
-/// way across is the shortest edge that two faces share; at an end, and in a stroke of a single quad, the
-/// shortest of all.
+/// A stroke is a strip of quads. Inside the strip a vertex has more than three edges, and the vector is the
+/// shortest edge that two faces share. At an end, and in a single quad, it is the shortest edge.
 std::vector<Vector> WaysAcross(const MeshData &data) {
   struct Edge {
     std::uint32_t To;
@@ -80,32 +85,22 @@ std::vector<Vector> WaysAcross(const MeshData &data) {
 } // namespace
 
 GpuMesh::GpuMesh(Gl &gl) : gl_(gl) {
-  gl_.glGenVertexArrays(1, &array_);
-  for (GLuint *buffer : {&positions_, &coordinates_, &light_, &indices_, &across_})
-    gl_.glGenBuffers(1, buffer);
-  gl_.glBindVertexArray(array_);
-  gl_.glBindBuffer(GL_ELEMENT_ARRAY_BUFFER, indices_);
-  gl_.glBindBuffer(GL_ARRAY_BUFFER, positions_);
-  constexpr GLsizei Stride = sizeof(GpuVertex);
-  gl_.glVertexAttribPointer(PositionSlot, 3, GL_FLOAT, GL_FALSE, Stride,
-                            Offset(offsetof(GpuVertex, Position)));
-  gl_.glVertexAttribPointer(NormalSlot, 3, GL_FLOAT, GL_FALSE, Stride, Offset(offsetof(GpuVertex, Normal)));
-  gl_.glBindBuffer(GL_ARRAY_BUFFER, coordinates_);
-  gl_.glVertexAttribPointer(CoordinateSlot, 2, GL_FLOAT, GL_FALSE, 0, nullptr);
-  gl_.glBindBuffer(GL_ARRAY_BUFFER, light_);
-  constexpr GLsizei LightStride = sizeof(VertexLight);
-  gl_.glVertexAttribPointer(ShadeSlot, 4, GL_FLOAT, GL_FALSE, LightStride,
-                            Offset(offsetof(VertexLight, Shade)));
-  gl_.glVertexAttribPointer(LitSlot, 3, GL_FLOAT, GL_FALSE, LightStride, Offset(offsetof(VertexLight, Lit)));
-  for (const GLuint slot : {PositionSlot, NormalSlot, CoordinateSlot, ShadeSlot, LitSlot}) {
+  array_.create();
+  for (QOpenGLBuffer *buffer : {&positions_, &coordinates_, &light_, &across_, &indices_}) buffer->create();
+  array_.bind();
+  const auto attribute = [&](GLuint slot, GLint size, std::size_t stride, std::size_t offset) {
+    gl_.glVertexAttribPointer(slot, size, GL_FLOAT, GL_FALSE, static_cast<GLsizei>(stride), Offset(offset));
     gl_.glEnableVertexAttribArray(slot);
-  }
-}
-
-GpuMesh::~GpuMesh() {
-  for (const GLuint *buffer : {&positions_, &coordinates_, &light_, &indices_, &across_})
-    gl_.glDeleteBuffers(1, buffer);
-  gl_.glDeleteVertexArrays(1, &array_);
+  };
+  indices_.bind();
+  positions_.bind();
+  attribute(PositionSlot, 3, sizeof(GpuVertex), offsetof(GpuVertex, Position));
+  attribute(NormalSlot, 3, sizeof(GpuVertex), offsetof(GpuVertex, Normal));
+  coordinates_.bind();
+  attribute(CoordinateSlot, 2, sizeof(TextureCoordinate), 0);
+  light_.bind();
+  attribute(ShadeSlot, 4, sizeof(VertexLight), offsetof(VertexLight, Shade));
+  attribute(LitSlot, 3, sizeof(VertexLight), offsetof(VertexLight, Lit));
 }
 
 void GpuMesh::Upload(const Direct3DRMMeshBuilder3 &mesh, const Transform &place) {
@@ -171,12 +166,9 @@ void GpuMesh::UploadGeometry(const MeshData &data) {
     box_.Widen(cluster.Box.Low);
     box_.Widen(cluster.Box.High);
   }
-  gl_.glBindVertexArray(array_);
-  gl_.glBindBuffer(GL_ARRAY_BUFFER, positions_);
-  gl_.glBufferData(GL_ARRAY_BUFFER, static_cast<GLsizeiptr>(vertices.size() * sizeof(GpuVertex)),
-                   vertices.data(), GL_STATIC_DRAW);
-  gl_.glBufferData(GL_ELEMENT_ARRAY_BUFFER, static_cast<GLsizeiptr>(indices.size() * sizeof(std::uint32_t)),
-                   indices.data(), GL_STATIC_DRAW);
+  array_.bind(); // stores the index buffer's binding
+  Fill(positions_, vertices);
+  Fill(indices_, indices);
 }
 
 bool GpuMesh::IsPaint(const Direct3DRMMeshBuilder3 &mesh) const { return !mesh.Texture() && IsWide(box_); }
@@ -185,10 +177,8 @@ void GpuMesh::UploadWaysAcross(const MeshData &data) {
   const std::vector<Vector> all = WaysAcross(data);
   std::vector<Vector> across;
   for (const Corner &corner : corners_) across.push_back(all[corner.Index]);
-  gl_.glBindVertexArray(array_);
-  gl_.glBindBuffer(GL_ARRAY_BUFFER, across_);
-  gl_.glBufferData(GL_ARRAY_BUFFER, static_cast<GLsizeiptr>(across.size() * sizeof(Vector)), across.data(),
-                   GL_STATIC_DRAW);
+  array_.bind();
+  Fill(across_, across);
   gl_.glVertexAttribPointer(AcrossSlot, 3, GL_FLOAT, GL_FALSE, 0, nullptr);
   gl_.glEnableVertexAttribArray(AcrossSlot);
 }
@@ -197,9 +187,7 @@ void GpuMesh::UploadCoordinates(const MeshData &data) {
   std::vector<TextureCoordinate> coordinates;
   coordinates.reserve(corners_.size());
   for (const Corner &corner : corners_) coordinates.push_back(data.TextureCoordinates[corner.Index]);
-  gl_.glBindBuffer(GL_ARRAY_BUFFER, coordinates_);
-  gl_.glBufferData(GL_ARRAY_BUFFER, static_cast<GLsizeiptr>(coordinates.size() * sizeof(TextureCoordinate)),
-                   coordinates.data(), GL_DYNAMIC_DRAW);
+  Fill(coordinates_, coordinates);
 }
 
 void GpuMesh::UploadLight(const Direct3DRMMeshBuilder3 &mesh, const Transform &place) {
@@ -223,14 +211,12 @@ void GpuMesh::UploadLight(const Direct3DRMMeshBuilder3 &mesh, const Transform &p
     const Vector at{from.x + place.Origin.x, from.y + place.Origin.y, from.z + place.Origin.z};
     light.push_back(LightOf(at, turned(data.Normals[corner.Index]), color, emissive, pictured));
   }
-  gl_.glBindBuffer(GL_ARRAY_BUFFER, light_);
-  gl_.glBufferData(GL_ARRAY_BUFFER, static_cast<GLsizeiptr>(light.size() * sizeof(VertexLight)), light.data(),
-                   GL_DYNAMIC_DRAW);
+  Fill(light_, light);
 }
 
 void GpuMesh::Draw(const QMatrix4x4 &toClip) {
-  gl_.glBindVertexArray(array_);
-  // Neighbours that show are drawn together.
+  array_.bind();
+  // Adjacent visible clusters share a draw call.
   GLsizei first = 0, count = 0;
   const auto flush = [&] {
     if (count > 0) {

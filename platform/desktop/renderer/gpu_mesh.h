@@ -6,35 +6,36 @@
 #include "platform/desktop/renderer/open_gl.h"
 #include "platform/desktop/renderer/placed.h"
 
+#include <QOpenGLBuffer>
+#include <QOpenGLVertexArrayObject>
+
 #include <vector>
 
 /// One mesh as drawn.
 class GpuMesh {
 public:
   explicit GpuMesh(Gl &gl);
-  ~GpuMesh();
-  GpuMesh(const GpuMesh &) = delete;
-  GpuMesh &operator=(const GpuMesh &) = delete;
 
-  /// Brings the mesh up to date, where it hangs now.
+  /// Uploads what has changed. @param place  of the mesh in the scene, for its light
   void Upload(const Direct3DRMMeshBuilder3 &mesh, const Transform &place);
 
-  /// Whether it is paint on the ground: strokes that must not break where they are thinner than a pixel.
+  /// Whether the mesh is paint on the ground, whose strokes must not break where they are thinner than a
+  /// pixel.
   bool IsPaint(const Direct3DRMMeshBuilder3 &mesh) const;
 
-  /// Draws the parts that show.
+  /// Draws the clusters that lie in the view.
   void Draw(const QMatrix4x4 &toClip);
 
   const Bounds &Box() const { return box_; }
 
 private:
-  /// A vertex of the file with the colour of its faces: where faces of several colours meet there are
-  /// several.
+  /// A vertex of the file in one face colour. A vertex between faces of several colours is uploaded once for
+  /// each.
   struct Corner {
     std::uint32_t Index;
     FaceColor Color;
   };
-  /// A few hundred faces that lie together.
+  /// Adjacent faces, culled together.
   struct Cluster {
     Bounds Box;
     GLsizei First, Count; ///< indices
@@ -46,8 +47,8 @@ private:
   void UploadLight(const Direct3DRMMeshBuilder3 &mesh, const Transform &place);
 
   Gl &gl_;
-  GLuint array_ = 0;
-  GLuint positions_ = 0, coordinates_ = 0, light_ = 0, indices_ = 0, across_ = 0;
+  QOpenGLVertexArrayObject array_;
+  QOpenGLBuffer positions_, coordinates_, light_, across_, indices_{QOpenGLBuffer::IndexBuffer};
   std::vector<Corner> corners_;
   std::vector<Cluster> clusters_;
   Bounds box_;

@@ -1,6 +1,6 @@
 #pragma once
 
-// Everything of a graph that has been uploaded, by the object that it was made of.
+// The uploaded meshes and textures of a graph, by their objects.
 
 #include "platform/desktop/renderer/gpu_mesh.h"
 
@@ -9,7 +9,7 @@
 
 class GpuStore {
 public:
-  /// @param anisotropy  of textures seen at flat angles: 1 for none; below it not even two mip-maps are mixed
+  /// @param anisotropy  of texture filtering: 1 for none; below 1 mip-maps aren't blended either
   GpuStore(Gl &gl, float anisotropy) : gl_(gl), anisotropy_(anisotropy) {}
   ~GpuStore();
   GpuStore(const GpuStore &) = delete;
@@ -21,7 +21,7 @@ public:
 private:
   Gl &gl_;
   float anisotropy_;
-  // The references keep the keys alive: an address can't come to mean another object.
+  // The references keep the keys alive, so that no address is reused.
   std::unordered_map<Ref<Direct3DRMMeshBuilder3>, std::unique_ptr<GpuMesh>> meshes_;
   std::unordered_map<Ref<Direct3DRMTexture>, GLuint> textures_;
 };

@@ -6,7 +6,7 @@
 
 namespace {
 
-// The target's width in the picture falls with a root of its distance.
+// The target's width in the frame falls with a root of its distance.
 constexpr float NearShare = 0.34f;    ///< of the picture's width, by a target at `NearDistance`
 constexpr float NearDistance = 36.4f; ///< scene units: from the camera at rest to the start of a possession
 constexpr float LargestShare = 0.42f; ///< however near the target is
@@ -33,7 +33,7 @@ constexpr float LeastLoss = 0.002f; ///< of its speed, from frame to frame, by a
 constexpr float Level = 0.0001f;    ///< scene units a frame, up or down, of what slides
 constexpr float EaseShare = 0.25f;  ///< of the way to the wanted framing, each frame
 constexpr float Still = 0.0005f;    ///< radians, or of the height, below which nothing is left of that way
-// A still picture doesn't follow every motion of the aim: it would swim before the player's eyes.
+// While the camera rests, small motions of the aim don't move the view: it would swim.
 constexpr float Slack = 0.05f;        ///< radians, less than `Room`
 constexpr float HeightSlack = 0.15f;  ///< of the height
 constexpr float SteepestPitch = 1.5f; ///< radians
@@ -57,7 +57,7 @@ float PitchOf(const Transform &camera) { return std::asin(std::clamp(camera.Dire
 
 Vector Mapped(const Transform &t, const Vector &v) { return V(MatrixOf(t).map(V(v))); }
 
-/// A place as the camera sees it, radians.
+/// The direction of a place from the camera, radians.
 struct Sight {
   float Yaw;   ///< from the camera's heading to the right
   float Pitch; ///< above the horizon
@@ -70,7 +70,7 @@ Sight See(const Transform &camera, const Vector &place) {
           std::atan2(way.y(), level)};
 }
 
-/// Directions from one to another, radians.
+/// A range of angles, radians.
 struct Range {
   float Low, High;
   void Take(float angle, float room) {
@@ -112,7 +112,7 @@ std::optional<Vector> EdgeNear(std::span<const Seen> scene, const Vector &target
   return edge;
 }
 
-/// Brings a value a share of the way to another. Returns whether it is there.
+/// Moves a value a share of the way to another. Returns whether it has arrived.
 bool Approach(float &value, float to, float still) {
   value = std::abs(to - value) <= still ? to : value + (to - value) * EaseShare;
   return value == to;
@@ -126,7 +126,7 @@ bool Lens::Near(const Framing &a, const Framing &b) {
 }
 
 bool Lens::Ease(Framing &framing, const Framing &to) {
-  // Heights are compared by their quotient: half as much shows with the same steps as twice as much.
+  // Heights ease on a logarithmic scale, so that zooming in and out takes the same time.
   float height = std::log(framing.Height), toHeight = std::log(to.Height);
   const bool there = Approach(height, toHeight, Still);
   framing.Height = there ? to.Height : std::exp(height);
@@ -152,7 +152,7 @@ View Lens::Next(const Direct3DRMFrame3 &camera, std::span<const Seen> scene, flo
   const bool still = started_ && from == from_ && step.length() == 0;
   if (!still || !Near(wanted, wanted_)) wanted_ = wanted;
 
-  // Eased twice over, a change begins as softly as it ends.
+  // Easing twice starts a change as softly as it ends.
   if (cut) approached_ = framing_ = wanted_;
   const bool approached = Ease(approached_, wanted_), framed = Ease(framing_, approached_);
   settled_ = approached && framed;
@@ -170,9 +170,8 @@ View Lens::Next(const Direct3DRMFrame3 &camera, std::span<const Seen> scene, flo
           framing_.Height};
 }
 
-/// Finds out what moves besides the target, and what of the scene it covers. While the target lies still that
-/// is all that a thing has covered since the cut, so that the picture doesn't swing to and fro with the
-/// posts.
+/// Finds the meshes that move besides the target, and the space they cover. While the target rests that space
+/// is all they have covered since the cut, so that the view doesn't swing with the posts.
 void Lens::FollowMovers(std::span<const Seen> scene, const Direct3DRMFrame3 *target, bool cut,
                         bool targetMoves) {
   std::vector<Mover> now;
@@ -183,7 +182,7 @@ void Lens::FollowMovers(std::span<const Seen> scene, const Direct3DRMFrame3 *tar
     const float way = known ? Distance(seen.Place.Origin, last->Origin) : 0.0f;
     const bool moves = (way > 0.0f && way <= Jump) || (known && last->Moves && !cut);
     Bounds covered = Moved(seen.Box, seen.Place);
-    // Of the posts what counts is the bar, at their frame's origin, and what stands above it.
+    // Only the bar of the posts, at their frame's origin, and what is above it must be in the frame.
     covered.Low.y = std::clamp(seen.Place.Origin.y, covered.Low.y, covered.High.y);
     if (known && last->Moves && !cut && !targetMoves) {
       covered.Widen(last->Covered.Low);
@@ -194,7 +193,7 @@ void Lens::FollowMovers(std::span<const Seen> scene, const Direct3DRMFrame3 *tar
   movers_ = std::move(now);
 }
 
-/// What the picture shows beside the target, if it can.
+/// The places that the frame should hold besides the target.
 std::vector<Vector> Lens::Held(const Transform &camera, std::span<const Seen> scene, const Seen &subject,
                                const QVector3D &step) const {
   const Vector &target = subject.Place.Origin;
@@ -238,10 +237,10 @@ Lens::Framing Lens::Wanted(const Transform &camera, const Seen &subject, std::sp
   for (const Vector &place : held) {
     across.Take(std::clamp(See(camera, place).Yaw, own.Yaw - HoldReach, own.Yaw + HoldReach), Room);
   }
-  // What swings before a target that lies still is on its other side soon.
+  // The posts will soon swing to the other side of a resting target.
   const float farther = std::max(own.Yaw - across.Low, across.High - own.Yaw);
   if (swings && farther <= WidestHalf) across = {own.Yaw - farther, own.Yaw + farther};
-  // Cards come up over the right side.
+  // Cards cover the right side.
   const float left = own.Yaw - across.Low;
   across.High = std::max(across.High, own.Yaw + left * (1 - CardSide) / (1 + CardSide));
   framing.Height = std::max(framing.Height, 2 * std::tan(std::min(across.Half(), WidestHalf)) / aspect);
@@ -257,7 +256,7 @@ Lens::Framing Lens::Wanted(const Transform &camera, const Seen &subject, std::sp
   for (const Vector &place : held) {
     const Sight sight = See(camera, place);
     const float aside = std::abs(sight.Yaw - framing.Yaw);
-    // What lies aside of the picture's middle shows higher or lower than its pitch.
+    // Perspective moves places away from the middle of the frame up or down.
     if (aside < Aside) up.Take(std::atan(std::tan(sight.Pitch) / std::cos(aside)), Room);
   }
   framing.Height = std::max(framing.Height, 2 * std::tan(std::min(up.Half(), TallestHalf)));

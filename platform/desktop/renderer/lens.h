@@ -1,8 +1,7 @@
 #pragma once
 
-// The lens of the camera: how much of the scene a frame shows, and where in it the piece lies. The game says
-// where the camera stands and what it looks at; the lens frames that as somebody behind a real camera would.
-// It reads the graph and changes nothing in it.
+// The camera's lens: chooses the angle of view and where in the frame the piece lies, as a camera operator
+// would. The game sets the camera's place and target. The lens reads the graph and changes nothing in it.
 
 #include "platform/desktop/renderer/placed.h"
 
@@ -11,13 +10,13 @@
 #include <span>
 #include <vector>
 
-/// How a frame is taken.
+/// The view of a frame.
 struct View {
-  Transform Camera; ///< where it stands; it looks along its z
+  Transform Camera; ///< looks along its z
   float Height = 1; ///< of the picture at a distance of 1: twice the tangent of half the vertical angle
 };
 
-/// A mesh of the scene as the lens knows it.
+/// A mesh of the scene.
 struct Seen {
   const Direct3DRMFrame3 *Frame;
   Transform Place; ///< of the frame, in the scene
@@ -49,13 +48,13 @@ private:
   /// A mesh that isn't the target's.
   struct Mover {
     const Direct3DRMFrame3 *Frame;
-    Vector Origin;  ///< at the last frame
+    Vector Origin;  ///< in the last frame
     bool Moves;     ///< it has moved since the last cut
     Bounds Covered; ///< what of the scene it covers; while the target lies still, what it has covered since
                     ///< the cut
   };
 
-  /// Whether the one shows what the other was wanted for.
+  /// Whether two framings are so close that easing to the other isn't worth it.
   static bool Near(const Framing &a, const Framing &b);
   static bool Ease(Framing &framing, const Framing &to);
   void FollowMovers(std::span<const Seen> scene, const Direct3DRMFrame3 *target, bool cut, bool targetMoves);

@@ -9,13 +9,12 @@ constexpr float KeyColor[] = {1.26f, 1.06f, 0.80f};
 constexpr float SkyColor[] = {0.44f, 0.46f, 0.62f};
 constexpr float GroundColor[] = {0.28f, 0.26f, 0.26f};
 
-/// Part of the fill light that reaches what the key light doesn't: where a thing keeps one off it is in the
-/// other's way too.
+/// Share of the fill light in the key light's shadow: what blocks one light also blocks part of the other.
 constexpr float FillInShade = 0.66f;
-/// The same for what glows: its markings must show shadows as the turf does.
+/// The same for emissive surfaces, so that shadows on the markings match those on the turf.
 constexpr float GlowInShade = 0.48f;
 
-// A surface that glows has part of its light of itself, and the lights shape it with the rest.
+// An emissive surface emits part of its light; the rest depends on the lights.
 constexpr float GlowLight = 0.76f;
 constexpr float GlowTakesFill = 0.5f;
 constexpr float GlowTakesKey = 0.68f;
@@ -25,12 +24,11 @@ constexpr float PoolRadius = 60.0f; ///< scene units of full light
 constexpr float PoolEnd = 190.0f;   ///< where it has fallen off
 constexpr float PoolEdge = 0.70f;   ///< of the light that is left there
 
-/// Brightness at which colours begin to be held back, so that the brightest keep their form and none is
-/// cut off.
+/// Brightness above which tones are compressed, so that highlights keep their shading and none clips.
 constexpr float Shoulder = 0.55f;
-/// Part of its brightness that a strong colour takes on in the parts that it lacks, as on film.
+/// Share of a saturated colour's brightness that bleeds into its weaker channels, as on film.
 constexpr float Crosstalk = 0.05f;
-/// The same for what is brighter than `Glare`: a gleam is nearly white.
+/// The same above `Glare`: a highlight is nearly white.
 constexpr float GlareCrosstalk = 0.30f;
 constexpr float Glare = 1.5f;
 
@@ -46,13 +44,14 @@ float HeldBack(float brightness) {
   return Shoulder + Room * (1.0f - std::exp(-(brightness - Shoulder) / Room));
 }
 
-/// From light to a colour as stored.
+/// Converts light to a stored colour.
 void Store(const float (&light)[3], bool pictured, float (&stored)[3]) {
   const float brightness = 0.3f * light[0] + 0.6f * light[1] + 0.1f * light[2];
   const float crosstalk = Crosstalk + GlareCrosstalk * std::clamp(brightness - Glare, 0.0f, 1.0f);
-  for (int part = 0; part < 3; ++part) {
-    const float own = light[part];
-    stored[part] = std::sqrt(pictured ? own : HeldBack(own + crosstalk * std::max(brightness - own, 0.0f)));
+  for (int channel = 0; channel < 3; ++channel) {
+    const float own = light[channel];
+    stored[channel] =
+        std::sqrt(pictured ? own : HeldBack(own + crosstalk * std::max(brightness - own, 0.0f)));
   }
 }
 
@@ -74,17 +73,18 @@ VertexLight LightOf(const Vector &place, const Vector &normal, const FaceColor &
   const float own[] = {emissive.Red, emissive.Green, emissive.Blue};
   const float stored[] = {color.Red, color.Green, color.Blue};
   float shade[3], lit[3];
-  for (int part = 0; part < 3; ++part) {
-    float base = stored[part] * stored[part];
-    if (glow > 0.0f) base *= own[part];
-    const float fill = (GroundColor[part] + (SkyColor[part] - GroundColor[part]) * upward) * pool;
+  for (int channel = 0; channel < 3; ++channel) {
+    float base = stored[channel] * stored[channel];
+    if (glow > 0.0f) base *= own[channel];
+    const float fill = (GroundColor[channel] + (SkyColor[channel] - GroundColor[channel]) * upward) * pool;
     const float constant = fill * (1.0f - GlowTakesFill * glow) + GlowLight * glow;
-    shade[part] = base * constant * (FillInShade + (GlowInShade - FillInShade) * glow);
-    lit[part] = base * (constant + KeyColor[part] * pool * facing * (1.0f - GlowTakesKey * glow));
+    shade[channel] = base * constant * (FillInShade + (GlowInShade - FillInShade) * glow);
+    lit[channel] = base * (constant + KeyColor[channel] * pool * facing * (1.0f - GlowTakesKey * glow));
   }
-  // On a steep side the edge of a shadow would smear: only what lies about level takes one.
+  // A shadow's edge smears on a steep surface, so only nearly level ones receive shadows.
   const float level = std::clamp((normal.y - 0.4f) / 0.5f, 0.0f, 1.0f);
-  for (int part = 0; part < 3; ++part) shade[part] = lit[part] + (shade[part] - lit[part]) * level;
+  for (int channel = 0; channel < 3; ++channel)
+    shade[channel] = lit[channel] + (shade[channel] - lit[channel]) * level;
   VertexLight light{};
   light.TextureShare = color.Alpha;
   Store(shade, pictured, light.Shade);

@@ -1,13 +1,12 @@
 #pragma once
 
-// The light of the scene, worked out for a vertex: a warm key light from above and behind the start, the cool
-// sky, and what the ground throws back. It doesn't depend on the camera, so it is worked out when a mesh
-// moves and not for every picture.
+// Vertex lighting: a warm key light from above and behind the start, a cool sky, and light reflected by the
+// ground. It doesn't depend on the camera, so it is computed when a mesh moves and not for every frame.
 
 #include "scene/graph/frame.h"
 
-/// The colour that a vertex shows, or by which its texture is multiplied: with a gamma of 2, as colours are
-/// stored. Parts may be above 1.
+/// A vertex's colour, or the factor on its texture, with a gamma of 2 as colours are stored. Channels may
+/// exceed 1.
 struct VertexLight {
   float Shade[3];     ///< in the shadow
   float TextureShare; ///< 1 shows all of the texture, 0 none

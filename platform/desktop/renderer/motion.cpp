@@ -33,7 +33,7 @@ Motion::Change Motion::Next(std::span<Item> items, bool shadowsMoved, const QMat
   }
   bool any = false, others = false;
   for (Item &item : items) {
-    // Paint is mixed with the ground under it.
+    // Paint is blended with the ground under it, so grounds move together.
     item.Moves = item.Moves || (groundMoved && item.Ground);
     any = any || item.Moves;
     const Direct3DRMMeshBuilder3 *mesh = item.Where.Mesh->get();

@@ -1,9 +1,9 @@
 #pragma once
 
-// What moves from frame to frame while the camera rests. A player who aims sees the hand turn and the clouds
-// drift: the rest is drawn once and kept.
+// Finds which meshes move while the camera rests. While a player aims only the hand turns and the clouds
+// drift; the rest is drawn once and kept.
 
-#include "platform/desktop/renderer/shadows.h"
+#include "platform/desktop/renderer/item.h"
 
 #include <span>
 #include <vector>
@@ -11,19 +11,19 @@
 class Motion {
 public:
   enum class Change {
-    None,   ///< the frame is as the last one
-    Moving, ///< what was still in the last frame is still so
-    Still   ///< what is still must be drawn again
+    None,   ///< the frame looks like the last one
+    Moving, ///< the kept still meshes remain valid
+    Still   ///< the still meshes must be redrawn
   };
 
-  /// Marks the items that move.
+  /// Marks the items that move: all of them when the camera does.
   Change Next(std::span<Item> items, bool shadowsMoved, const QMatrix4x4 &toClip);
 
   /// In the next frame everything moves.
   void Forget() { last_.clear(); }
 
 private:
-  /// Everything that decides how a mesh is drawn, and whether it has moved since the camera did.
+  /// Everything that decides how a mesh is drawn.
   struct Seen {
     const Direct3DRMMeshBuilder3 *Mesh;
     const Direct3DRMFrame3 *Frame;
@@ -36,6 +36,6 @@ private:
   const Seen *Last(const Seen &now) const;
 
   std::vector<Seen> last_;
-  std::vector<const Direct3DRMMeshBuilder3 *> moving_; ///< since the camera rests
+  std::vector<const Direct3DRMMeshBuilder3 *> moving_; ///< all that have moved since the camera did
   QMatrix4x4 toClip_;
 };

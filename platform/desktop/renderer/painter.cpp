@@ -10,7 +10,7 @@
 namespace {
 
 constexpr float FogColor[] = {0.84f, 0.71f, 0.81f};
-constexpr float FogDistance = 900.0f; ///< scene units at which about a third of a colour is left
+constexpr float FogDistance = 900.0f; ///< scene units at which a third of a colour is left
 
 /// Left-handed, with the view along +z, and upside down: rows are read back from the bottom.
 QMatrix4x4 Projection(float height, float aspect, float back) {
@@ -25,8 +25,8 @@ QMatrix4x4 Projection(float height, float aspect, float back) {
   return projection;
 }
 
-/// What is small lies in front of what is large: what it hides needn't be shaded. Paint covers pixels in
-/// part, so the ground under it comes first.
+/// Small meshes lie in front of large ones, and what they hide needn't be shaded. Paint is blended, so the
+/// ground under it comes first.
 auto DrawingOrder(const Item &item) {
   const bool place = !item.Ground && item.Box.Extent() > LargestThing;
   return std::tuple(place, item.Ground, item.Ground && item.Mesh->IsPaint(**item.Where.Mesh),
@@ -90,14 +90,14 @@ bool Painter::Paint(std::span<const Placed> placed, const Direct3DRMFrame3 &came
   return target_->Read(picture);
 }
 
-/// Draws what moves, or what is still.
+/// Draws the items that move, or those that are still.
 void Painter::Draw(std::span<const Item> items, std::span<const Item> grounds, bool moving) {
   bound_ = nullptr;
   gl_.glActiveTexture(GL_TEXTURE1);
   gl_.glBindTexture(GL_TEXTURE_2D, shadows_.Map());
   gl_.glActiveTexture(GL_TEXTURE0);
   gl_.glDepthFunc(GL_LESS);
-  gl_.glEnable(GL_CULL_FACE); // faces show their front only, which is clockwise; the picture is upside down
+  gl_.glEnable(GL_CULL_FACE); // front faces are clockwise, and the frame is upside down
   gl_.glFrontFace(GL_CCW);
   bool groundDrawn = false;
   for (const Item &item : items) {
@@ -118,7 +118,7 @@ void Painter::DrawGrounds(std::span<const Item> grounds, bool moving) {
       if (ground.Moves == moving) DrawItem(ground, taps);
     }
   };
-  // First where shadows can lie. The second time those pixels are taken, and the rest is filled.
+  // Shadow regions first. The depth test then keeps the second pass out of them.
   gl_.glEnable(GL_SCISSOR_TEST);
   for (const ShadowRegion &region : shadows_.Regions()) {
     const auto covered = Covered(region.Ground, toClip_, target_->Size());
@@ -156,7 +156,7 @@ void Painter::DrawItem(const Item &item, int taps) {
   if (paint) gl_.glDisable(GL_BLEND);
 }
 
-/// The program for surfaces of one kind: a test that never changes isn't made at every fragment.
+/// The shader variant for a kind of surface, so that no fragment tests what never changes.
 QOpenGLShaderProgram &Painter::SurfaceProgram(const SurfaceKind &kind) {
   auto &program = surfaces_[kind];
   if (!program) {
@@ -170,7 +170,7 @@ QOpenGLShaderProgram &Painter::SurfaceProgram(const SurfaceKind &kind) {
   return *program;
 }
 
-/// What is the same for every mesh of a picture.
+/// Sets the uniforms that are the same for every mesh of a frame.
 void Painter::SetScene(QOpenGLShaderProgram &surface) {
   const Vector key = KeyLight();
   const QSize size = target_->Size();

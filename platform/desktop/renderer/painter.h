@@ -1,6 +1,6 @@
 #pragma once
 
-// Draws the meshes of a graph, from the nearest thing to the farthest place, with shadows on the ground.
+// Draws the meshes of a graph front to back, with shadows on the ground.
 
 #include "platform/desktop/renderer/backdrop.h"
 #include "platform/desktop/renderer/frame_buffer.h"
@@ -14,41 +14,41 @@
 #include <memory>
 #include <span>
 
-/// What a level of quality gives.
+/// The settings of a quality level.
 struct PaintQuality {
-  int Samples;      ///< of a pixel, 0 for one
+  int Samples;      ///< per pixel, 0 for one
   int ShadowSize;   ///< pixels of the shadow map's sides
-  int ShadowTaps;   ///< looks at the shadow map for what lies around a pixel
-  float Anisotropy; ///< of textures; below 1 not even two of their sizes are mixed
+  int ShadowTaps;   ///< samples of the shadow map for a shadow's halo
+  float Anisotropy; ///< of textures; below 1 mip-maps aren't blended either
 };
 
 class Painter {
 public:
-  /// @param lens  frames every picture; outlives the painter
+  /// @param lens  chooses the view of every frame; outlives the painter
   Painter(Gl &gl, const PaintQuality &quality, Lens &lens);
   ~Painter();
   Painter(const Painter &) = delete;
   Painter &operator=(const Painter &) = delete;
 
-  /// @param camera  where it stands; the lens chooses what it shows
+  /// @param camera  its place; the lens chooses the view
   /// @param back    distance of the far clipping plane, scene units
   /// @param picture is drawn into, Format_RGB32; holds the last picture
   /// @return whether anything has changed
   bool Paint(std::span<const Placed> placed, const Direct3DRMFrame3 &camera, float back, QImage &picture);
 
-  /// The next picture is drawn as a whole.
+  /// Redraws everything in the next frame.
   void Forget() { motion_.Forget(); }
 
 private:
   void Draw(std::span<const Item> items, std::span<const Item> grounds, bool moving);
   void DrawGrounds(std::span<const Item> grounds, bool moving);
   void DrawItem(const Item &item, int taps);
-  /// What a shading program for surfaces is made for.
+  /// The variants of the surface shader.
   struct SurfaceKind {
-    int ShadowTaps; ///< looks for a shadow's halo; 0 where none can lie
-    bool Pictured;  ///< with a texture
+    int ShadowTaps; ///< samples for a shadow's halo; 0 where there is no shadow
+    bool Pictured;  ///< has a texture
     bool Paint;     ///< strokes of paint on the ground
-    bool Specular;  ///< gleams in the key light
+    bool Specular;  ///< has highlights
     auto operator<=>(const SurfaceKind &) const = default;
   };
   QOpenGLShaderProgram &SurfaceProgram(const SurfaceKind &kind);
@@ -65,7 +65,7 @@ private:
   std::map<SurfaceKind, std::unique_ptr<QOpenGLShaderProgram>> surfaces_;
   QOpenGLShaderProgram *bound_ = nullptr;
   QMatrix4x4 toClip_;
-  QMatrix4x4 shown_; ///< the same, or the clip space of the part of the picture that is drawn now
+  QMatrix4x4 shown_; ///< the same, or narrowed to the part of the frame being drawn
   QVector3D camera_;
-  float softness_ = 0, halo_ = 0; ///< of the shadows that are drawn now, in parts of the map
+  float softness_ = 0, halo_ = 0; ///< of the current shadow region, as shares of the map
 };

@@ -60,10 +60,10 @@ bool Outside(const Bounds &box, const QMatrix4x4 &toClip) {
   for (int corner = 0; corner < 8; ++corner) {
     const Vector v = box.Corner(corner);
     const QVector4D p = toClip * QVector4D(v.x, v.y, v.z, 1.0f);
-    const float parts[] = {p.x(), p.y(), p.z()};
+    const float coordinates[] = {p.x(), p.y(), p.z()};
     for (int axis = 0; axis < 3; ++axis) {
-      if (parts[axis] < -p.w()) ++beyond[2 * axis];
-      if (parts[axis] > p.w()) ++beyond[2 * axis + 1];
+      if (coordinates[axis] < -p.w()) ++beyond[2 * axis];
+      if (coordinates[axis] > p.w()) ++beyond[2 * axis + 1];
     }
   }
   return std::ranges::find(beyond, 8) != std::end(beyond);

@@ -1,6 +1,6 @@
 #pragma once
 
-// The meshes of a graph, each where it hangs.
+// The meshes of a graph with their transforms in the scene.
 
 #include "scene/graph/frame.h"
 
@@ -10,10 +10,10 @@
 #include <optional>
 #include <vector>
 
-constexpr float NearPlane = 1.0f; ///< scene units from the camera to the nearest that shows
+constexpr float NearPlane = 1.0f; ///< distance of the near clipping plane, scene units
 
-constexpr float LargestThing = 60.0f;   ///< scene units: a mesh of a larger extent is a place
-constexpr float LargestGround = 260.0f; ///< and of a yet larger one no ground to stand on
+constexpr float LargestThing = 60.0f;   ///< scene units: a larger mesh is scenery
+constexpr float LargestGround = 260.0f; ///< scene units: a larger mesh isn't ground
 
 /// A box around vertices.
 struct Bounds {
@@ -25,7 +25,7 @@ struct Bounds {
   float Extent() const;            ///< its longest side
 };
 
-/// One mesh where it hangs.
+/// A mesh with its transform.
 struct Placed {
   const Ref<Direct3DRMMeshBuilder3> *Mesh;
   const Direct3DRMFrame3 *Frame;
@@ -33,23 +33,23 @@ struct Placed {
   QMatrix4x4 ToWorld;
 };
 
-/// Everything that hangs under a frame.
+/// Every mesh below a frame.
 std::vector<Placed> Collect(const Direct3DRMFrame3 &frame);
 
 QMatrix4x4 MatrixOf(const Transform &t);
 
-/// A box around a box that is moved and turned.
+/// The bounding box of a transformed box.
 Bounds Moved(const Bounds &box, const Transform &t);
 
-/// Whether the box of a mesh, in its own frame, is flat and wide as the table is: no thing, and no place as
-/// large as the stadium.
+/// Whether a mesh is flat and wide like the table, neither a small thing nor as large as the stadium.
+/// @param box  of the mesh, in its own frame
 bool IsWide(const Bounds &box);
 
-/// Whether a box lies outside what shows: all of its corners beyond one plane.
+/// Whether a box lies outside the view: all of its corners beyond one clipping plane.
 bool Outside(const Bounds &box, const QMatrix4x4 &toClip);
 
-/// The pixels of a picture that a box covers at most; none if it lies outside.
+/// The pixels that bound a box in a frame of `size`; none if it lies outside the view.
 std::optional<QRect> Covered(const Bounds &box, const QMatrix4x4 &toClip, QSize size);
 
-/// From the clip space of a picture to that of a part of it.
+/// From the clip space of a frame to that of a part of it.
 QMatrix4x4 ToPart(const QRect &part, QSize whole);

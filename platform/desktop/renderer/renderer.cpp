@@ -18,9 +18,10 @@ namespace {
 constexpr PaintQuality FullPaint{.Samples = 4, .ShadowSize = 2048, .ShadowTaps = 8, .Anisotropy = 8.0f};
 constexpr PaintQuality LowPaint{.Samples = 0, .ShadowSize = 1024, .ShadowTaps = 4, .Anisotropy = 0.0f};
 
-constexpr std::size_t MeasuredPictures = 8;
-constexpr double SlowPicture = 8.0;  ///< ms: a middle picture dearer than this chooses the low level
-constexpr double QuickPicture = 2.0; ///< ms: a low one up to this chooses full, at about three times its cost
+constexpr std::size_t MeasuredFrames = 8;
+constexpr double SlowFrame = 8.0; ///< ms: a higher median chooses the low level
+constexpr double QuickFrame =
+    2.0; ///< ms: a median up to this at the low level chooses full, which costs three times as much
 
 } // namespace
 
@@ -41,7 +42,7 @@ public:
 
   bool Draw(const RMCanvas &canvas, QSize size) {
     if (size.isEmpty()) return false;
-    if (lens_.Settled() && picture_.size() == size && canvas.RootObject->Revision() == drawnRevision_ &&
+    if (lens_.Settled() && frame_.size() == size && canvas.RootObject->Revision() == drawnRevision_ &&
         drawnRoot_ == canvas.RootObject) {
       return false;
     }
@@ -52,22 +53,22 @@ public:
     timer.start();
     const std::clock_t processor = std::clock();
     if (!context_.makeCurrent(&surface_)) throw RendererError("the OpenGL context has been lost");
-    if (picture_.size() != size) picture_ = QImage(size, QImage::Format_RGB32);
-    if (Measuring()) painter_->Forget(); // a part of a picture would tell nothing
+    if (frame_.size() != size) frame_ = QImage(size, QImage::Format_RGB32);
+    if (Measuring()) painter_->Forget(); // the cost of a partial redraw says little
     if (!painter_->Paint(Collect(*canvas.SceneFrame), *canvas.CameraFrame, canvas.Viewport->GetBack(),
-                         picture_)) {
+                         frame_)) {
       return false;
     }
-    ++pictures_;
-    if (pictures_ == 1) ForgetFiles();                 // everything has been uploaded
-    if (pictures_ == MeasuredPictures) malloc_trim(0); // the driver has compiled most of its programs
-    // On many cores a picture can be quick and still take more of them than a game on a desk should.
+    ++frames_;
+    if (frames_ == 1) ForgetFiles();               // all of them are uploaded
+    if (frames_ == MeasuredFrames) malloc_trim(0); // of the driver's shader compiler, mostly
+    // A quick frame may still keep many cores busy, so processor time counts too.
     Measure(std::max(static_cast<double>(timer.nsecsElapsed()) / 1e6,
                      static_cast<double>(std::clock() - processor) * 1e3 / CLOCKS_PER_SEC));
     return true;
   }
 
-  const QImage &Picture() const { return picture_; }
+  const QImage &Frame() const { return frame_; }
   Quality Level() const { return level_; }
 
 private:
@@ -97,7 +98,7 @@ private:
     return paint;
   }
 
-  /// Without a graphics card anisotropy is offered too, but makes a picture many times as dear.
+  /// Software OpenGL offers anisotropy too, at many times the cost.
   bool DrawsInSoftware() {
     const auto *name = reinterpret_cast<const char *>(gl_->glGetString(GL_RENDERER));
     if (!name) return false;
@@ -109,15 +110,15 @@ private:
 
   bool Measuring() const { return asked_ == Quality::Measured && !chosen_; }
 
-  /// Chooses the level by the first pictures. The very first uploads everything, so it doesn't count.
+  /// Chooses the level from the first frames, except the very first, which uploads everything.
   void Measure(double milliseconds) {
-    if (!Measuring() || pictures_ == 1) return;
+    if (!Measuring() || frames_ == 1) return;
     measured_.push_back(milliseconds);
-    if (measured_.size() < MeasuredPictures) return;
+    if (measured_.size() < MeasuredFrames) return;
     chosen_ = true;
     std::ranges::sort(measured_);
-    const double middle = measured_[measured_.size() / 2];
-    if (level_ == Quality::Full ? middle <= SlowPicture : middle > QuickPicture) return;
+    const double median = measured_[measured_.size() / 2];
+    if (level_ == Quality::Full ? median <= SlowFrame : median > QuickFrame) return;
     level_ = level_ == Quality::Full ? Quality::Low : Quality::Full;
     painter_.reset();
     painter_ = std::make_unique<Painter>(*gl_, Paint(), lens_);
@@ -130,11 +131,11 @@ private:
   Gl *gl_ = nullptr;
   Lens lens_;
   std::unique_ptr<Painter> painter_;
-  QImage picture_;
+  QImage frame_;
 
-  std::size_t pictures_ = 0;
+  std::size_t frames_ = 0;
   bool chosen_ = false;
-  std::vector<double> measured_; ///< ms of the first pictures, wall or processor, whichever is more
+  std::vector<double> measured_; ///< ms of each frame, wall or processor time, whichever is longer
 
   Ref<Direct3DRM3> drawnRoot_;
   std::uint64_t drawnRevision_ = 0;
@@ -145,5 +146,5 @@ Renderer::~Renderer() = default;
 bool Renderer::Draw(const RMCanvas &canvas, QSize devicePixels) {
   return drawing_->Draw(canvas, devicePixels);
 }
-const QImage &Renderer::Picture() const { return drawing_->Picture(); }
+const QImage &Renderer::Frame() const { return drawing_->Frame(); }
 Quality Renderer::Level() const { return drawing_->Level(); }

@@ -1,8 +1,7 @@
 #pragma once
 
-// Draws a scene graph with OpenGL 3.3 core into a picture of its own. Drawing off the screen keeps it
-// synchronous and repeatable: the same scene gives the same picture to the bit, and the window stays a plain
-// one.
+// Draws a scene graph off the screen with OpenGL 3.3 core. That is synchronous and repeatable: the same scene
+// gives the same frame to the bit, and the window needs no OpenGL.
 
 #include "scene/graph/rm_canvas.h"
 
@@ -12,16 +11,16 @@
 #include <memory>
 #include <stdexcept>
 
-/// The computer has no OpenGL that the scene can be drawn with; says what is missing.
+/// The computer lacks the OpenGL that the game needs; says what is missing.
 class RendererError : public std::runtime_error {
 public:
   using std::runtime_error::runtime_error;
 };
 
 enum class Quality {
-  Measured, ///< begins as the kind of computer suggests, and changes over if the first pictures say so
-  Full,     ///< four samples a pixel, soft shadows, sharp textures at flat angles
-  Low       ///< one sample a pixel with smoothed edges, small shadows
+  Measured, ///< chosen from the kind of computer and the cost of the first frames
+  Full,     ///< four samples a pixel, soft shadows, anisotropic textures
+  Low       ///< one sample a pixel with smoothed edges, a smaller shadow map
 };
 
 class Renderer {
@@ -32,12 +31,12 @@ public:
   Renderer(const Renderer &) = delete;
   Renderer &operator=(const Renderer &) = delete;
 
-  /// Draws the graph of this canvas, unless nothing that shows has changed since the last picture. Returns
-  /// whether `Picture` is new.
+  /// Draws the graph of this canvas unless it looks as in the last frame.
+  /// @return whether `Frame` is new
   bool Draw(const RMCanvas &canvas, QSize devicePixels);
 
-  /// The picture drawn last; valid until the next `Draw`.
-  const QImage &Picture() const;
+  /// The last frame; valid until the next `Draw`.
+  const QImage &Frame() const;
 
   /// The level in use: `Full` or `Low`.
   Quality Level() const;

@@ -1,10 +1,10 @@
 #pragma once
 
-// The shading programs. What a computer without a graphics card would have to do at every fragment is done at
-// the vertices, and what doesn't change from picture to picture isn't done here at all.
+// The shaders. Software OpenGL must be quick too, so most work is done per vertex, and what doesn't change
+// from frame to frame is computed on the processor.
 //
-// Colours are worked with as they are stored, that is with a gamma of 2. Light times texture needs no
-// conversion then: the root of a product is the product of the roots.
+// Colours keep their stored gamma of 2. Light times texture needs no conversion: the root of a product is the
+// product of the roots.
 
 #include <QOpenGLShaderProgram>
 
@@ -14,13 +14,13 @@
 /// @throws RendererError  with what the driver says
 void BuildProgram(QOpenGLShaderProgram &program, const std::string &vertex, const std::string &fragment);
 
-// PAINT is defined in front of both: 1 for strokes on the ground. One that is thinner than a pixel is drawn a
-// pixel thick, and covers as much of it as it is thick: its pixels would come and go along its way otherwise.
+// PAINT is 1 for strokes on the ground. A stroke thinner than a pixel would break up, so it is drawn a pixel
+// thick, with a coverage equal to its real thickness.
 inline constexpr const char *SurfaceVertexShader = R"(
 layout(location = 0) in vec3 position;
 layout(location = 1) in vec3 normal;
 layout(location = 2) in vec2 coordinate;
-layout(location = 3) in vec4 shade; // in the shadow; its fourth part: how much of the texture shows
+layout(location = 3) in vec4 shade; // in shadow; a: weight of the texture
 layout(location = 4) in vec3 lit;   // in the key light
 out vec3 litLight;
 out float fog;
@@ -44,7 +44,7 @@ uniform vec3 camera;
 uniform vec3 keyDirection;
 uniform vec3 specular;
 uniform float fogDensity;
-// A surface that takes shadows is drawn by two programs, each where the other has left room.
+// Two variants draw a surface that receives shadows, and their depths must agree.
 invariant gl_Position;
 const float Sharpness = 24.0;
 void main() {
@@ -78,20 +78,20 @@ void main() {
     vec2 thick = otherSide.xy / otherSide.w * halfPicture - here;
     vec2 along = normalize(ahead.xy / ahead.w * halfPicture - here);
     coverage = clamp(abs(thick.x * along.y - thick.y * along.x), 0.05, 1.0);
-    // Widened on the ground, so that it stays before what lies under it.
+    // Widened along the ground, so that it stays above what lies under it.
     gl_Position -= toClip * vec4(way, 0.0) * (0.5 / coverage - 0.5);
   }
 #endif
 }
 )";
 
-// SHADOW_TAPS is defined in front of it, the number of looks for the halo of a shadow; 0, the surface takes
-// none. PICTURED is 1 for a surface with a texture.
+// SHADOW_TAPS is the number of samples for a shadow's halo, 0 without shadows. PICTURED is 1 for a surface
+// with a texture, SPECULAR for one with highlights.
 inline constexpr const char *SurfaceFragmentShader = R"(
 uniform sampler2D picture;
 uniform sampler2DShadow shadows;
-uniform float softness; // radius of a shadow's soft edge, in parts of the map
-uniform float halo;     // radius up to which a thing keeps light from the ground around it
+uniform float softness; // radius of the penumbra, as a share of the map
+uniform float halo;     // radius of the ambient occlusion, as a share of the map
 uniform vec3 fogColor;
 in vec3 litLight;
 in float fog;
@@ -116,7 +116,7 @@ float Lit() {
 #else
   float core = Look(vec2(0.0));
 #endif
-  // Looks on a spiral, each at the golden angle from the last.
+  // Samples on a spiral, at steps of the golden angle.
   const mat2 turn = mat2(-0.737369, 0.675490, -0.675490, -0.737369);
   vec2 way = vec2(halo, 0.0);
   float around = 0.0;
@@ -155,11 +155,11 @@ inline constexpr const char *ShadowFragmentShader = R"(#version 330 core
 void main() {}
 )";
 
-// What shows where nothing stands: it is drawn last and lies behind everything.
+// The background, drawn last at the far plane.
 inline constexpr const char *BackdropVertexShader = R"(#version 330 core
 layout(location = 0) in vec3 direction;
 layout(location = 1) in vec3 color;
-uniform mat4 toClip; // without the camera's place
+uniform mat4 toClip; // its translation is ignored
 out vec3 glow;
 void main() {
   glow = color;

@@ -7,10 +7,10 @@
 
 namespace {
 
-constexpr float Reach = 118.0f;  ///< scene units from the middle that the map covers
-constexpr float Height = 120.0f; ///< of what throws shadows
+constexpr float Reach = 118.0f;  ///< scene units from the middle to the border of the map
+constexpr float Height = 120.0f; ///< scene units: highest caster
 
-constexpr float Softness = 0.22f; ///< scene units, of a thing on the ground
+constexpr float Softness = 0.22f; ///< scene units, of a mesh on the ground
 constexpr float SoftnessPerRise = 0.022f;
 constexpr float LargestSoftness = 1.6f;
 constexpr float Halo = 1.5f;
@@ -29,7 +29,7 @@ QMatrix4x4 ToLight() {
   return scale * turn;
 }
 
-/// Where the shadow of a box falls on a level ground.
+/// The bounds of a box's shadow on level ground.
 Bounds Fallen(const Bounds &box, float ground) {
   const Vector key = KeyLight();
   const auto fallen = [&](int number) {
@@ -47,16 +47,6 @@ bool Overlap(const Bounds &a, const Bounds &b) {
 }
 
 } // namespace
-
-void MarkGround(std::span<Item> items) {
-  for (Item &item : items) {
-    const auto carries = [&](const Item &each) {
-      return IsWide(each.Mesh->Box()) && each.Where.Frame == item.Where.Frame;
-    };
-    item.Ground = IsWide(item.Mesh->Box()) ||
-                  (item.Box.Extent() <= LargestThing && std::ranges::any_of(items, carries));
-  }
-}
 
 Shadows::Shadows(Gl &gl, int size) : gl_(gl), size_(size) {
   BuildProgram(program_, ShadowVertexShader, ShadowFragmentShader);
@@ -137,7 +127,7 @@ void Shadows::DrawMap(const std::vector<Caster> &casters) {
   used_.clear();
   for (const ShadowRegion &region : regions_) used_.push_back(InPixels(region.Ground));
 
-  gl_.glEnable(GL_DEPTH_CLAMP); // a thing above the light's own place throws its shadow too
+  gl_.glEnable(GL_DEPTH_CLAMP); // casters beyond the near plane count too
   gl_.glDepthFunc(GL_LESS);
   program_.bind();
   const QMatrix4x4 toLight = ToLight();

@@ -1,10 +1,9 @@
 #pragma once
 
-// Shadows on the ground: the depths that the key light sees, and the regions of the ground in which a shadow
-// can lie. Only those are looked up, so that shadows cost what they cover.
+// A shadow map of the key light, and the regions of the ground that shadows can reach. Only these sample the
+// map, so the cost grows with the area in shadow.
 
-#include "platform/desktop/renderer/gpu_mesh.h"
-#include "platform/desktop/renderer/placed.h"
+#include "platform/desktop/renderer/item.h"
 
 #include <QOpenGLShaderProgram>
 #include <QRect>
@@ -12,20 +11,11 @@
 #include <span>
 #include <vector>
 
-/// A mesh of a picture with what is on the graphics card of it.
-struct Item {
-  Placed Where;
-  GpuMesh *Mesh;
-  Bounds Box;          ///< in the scene
-  bool Ground = false; ///< takes shadows
-  bool Moves = true;   ///< while the camera rests
-};
-
-/// Where on the ground the shadow of one thing lies.
+/// The region of the ground that one mesh can shade.
 struct ShadowRegion {
   Bounds Ground;  ///< in the scene
-  float Softness; ///< radius of the soft edge, scene units: a thing's shadow blurs as it rises
-  float Halo;     ///< radius of the dimness around the shadow
+  float Softness; ///< radius of the penumbra, scene units; grows with the height of the mesh
+  float Halo;     ///< radius of the ambient occlusion around the shadow, scene units
 };
 
 class Shadows {
@@ -37,8 +27,8 @@ public:
   Shadows(const Shadows &) = delete;
   Shadows &operator=(const Shadows &) = delete;
 
-  /// Finds what throws shadows on these grounds, and draws the map again if any of it has moved.
-  /// Returns whether it has.
+  /// Finds the meshes that cast shadows on these grounds, and redraws the map if one has moved.
+  /// @return whether one has
   bool Update(std::span<const Item> items, std::span<const Item> grounds);
 
   std::span<const ShadowRegion> Regions() const { return regions_; }
@@ -46,7 +36,7 @@ public:
 
   /// From the scene into the map, 0 to 1.
   static QMatrix4x4 ToMap();
-  /// A length of the scene in parts of the map.
+  /// A length in the scene as a share of the map.
   static float InMap(float length);
 
 private:
@@ -65,8 +55,5 @@ private:
   QOpenGLShaderProgram program_;
   std::vector<ShadowRegion> regions_;
   std::vector<Caster> drawn_;
-  std::vector<QRect> used_; ///< parts of the map that hold more than the greatest depth
+  std::vector<QRect> used_; ///< parts of the map that aren't clear
 };
-
-/// Marks what is wide, and what lies on it in the same frame.
-void MarkGround(std::span<Item> items);
