@@ -298,7 +298,7 @@ TEST(AimTest, LosingTheKeyboardPutsTheMeterToRestWithoutAShot) {
   EXPECT_EQ(game.window.Shots, 3) << "the release belongs to an earlier press";
   game.machine.After(200, [&] { game.machine.LoseFocus(); });
   game.Shoot(3);
-  EXPECT_EQ(game.window.Shots, 2) << "play goes on";
+  EXPECT_EQ(game.window.Shots, 2) << "play continues";
   EXPECT_NEAR(game.Place(game.window.PieceFrame).z, 85.0f - 9.84f, 0.005f) << "the flight continues";
 }
 

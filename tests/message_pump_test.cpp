@@ -145,7 +145,7 @@ TEST(MessagePumpTest, ACardThatComesLateFiresNoShot) {
     EXPECT_EQ(game.window.Shots, 3);
     if (row.held) game.machine.ReleaseMouse(row.button);
     game.Shoot(3);
-    EXPECT_EQ(game.window.Shots, 2) << "play goes on";
+    EXPECT_EQ(game.window.Shots, 2) << "play continues";
     EXPECT_EQ(game.play->Sent, std::vector<std::string>{"Flick"});
   }
 }
@@ -423,7 +423,7 @@ TEST(MessagePumpTest, InThisSidesTurnTheOtherHasNoShotAndNoResult) {
     game.Receive(fields);
     game.Frames(3);
     EXPECT_EQ(game.window.DroppedMessages, 1);
-    EXPECT_EQ(game.window.MouseMode, 1) << "the meter goes on charging";
+    EXPECT_EQ(game.window.MouseMode, 1) << "the meter continues to charge";
     EXPECT_EQ(game.window.ProgressBar1.Value, 40.0f);
     EXPECT_EQ(game.window.Shots, 3);
     EXPECT_EQ(game.Place(game.window.PieceFrame), (Vector{0, 0, 85}));
