@@ -6,6 +6,6 @@ constexpr float MeterRise = 8.0f;       ///< of the meter, a frame
 constexpr float MeterLimit = 100.0f;    ///< strictly above it the shot fires by itself
 constexpr float StrongestAimed = 96.0f; ///< highest value of the meter within the limit
 
-// An overcharged shot has a power of its own, whatever the meter says.
+// An overcharged shot has a fixed power, independent of the meter.
 constexpr float OverchargedFlick = 120.0f; ///< the strongest shot there is
 constexpr float OverchargedKick = 30.0f;   ///< so weak that it falls short

@@ -6,16 +6,16 @@
 #include <array>
 #include <string_view>
 
-/// What makes one level differ from another.
+/// A level scales the random errors of the computer's plan and changes nothing else.
 struct SkillLevel {
-  std::string_view Name; ///< as the player reads it
-  float HeadingErrors;   ///< factor on the random errors of heading
-  float ForceErrors;     ///< factor on the random errors of force
+  std::string_view Name; ///< as displayed
+  float HeadingErrors;   ///< factor of the heading errors
+  float ForceErrors;     ///< factor of the force errors
   bool operator==(const SkillLevel &) const = default;
 };
 
-// Hard aims far straighter. Its force varies a little more than Medium's, not less: the plan without any
-// error ends just over the edge, so that smaller errors of force cost points.
+// Hard aims much better than Medium, but its force errors are slightly larger. Without any error the plan
+// ends just past the edge, so smaller force errors would cost points.
 inline constexpr std::array SkillLevels{
     SkillLevel{"Easy", 2.0f, 2.0f},
     SkillLevel{"Medium", 1.0f, 1.0f},

@@ -1,5 +1,6 @@
 // Incoming messages during a match. A shot is replayed from its inputs, and only the end of the replay hands
-// over the turn. Each call takes one message, and calls may be nested inside a replay.
+// over the turn. A field goal is replayed too, but only the kicker judges it: "RESULT" brings the card, and
+// "Score" the point. Each call takes one message, and calls may be nested inside a replay.
 
 #include "match/frm_snapwedge.h"
 #include "match/results.h"

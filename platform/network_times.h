@@ -1,6 +1,7 @@
 #pragma once
 
-// Every time-out and interval of the network, ms. docs/protocol.md explains those of the protocol.
+// Every time-out and interval of the network, ms. docs/protocol.md explains those of the protocol. The pauses
+// of a match are in match/match_loop.cpp.
 
 #include <cstdint>
 

@@ -102,7 +102,7 @@ bool SearchDialog::ShowSearching(const std::string &what) {
   Text1.Enabled = false;
   Command1.Enabled = false;
   Command2.Caption = "Cancel";
-  Label2.Announced = !Label2.Caption.starts_with(what); // one dot more is no news
+  Label2.Announced = !Label2.Caption.starts_with(what); // don't announce every dot
   Label2.Caption = what + " ." + std::string(dots, '.');
   return answer_ != Answer::GiveUp;
 }

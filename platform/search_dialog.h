@@ -8,8 +8,8 @@
 
 class SearchDialog : public Window, public SearchPrompt {
 public:
-  /// Puts the dialog up; its end takes it down.
-  /// @param host  what stands in the text box at first
+  /// Shows the dialog; its destructor hides it.
+  /// @param host  initial text of the text box
   SearchDialog(Machine &machine, const std::string &host);
   ~SearchDialog() override { machine_.Hide(*this); }
 
@@ -33,5 +33,5 @@ private:
   Answer answer_ = Answer::None;
 };
 
-/// A `MakeSearchPrompt`.
+/// Shows a `SearchDialog`. A `MakeSearchPrompt`.
 std::unique_ptr<SearchPrompt> ShowSearchDialog(Machine &machine, const std::string &host);

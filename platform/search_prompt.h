@@ -1,6 +1,6 @@
 #pragma once
 
-// What a search for sessions asks the player, whatever shows it.
+// How a search for sessions asks the player where to search and reports its progress and result.
 
 #include <functional>
 #include <memory>
@@ -9,7 +9,7 @@
 
 class Machine;
 
-/// Why a search found nobody. When there are several reasons, the last in this order is told.
+/// Why a search found nobody. If several reasons apply, the last in this order is shown.
 enum class NobodyFound {
   NoPlace,       ///< the entry is neither a name nor an address
   UnknownName,   ///< the name doesn't resolve
@@ -29,12 +29,12 @@ public:
   /// Shows the progress of a running search. Returns false once the player has cancelled it.
   virtual bool ShowSearching(const std::string &what) = 0;
 
-  /// Tells why nobody was found. The next `Ask` lets the player correct the entry and try again.
+  /// Shows why nobody was found. The next `Ask` lets the player correct the entry and try again.
   /// @param port  the port that the host has to open
   virtual void ShowNobodyFound(NobodyFound why, int port) = 0;
 };
 
-/// Puts a prompt up; its end takes it down.
-/// @param host  the entry to begin with
+/// Shows a prompt; its destructor hides it.
+/// @param host  initial entry
 using MakeSearchPrompt =
     std::function<std::unique_ptr<SearchPrompt>(Machine &machine, const std::string &host)>;

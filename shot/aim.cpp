@@ -178,7 +178,7 @@ void frmSnapwedge::ResetMeter() {
 
 void frmSnapwedge::ReleaseButtons() {
   IgnoredButtons = LeftButton | RightButton;
-  if (NoShot) return; // a running shot goes on
+  if (NoShot) return; // a running shot continues
   MouseMode = 0;
   if (ShotPending) ResetMeter();
 }

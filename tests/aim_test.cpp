@@ -201,8 +201,9 @@ TEST(AimTest, ShiftZoomsAlongTheViewAndLetsGo) {
   EXPECT_EQ(game.window.ProgressBar1.Value, 8.0f);
 }
 
-/// Plays with a mouse that moves whenever `moves` says so. Whoever aims next must see nothing of it.
-void PlayWithARestlessMouse(Game &game, const std::function<bool()> &moves,
+/// Runs `play` and moves the mouse at every pump at which `moves` is true. The motion must not turn the next
+/// aim.
+void PlayWhileTheMouseMoves(Game &game, const std::function<bool()> &moves,
                             const std::function<void()> &play) {
   int moved = 0;
   game.machine.Player = [&] {
@@ -217,14 +218,14 @@ void PlayWithARestlessMouse(Game &game, const std::function<bool()> &moves,
   EXPECT_EQ(Heading(game), 0.0f);
 }
 
-TEST(AimTest, WhatTheMouseDoesWhileNobodyAimsIsForgotten) {
+TEST(AimTest, MotionOfTheMouseIsDiscardedWhileNobodyAims) {
   const auto underCard = [](Game &game) { return game.window.AnyPictures() != False; };
   {
     SCOPED_TRACE("in a fall");
     Game game;
     game.SetUp();
     game.PutPiece(0, -80, 3);
-    PlayWithARestlessMouse(
+    PlayWhileTheMouseMoves(
         game, [&] { return game.Place(game.window.PieceFrame).y < 0.0f && !underCard(game); },
         [&] { game.Flick(60); });
   }
@@ -232,7 +233,7 @@ TEST(AimTest, WhatTheMouseDoesWhileNobodyAimsIsForgotten) {
     SCOPED_TRACE("in the frame of a shot that fires by itself");
     Game game;
     game.SetUp();
-    PlayWithARestlessMouse(
+    PlayWhileTheMouseMoves(
         game, [&] { return game.window.Force == 96.0f && !game.window.NoShot; },
         [&] {
           game.machine.PressMouse(1);
@@ -251,7 +252,7 @@ TEST(AimTest, WhatTheMouseDoesWhileNobodyAimsIsForgotten) {
       game.machine.PressMouse(1);
       game.machine.After(150, [&] { game.machine.ReleaseMouse(1); });
     };
-    PlayWithARestlessMouse(
+    PlayWhileTheMouseMoves(
         game, [&] { return game.window.KickMode && game.window.NoShot && !underCard(game); },
         [&] { game.Flick(0); });
   }
@@ -264,7 +265,7 @@ TEST(AimTest, WhatTheMouseDoesWhileNobodyAimsIsForgotten) {
     game.window.CheckRay();
     game.window.ArrowFrame->DeleteVisual(game.window.ArrowMesh); // as at the end of a flick
     std::int16_t side = 2;
-    PlayWithARestlessMouse(
+    PlayWhileTheMouseMoves(
         game, [&] { return game.window.KickMode; }, [&] { game.window.CheckScore(side); });
   }
   {
@@ -274,7 +275,7 @@ TEST(AimTest, WhatTheMouseDoesWhileNobodyAimsIsForgotten) {
     game.window.PieceSurface = "Table";
     game.Receive(Shot("Flick", 0, -87));
     game.ReceiveIn(2000, Shot("Goal", 96));
-    PlayWithARestlessMouse(
+    PlayWhileTheMouseMoves(
         game, [&] { return game.window.KickMode; }, [&] { game.Frames(1); });
   }
 }
@@ -297,7 +298,7 @@ TEST(AimTest, LosingTheKeyboardPutsTheMeterToRestWithoutAShot) {
   EXPECT_EQ(game.window.Shots, 3) << "the release belongs to an earlier press";
   game.machine.After(200, [&] { game.machine.LoseFocus(); });
   game.Shoot(3);
-  EXPECT_EQ(game.window.Shots, 2) << "play goes on";
+  EXPECT_EQ(game.window.Shots, 2) << "play continues";
   EXPECT_NEAR(game.Place(game.window.PieceFrame).z, 85.0f - 9.84f, 0.005f) << "the flight continues";
 }
 

@@ -55,7 +55,7 @@ TEST(SoundsTest, EverySoundHasItsLengthAndItsLevel) {
   for (const SoundFile &sound : SoundFiles) {
     SCOPED_TRACE(sound.Name);
     const auto *const found = std::ranges::find(Rows, std::string(sound.Name), &Row::file);
-    ASSERT_NE(found, std::end(Rows)) << "its length and level are settled nowhere";
+    ASSERT_NE(found, std::end(Rows)) << "it has no row with its length and level";
     const Row &row = *found;
     const std::vector<double> samples = Read(row.file);
     ASSERT_FALSE(samples.empty());

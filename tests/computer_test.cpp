@@ -41,7 +41,8 @@ TEST(ComputerTest, ThePlanStaysInItsRangesAndUsesAllOfThem) {
   }
 }
 
-/// Plays possessions of the computer on a level, each with a seed of its own. Returns the computer's points.
+/// Plays possessions of the computer, each with its own seed, and counts the cards. Returns the computer's
+/// points.
 int PlayPossessions(const SkillLevel &skill, std::uint32_t count, std::map<std::int16_t, int> &cards) {
   int points = 0;
   for (std::uint32_t seed = 1; seed <= count; ++seed) {
@@ -75,9 +76,9 @@ TEST(ComputerTest, EveryPossessionEndsAndAHigherLevelScoresMore) {
     const int points = PlayPossessions(skill, Possessions, cards);
     EXPECT_GT(points, lower);
     lower = points;
-    EXPECT_GT(cards[3], 0) << "it scores";
-    EXPECT_GT(cards[4] + cards[6] + cards[7], 0) << "it fails";
-    EXPECT_EQ(cards[3], cards[1]) << "and every kick is good";
+    EXPECT_GT(cards[3], 0) << "the computer scores";
+    EXPECT_GT(cards[4] + cards[6] + cards[7], 0) << "the computer fails";
+    EXPECT_EQ(cards[3], cards[1]) << "every kick is good";
   }
 }
 

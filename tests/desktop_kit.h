@@ -1,6 +1,6 @@
 #pragma once
 
-// The real machine on the game as it was built, and what is seen on its windows, for tests.
+// For tests of windows: the desktop machine with the built game's files, and helpers to look at the screen.
 
 #include "platform/desktop/desktop_machine.h"
 
@@ -14,7 +14,7 @@ public:
   using DesktopMachine::DesktopMachine;
   std::filesystem::path AppPath() const override { return SNAPWEDGE_GAME_DIR; }
 
-  /// One serves all tests, and is never taken down: Qt's own statics, which it would need for that, go first.
+  /// One machine for all tests. It is never destroyed, because Qt's statics are destroyed before it.
   static GameMachine &Get() {
     static int count = 1;
     static char name[] = "test";
@@ -24,7 +24,7 @@ public:
   }
 };
 
-/// Of two colours, as the accessibility guidelines for the web define it, 1 to 21.
+/// The contrast ratio of two colours, 1 to 21, as the Web Content Accessibility Guidelines define it.
 inline double Contrast(const QColor &one, const QColor &other) {
   const auto luminance = [](const QColor &color) {
     const auto linear = [](double value) {
@@ -36,7 +36,7 @@ inline double Contrast(const QColor &one, const QColor &other) {
   return (lighter + 0.05) / (darker + 0.05);
 }
 
-/// The window of the screen that shows a record of that name; null if there is none.
+/// The visible window with that name, or null.
 inline QWidget *ShownWindow(const std::string &name) {
   for (QWidget *window : QApplication::topLevelWidgets()) {
     if (window->isVisible() && window->objectName().toStdString() == name) return window;

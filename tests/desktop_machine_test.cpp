@@ -94,9 +94,9 @@ struct Form {
   ProgressBar meter;
 };
 
-/// The rows of a picture, from the bottom, that are bright in a column.
+/// The bright rows of a column of pixels, counted from the bottom.
 std::vector<int> BrightRows(const QImage &picture, int column) {
-  constexpr int Bright = 180; // of the brightest channel
+  constexpr int Bright = 180; // least value of the brightest channel
   std::vector<int> rows;
   for (int y = 0; y < picture.height(); ++y) {
     const QColor color = picture.pixelColor(column, y);
@@ -121,7 +121,7 @@ TEST(DesktopMachineTest, EveryKindOfControlWorks) {
   QTest::keyClick(WidgetOf("button"), Qt::Key_Space);
 
   auto *check = qobject_cast<QCheckBox *>(WidgetOf("check"));
-  EXPECT_TRUE(check->isChecked()) << "as the game has set it";
+  EXPECT_TRUE(check->isChecked()) << "as set by the game";
   QTest::mouseClick(check, Qt::LeftButton, {}, QPoint(8, check->height() / 2));
   form.machine.Pump();
   EXPECT_FALSE(check->isChecked());
@@ -596,7 +596,7 @@ TEST(DesktopSoundTest, StopKeepsThePositionAndPlayDoesNotRestart) {
   EXPECT_GT(playedOn(stopped), stopped);
 }
 
-TEST(DesktopSoundTest, ALoopGoesOnAndASoundEnds) {
+TEST(DesktopSoundTest, ALoopRepeatsAndASoundEnds) {
   const auto sound = OpenDefaultSound();
   struct Row {
     std::int32_t flags;
@@ -613,7 +613,7 @@ TEST(DesktopSoundTest, ALoopGoesOnAndASoundEnds) {
     const ALint start = bytes / 2 - NearTheEnd;
     alSourcei(source, AL_SAMPLE_OFFSET, start);
     whistle->Play(row.flags);
-    // Either it has stopped, or it has begun again.
+    // Wait until it has stopped or restarted.
     for (int tries = 0; tries < 400 && OffsetOf(source) >= start; ++tries)
       std::this_thread::sleep_for(std::chrono::milliseconds(50));
     ALint state = 0;

@@ -168,7 +168,7 @@ TEST(DesktopWindowsTest, ThePlayWindowComesUpWithItsFirstPictureAndWithoutTheLas
   window.Picture4.Visible = false;
   window.PieceFrame->SetPosition(window.RMCanvas1.SceneFrame, 3, 0, 40);
   window.RMCanvas1.Update();
-  EXPECT_FALSE(card->isVisible()) << "it stands over the next possession's first picture";
+  EXPECT_FALSE(card->isVisible()) << "it covers the first frame of the next possession";
 }
 
 TEST(DesktopWindowsTest, PicturesBehindTheControlsFollowTheGame) {

@@ -25,7 +25,7 @@ struct SeenKick {
   Vector end;
   Vector direction, up; ///< of the piece
   Vector camera;
-  float lag = 0; ///< between the camera's view and where the piece was a step before, as unit vectors
+  float lag = 0; ///< largest `ViewMisses` of the piece's position one step earlier
   float postsX = 0;
   bool arrow = false;
   std::int16_t shots = 0;
@@ -103,7 +103,7 @@ TEST(KickTest, EveryForceHasItsStepsHeightAndEnd) {
     EXPECT_NEAR(seen.direction.z, std::cos(tumble), 1e-4f);
     EXPECT_NEAR(seen.up.x, 1.0f, 1e-5f);
     EXPECT_EQ(seen.camera, (Vector{100, 20, 0}));
-    EXPECT_LT(seen.lag, 1e-3f) << "the piece runs ahead of the camera";
+    EXPECT_LT(seen.lag, 1e-3f) << "the camera is one step behind the piece";
     EXPECT_FALSE(seen.arrow);
     EXPECT_EQ(seen.shots, 3);
     EXPECT_EQ(seen.postsX, static_cast<float>(std::min(row.steps, 178 - row.steps)));
@@ -284,7 +284,7 @@ TEST(KickTest, TheComputerNeverMisses) {
 }
 
 TEST(KickTest, TheSkyDriftsInEveryFrameOfThePointAfter) {
-  constexpr std::size_t Enough = 20; // pictures, fewer than the computer waits before its kick
+  constexpr std::size_t Enough = 20; // frames; the computer waits longer before its kick
   constexpr float Drift = 0.0008f;
   for (const char *mode : {"Human", "Computer", "INET"}) {
     SCOPED_TRACE(mode);

@@ -22,7 +22,7 @@ TEST(MessagePumpTest, AFlickIsReplayedFromItsInputs) {
   EXPECT_TRUE(game.play->Sent.empty()) << "the waiting computer sends nothing about a replay";
 }
 
-TEST(MessagePumpTest, WhoWaitsWatchesFromTheSideline) {
+TEST(MessagePumpTest, TheWaitingSideWatchesFromTheSideline) {
   NetworkGame game(true);
   const auto fromTheSide = [&] { return game.Place(game.window.CameraFrame) == Vector{100, 20, 0}; };
   int drawn = 0;
@@ -34,7 +34,7 @@ TEST(MessagePumpTest, WhoWaitsWatchesFromTheSideline) {
   game.Frames(3);
   EXPECT_GT(drawn, 60);
   game.machine.OnDraw = nullptr;
-  // A bonus is seen from close by.
+  // A bonus has a close-up.
   game.PutPiece(0, -79, 3);
   game.Receive(Shot("Flick", 0, -79));
   game.Frames(1);
@@ -93,7 +93,7 @@ TEST(MessagePumpTest, TheShootersCardRulesTheWaitersScreen) {
     EXPECT_EQ(game.Cards, std::vector<std::int16_t>{4});
     EXPECT_EQ(game.window.Player, 1);
     EXPECT_GE(cardDown, row.go);
-    EXPECT_TRUE(sendersMark) << "the side is marked that the flick has named";
+    EXPECT_TRUE(sendersMark) << "the flick's side is marked";
     EXPECT_EQ(game.SoundsSince(), "play swoosh.daw, play yeah2.daw");
     EXPECT_FALSE(game.window.Busy);
   }
@@ -145,7 +145,7 @@ TEST(MessagePumpTest, ACardThatComesLateFiresNoShot) {
     EXPECT_EQ(game.window.Shots, 3);
     if (row.held) game.machine.ReleaseMouse(row.button);
     game.Shoot(3);
-    EXPECT_EQ(game.window.Shots, 2) << "play goes on";
+    EXPECT_EQ(game.window.Shots, 2) << "play continues";
     EXPECT_EQ(game.play->Sent, std::vector<std::string>{"Flick"});
   }
 }
@@ -423,7 +423,7 @@ TEST(MessagePumpTest, InThisSidesTurnTheOtherHasNoShotAndNoResult) {
     game.Receive(fields);
     game.Frames(3);
     EXPECT_EQ(game.window.DroppedMessages, 1);
-    EXPECT_EQ(game.window.MouseMode, 1) << "the meter goes on charging";
+    EXPECT_EQ(game.window.MouseMode, 1) << "the meter continues to charge";
     EXPECT_EQ(game.window.ProgressBar1.Value, 40.0f);
     EXPECT_EQ(game.window.Shots, 3);
     EXPECT_EQ(game.Place(game.window.PieceFrame), (Vector{0, 0, 85}));
@@ -466,9 +466,9 @@ TEST(MessagePumpTest, TheShooterSendsItsShotItsResultAndItsGoAhead) {
   EXPECT_EQ(game.play->Sent.back(), "END");
 }
 
-TEST(MessagePumpTest, AKicksPointIsToldBehindItsCard) {
+TEST(MessagePumpTest, TheScoreOfAGoodKickIsSentAfterItsCard) {
   NetworkGame game(false);
-  game.window.GoalSpeed = 0; // the posts wait in the middle
+  game.window.GoalSpeed = 0; // the posts stay in the middle
   game.PutPiece(0, -87, 1);
   game.window.CheckRay();
   game.machine.OnDraw = [&](Canvas &) {

@@ -41,7 +41,7 @@ TEST(NetworkSimulationTest, BothSidesAgreeWhateverLineComputersAndPlayersDo) {
   EXPECT_GT(points, 150) << "and score";
   EXPECT_GT(lines, 50) << "and chat";
   EXPECT_GT(reconnects, 5) << "over lines that break";
-  EXPECT_GT(told, 5) << "which they are told";
+  EXPECT_GT(told, 5) << "and see that a line has broken";
   EXPECT_GT(unlike, 5) << "on computers that are far apart";
   EXPECT_GT(leftInCharge, 5) << "and leave the window with the button held";
   // A card during a charge is rare: about one match in sixty.

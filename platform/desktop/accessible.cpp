@@ -15,31 +15,31 @@ QAccessible::Role RoleOf(const QObject &object) {
   return role.isValid() ? static_cast<QAccessible::Role>(role.toInt()) : QAccessible::Client;
 }
 
-/// A window, without its decoration.
+/// A window. Its children don't include decoration.
 class AccessibleWindow : public QAccessibleWidget {
 public:
   explicit AccessibleWindow(QWidget *window) : QAccessibleWidget(window, RoleOf(*window)) {}
 
-  /// What belongs to another window is a dialog: a screen reader reads out all of it as it opens.
+  /// A window with an owner is a dialog. Screen readers read all of a dialog when it opens.
   QAccessible::Role role() const override {
     return widget()->windowType() == Qt::Dialog ? QAccessible::Dialog : QAccessible::Window;
   }
-  int childCount() const override { return static_cast<int>(Told().size()); }
+  int childCount() const override { return static_cast<int>(Children().size()); }
   QAccessibleInterface *child(int index) const override {
-    return QAccessible::queryAccessibleInterface(Told().value(index));
+    return QAccessible::queryAccessibleInterface(Children().value(index));
   }
   int indexOfChild(const QAccessibleInterface *child) const override {
-    return child ? static_cast<int>(Told().indexOf(child->object())) : -1;
+    return child ? static_cast<int>(Children().indexOf(child->object())) : -1;
   }
 
 private:
-  QObjectList Told() const {
-    QObjectList told;
-    for (QObject *child : widget()->children()) {
-      const auto *shown = qobject_cast<QWidget *>(child);
-      if (shown && !shown->isWindow() && RoleOf(*shown) != QAccessible::NoRole) told += child;
+  QObjectList Children() const {
+    QObjectList children;
+    for (QObject *object : widget()->children()) {
+      const auto *child = qobject_cast<QWidget *>(object);
+      if (child && !child->isWindow() && RoleOf(*child) != QAccessible::NoRole) children += object;
     }
-    return told;
+    return children;
   }
 };
 
@@ -56,21 +56,22 @@ public:
   QVariant minimumValue() const override { return 0; }
   QVariant maximumValue() const override { return 100; }
   QVariant minimumStepSize() const override { return 1; }
-  void setCurrentValue(const QVariant &) override {} // it only shows
+  void setCurrentValue(const QVariant &) override {} // read-only
 
 private:
   const MeterWidget &meter_;
 };
 
-/// A drop-down list. Of one that has a label a screen reader would say the label alone: the name has both.
+/// A drop-down list. If it has a label, screen readers say its name without its value, so the name includes
+/// the value.
 class AccessibleDropDown : public QAccessibleWidget {
 public:
   explicit AccessibleDropDown(QComboBox *box) : QAccessibleWidget(box, QAccessible::ComboBox), box_(*box) {}
 
   QString text(QAccessible::Text which) const override {
     if (which == QAccessible::Value) return box_.currentText();
-    const QString told = QAccessibleWidget::text(which);
-    return which == QAccessible::Name ? told + ' ' + box_.currentText() : told;
+    const QString text = QAccessibleWidget::text(which);
+    return which == QAccessible::Name ? text + ' ' + box_.currentText() : text;
   }
   QAccessible::State state() const override {
     QAccessible::State state = QAccessibleWidget::state();

@@ -1,27 +1,27 @@
 #pragma once
 
-// What a screen reader finds in the game's windows. Qt knows the toolkit's own widgets; this adds the game's:
-// windows, the view of the table, the meter, the words of pictures, and what is said by itself.
+// The game's windows for screen readers. Qt describes its own widgets; this describes the game's: windows,
+// the view of the table, the meter, the text in pictures, and announcements.
 
 #include <QAccessible>
 #include <QString>
 #include <QWidget>
 
-/// Makes the roles below count. To be called once, when the application stands.
+/// Makes Qt use the roles below. Call once, after the application has been created.
 void InstallAccessibility();
 
-/// Gives a widget of the game its role. One with `QAccessible::NoRole` is decoration: in a window that has a
-/// role nobody is told of it.
+/// Sets the role of a widget. `QAccessible::NoRole` marks decoration, which screen readers don't find in a
+/// window that has a role.
 void SetAccessibleRole(QWidget &widget, QAccessible::Role role);
 
-/// The words of a picture that is painted on its parent. It shows nothing of its own.
+/// The text in the picture that the parent shows as its background. Paints nothing.
 class PictureWords : public QWidget {
 public:
   PictureWords(QWidget &parent, const QString &words);
 };
 
-/// Says something that happens beside the control that has the keyboard. Screen readers read out a
-/// notification as it comes up, wherever the keyboard is. It shows nothing.
+/// Announces events outside the focused control. Screen readers read a notification when it appears,
+/// whichever control has the focus. Paints nothing.
 class Announcer : public QWidget {
 public:
   explicit Announcer(QWidget &parent);

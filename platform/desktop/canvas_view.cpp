@@ -123,9 +123,9 @@ void CanvasView::mousePressEvent(QMouseEvent *event) {
 
 void CanvasView::mouseReleaseEvent(QMouseEvent *event) {
   // Ignore the release of a press that wasn't reported.
-  const bool told = pressed_.testFlag(event->button());
+  const bool reported = pressed_.testFlag(event->button());
   pressed_ &= ~Qt::MouseButtons(event->button());
-  if (!told || (window_.CapturesPointer && !machine_.PointerHeld())) return;
+  if (!reported || (window_.CapturesPointer && !machine_.PointerHeld())) return;
   const std::int16_t button = ButtonOf(event->button());
   const QPointF place = event->position();
   machine_.Post(window_, [this, button, place] {

@@ -106,5 +106,5 @@ void ControlView::CarryOver() {
 QString ControlView::News() {
   if (!control_.Announced) return {};
   const QString words = control_.Visible ? Words() : QString();
-  return std::exchange(told_, words) == words ? QString() : words;
+  return std::exchange(announced_, words) == words ? QString() : words;
 }

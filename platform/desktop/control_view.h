@@ -44,7 +44,7 @@ public:
   /// Takes the name of the label before it, if it is a field.
   virtual void BeNamedBy(QLabel & /*label*/) {}
 
-  /// The text of an announced control that is new since the last call, for screen readers.
+  /// The text to announce: that of an announced control if it has changed since the last call.
   QString News();
 
 protected:
@@ -62,7 +62,7 @@ private:
   bool visible_ = false;
   bool enabled_ = false;
   Color foreColor_;
-  QString told_; ///< by `News`
+  QString announced_; ///< last text that `News` has seen
 };
 
 std::unique_ptr<ControlView> MakeView(DesktopMachine &machine, Window &window, Control &control,

@@ -169,7 +169,7 @@ void DesktopMachine::Hide(Window &window) {
   pointer_.Hold(nullptr);
   const auto view = std::ranges::find_if(views_, [&](const auto &each) { return &each->Model() == &window; });
   if (view == views_.end()) return;
-  // A window that is replaced by another closes after that has opened.
+  // A window that is replaced closes only after the new one has opened.
   leaving_.push_back(std::move(*view));
   views_.erase(view);
 }

@@ -92,10 +92,10 @@ void CheckPictureFile(const fs::path &file, double density, const QSize &place) 
       return is >= needed - Slack * density && is <= MostTimes * needed;
     };
     if (fits(size.width(), wanted.width()) && fits(size.height(), wanted.height())) return;
-    const auto told = [](const QSize &pixels) {
+    const auto format = [](const QSize &pixels) {
       return std::to_string(pixels.width()) + " by " + std::to_string(pixels.height());
     };
-    RefuseFile(file, "the image has " + told(size) + " pixels, its place " + told(wanted));
+    RefuseFile(file, "the image has " + format(size) + " pixels, its place " + format(wanted));
   });
 }
 

@@ -27,7 +27,7 @@ void CheckPicture(const std::filesystem::path &directory, const std::string &nam
 /// @throws FileError
 QString LoadWords(const std::filesystem::path &directory, const std::string &picture);
 
-/// Checks that it is loadable.
+/// Checks that this text is loadable.
 /// @throws FileError
 void CheckWords(const std::filesystem::path &directory, const std::string &picture);
 

@@ -11,8 +11,9 @@
 
 namespace {
 
-/// Percent. Told of every single step, 50 in a second, a screen reader loses what is announced meanwhile.
-constexpr int ToldSteps = 10;
+/// Percent. The level changes up to 50 times per second; if a screen reader were notified of every change, it
+/// would drop announcements.
+constexpr int NotifiedSteps = 10;
 
 const QColor Written(244, 250, 236);
 const QColor Remembered(255, 225, 77);
@@ -35,7 +36,7 @@ void MeterWidget::Show(const Face &face) {
   standing.Level = face_.Level;
   const bool levelAlone = standing == face_;
   face_ = face;
-  if (Percent() / ToldSteps != before / ToldSteps) {
+  if (Percent() / NotifiedSteps != before / NotifiedSteps) {
     QAccessibleValueChangeEvent event(this, Percent());
     QAccessible::updateAccessibility(&event);
   }

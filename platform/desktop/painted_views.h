@@ -26,7 +26,7 @@ public:
 
   void SetBarWidth(int pixels) { barWidth_ = pixels; } ///< the rest of the width is for the scale
   void Show(const Face &face);
-  int Percent() const; ///< the level
+  int Percent() const; ///< the level, 0 to 100
 
 protected:
   void paintEvent(QPaintEvent *event) override;

@@ -89,7 +89,7 @@ public:
     widget_->setSource(QUrl::fromLocalFile(Text(file.string())));
     widget_->setTextInteractionFlags(Qt::NoTextInteraction);
     widget_->setFocusPolicy(Qt::NoFocus);
-    // It never gets the keyboard: a screen reader finds it with the window.
+    // The document never gets the focus, so screen readers get its text with the window.
     parent.setAccessibleDescription(widget_->toPlainText());
     widget_->viewport()->installEventFilter(&filter_);
     filter_.pressed = [this] {

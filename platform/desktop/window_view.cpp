@@ -33,7 +33,7 @@ WindowView::WindowView(DesktopMachine &machine, Window &window)
   setFixedSize(window.Width, window.Height);
   setObjectName(QString::fromStdString(window.Name));
   setWindowTitle(QString::fromStdString(window.Caption));
-  toldCaption_ = windowTitle();
+  announcedCaption_ = windowTitle();
   if (!window.Picture.empty()) {
     background_ = LoadPicture(machine, *this, window.Picture);
     auto *words = new PictureWords(*this, LoadWords(machine.AppPath(), window.Picture));
@@ -73,8 +73,8 @@ void WindowView::CarryOver() {
 
 void WindowView::Announce(const QString &caption) {
   QStringList news;
-  // A screen reader reads out by itself what the window is called as it opens.
-  if (std::exchange(toldCaption_, caption) != caption) news += caption;
+  // Screen readers read the initial title themselves.
+  if (std::exchange(announcedCaption_, caption) != caption) news += caption;
   for (const auto &view : views_) {
     if (const QString words = view->News(); !words.isEmpty()) news += words;
   }
@@ -116,7 +116,7 @@ void WindowView::Open() {
   if (CanvasView *canvas = AnyCanvas()) {
     canvas->setFocus();
   } else {
-    // A screen reader finds out by itself what a window of the usual controls says as it opens.
+    // Screen readers read the initial text of ordinary controls themselves, so discard it.
     for (const auto &view : views_) view->News();
   }
 }

@@ -48,7 +48,7 @@ protected:
 
 private:
   void CarryOverBackPictures();
-  void Announce(const QString &caption); ///< tells screen readers what is new, the caption included
+  void Announce(const QString &caption); ///< announces every text that has changed, also the caption
   const QPixmap &BackPixmap(const std::string &name);
 
   DesktopMachine &machine_;
@@ -59,6 +59,6 @@ private:
   QPoint corner_;            ///< of the content; not the origin if the window has been stretched
   QElapsedTimer activation_; ///< time since activation or deactivation
   std::vector<std::unique_ptr<ControlView>> views_;
-  Announcer *announcer_; ///< owned by this widget
-  QString toldCaption_;
+  Announcer *announcer_;     ///< owned by this widget
+  QString announcedCaption_; ///< as last announced
 };

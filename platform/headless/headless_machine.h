@@ -1,7 +1,8 @@
 #pragma once
 
 // A machine for tests and tools. Its clock is virtual and jumps to the next event, its pointer and keys are
-// scripted, its windows are only data, and its sounds are a log.
+// scripted, its windows are only data, its sounds are a log, and its random numbers come from a seed. Nothing
+// is drawn; scene, models and rules are real. wire.h simulates the network.
 
 #include "platform/machine.h"
 
