@@ -92,9 +92,9 @@ private:
 
   PaintQuality Paint() {
     PaintQuality paint = level_ == Quality::Full ? FullPaint : LowPaint;
-    if (!context_.hasExtension("GL_EXT_texture_filter_anisotropic") || DrawsInSoftware()) {
+    if (!context_.hasExtension("GL_EXT_texture_filter_anisotropic"))
       paint.Anisotropy = std::min(paint.Anisotropy, 1.0f);
-    }
+    if (DrawsInSoftware()) paint.Anisotropy = 0.0f;
     return paint;
   }
 
