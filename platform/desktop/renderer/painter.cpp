@@ -28,8 +28,8 @@ QMatrix4x4 Projection(float height, float aspect, float back) {
 /// Small meshes lie in front of large ones, and what they hide needn't be shaded. Paint is blended, so the
 /// ground under it comes first.
 auto DrawingOrder(const Item &item) {
-  const bool scenery = item.Box.Extent() > LargestGround;
-  return std::tuple(scenery, item.Ground, item.Ground && item.Mesh->IsPaint(**item.Where.Mesh),
+  const bool large = !item.Ground && item.Box.Extent() > LargestThing;
+  return std::tuple(large, item.Ground, item.Ground && item.Mesh->IsPaint(**item.Where.Mesh),
                     item.Box.Extent());
 }
 

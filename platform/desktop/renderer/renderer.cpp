@@ -94,7 +94,10 @@ private:
     PaintQuality paint = level_ == Quality::Full ? FullPaint : LowPaint;
     if (!context_.hasExtension("GL_EXT_texture_filter_anisotropic"))
       paint.Anisotropy = std::min(paint.Anisotropy, 1.0f);
-    if (DrawsInSoftware()) paint.Anisotropy = 0.0f;
+    if (DrawsInSoftware()) {
+      paint.Anisotropy = LowPaint.Anisotropy;
+      paint.ShadowTaps = LowPaint.ShadowTaps;
+    }
     return paint;
   }
 
