@@ -9,10 +9,10 @@
 #include "platform/desktop/renderer/motion.h"
 #include "platform/desktop/renderer/shadows.h"
 
-#include <compare>
 #include <map>
 #include <memory>
 #include <span>
+#include <tuple>
 
 /// The settings of a quality level.
 struct PaintQuality {
@@ -49,7 +49,10 @@ private:
     bool Pictured;  ///< has a texture
     bool Paint;     ///< strokes of paint on the ground
     bool Specular;  ///< has highlights
-    auto operator<=>(const SurfaceKind &) const = default;
+    bool operator<(const SurfaceKind &other) const {
+      return std::tie(ShadowTaps, Pictured, Paint, Specular) <
+             std::tie(other.ShadowTaps, other.Pictured, other.Paint, other.Specular);
+    }
   };
   QOpenGLShaderProgram &SurfaceProgram(const SurfaceKind &kind);
   void SetScene(QOpenGLShaderProgram &surface);
