@@ -4,7 +4,9 @@
 
 #include "platform/desktop/desktop_machine.h"
 
+#include <QApplication>
 #include <QColor>
+#include <QWidget>
 
 #include <algorithm>
 #include <cmath>
@@ -42,4 +44,17 @@ inline QWidget *ShownWindow(const std::string &name) {
     if (window->isVisible() && window->objectName().toStdString() == name) return window;
   }
   return nullptr;
+}
+
+/// The control of that name in any window, or null.
+inline QWidget *WidgetOf(const char *name) {
+  for (QWidget *window : QApplication::topLevelWidgets()) {
+    if (auto *widget = window->findChild<QWidget *>(name)) return widget;
+  }
+  return nullptr;
+}
+
+inline void PumpFor(DesktopMachine &machine, std::int32_t milliseconds) {
+  const std::int32_t end = machine.ClockIn(milliseconds);
+  while (!machine.ClockReached(end)) machine.WaitUntil(end);
 }

@@ -1,12 +1,8 @@
-// The desktop machine: the display and input of its windows, the pointer, and sound. Runs on a virtual
-// display.
+// The windows of the desktop machine and their controls, on a virtual display.
 
 #include "front/information_windows.h"
-#include "platform/desktop/desktop_machine.h"
-#include "platform/desktop/open_al_sound.h"
-#include "tests/hand.h"
+#include "tests/desktop_kit.h"
 
-#include <AL/al.h>
 #include <QCheckBox>
 #include <QComboBox>
 #include <QLabel>
@@ -24,30 +20,8 @@
 #include <numeric>
 #include <optional>
 #include <set>
-#include <thread>
 
 namespace {
-
-/// One application for all tests. It is never destroyed, because Qt's statics are destroyed before it.
-DesktopMachine &TheMachine() {
-  static int count = 1;
-  static char name[] = "test";
-  static char *arguments[] = {name, nullptr};
-  static auto *machine = new DesktopMachine(count, arguments);
-  return *machine;
-}
-
-QWidget *WidgetOf(const char *name) {
-  for (QWidget *window : QApplication::topLevelWidgets()) {
-    if (auto *widget = window->findChild<QWidget *>(name)) return widget;
-  }
-  return nullptr;
-}
-
-void PumpFor(DesktopMachine &machine, std::int32_t milliseconds) {
-  const std::int32_t end = machine.ClockIn(milliseconds);
-  while (!machine.ClockReached(end)) machine.WaitUntil(end);
-}
 
 /// A window with one control of each interactive kind, and a meter.
 struct Form {
@@ -107,7 +81,7 @@ std::vector<int> BrightRows(const QImage &picture, int column) {
 }
 
 TEST(DesktopMachineTest, EveryKindOfControlWorks) {
-  Form form(TheMachine());
+  Form form(GameMachine::Get());
   int pressed = 0;
   std::vector<int> ticked, listed, chosen;
   std::string typed;
@@ -163,14 +137,14 @@ TEST(DesktopMachineTest, RandomNumbersDiffer) {
   constexpr int Draws = 100;
   std::set<float> numbers;
   for (int draw = 0; draw < Draws; ++draw) {
-    TheMachine().Randomize();
-    numbers.insert(TheMachine().Rnd());
+    GameMachine::Get().Randomize();
+    numbers.insert(GameMachine::Get().Rnd());
   }
   EXPECT_GT(numbers.size(), Draws / 2u);
 }
 
 TEST(DesktopMachineTest, PropertiesReachTheScreenAtThePump) {
-  Form form(TheMachine());
+  Form form(GameMachine::Get());
   form.label.Caption = "after & on";
   form.label.Visible = false;
   form.box.Text = "typed by the game";
@@ -205,7 +179,7 @@ TEST(DesktopMachineTest, ALabelIsNeverCutOffAndIsReadableOnTheDesktopsOwnGround)
       label.WordWrap = row.wraps;
       label.ForeColor = {1, 2, 3};
       window.Controls = {&label};
-      TheMachine().Show(window);
+      GameMachine::Get().Show(window);
       const auto *shown = qobject_cast<QLabel *>(WidgetOf("label"));
       const QRect needed = shown->fontMetrics().boundingRect(shown->rect(), row.wraps ? Qt::TextWordWrap : 0,
                                                              QString::fromUtf8(row.caption));
@@ -215,7 +189,7 @@ TEST(DesktopMachineTest, ALabelIsNeverCutOffAndIsReadableOnTheDesktopsOwnGround)
       EXPECT_EQ(shown->font().pixelSize() < FullSize, row.shrinks);
       const QColor ink = shown->palette().color(QPalette::WindowText);
       EXPECT_EQ(ink, ground ? QColor(1, 2, 3) : QApplication::palette().color(QPalette::WindowText));
-      TheMachine().Hide(window);
+      GameMachine::Get().Hide(window);
     }
   }
 }
@@ -238,7 +212,7 @@ TEST(DesktopMachineTest, WordsOfButtonsAndDropDownListsAreNeverCutOff) {
     list.Place = {0, 40, 90, 24};
     list.List = {"a", row.words};
     window.Controls = {&button, &list};
-    TheMachine().Show(window);
+    GameMachine::Get().Show(window);
     const auto wide = [&](const QWidget *widget) {
       return widget->fontMetrics().horizontalAdvance(QString::fromUtf8(row.words));
     };
@@ -247,12 +221,12 @@ TEST(DesktopMachineTest, WordsOfButtonsAndDropDownListsAreNeverCutOff) {
     EXPECT_LT(wide(WidgetOf("list")), 90 - Arrow);
     for (const char *name : {"button", "list"})
       EXPECT_EQ(WidgetOf(name)->font().pixelSize() < FullSize, row.shrinks) << name;
-    TheMachine().Hide(window);
+    GameMachine::Get().Hide(window);
   }
 }
 
 TEST(DesktopMachineTest, AStretchedWindowHasItsContentInTheMiddleOfBlack) {
-  Form form(TheMachine());
+  Form form(GameMachine::Get());
   QWidget &window = *WidgetOf("label")->window();
   const auto show = [&](QSize size) {
     window.setFixedSize(size); // as a window manager would
@@ -277,7 +251,7 @@ TEST(DesktopMachineTest, AStretchedWindowHasItsContentInTheMiddleOfBlack) {
 }
 
 TEST(DesktopMachineTest, HandlersRunInThePumpAndMayThrow) {
-  Form form(TheMachine());
+  Form form(GameMachine::Get());
   int clicks = 0;
   form.button.Click = [&] {
     ++clicks;
@@ -300,7 +274,7 @@ TEST(DesktopMachineTest, HandlersRunInThePumpAndMayThrow) {
 }
 
 TEST(DesktopMachineTest, AModalWindowKeepsTheOthersWaiting) {
-  Form form(TheMachine());
+  Form form(GameMachine::Get());
   int clicks = 0;
   form.button.Click = [&] { ++clicks; };
   Window card;
@@ -334,10 +308,7 @@ std::vector<std::string> Lines(std::istream &stream) {
 }
 
 TEST(DesktopMachineTest, TheReadMeStandsInItsWindowToTheLetterAndLeavesTheKeyboardToTheButton) {
-  DesktopMachine &machine = TheMachine();
-  std::filesystem::copy_file(std::filesystem::path(SNAPWEDGE_GAME_DIR) / "readme.html",
-                             machine.AppPath() / "readme.html",
-                             std::filesystem::copy_options::overwrite_existing);
+  DesktopMachine &machine = GameMachine::Get();
   std::string text, formats;
   bool buttonHasFocus = false;
   const auto poll = machine.OnPump([&, looks = 0]() mutable {
@@ -372,7 +343,7 @@ TEST(DesktopMachineTest, AMissingPictureIsNamed) {
   window.Width = window.Height = 50;
   window.Picture = "no-such-picture";
   try {
-    TheMachine().Show(window);
+    GameMachine::Get().Show(window);
     FAIL() << "the error must not be ignored";
   } catch (const std::runtime_error &error) {
     EXPECT_NE(std::string(error.what()).find("no-such-picture"), std::string::npos);
@@ -381,7 +352,7 @@ TEST(DesktopMachineTest, AMissingPictureIsNamed) {
 }
 
 TEST(DesktopMachineTest, AWaitEndsOnTimeAndSleeps) {
-  DesktopMachine &machine = TheMachine();
+  DesktopMachine &machine = GameMachine::Get();
   using Clock = std::chrono::steady_clock;
   const auto start = Clock::now();
   const std::clock_t processor = std::clock();
@@ -389,249 +360,6 @@ TEST(DesktopMachineTest, AWaitEndsOnTimeAndSleeps) {
   const double wall = std::chrono::duration<double>(Clock::now() - start).count();
   EXPECT_GE(wall, 0.199);
   EXPECT_LT(static_cast<double>(std::clock() - processor) / CLOCKS_PER_SEC, wall / 2);
-}
-
-TEST(DesktopMachineTest, NoMotionOfAHeldPointerIsLost) {
-  DesktopMachine &machine = TheMachine();
-  Window window;
-  Canvas canvas;
-  canvas.Name = "canvas";
-  canvas.Place = {50, 30, 200, 100};
-  int presses = 0;
-  canvas.MouseDown = [&](std::int16_t, std::int16_t, float, float) { ++presses; };
-  window.Width = 300;
-  window.Height = 200;
-  window.Controls = {&canvas};
-  window.CapturesPointer = true;
-  machine.ShowCursor(0);
-  machine.Show(window);
-  std::int32_t homeX = 0, homeY = 0, x = 0, y = 0;
-  machine.mouse_event(-1, 30000, 30000, 1, 1);
-  machine.GetCursorPos(homeX, homeY);
-  const auto offset = [&] {
-    machine.GetCursorPos(x, y);
-    return QPoint(x - homeX, y - homeY);
-  };
-  const auto pumpUntilHeld = [&](bool held) {
-    for (int tries = 0; tries < 400 && machine.PointerHeld() != held; ++tries) PumpFor(machine, 5);
-    return machine.PointerHeld() == held;
-  };
-  ASSERT_TRUE(pumpUntilHeld(true));
-  MoveHand(0, 0); // creates the virtual mouse
-  PumpFor(machine, 300);
-  // Small steps, a sweep, and throws that end far outside the window and beyond the screen.
-  for (const QPoint motion :
-       {QPoint(3, -2), QPoint(-70, 40), QPoint(350, 260), QPoint(-420, 0), QPoint(3000, -2000)}) {
-    machine.mouse_event(-1, 30000, 30000, 1, 1);
-    MoveHand(motion.x(), motion.y());
-    PumpFor(machine, 100);
-    EXPECT_EQ(offset(), motion);
-  }
-  const bool onX =
-      QGuiApplication::platformName() == "xcb"; // elsewhere the position of the pointer is unknown
-  QTest::mousePress(onX ? QApplication::widgetAt(QCursor::pos()) : WidgetOf("canvas"), Qt::LeftButton);
-  machine.Pump();
-  EXPECT_EQ(presses, 1) << "the buttons belong to the canvas";
-  // A box releases the pointer, and its offsets are 0.
-  machine.mouse_event(-1, 30000, 30000, 1, 1);
-  const auto poll = machine.OnPump([&, closing = std::optional<std::int32_t>()]() mutable {
-    QWidget *box = QApplication::activeModalWidget();
-    if (!box || !box->isVisible()) return;
-    EXPECT_FALSE(machine.PointerHeld());
-    if (!closing) {
-      MoveHand(-2000, -2000);
-      closing = machine.ClockIn(200);
-    }
-    if (machine.ClockReached(*closing)) QTest::keyClick(box, Qt::Key_Return);
-  });
-  machine.MsgBox({"text", "title", false});
-  EXPECT_EQ(offset(), QPoint());
-  // The focus returns with the pointer in a corner of the screen, and another program moves it.
-  WidgetOf("canvas")->activateWindow();
-  ASSERT_TRUE(pumpUntilHeld(true));
-  PumpFor(machine, 100);
-  EXPECT_EQ(offset(), QPoint());
-  QCursor::setPos(QPoint(900, 20));
-  MoveHand(5, 7);
-  PumpFor(machine, 100);
-  EXPECT_EQ(offset(), QPoint(5, 7));
-  machine.Hide(window);
-  machine.ShowCursor(-1);
-}
-
-/// A window with only a canvas.
-struct CanvasForm {
-  CanvasForm() {
-    canvas.Name = "canvas";
-    canvas.Place = {0, 0, 100, 100};
-    window.Width = window.Height = 100;
-    window.Controls = {&canvas};
-  }
-  DesktopMachine &machine = TheMachine();
-  Window window;
-  Canvas canvas;
-};
-
-TEST(DesktopMachineTest, NoButtonCountsAcrossALossOfTheKeyboard) {
-  CanvasForm form;
-  int presses = 0, releases = 0;
-  form.canvas.MouseDown = [&](std::int16_t, std::int16_t, float, float) { ++presses; };
-  form.canvas.MouseUp = [&](std::int16_t, std::int16_t, float, float) { ++releases; };
-  form.window.CapturesPointer = true;
-  form.machine.ShowCursor(0);
-  form.machine.Show(form.window);
-  QWidget *widget = WidgetOf("canvas");
-  const auto pumpUntil = [&](const std::function<bool()> &done) {
-    for (int tries = 0; tries < 400 && !done(); ++tries) PumpFor(form.machine, 5);
-    return done();
-  };
-  const auto held = [&] { return form.machine.PointerHeld(); };
-  const auto visitAnother = [&] {
-    const Form other(form.machine);
-    return pumpUntil([&] { return !held(); });
-  };
-  const auto comeBack = [&] {
-    widget->activateWindow();
-    return pumpUntil([&] { return widget->isActiveWindow(); });
-  };
-
-  ASSERT_TRUE(pumpUntil(held));
-  ASSERT_TRUE(visitAnother());
-  ASSERT_TRUE(comeBack());
-  QTest::mouseClick(widget, Qt::LeftButton);
-  form.machine.Pump();
-  EXPECT_EQ(presses + releases, 0) << "the click that activates the window must not shoot";
-
-  ASSERT_TRUE(pumpUntil(held));
-  QTest::mousePress(widget, Qt::LeftButton);
-  form.machine.Pump();
-  EXPECT_EQ(presses, 1);
-  ASSERT_TRUE(visitAnother());
-  ASSERT_TRUE(comeBack());
-  ASSERT_TRUE(pumpUntil(held));
-  QTest::mouseRelease(widget, Qt::LeftButton);
-  form.machine.Pump();
-  EXPECT_EQ(releases, 0) << "the press was before the change of focus";
-
-  QTest::mouseClick(widget, Qt::LeftButton);
-  form.machine.Pump();
-  EXPECT_EQ(presses, 2);
-  EXPECT_EQ(releases, 1);
-  form.machine.Hide(form.window);
-  form.machine.ShowCursor(-1);
-}
-
-TEST(DesktopMachineTest, AKeyOfTheCanvasCountsOnceHoweverLongItIsHeldAndOnEveryLayout) {
-  CanvasForm form;
-  std::vector<std::int16_t> keys;
-  form.canvas.KeyDown = [&](std::int16_t key, std::int16_t) { keys.push_back(key); };
-  form.machine.Show(form.window);
-  const auto send = [&](QEvent::Type type, int key, quint32 scanCode, quint64 time) {
-    QKeyEvent event(type, key, Qt::NoModifier, scanCode, 0, 0);
-    event.setTimestamp(time);
-    QCoreApplication::sendEvent(WidgetOf("canvas"), &event);
-    form.machine.Pump();
-  };
-  constexpr quint32 PlaceOfS = 39, LeftOfOne = 49;
-  send(QEvent::KeyPress, Qt::Key_S, PlaceOfS, 1000);
-  // Key repetition as a display sends it. Qt doesn't mark a press as repeated if the pair is split.
-  send(QEvent::KeyRelease, Qt::Key_S, PlaceOfS, 1500);
-  send(QEvent::KeyPress, Qt::Key_S, PlaceOfS, 1500);
-  send(QEvent::KeyRelease, Qt::Key_S, PlaceOfS, 1600);
-  EXPECT_EQ(keys, (std::vector{KeyCodes::S}));
-  send(QEvent::KeyPress, Qt::Key_S, PlaceOfS, 1700); // pressed again
-  send(QEvent::KeyRelease, Qt::Key_S, PlaceOfS, 1800);
-  EXPECT_EQ(keys, (std::vector{KeyCodes::S, KeyCodes::S}));
-
-  keys.clear();
-  constexpr int CyrillicYeru = 0x42B;
-  send(QEvent::KeyPress, CyrillicYeru, PlaceOfS, 2000);
-  send(QEvent::KeyPress, Qt::Key_O, PlaceOfS, 2100); // a Latin layout with another letter on that key
-  send(QEvent::KeyPress, Qt::Key_AsciiCircum, LeftOfOne, 2200);
-  EXPECT_EQ(keys, (std::vector<std::int16_t>{KeyCodes::S, 0, KeyCodes::Tilde}));
-  form.machine.Hide(form.window);
-}
-
-/// The OpenAL source created last.
-ALuint LastSource() {
-  constexpr ALuint Most = 1000;
-  ALuint last = 0;
-  for (ALuint source = 1; source < Most; ++source) {
-    if (alIsSource(source)) last = source;
-  }
-  return last;
-}
-
-ALint OffsetOf(ALuint source) {
-  ALint offset = 0;
-  alGetSourcei(source, AL_SAMPLE_OFFSET, &offset);
-  return offset;
-}
-
-TEST(DesktopSoundTest, StopKeepsThePositionAndPlayDoesNotRestart) {
-  const auto sound = OpenDefaultSound();
-  const auto crowd =
-      sound->CreateSoundBufferFromFile(std::filesystem::path(SNAPWEDGE_GAME_DIR) / "crowd.daw", {}, {});
-  const ALuint source = LastSource();
-  ASSERT_NE(source, 0U);
-  const auto pause = [] { std::this_thread::sleep_for(std::chrono::milliseconds(50)); };
-  /// Waits until it has played for another tenth of a second, at most 20 s. Returns its position.
-  const auto playedOn = [&](ALint from) {
-    for (int tries = 0; tries < 400 && OffsetOf(source) < from + 4410; ++tries) pause();
-    return OffsetOf(source);
-  };
-  crowd->Play(DSBPLAY_LOOPING);
-  const ALint first = playedOn(0);
-  ASSERT_GT(first, 0);
-  crowd->Play(DSBPLAY_LOOPING);
-  EXPECT_GE(OffsetOf(source), first) << "a second call must not start it over";
-  const ALint second = playedOn(first);
-  crowd->Stop();
-  const ALint stopped = OffsetOf(source);
-  EXPECT_GE(stopped, second);
-  pause();
-  EXPECT_EQ(OffsetOf(source), stopped);
-  crowd->Play(DSBPLAY_DEFAULT);
-  EXPECT_GE(OffsetOf(source), stopped) << "it continues from its position";
-  EXPECT_GT(playedOn(stopped), stopped);
-}
-
-TEST(DesktopSoundTest, ALoopRepeatsAndASoundEnds) {
-  const auto sound = OpenDefaultSound();
-  struct Row {
-    std::int32_t flags;
-    ALint atTheEnd;
-  };
-  for (const Row &row : {Row{DSBPLAY_LOOPING, AL_PLAYING}, Row{DSBPLAY_DEFAULT, AL_STOPPED}}) {
-    const auto whistle =
-        sound->CreateSoundBufferFromFile(std::filesystem::path(SNAPWEDGE_GAME_DIR) / "wis1.daw", {}, {});
-    const ALuint source = LastSource();
-    constexpr ALint NearTheEnd = 4410; // samples
-    ALint buffer = 0, bytes = 0;
-    alGetSourcei(source, AL_BUFFER, &buffer);
-    alGetBufferi(static_cast<ALuint>(buffer), AL_SIZE, &bytes);
-    const ALint start = bytes / 2 - NearTheEnd;
-    alSourcei(source, AL_SAMPLE_OFFSET, start);
-    whistle->Play(row.flags);
-    // Wait until it has stopped or restarted.
-    for (int tries = 0; tries < 400 && OffsetOf(source) >= start; ++tries)
-      std::this_thread::sleep_for(std::chrono::milliseconds(50));
-    ALint state = 0;
-    alGetSourcei(source, AL_SOURCE_STATE, &state);
-    EXPECT_EQ(state, row.atTheEnd);
-  }
-}
-
-TEST(DesktopSoundTest, AFileThatIsNoSoundIsNamed) {
-  const auto sound = OpenDefaultSound();
-  for (const char *file : {"no-such.daw", "table.dax"}) {
-    try {
-      sound->CreateSoundBufferFromFile(std::filesystem::path(SNAPWEDGE_GAME_DIR) / file, {}, {});
-      ADD_FAILURE() << file;
-    } catch (const SoundError &error) {
-      EXPECT_NE(std::string(error.what()).find(file), std::string::npos);
-    }
-  }
 }
 
 } // namespace

@@ -26,7 +26,8 @@ QMatrix4x4 Projection(float height, float aspect, float back) {
 }
 
 /// Small meshes lie in front of large ones, and what they hide needn't be shaded. Paint is blended, so the
-/// ground under it comes first.
+/// ground under it comes first. The hand, which is large, comes after the ground: where depths are equal the
+/// first mesh wins, and a mesh that moves alone is drawn upon the kept ground.
 auto DrawingOrder(const Item &item) {
   const bool large = !item.Ground && item.Box.Extent() > LargestThing;
   return std::tuple(large, item.Ground, item.Ground && item.Mesh->IsPaint(**item.Where.Mesh),

@@ -12,7 +12,7 @@
 
 constexpr float NearPlane = 1.0f; ///< distance of the near clipping plane, scene units
 
-constexpr float LargestThing = 60.0f;   ///< scene units: a larger mesh is scenery
+constexpr float LargestThing = 60.0f;   ///< scene units: a larger mesh casts no shadow
 constexpr float LargestGround = 260.0f; ///< scene units: a larger mesh isn't ground
 
 /// A box around vertices.

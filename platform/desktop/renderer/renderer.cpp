@@ -19,9 +19,8 @@ constexpr PaintQuality FullPaint{.Samples = 4, .ShadowSize = 2048, .ShadowTaps =
 constexpr PaintQuality LowPaint{.Samples = 0, .ShadowSize = 1024, .ShadowTaps = 4, .Anisotropy = 0.0f};
 
 constexpr std::size_t MeasuredFrames = 8;
-constexpr double SlowFrame = 8.0; ///< ms: a higher median chooses the low level
-constexpr double QuickFrame =
-    2.0; ///< ms: a median up to this at the low level chooses full, which costs three times as much
+constexpr double SlowFrame = 8.0;  ///< ms: a higher median chooses the low level
+constexpr double QuickFrame = 2.0; ///< ms: at most this at the low level chooses full, three times as costly
 
 } // namespace
 
