@@ -11,7 +11,7 @@
 
 namespace {
 
-const QString Name = "Snapwedge", Reason = "A match is being played";
+const QString Program = "Snapwedge", Reason = "A match is being played";
 
 /// Without a session bus the library would start one.
 bool HasBus() {
@@ -42,7 +42,7 @@ void ScreenAwake::Ask(const QDBusMessage &request, Answered answered, Refused re
 ScreenAwake::ScreenAwake() {
   if (!HasBus() || !QDBusConnection::sessionBus().isConnected()) return;
   QDBusMessage request = ToScreenSaver("Inhibit");
-  request << Name << Reason;
+  request << Program << Reason;
   Ask(
       request,
       [this](const QVariant &cookie) {

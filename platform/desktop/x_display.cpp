@@ -1,6 +1,7 @@
 // Queries an X display.
 
 #include "platform/desktop/display.h"
+#include "platform/desktop/x_reply.h"
 
 #include <xcb/randr.h>
 #include <xcb/xcb.h>
@@ -15,11 +16,8 @@ namespace {
 
 constexpr double DotsPerInch = 96.0; ///< at a factor of 1
 
-template <class Reply> using Freed = std::unique_ptr<Reply, decltype(&std::free)>;
-template <class Reply> Freed<Reply> Own(Reply *reply) { return {reply, std::free}; }
-
-Freed<xcb_get_property_reply_t> Property(xcb_connection_t *x, xcb_window_t root, xcb_atom_t name,
-                                         xcb_atom_t type) {
+XReply<xcb_get_property_reply_t> Property(xcb_connection_t *x, xcb_window_t root, xcb_atom_t name,
+                                          xcb_atom_t type) {
   constexpr std::uint32_t Longest = 1 << 16; // words
   return Own(xcb_get_property_reply(x, xcb_get_property(x, 0, root, name, type, 0, Longest), nullptr));
 }

@@ -2,6 +2,7 @@
 // that presses go there.
 
 #include "platform/desktop/pointer_hold.h"
+#include "platform/desktop/x_reply.h"
 
 #include <QAbstractNativeEventFilter>
 #include <QGuiApplication>
@@ -20,9 +21,6 @@ namespace {
 using Device = PointerTravel::Device;
 
 constexpr int Stray = 60; ///< maximum distance from the middle of the widget, x plus y, device pixels
-
-template <class Reply> using Freed = std::unique_ptr<Reply, decltype(&std::free)>;
-template <class Reply> Freed<Reply> Own(Reply *reply) { return {reply, std::free}; }
 
 double Convert(xcb_input_fp1616_t fixed) { return fixed / 65536.0; }
 double Convert(xcb_input_fp3232_t fixed) { return fixed.integral + fixed.frac / 4294967296.0; }

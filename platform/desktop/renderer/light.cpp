@@ -40,8 +40,8 @@ float Pool(const Vector &place) {
 
 float HeldBack(float brightness) {
   if (brightness <= Shoulder) return brightness;
-  constexpr float Room = 1.0f - Shoulder;
-  return Shoulder + Room * (1.0f - std::exp(-(brightness - Shoulder) / Room));
+  constexpr float Headroom = 1.0f - Shoulder;
+  return Shoulder + Headroom * (1.0f - std::exp(-(brightness - Shoulder) / Headroom));
 }
 
 /// Converts light to a stored colour.

@@ -52,7 +52,7 @@ const zxdg_output_v1_listener SizeListener = {
     .description = [](void *, zxdg_output_v1 *, const char *) {},
 };
 
-const wl_registry_listener RegistryListener = {
+const wl_registry_listener OutputsListener = {
     .global =
         [](void *data, wl_registry *registry, std::uint32_t number, const char *interface,
            std::uint32_t version) {
@@ -82,7 +82,7 @@ std::optional<DisplayFacts> AskWayland() {
   if (!compositor) return std::nullopt;
   Answers answers;
   const Owned<wl_registry> registry(wl_display_get_registry(compositor.get()), wl_registry_destroy);
-  wl_registry_add_listener(registry.get(), &RegistryListener, &answers);
+  wl_registry_add_listener(registry.get(), &OutputsListener, &answers);
   if (wl_display_roundtrip(compositor.get()) < 0) return std::nullopt;
   Owned<zxdg_output_v1> size(nullptr, zxdg_output_v1_destroy);
   if (answers.screen && answers.sizes) {
