@@ -21,18 +21,27 @@ std::uint8_t Brightness(std::uint32_t color) {
       (77 * (color >> 16 & 0xff) + 151 * (color >> 8 & 0xff) + 28 * (color & 0xff)) >> 8);
 }
 
+/// The four channels of a colour, each in 16 bits, so that one multiplication weights them all.
+using Channels = std::uint64_t;
+constexpr Channels EachChannel = 0x00ff00ff00ff00ff;
+
+Channels ChannelsOf(std::uint32_t color) {
+  const Channels both = color | static_cast<Channels>(color) << 24; // green and alpha move up by 24 bits
+  return both & EachChannel;
+}
+
+std::uint32_t ColorOf(Channels channels) { return static_cast<std::uint32_t>(channels | channels >> 24); }
+
 /// Blends two colours. @param share  of the second, in units of 1 / `Whole`
-std::uint32_t Mixed(std::uint32_t a, std::uint32_t b, int share) {
-  const auto of = static_cast<std::uint32_t>(share), rest = static_cast<std::uint32_t>(Whole - share);
-  constexpr std::uint32_t TwoChannels = 0x00ff00ff;
-  const std::uint32_t redAndBlue = ((a & TwoChannels) * rest + (b & TwoChannels) * of) >> 8;
-  const std::uint32_t alphaAndGreen = (a >> 8 & TwoChannels) * rest + (b >> 8 & TwoChannels) * of;
-  return (redAndBlue & TwoChannels) | (alphaAndGreen & ~TwoChannels);
+Channels Mixed(Channels a, Channels b, int share) {
+  const auto of = static_cast<Channels>(share);
+  return (a * (Whole - of) + b * of) >> 8 & EachChannel;
 }
 
 /// Bilinear sample of the four pixels from `first` on, at `right` and `down` in units of 1 / `Whole`.
-std::uint32_t Between(const std::uint32_t *first, qsizetype stride, int right, int down) {
-  return Mixed(Mixed(first[0], first[1], right), Mixed(first[stride], first[stride + 1], right), down);
+Channels Between(const std::uint32_t *first, qsizetype stride, int right, int down) {
+  return Mixed(Mixed(ChannelsOf(first[0]), ChannelsOf(first[1]), right),
+               Mixed(ChannelsOf(first[stride]), ChannelsOf(first[stride + 1]), right), down);
 }
 
 /// Brightness of a pixel's diagonal neighbours, and the range of the pixel and these.
@@ -57,10 +66,11 @@ std::uint32_t Smoothed(const std::uint32_t *pixel, qsizetype stride, const Neigh
     const int x = static_cast<int>(alongX * share), y = static_cast<int>(alongY * share);
     return Between(pixel + (y >> 8) * stride + (x >> 8), stride, x & 0xff, y & 0xff);
   };
-  const std::uint32_t close = Mixed(at(-1.0f / 6.0f), at(1.0f / 6.0f), Whole / 2);
-  const std::uint32_t wide = Mixed(close, Mixed(at(-0.5f), at(0.5f), Whole / 2), Whole / 2);
-  const int between = Brightness(wide);
-  return Mixed(*pixel, between < near.Least || between > near.Most ? close : wide, Strength);
+  const Channels close = Mixed(at(-1.0f / 6.0f), at(1.0f / 6.0f), Whole / 2);
+  const Channels wide = Mixed(close, Mixed(at(-0.5f), at(0.5f), Whole / 2), Whole / 2);
+  const int between = Brightness(ColorOf(wide));
+  const bool outside = between < near.Least || between > near.Most;
+  return ColorOf(Mixed(ChannelsOf(*pixel), outside ? close : wide, Strength));
 }
 
 } // namespace
