@@ -6,7 +6,9 @@
 REPLAY is the command that starts the tool. A Touchdown's kick is taken, so the tool is asked line by line. The shots
 are the same on every computer: they come from a generator of our own.
 """
+import contextlib
 import json
+import os
 import subprocess
 import sys
 
@@ -26,8 +28,9 @@ def play(command):
     tool = subprocess.Popen(command, stdin=subprocess.PIPE, stdout=subprocess.PIPE, text=True)
 
     def ask(line):
-        tool.stdin.write(line + "\n")
-        tool.stdin.flush()
+        # After the last shot the tool reports the end of the match and may be gone already.
+        with contextlib.suppress(BrokenPipeError):
+            os.write(tool.stdin.fileno(), f"{line}\n".encode())
 
     ask(f"rounds {ROUNDS}")
     attempt = 0
