@@ -2,13 +2,12 @@
 
 #include <algorithm>
 #include <map>
-#include <numeric>
+#include <tuple>
 
 namespace {
 
 constexpr GLuint PositionSlot = 0, NormalSlot = 1, CoordinateSlot = 2, ShadeSlot = 3, LitSlot = 4,
                  AcrossSlot = 5;
-constexpr std::size_t FacesInCluster = 192;
 
 struct GpuVertex {
   Vector Position;
@@ -22,28 +21,6 @@ template <class T> void Fill(QOpenGLBuffer &buffer, const std::vector<T> &values
 }
 
 const void *Offset(std::size_t bytes) { return reinterpret_cast<const void *>(bytes); }
-
-/// Sorts faces so that neighbours are adjacent: a k-d split across the longest side.
-void SortByPlace(std::vector<std::uint32_t> &faces, std::size_t first, std::size_t count,
-                 const std::vector<Vector> &middles) {
-  if (count <= FacesInCluster) return;
-  Bounds box(middles[faces[first]]);
-  for (std::size_t i = first; i < first + count; ++i) box.Widen(middles[faces[i]]);
-  const float x = box.High.x - box.Low.x, y = box.High.y - box.Low.y, z = box.High.z - box.Low.z;
-  const auto key = [&](std::uint32_t face) {
-    const Vector &m = middles[face];
-    return x >= y && x >= z ? m.x : z >= y ? m.z : m.y;
-  };
-  // Split at a multiple of the cluster size, so that all clusters but the last are full.
-  const std::size_t clusters = (count + FacesInCluster - 1) / FacesInCluster;
-  const std::size_t half = clusters / 2 * FacesInCluster;
-  const auto begin = faces.begin() + static_cast<std::ptrdiff_t>(first);
-  std::nth_element(begin, begin + static_cast<std::ptrdiff_t>(half),
-                   begin + static_cast<std::ptrdiff_t>(count),
-                   [&](std::uint32_t a, std::uint32_t b) { return key(a) < key(b); });
-  SortByPlace(faces, first, half, middles);
-  SortByPlace(faces, first + half, count - half, middles);
-}
 
 /// The vector from each vertex of a painted stroke to the opposite side of the stroke.
 ///
@@ -122,50 +99,24 @@ void GpuMesh::Upload(const Direct3DRMMeshBuilder3 &mesh, const Transform &place)
 }
 
 void GpuMesh::UploadGeometry(const MeshData &data) {
-  const std::size_t faceCount = data.Indices.size() / 3;
-  std::vector<std::uint32_t> faces(faceCount);
-  std::iota(faces.begin(), faces.end(), 0U);
-  std::vector<Vector> middles;
-  middles.reserve(faceCount);
-  for (std::size_t face = 0; face < faceCount; ++face) {
-    Vector sum;
-    for (std::size_t corner = 0; corner < 3; ++corner) {
-      const Vector &v = data.Positions[data.Indices[3 * face + corner]];
-      sum = {sum.x + v.x, sum.y + v.y, sum.z + v.z};
-    }
-    middles.push_back(sum);
-  }
-  SortByPlace(faces, 0, faceCount, middles);
-
   corners_.clear();
-  clusters_.clear();
   std::map<std::tuple<std::uint32_t, float, float, float>, std::uint32_t> known;
   std::vector<GpuVertex> vertices;
   std::vector<std::uint32_t> indices;
   box_ = Bounds(data.Positions[data.Indices.front()]);
-  for (std::size_t i = 0; i < faceCount; ++i) {
-    if (i % FacesInCluster == 0) {
-      const Vector &first = data.Positions[data.Indices[3 * faces[i]]];
-      clusters_.push_back({Bounds(first), static_cast<GLsizei>(indices.size()), 0});
+  for (std::size_t i = 0; i < data.Indices.size(); ++i) {
+    const std::uint32_t index = data.Indices[i];
+    const FaceColor &color = data.FaceColors[i / 3];
+    const auto [entry, isNew] = known.try_emplace({index, color.Red, color.Green, color.Blue},
+                                                  static_cast<std::uint32_t>(vertices.size()));
+    if (isNew) {
+      corners_.push_back({index, color});
+      vertices.push_back({data.Positions[index], data.Normals[index]});
     }
-    const FaceColor &color = data.FaceColors[faces[i]];
-    for (std::size_t corner = 0; corner < 3; ++corner) {
-      const std::uint32_t index = data.Indices[3 * faces[i] + corner];
-      const auto [entry, isNew] = known.try_emplace({index, color.Red, color.Green, color.Blue},
-                                                    static_cast<std::uint32_t>(vertices.size()));
-      if (isNew) {
-        corners_.push_back({index, color});
-        vertices.push_back({data.Positions[index], data.Normals[index]});
-      }
-      indices.push_back(entry->second);
-      clusters_.back().Box.Widen(data.Positions[index]);
-    }
-    clusters_.back().Count += 3;
+    indices.push_back(entry->second);
+    box_.Widen(data.Positions[index]);
   }
-  for (const Cluster &cluster : clusters_) {
-    box_.Widen(cluster.Box.Low);
-    box_.Widen(cluster.Box.High);
-  }
+  indexCount_ = static_cast<GLsizei>(indices.size());
   array_.bind(); // stores the index buffer's binding
   Fill(positions_, vertices);
   Fill(indices_, indices);
@@ -214,24 +165,7 @@ void GpuMesh::UploadLight(const Direct3DRMMeshBuilder3 &mesh, const Transform &p
   Fill(light_, light);
 }
 
-void GpuMesh::Draw(const QMatrix4x4 &toClip) {
+void GpuMesh::Draw() {
   array_.bind();
-  // Adjacent visible clusters share a draw call.
-  GLsizei first = 0, count = 0;
-  const auto flush = [&] {
-    if (count > 0) {
-      gl_.glDrawElements(GL_TRIANGLES, count, GL_UNSIGNED_INT,
-                         Offset(static_cast<std::size_t>(first) * sizeof(std::uint32_t)));
-    }
-    count = 0;
-  };
-  for (const Cluster &cluster : clusters_) {
-    if (Outside(cluster.Box, toClip)) {
-      flush();
-      continue;
-    }
-    if (count == 0) first = cluster.First;
-    count += cluster.Count;
-  }
-  flush();
+  gl_.glDrawElements(GL_TRIANGLES, indexCount_, GL_UNSIGNED_INT, nullptr);
 }

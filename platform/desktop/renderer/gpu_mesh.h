@@ -23,8 +23,7 @@ public:
   /// pixel.
   bool IsPaint(const Direct3DRMMeshBuilder3 &mesh) const;
 
-  /// Draws the clusters that lie in the view.
-  void Draw(const QMatrix4x4 &toClip);
+  void Draw();
 
   const Bounds &Box() const { return box_; }
 
@@ -34,11 +33,6 @@ private:
   struct Corner {
     std::uint32_t Index;
     FaceColor Color;
-  };
-  /// Adjacent faces, culled together.
-  struct Cluster {
-    Bounds Box;
-    GLsizei First, Count; ///< indices
   };
 
   void UploadGeometry(const MeshData &data);
@@ -50,7 +44,7 @@ private:
   QOpenGLVertexArrayObject array_;
   QOpenGLBuffer positions_, coordinates_, light_, across_, indices_{QOpenGLBuffer::IndexBuffer};
   std::vector<Corner> corners_;
-  std::vector<Cluster> clusters_;
+  GLsizei indexCount_ = 0;
   Bounds box_;
   std::uint64_t geometryRevision_ = ~0ULL;
   std::uint64_t coordinateRevision_ = ~0ULL;

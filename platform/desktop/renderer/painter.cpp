@@ -71,7 +71,7 @@ bool Painter::Paint(std::span<const Placed> placed, const Direct3DRMFrame3 &came
 
   const float aspect = static_cast<float>(size.width()) / static_cast<float>(size.height());
   const View view = lens_.Next(camera, seen, aspect);
-  shown_ = toClip_ = Projection(view.Height, aspect, back) * MatrixOf(view.Camera).inverted();
+  toClip_ = Projection(view.Height, aspect, back) * MatrixOf(view.Camera).inverted();
   camera_ = QVector3D(view.Camera.Origin.x, view.Camera.Origin.y, view.Camera.Origin.z);
   const Motion::Change change = motion_.Next(items, shadowsMoved, toClip_);
   if (change == Motion::Change::None) return false;
@@ -125,19 +125,16 @@ void Painter::DrawGrounds(std::span<const Item> grounds, bool moving) {
     const auto covered = Covered(region.Ground, toClip_, target_->Size());
     if (!covered) continue;
     gl_.glScissor(covered->x(), covered->y(), covered->width(), covered->height());
-    shown_ = ToPart(*covered, target_->Size()) * toClip_;
     softness_ = Shadows::InMap(region.Softness);
     halo_ = Shadows::InMap(region.Halo);
     draw(quality_.ShadowTaps);
   }
   gl_.glDisable(GL_SCISSOR_TEST);
-  shown_ = toClip_;
   draw(0);
 }
 
 void Painter::DrawItem(const Item &item, int taps) {
-  const QMatrix4x4 shown = shown_ * item.Where.ToWorld;
-  if (Outside(item.Mesh->Box(), shown)) return;
+  if (Outside(item.Mesh->Box(), toClip_ * item.Where.ToWorld)) return;
   const auto &material = (*item.Where.Mesh)->Material();
   const auto &texture = (*item.Where.Mesh)->Texture();
   const ColorValue specular = material ? material->Specular : ColorValue{};
@@ -153,7 +150,7 @@ void Painter::DrawItem(const Item &item, int taps) {
   surface.setUniformValue("specular", QVector3D(specular.Red, specular.Green, specular.Blue));
   if (texture) gl_.glBindTexture(GL_TEXTURE_2D, store_.Texture(texture));
   if (paint) gl_.glEnable(GL_BLEND);
-  item.Mesh->Draw(shown);
+  item.Mesh->Draw();
   if (paint) gl_.glDisable(GL_BLEND);
 }
 

@@ -68,7 +68,6 @@ private:
   std::map<SurfaceKind, std::unique_ptr<QOpenGLShaderProgram>> surfaces_;
   QOpenGLShaderProgram *bound_ = nullptr;
   QMatrix4x4 toClip_;
-  QMatrix4x4 shown_; ///< the same, or narrowed to the part of the frame being drawn
   QVector3D camera_;
   float softness_ = 0, halo_ = 0; ///< of the current shadow region, as shares of the map
 };

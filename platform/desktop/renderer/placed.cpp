@@ -97,11 +97,3 @@ std::optional<QRect> Covered(const Bounds &box, const QMatrix4x4 &toClip, QSize 
   if (rect.isEmpty()) return {};
   return rect;
 }
-
-QMatrix4x4 ToPart(const QRect &part, QSize whole) {
-  const auto share = [](int length, int of) { return static_cast<float>(length) / static_cast<float>(of); };
-  const float width = share(part.width(), whole.width()), height = share(part.height(), whole.height());
-  const float x = 2.0f * share(part.x(), whole.width()) + width - 1.0f;
-  const float y = 2.0f * share(part.y(), whole.height()) + height - 1.0f;
-  return {1.0f / width, 0, 0, -x / width, 0, 1.0f / height, 0, -y / height, 0, 0, 1, 0, 0, 0, 0, 1};
-}

@@ -50,6 +50,3 @@ bool Outside(const Bounds &box, const QMatrix4x4 &toClip);
 
 /// The pixels that bound a box in a frame of `size`; none if it lies outside the view.
 std::optional<QRect> Covered(const Bounds &box, const QMatrix4x4 &toClip, QSize size);
-
-/// From the clip space of a frame to that of a part of it.
-QMatrix4x4 ToPart(const QRect &part, QSize whole);

@@ -134,7 +134,7 @@ void Shadows::DrawMap(const std::vector<Caster> &casters) {
   program_.setUniformValue("toShadow", toLight);
   for (const Caster &caster : casters) {
     program_.setUniformValue("toWorld", caster.ToWorld);
-    caster.Mesh->Draw(toLight * caster.ToWorld);
+    caster.Mesh->Draw();
   }
   gl_.glDisable(GL_DEPTH_CLAMP);
 }
