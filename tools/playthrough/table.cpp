@@ -77,6 +77,7 @@ void GameProcess::WaitForEnd() {
 }
 
 void Album::Keep(const Image &screen, const std::string &station) {
+  if (directory_.empty()) return;
   stations_.push_back(station);
   const std::string number = std::to_string(100 + stations_.size()).substr(1);
   SaveImage(screen, directory_ / (number + "-" + station + ".png"));

@@ -23,6 +23,8 @@ public:
   /// @throws GaveUp  if it doesn't exit, or not with status 0
   void WaitForEnd();
 
+  pid_t Id() const { return process_; }
+
 private:
   pid_t process_;
 };
@@ -30,8 +32,11 @@ private:
 /// Saves numbered screenshots of stations and remembers which were reached.
 class Album {
 public:
+  /// @param directory  for the screenshots; empty to save none
   explicit Album(std::filesystem::path directory) : directory_(std::move(directory)) {}
-  void Take(Seat &seat, const std::string &station) { Keep(seat.Screen(), station); }
+  void Take(Seat &seat, const std::string &station) {
+    if (!directory_.empty()) Keep(seat.Screen(), station);
+  }
   void Keep(const Image &screen, const std::string &station); ///< saves an earlier screenshot
   bool Has(const std::string &station) const;
 
