@@ -20,7 +20,7 @@ class Gateway {
 public:
   Gateway() : opened_(initnatpmp(&gateway_, 0, 0) == 0) {}
   ~Gateway() {
-    if (opened_) closenatpmp(&gateway_);
+    if (gateway_.s >= 0) closenatpmp(&gateway_); // without a route it fails with its socket open
   }
   Gateway(const Gateway &) = delete;
   Gateway &operator=(const Gateway &) = delete;
