@@ -235,6 +235,13 @@ bool OpenWindows(const fs::path &program, const fs::path &directory, int times) 
     player.OpenAndClose(AgainstHuman, "Rounds to Play:", XK_Return);
     player.OpenAndClose(Address, "Error:", XK_Return); // there is no network
   }
+  player.Leave();
+  return player.Report();
+}
+
+/// A host's lobby holds sockets, so these windows are counted by themselves.
+bool OpenLobby(const fs::path &program, const fs::path &directory, int times) {
+  Player player(program, directory, "lobby", {});
   player.Rounds(MostRounds);
   for (int i = 0; i < times; ++i) {
     player.OpenAndClose(Connect, "Locate Session", XK_Escape);
@@ -290,7 +297,11 @@ bool PlayNetwork(const fs::path &program, const fs::path &directory, const std::
 bool Soak(const std::vector<std::string> &words, char **displays) {
   const fs::path program = fs::absolute(words[1]);
   if (words[0] == "match") return PlayMatch(program, words[2], std::chrono::minutes(std::stoi(words[3])));
-  if (words[0] == "windows") return OpenWindows(program, words[2], std::stoi(words[3]));
+  if (words[0] == "windows") {
+    const int times = std::stoi(words[3]);
+    const bool flat = OpenWindows(program, words[2], times);
+    return OpenLobby(program, words[2], times) && flat;
+  }
   return PlayNetwork(program, words[2], words[3], displays);
 }
 
