@@ -130,6 +130,20 @@ Image Seat::Read(Drawable from, int x, int y, int width, int height) {
   return image;
 }
 
+bool Seat::HasKeyboard(::Window window) {
+  ::Window focused = None;
+  int ignored = 0;
+  XGetInputFocus(display_, &focused, &ignored);
+  while (focused != None && focused != PointerRoot && focused != window) {
+    ::Window root = None, parent = None, *children = nullptr;
+    unsigned count = 0;
+    if (!XQueryTree(display_, focused, &root, &parent, &children, &count)) return false;
+    if (children) XFree(children);
+    focused = parent;
+  }
+  return focused == window;
+}
+
 Image Seat::Look(::Window window, int x, int y, int width, int height) {
   // Reads the screen, so that windows on top are included.
   int rootX = 0, rootY = 0;

@@ -55,6 +55,9 @@ public:
   /// @throws GaveUp  after `patience`
   ::Window WaitFor(const std::string &title, Milliseconds patience = Milliseconds(20000));
 
+  /// Whether keys go to that window or one inside it.
+  bool HasKeyboard(::Window window);
+
   /// The pixels of a rectangle in a window's client area.
   Image Look(::Window window, int x, int y, int width, int height);
 

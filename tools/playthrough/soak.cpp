@@ -83,8 +83,11 @@ public:
   /// Opens a window from the launch window and closes it by a key.
   void OpenAndClose(const Spot &button, const std::string &title, KeySym key) {
     Open(button, title);
+    const auto end = Clock::now() + WindowTakes;
+    for (auto opened = seat_.Find(title); opened && !seat_.HasKeyboard(*opened) && Clock::now() < end;)
+      Pause(Milliseconds(5));
     seat_.Press(key); // once: the launch window would take the next
-    for (const auto end = Clock::now() + WindowTakes; Clock::now() < end; Pause(Milliseconds(10))) {
+    for (; Clock::now() < end; Pause(Milliseconds(10))) {
       if (seat_.Find(title)) continue;
       inRow_ = 0;
       return;
