@@ -181,6 +181,18 @@ TEST(TriangleTreeTest, TheDistanceIsTheLeastOfAllFaces) {
   EXPECT_EQ(hash, Golden) << "new value: 0x" << std::hex << hash;
 }
 
+/// Rays in the very plane of faces: whether they hit is decided by rounding alone.
+TEST(TriangleTreeTest, FacesSeenEdgeOnAreTheSameInEveryTree) {
+  Dice dice;
+  const auto inPlane = [&] {
+    const float x = std::floor(dice.Any(-0x1p20f, 0x1p20f)), y = std::floor(dice.Any(-0x1p20f, 0x1p20f));
+    return Times({x, y, x + y}, 0x1p-16f);
+  };
+  Surface plane;
+  for (int i = 0; i < 100; ++i) plane.Add({inPlane(), inPlane(), inPlane()});
+  ExpectTheLeastOfAllFaces("plane", plane, 3000, [&] { return D3DRMRAY{inPlane(), inPlane()}; });
+}
+
 /// Ever larger faces on all axes around the ray's origin, so that a tree could become very deep and all of it
 /// waits during the walk.
 TEST(TriangleTreeTest, FacesOfAllSizesFitIntoATree) {
