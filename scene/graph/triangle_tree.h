@@ -4,7 +4,9 @@
 
 #include "scene/graph/vector.h"
 
+#include <array>
 #include <cstdint>
+#include <limits>
 #include <optional>
 #include <span>
 #include <vector>
@@ -15,25 +17,40 @@ public:
   void Build(std::span<const Vector> positions, std::span<const std::uint32_t> indices);
 
   /// Distance to the nearest face hit from either side, in lengths of the ray's direction, 0 or more.
-  /// Watertight: a ray through a shared edge or corner hits one of the faces.
+  /// Watertight: a ray through a shared edge or corner hits one of the faces. The distance is to the bit the
+  /// least of those to the single faces, whatever the tree looks like.
   std::optional<double> Intersect(std::span<const Vector> positions, const D3DRMRAY &ray) const;
 
 private:
+  static constexpr std::size_t Width = 4; ///< children of a node
+  /// A number for each child. Compilers compute with all at once, with the same results as one by one.
+  using Floats [[gnu::vector_size(Width * sizeof(float))]] = float;
+
   struct Box {
-    Vector Low, High;
-  };
-  struct Node {
-    Box Bounds;
-    std::uint32_t First; ///< of a leaf: its first face; else the second child (the first follows its parent)
-    std::uint32_t Count; ///< faces of a leaf, 0 for an inner node
+    static constexpr float Infinity = std::numeric_limits<float>::infinity();
+    std::array<float, 3> Low{Infinity, Infinity, Infinity};
+    std::array<float, 3> High{-Infinity, -Infinity, -Infinity};
+
+    void Enclose(const Box &other);
+    float HalfSurface() const;
   };
   struct Face {
     std::uint32_t A, B, C;
   };
+  /// A face during the build.
+  struct BoxedFace {
+    Box Bounds;
+    Face Corners;
+  };
+  struct Node {
+    std::array<std::array<Floats, 3>, 2> Bounds; ///< low and high on each axis; empty without a child
+    std::array<std::uint32_t, Width> Children;   ///< a node, or some faces in a row
+  };
 
-  void BuildNode(std::span<const Vector> positions, std::uint32_t first, std::uint32_t count);
-  static Box BoxOf(std::span<const Vector> positions, std::span<const Face> faces);
+  static std::size_t Split(std::span<BoxedFace> faces, int level);
+  std::uint32_t BuildNode(std::span<BoxedFace> faces, int level);
 
   std::vector<Node> nodes_;
   std::vector<Face> faces_;
+  float reach_ = 0; ///< largest coordinate of a vertex, without its sign
 };
