@@ -38,8 +38,8 @@ Channels Mixed(Channels a, Channels b, int share) {
   return (a * (Whole - of) + b * of) >> 8 & EachChannel;
 }
 
-/// A sample between pixels, `right` and `down` of `pixel` in units of 1 / `Whole`. Interpolates along the shorter
-/// of the two only: along an edge the nearest pixel will do.
+/// A sample between pixels, `right` and `down` of `pixel` in units of 1 / `Whole`. Interpolates along the
+/// shorter of the two only: along an edge the nearest pixel will do.
 Channels Between(const std::uint32_t *pixel, qsizetype stride, int right, int down) {
   const bool steep = std::abs(down) > std::abs(right);
   const int far = (steep ? down : right) + Whole / 2, near = steep ? right : down;
