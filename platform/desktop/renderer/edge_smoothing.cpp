@@ -11,7 +11,7 @@ namespace {
 
 // Brightness is 0 to 255. Contrast is the range of brightness around a pixel.
 constexpr int LeastContrast = 21;   ///< of an edge
-constexpr int RelativeContrast = 4; ///< of an edge: at least the greatest brightness divided by this
+constexpr int RelativeContrast = 3; ///< of an edge: at least the greatest brightness divided by this
 constexpr float Span = 4.0f;        ///< pixels along the edge from the first sample to the last
 constexpr int Whole = 256;          ///< fixed-point 1 of a blend factor
 constexpr int Strength = 179;       ///< blend factor of an edge: more would blur small lettering
@@ -38,10 +38,14 @@ Channels Mixed(Channels a, Channels b, int share) {
   return (a * (Whole - of) + b * of) >> 8 & EachChannel;
 }
 
-/// Bilinear sample of the four pixels from `first` on, at `right` and `down` in units of 1 / `Whole`.
-Channels Between(const std::uint32_t *first, qsizetype stride, int right, int down) {
-  return Mixed(Mixed(ChannelsOf(first[0]), ChannelsOf(first[1]), right),
-               Mixed(ChannelsOf(first[stride]), ChannelsOf(first[stride + 1]), right), down);
+/// A sample between pixels, `right` and `down` of `pixel` in units of 1 / `Whole`. Interpolates along the
+/// shorter of the two only: along an edge the nearest pixel will do.
+Channels Between(const std::uint32_t *pixel, qsizetype stride, int right, int down) {
+  const bool steep = std::abs(down) > std::abs(right);
+  const int far = (steep ? down : right) + Whole / 2, near = steep ? right : down;
+  const qsizetype along = steep ? stride : 1, across = steep ? 1 : stride;
+  const std::uint32_t *first = pixel + (far >> 8) * along + (near >> 8) * across;
+  return Mixed(ChannelsOf(first[0]), ChannelsOf(first[across]), near & 0xff);
 }
 
 /// Brightness of a pixel's diagonal neighbours, and the range of the pixel and these.
@@ -63,8 +67,7 @@ std::uint32_t Smoothed(const std::uint32_t *pixel, qsizetype stride, const Neigh
   alongY = std::clamp(alongY / shorter, -Span, Span) * static_cast<float>(Whole);
 
   const auto at = [&](float share) {
-    const int x = static_cast<int>(alongX * share), y = static_cast<int>(alongY * share);
-    return Between(pixel + (y >> 8) * stride + (x >> 8), stride, x & 0xff, y & 0xff);
+    return Between(pixel, stride, static_cast<int>(alongX * share), static_cast<int>(alongY * share));
   };
   const Channels close = Mixed(at(-1.0f / 6.0f), at(1.0f / 6.0f), Whole / 2);
   const Channels wide = Mixed(close, Mixed(at(-0.5f), at(0.5f), Whole / 2), Whole / 2);

@@ -91,7 +91,8 @@ bool Painter::Paint(std::span<const Placed> placed, const Direct3DRMFrame3 &came
   return target_->Read(picture);
 }
 
-/// Draws the items that move, or those that are still.
+/// Draws the items that move, or those that are still. Flushes between groups: software OpenGL draws a group
+/// on the other cores while the next is prepared on this one.
 void Painter::Draw(std::span<const Item> items, std::span<const Item> grounds, bool moving) {
   bound_ = nullptr;
   gl_.glActiveTexture(GL_TEXTURE1);
@@ -106,17 +107,19 @@ void Painter::Draw(std::span<const Item> items, std::span<const Item> grounds, b
       if (item.Moves == moving) DrawItem(item, 0);
     } else if (!groundDrawn) {
       groundDrawn = true;
+      gl_.glFlush();
       DrawGrounds(grounds, moving);
+      gl_.glFlush();
     }
   }
   gl_.glDisable(GL_CULL_FACE);
 }
 
 void Painter::DrawGrounds(std::span<const Item> grounds, bool moving) {
-  const auto draw = [&](int taps) {
+  const auto draw = [&](int taps, const auto &reached) {
     bound_ = nullptr;
     for (const Item &ground : grounds) {
-      if (ground.Moves == moving) DrawItem(ground, taps);
+      if (ground.Moves == moving && reached(ground.Box)) DrawItem(ground, taps);
     }
   };
   // Shadow regions first. The depth test then keeps the second pass out of them.
@@ -127,10 +130,11 @@ void Painter::DrawGrounds(std::span<const Item> grounds, bool moving) {
     gl_.glScissor(covered->x(), covered->y(), covered->width(), covered->height());
     softness_ = Shadows::InMap(region.Softness);
     halo_ = Shadows::InMap(region.Halo);
-    draw(quality_.ShadowTaps);
+    draw(quality_.ShadowTaps, [&](const Bounds &box) { return region.Reaches(box); });
   }
   gl_.glDisable(GL_SCISSOR_TEST);
-  draw(0);
+  gl_.glFlush();
+  draw(0, [](const Bounds &) { return true; });
 }
 
 void Painter::DrawItem(const Item &item, int taps) {

@@ -48,6 +48,8 @@ bool Overlap(const Bounds &a, const Bounds &b) {
 
 } // namespace
 
+bool ShadowRegion::Reaches(const Bounds &ground) const { return Overlap(Ground, ground); }
+
 Shadows::Shadows(Gl &gl, int size) : gl_(gl), size_(size) {
   BuildProgram(program_, ShadowVertexShader, ShadowFragmentShader);
   gl_.glGenTextures(1, &map_);

@@ -16,6 +16,8 @@ struct ShadowRegion {
   Bounds Ground;  ///< in the scene
   float Softness; ///< radius of the penumbra, scene units; grows with the height of the mesh
   float Halo;     ///< radius of the ambient occlusion around the shadow, scene units
+
+  bool Reaches(const Bounds &ground) const;
 };
 
 class Shadows {
