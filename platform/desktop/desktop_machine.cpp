@@ -15,10 +15,13 @@
 #include <QAbstractEventDispatcher>
 #include <QIcon>
 #include <QMessageBox>
+#include <QPixmapCache>
 #include <QPushButton>
 #include <QScreen>
 #include <QSocketNotifier>
 #include <QTimer>
+
+#include <malloc.h>
 
 #include <algorithm>
 #include <chrono>
@@ -38,6 +41,10 @@ void RefuseDisplay(QtMsgType type, const QMessageLogContext &, const QString &) 
   std::_Exit(1);
 }
 
+// Qt keeps pictures of a window's buttons after the window has closed, and never finds them again: their keys
+// name the palette of that very window. By default it keeps 10 MiB.
+constexpr int ButtonPictures = 1024; ///< KiB
+
 /// Whether the screen has too few colours for Qt to paint.
 bool ScreenStaysDark() { return QGuiApplication::primaryScreen()->depth() < 15; }
 
@@ -51,6 +58,7 @@ DesktopMachine::DesktopMachine(int &argc, char **argv) {
   application_ = std::make_unique<QApplication>(argc, argv);
   if (!ScreenStaysDark()) qInstallMessageHandler(before);
   InstallAccessibility();
+  QPixmapCache::setCacheLimit(ButtonPictures);
   application_->setQuitOnLastWindowClosed(false);
   application_->setApplicationDisplayName({});
   application_->setDesktopFileName("org.snapwedge.Snapwedge");
@@ -75,6 +83,7 @@ void DesktopMachine::TryOpenGL() {
   // The launch window is shown first.
   constexpr int AfterFirstPictureMs = 500;
   QObject::connect(&openGLTestDelay_, &QTimer::timeout, [this] {
+    malloc_trim(0); // of what reading and checking the files took
     openGLTest_.start(QCoreApplication::applicationFilePath(), {OpenGLTestOption});
   });
   openGLTestDelay_.setSingleShot(true);

@@ -4,6 +4,7 @@
 
 #include <AL/al.h>
 #include <AL/alc.h>
+#include <AL/efx.h>
 #include <sndfile.h>
 
 #include <cstdint>
@@ -21,7 +22,8 @@ struct Device {
   Device() {
     device = alcOpenDevice(nullptr);
     if (!device) throw SoundError("no sound device can be opened");
-    context = alcCreateContext(device, nullptr);
+    constexpr ALCint NoEffects[] = {ALC_MAX_AUXILIARY_SENDS, 0, 0}; // they'd take memory
+    context = alcCreateContext(device, NoEffects);
     if (!context || !alcMakeContextCurrent(context)) {
       if (context) alcDestroyContext(context);
       alcCloseDevice(device);
