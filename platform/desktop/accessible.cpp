@@ -92,12 +92,22 @@ private:
   QComboBox &box_;
 };
 
+/// An announcement. Screen readers say its surroundings first, in a dialog all labels too, one of which has
+/// the announced text. So its parent is the program, not the window.
+class AccessibleAnnouncement : public QAccessibleWidget {
+public:
+  explicit AccessibleAnnouncement(Announcer *announcer)
+      : QAccessibleWidget(announcer, QAccessible::Notification) {}
+  QAccessibleInterface *parent() const override { return QAccessible::queryAccessibleInterface(qApp); }
+};
+
 QAccessibleInterface *MakeInterface(const QString &, QObject *object) {
   auto *widget = qobject_cast<QWidget *>(object);
   if (!widget || !widget->property(RoleProperty).isValid()) return nullptr;
   if (widget->isWindow()) return new AccessibleWindow(widget);
   if (auto *box = qobject_cast<QComboBox *>(widget)) return new AccessibleDropDown(box);
   if (auto *meter = dynamic_cast<MeterWidget *>(widget)) return new AccessibleMeter(meter);
+  if (auto *announcer = dynamic_cast<Announcer *>(widget)) return new AccessibleAnnouncement(announcer);
   return new QAccessibleWidget(widget, RoleOf(*widget));
 }
 
@@ -114,7 +124,7 @@ PictureWords::PictureWords(QWidget &parent, const QString &words) : QWidget(&par
 }
 
 Announcer::Announcer(QWidget &parent) : QWidget(&parent) {
-  SetAccessibleRole(*this, QAccessible::Notification);
+  SetAccessibleRole(*this, QAccessible::NoRole); // the window has the text already
   setAttribute(Qt::WA_TransparentForMouseEvents);
   resize(1, 1);
   hide();

@@ -14,7 +14,8 @@ std::shared_ptr<DirectSound> DesktopDirectX::DirectSoundCreate(const std::string
 }
 
 std::shared_ptr<DirectPlay4> DesktopDirectX::DirectPlayCreate(const std::string &) {
-  return CreateAsioDirectPlay(machine_, &machine_.Router());
+  return CreateAsioDirectPlay(machine_, &machine_.Router(),
+                              [&machine = machine_](int socket) { return machine.Watch(socket); });
 }
 
 int DesktopDirectX::SystemBpp() {

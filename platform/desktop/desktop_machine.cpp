@@ -18,6 +18,7 @@
 #include <QPixmapCache>
 #include <QPushButton>
 #include <QScreen>
+#include <QSocketNotifier>
 #include <QTimer>
 
 #include <malloc.h>
@@ -139,7 +140,14 @@ void DesktopMachine::Sleep(std::optional<std::int32_t> deadline) {
   bool over = false;
   QObject::connect(&timer, &QTimer::timeout, [&over] { over = true; });
   if (milliseconds >= 0) timer.start(milliseconds);
-  while (!HasEvents() && !over) QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
+  dataCame_ = false; // if it hasn't been read, it comes again
+  while (!HasEvents() && !over && !dataCame_) QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
+}
+
+std::shared_ptr<void> DesktopMachine::Watch(int socket) {
+  auto notifier = std::make_shared<QSocketNotifier>(socket, QSocketNotifier::Read);
+  QObject::connect(notifier.get(), &QSocketNotifier::activated, [this] { dataCame_ = true; });
+  return notifier;
 }
 
 // Windows.

@@ -47,6 +47,9 @@ public:
 
   HomeRouter &Router() { return router_; }
 
+  /// While the result lives, data of the socket ends a sleep.
+  std::shared_ptr<void> Watch(int socket);
+
   // For the views of windows and controls.
   using Machine::Delivery;
   using Machine::Post;
@@ -73,4 +76,5 @@ private:
   std::unique_ptr<ScreenAwake> screenAwake_;
   QProcess openGLTest_;
   QTimer openGLTestDelay_;
+  bool dataCame_ = false; ///< on a watched socket, since the last sleep began
 };

@@ -22,10 +22,12 @@ using Tcp = asio::ip::tcp;
 
 class AsioStream : public session::Stream {
 public:
-  AsioStream(Tcp::socket socket, StreamState state, std::string peer)
+  AsioStream(Tcp::socket socket, StreamState state, std::string peer, const WatchSocket &watch = {})
       : socket_(std::move(socket)), state_(state), peer_(std::move(peer)) {
     std::error_code ignored;
     socket_.set_option(Tcp::no_delay(true), ignored);
+    const bool lives = state == StreamState::Connecting || state == StreamState::Open;
+    if (lives && watch) watch_ = watch(socket_.native_handle());
   }
 
   StreamState GetState() override {
@@ -39,7 +41,7 @@ public:
     if (GetState() != StreamState::Open) return 0;
     std::error_code error;
     const std::size_t count = socket_.read_some(asio::buffer(into.data(), into.size()), error);
-    if (error && error != asio::error::would_block) state_ = StreamState::Closed;
+    if (error && error != asio::error::would_block) End(StreamState::Closed);
     return error ? 0 : count;
   }
 
@@ -58,19 +60,28 @@ private:
     int failure = 0;
     socklen_t size = sizeof failure;
     getsockopt(socket_.native_handle(), SOL_SOCKET, SO_ERROR, &failure, &size);
-    state_ = failure == 0              ? StreamState::Open
-             : failure == ECONNREFUSED ? StreamState::Refused
-                                       : StreamState::Closed;
+    if (failure == 0) {
+      state_ = StreamState::Open;
+    } else {
+      End(failure == ECONNREFUSED ? StreamState::Refused : StreamState::Closed);
+    }
+  }
+
+  void End(StreamState state) {
+    state_ = state;
+    watch_.reset(); // to the system an ended connection always has data
   }
 
   Tcp::socket socket_;
   StreamState state_;
   std::string peer_;
+  std::shared_ptr<void> watch_; ///< ends before the socket is closed
 };
 
 class AsioListener : public session::Listener {
 public:
-  explicit AsioListener(Tcp::acceptor acceptor) : acceptor_(std::move(acceptor)) {}
+  AsioListener(Tcp::acceptor acceptor, WatchSocket watch)
+      : acceptor_(std::move(acceptor)), watch_(std::move(watch)) {}
 
   std::unique_ptr<session::Stream> Accept() override {
     std::error_code error;
@@ -79,11 +90,12 @@ public:
     if (!error) socket.non_blocking(true, error);
     if (error) return nullptr;
     return std::make_unique<AsioStream>(std::move(socket), StreamState::Open,
-                                        PlainAddress(peer.address()).to_string());
+                                        PlainAddress(peer.address()).to_string(), watch_);
   }
 
 private:
   Tcp::acceptor acceptor_;
+  WatchSocket watch_; ///< for the streams
 };
 
 std::vector<std::string> AddressesOf(const std::string &name) {
@@ -130,7 +142,8 @@ private:
 };
 
 /// A listening socket; null if the port isn't available.
-std::unique_ptr<session::Listener> ListenAt(asio::io_context &context, const Tcp::endpoint &at) {
+std::unique_ptr<session::Listener> ListenAt(asio::io_context &context, const Tcp::endpoint &at,
+                                            const WatchSocket &watch) {
   std::error_code error;
   Tcp::acceptor acceptor(context);
   acceptor.open(at.protocol(), error);
@@ -141,18 +154,18 @@ std::unique_ptr<session::Listener> ListenAt(asio::io_context &context, const Tcp
   if (!error) acceptor.listen(asio::socket_base::max_listen_connections, error);
   if (!error) acceptor.non_blocking(true, error);
   if (error) return nullptr;
-  return std::make_unique<AsioListener>(std::move(acceptor));
+  return std::make_unique<AsioListener>(std::move(acceptor), watch);
 }
 
 } // namespace
 
 std::unique_ptr<session::Listener> AsioTransport::Listen(session::Reach reach, std::uint16_t port) {
   if (reach == session::Reach::ThisComputer) {
-    return ListenAt(context_, {asio::ip::address_v4::loopback(), port});
+    return ListenAt(context_, {asio::ip::address_v4::loopback(), port}, watch_);
   }
   // One socket for both IPv6 and IPv4; IPv4 only if the system has no IPv6.
-  if (auto both = ListenAt(context_, {asio::ip::address_v6::any(), port})) return both;
-  return ListenAt(context_, {asio::ip::address_v4::any(), port});
+  if (auto both = ListenAt(context_, {asio::ip::address_v6::any(), port}, watch_)) return both;
+  return ListenAt(context_, {asio::ip::address_v4::any(), port}, watch_);
 }
 
 std::unique_ptr<session::DatagramPort> AsioTransport::OpenDatagrams(session::Reach reach,
@@ -174,12 +187,12 @@ std::unique_ptr<session::Stream> AsioTransport::Connect(const session::Endpoint 
   if (error) return std::make_unique<AsioStream>(Tcp::socket(context_), StreamState::Closed, to.Address);
   // The system call, because the library's connect blocks even on a non-blocking socket.
   if (::connect(socket.native_handle(), at.data(), static_cast<socklen_t>(at.size())) == 0) {
-    return std::make_unique<AsioStream>(std::move(socket), StreamState::Open, to.Address);
+    return std::make_unique<AsioStream>(std::move(socket), StreamState::Open, to.Address, watch_);
   }
   const StreamState state = errno == EINPROGRESS    ? StreamState::Connecting
                             : errno == ECONNREFUSED ? StreamState::Refused
                                                     : StreamState::Closed;
-  return std::make_unique<AsioStream>(std::move(socket), state, to.Address);
+  return std::make_unique<AsioStream>(std::move(socket), state, to.Address, watch_);
 }
 
 std::unique_ptr<session::Lookup> AsioTransport::LookUp(const std::string &name) {
@@ -197,7 +210,7 @@ bool AsioTransport::Rest(std::int32_t milliseconds) {
   return true;
 }
 
-std::shared_ptr<DirectPlay4> CreateAsioDirectPlay(Machine &machine, HomeRouter *router) {
-  return std::make_shared<session::SessionDirectPlay>(machine, std::make_shared<AsioTransport>(router),
-                                                      ShowSearchDialog);
+std::shared_ptr<DirectPlay4> CreateAsioDirectPlay(Machine &machine, HomeRouter *router, WatchSocket watch) {
+  return std::make_shared<session::SessionDirectPlay>(
+      machine, std::make_shared<AsioTransport>(router, std::move(watch)), ShowSearchDialog);
 }

@@ -3,6 +3,7 @@
 // Streams and datagrams on real sockets. Every socket is non-blocking and polled; only name lookups run on a
 // thread.
 
+#include "platform/desktop/asio/asio_network.h"
 #include "platform/session/transport.h"
 
 #include <asio.hpp>
@@ -12,7 +13,8 @@ class HomeRouter;
 class AsioTransport : public session::Transport {
 public:
   /// @param router  may be null
-  explicit AsioTransport(HomeRouter *router) : router_(router) {}
+  /// @param watch   watches every stream; may be empty
+  AsioTransport(HomeRouter *router, WatchSocket watch) : router_(router), watch_(std::move(watch)) {}
 
   void Poll() override {}
   std::unique_ptr<session::Listener> Listen(session::Reach reach, std::uint16_t port) override;
@@ -26,5 +28,6 @@ public:
 
 private:
   HomeRouter *router_;
+  WatchSocket watch_;
   asio::io_context context_;
 };
