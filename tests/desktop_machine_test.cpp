@@ -16,6 +16,8 @@
 #include <QTextBrowser>
 #include <QWindow>
 #include <gtest/gtest.h>
+#include <sys/socket.h>
+#include <unistd.h>
 
 #include <chrono>
 #include <fstream>
@@ -388,6 +390,21 @@ TEST(DesktopMachineTest, AMessageEndsASleepAtOnce) {
     EXPECT_EQ(kit::TakeAll(*host, player), std::vector<std::string>{std::to_string(number)});
   }
   EXPECT_LT(shortest, std::chrono::milliseconds(NetworkPollMs) / 2) << "only the next look finds it";
+}
+
+TEST(DesktopMachineTest, DataThatNobodyReadsWakesOnceAMillisecond) {
+  DesktopMachine &machine = GameMachine::Get();
+  int ends[2];
+  ASSERT_EQ(socketpair(AF_UNIX, SOCK_STREAM, 0, ends), 0);
+  ASSERT_EQ(write(ends[1], "x", 1), 1);
+  const auto watched = machine.Watch(ends[0]);
+  const std::int32_t begin = machine.timeGetTime(), end = machine.ClockIn(200);
+  int wakes = 0;
+  for (; !machine.ClockReached(end); ++wakes) machine.WaitUntil(end);
+  EXPECT_LE(wakes, Elapsed(begin, machine.timeGetTime()) + 1);
+  EXPECT_GT(wakes, 2);
+  close(ends[0]);
+  close(ends[1]);
 }
 
 } // namespace

@@ -27,6 +27,7 @@
 #include <chrono>
 #include <cstdlib>
 #include <iostream>
+#include <thread>
 
 namespace {
 
@@ -44,6 +45,9 @@ void RefuseDisplay(QtMsgType type, const QMessageLogContext &, const QString &) 
 // Qt keeps pictures of a window's buttons after the window has closed, and never finds them again: their keys
 // name the palette of that very window. By default it keeps 10 MiB.
 constexpr int ButtonPictures = 1024; ///< KiB
+
+/// Between two sleeps that data ended, so that a flood doesn't keep the processor busy.
+constexpr std::chrono::milliseconds BetweenWakes(1);
 
 /// Whether the screen has too few colours for Qt to paint.
 bool ScreenStaysDark() { return QGuiApplication::primaryScreen()->depth() < 15; }
@@ -132,6 +136,7 @@ void DesktopMachine::Collect() {
 void DesktopMachine::Sleep(std::optional<std::int32_t> deadline) {
   leaving_.clear();
   CarryOver();
+  std::this_thread::sleep_until(nextWake_);
   std::int32_t milliseconds = deadline ? std::max(Elapsed(timeGetTime(), *deadline), 0) : -1;
   if (HasPolls()) milliseconds = deadline ? std::min(milliseconds, NetworkPollMs) : NetworkPollMs;
   QTimer timer;
@@ -142,6 +147,7 @@ void DesktopMachine::Sleep(std::optional<std::int32_t> deadline) {
   if (milliseconds >= 0) timer.start(milliseconds);
   dataCame_ = false; // if it hasn't been read, it comes again
   while (!HasEvents() && !over && !dataCame_) QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
+  if (dataCame_) nextWake_ = std::chrono::steady_clock::now() + BetweenWakes;
 }
 
 std::shared_ptr<void> DesktopMachine::Watch(int socket) {

@@ -12,6 +12,7 @@
 #include <QProcess>
 #include <QTimer>
 
+#include <chrono>
 #include <memory>
 #include <vector>
 
@@ -76,5 +77,6 @@ private:
   std::unique_ptr<ScreenAwake> screenAwake_;
   QProcess openGLTest_;
   QTimer openGLTestDelay_;
-  bool dataCame_ = false; ///< on a watched socket, since the last sleep began
+  bool dataCame_ = false;                          ///< on a watched socket, since the last sleep began
+  std::chrono::steady_clock::time_point nextWake_; ///< data ends no sleep before
 };
