@@ -38,7 +38,7 @@ void FrameBuffer::DrawInto() {
 
 void FrameBuffer::Begin(float red, float green, float blue) {
   DrawInto();
-  gl_.glClearColor(red, green, blue, 1.0f);
+  gl_.glClearColor(blue, green, red, 1.0f); // see the shaders
   gl_.glClear(GL_COLOR_BUFFER_BIT | GL_DEPTH_BUFFER_BIT);
 }
 
@@ -56,7 +56,7 @@ void FrameBuffer::BeginOnKept() {
 bool FrameBuffer::Read(QImage &image) {
   if (resolved_) QOpenGLFramebufferObject::blitFramebuffer(&*resolved_, &drawn_);
   (resolved_ ? *resolved_ : drawn_).bind();
-  gl_.glReadPixels(0, 0, Size().width(), Size().height(), GL_BGRA, GL_UNSIGNED_INT_8_8_8_8_REV,
+  gl_.glReadPixels(0, 0, Size().width(), Size().height(), GL_RGBA, GL_UNSIGNED_INT_8_8_8_8_REV,
                    smoothing_ ? smoothing_->Drawn().bits() : image.bits());
   return !smoothing_ || smoothing_->Update(image);
 }

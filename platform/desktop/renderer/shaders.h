@@ -4,7 +4,7 @@
 // from frame to frame is computed on the processor.
 //
 // Colours keep their stored gamma of 2. Light times texture needs no conversion: the root of a product is the
-// product of the roots.
+// product of the roots. Fragments have blue first, as the picture that the frame is copied into.
 
 #include <QOpenGLShaderProgram>
 
@@ -137,9 +137,9 @@ void main() {
   light *= mix(vec3(1.0), texture(picture, surfaceCoordinate).rgb, textureShare);
 #endif
 #if PAINT
-  result = vec4(mix(light, fogColor, fog), coverage);
+  result = vec4(mix(light, fogColor, fog).bgr, coverage);
 #else
-  result = vec4(mix(light, fogColor, fog), 1.0);
+  result = vec4(mix(light, fogColor, fog).bgr, 1.0);
 #endif
 }
 )";
@@ -170,5 +170,5 @@ void main() {
 inline constexpr const char *BackdropFragmentShader = R"(#version 330 core
 in vec3 glow;
 out vec4 result;
-void main() { result = vec4(glow, 1.0); }
+void main() { result = vec4(glow.bgr, 1.0); }
 )";
