@@ -24,6 +24,13 @@ public:
     static auto *machine = new GameMachine(count, arguments);
     return *machine;
   }
+
+  std::shared_ptr<void> Watch(int socket) override {
+    auto watch = DesktopMachine::Watch(socket);
+    Watches.push_back(watch);
+    return watch;
+  }
+  std::vector<std::weak_ptr<void>> Watches; ///< all that there have been
 };
 
 /// The contrast ratio of two colours, 1 to 21, as the Web Content Accessibility Guidelines define it.

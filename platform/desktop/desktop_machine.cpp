@@ -18,7 +18,6 @@
 #include <QPixmapCache>
 #include <QPushButton>
 #include <QScreen>
-#include <QSocketNotifier>
 #include <QTimer>
 
 #include <malloc.h>
@@ -27,7 +26,6 @@
 #include <chrono>
 #include <cstdlib>
 #include <iostream>
-#include <thread>
 
 namespace {
 
@@ -46,15 +44,12 @@ void RefuseDisplay(QtMsgType type, const QMessageLogContext &, const QString &) 
 // name the palette of that very window. By default it keeps 10 MiB.
 constexpr int ButtonPictures = 1024; ///< KiB
 
-/// Between two sleeps that data ended, so that a flood doesn't keep the processor busy.
-constexpr std::chrono::milliseconds BetweenWakes(1);
-
 /// Whether the screen has too few colours for Qt to paint.
 bool ScreenStaysDark() { return QGuiApplication::primaryScreen()->depth() < 15; }
 
 } // namespace
 
-DesktopMachine::DesktopMachine(int &argc, char **argv) {
+DesktopMachine::DesktopMachine(int &argc, char **argv) : nextWake_(timeGetTime()) {
   ChooseDisplay();
   // Every motion event is needed, so that the offsets add up to the motion of the hand.
   QCoreApplication::setAttribute(Qt::AA_CompressHighFrequencyEvents, false);
@@ -136,9 +131,13 @@ void DesktopMachine::Collect() {
 void DesktopMachine::Sleep(std::optional<std::int32_t> deadline) {
   leaving_.clear();
   CarryOver();
-  std::this_thread::sleep_until(nextWake_);
+  // Data ends only one sleep in the interval of the looks at the network, so that a flood doesn't keep the
+  // processor busy.
+  const bool watching = ClockReached(nextWake_);
+  SetWatching(watching);
   std::int32_t milliseconds = deadline ? std::max(Elapsed(timeGetTime(), *deadline), 0) : -1;
-  if (HasPolls()) milliseconds = deadline ? std::min(milliseconds, NetworkPollMs) : NetworkPollMs;
+  if (HasPolls() || !watching)
+    milliseconds = deadline ? std::min(milliseconds, NetworkPollMs) : NetworkPollMs;
   QTimer timer;
   timer.setTimerType(Qt::PreciseTimer);
   timer.setSingleShot(true);
@@ -147,12 +146,22 @@ void DesktopMachine::Sleep(std::optional<std::int32_t> deadline) {
   if (milliseconds >= 0) timer.start(milliseconds);
   dataCame_ = false; // if it hasn't been read, it comes again
   while (!HasEvents() && !over && !dataCame_) QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
-  if (dataCame_) nextWake_ = std::chrono::steady_clock::now() + BetweenWakes;
+  if (!watching) {
+    SetWatching(true);
+    QCoreApplication::processEvents(); // finds what has come meanwhile
+  }
+  if (dataCame_) nextWake_ = ClockIn(NetworkPollMs);
+}
+
+void DesktopMachine::SetWatching(bool on) {
+  std::erase_if(watches_, [](const auto &watch) { return watch.expired(); });
+  for (const auto &watch : watches_) watch.lock()->setEnabled(on);
 }
 
 std::shared_ptr<void> DesktopMachine::Watch(int socket) {
   auto notifier = std::make_shared<QSocketNotifier>(socket, QSocketNotifier::Read);
   QObject::connect(notifier.get(), &QSocketNotifier::activated, [this] { dataCame_ = true; });
+  watches_.push_back(notifier);
   return notifier;
 }
 

@@ -10,9 +10,9 @@
 
 #include <QApplication>
 #include <QProcess>
+#include <QSocketNotifier>
 #include <QTimer>
 
-#include <chrono>
 #include <memory>
 #include <vector>
 
@@ -49,7 +49,7 @@ public:
   HomeRouter &Router() { return router_; }
 
   /// While the result lives, data of the socket ends a sleep.
-  std::shared_ptr<void> Watch(int socket);
+  virtual std::shared_ptr<void> Watch(int socket);
 
   // For the views of windows and controls.
   using Machine::Delivery;
@@ -65,6 +65,8 @@ private:
   WindowView *ViewOf(const Window &window) const;
   /// Copies all properties to the widgets, and captures or releases the pointer.
   void CarryOver();
+  /// Whether data on the watched sockets ends a sleep.
+  void SetWatching(bool on);
 
   std::unique_ptr<QApplication> application_;
   Pointer pointer_;
@@ -77,6 +79,7 @@ private:
   std::unique_ptr<ScreenAwake> screenAwake_;
   QProcess openGLTest_;
   QTimer openGLTestDelay_;
-  bool dataCame_ = false;                          ///< on a watched socket, since the last sleep began
-  std::chrono::steady_clock::time_point nextWake_; ///< data ends no sleep before
+  std::vector<std::weak_ptr<QSocketNotifier>> watches_;
+  bool dataCame_ = false; ///< on a watched socket, since the last sleep began
+  std::int32_t nextWake_; ///< data ends no sleep before
 };
