@@ -59,7 +59,7 @@ public:
       return false;
     }
     ++frames_;
-    if (frames_ == 1) ForgetFiles();               // all of them are uploaded
+    ForgetFiles(); // what the frame has read is uploaded
     if (frames_ == MeasuredFrames) ReleaseShaderCompiler();
     // A quick frame may still keep many cores busy, so processor time counts too.
     Measure(std::max(static_cast<double>(timer.nsecsElapsed()) / 1e6,
@@ -132,6 +132,7 @@ private:
     level_ = level_ == Quality::Full ? Quality::Low : Quality::Full;
     painter_.reset();
     painter_ = std::make_unique<Painter>(*gl_, Paint(), lens_);
+    frames_ = 0;
   }
 
   Quality asked_;
@@ -143,7 +144,7 @@ private:
   std::unique_ptr<Painter> painter_;
   QImage frame_;
 
-  std::size_t frames_ = 0;
+  std::size_t frames_ = 0; ///< of this painter
   bool chosen_ = false;
   std::vector<double> measured_; ///< ms of each frame, wall or processor time, whichever is longer
 
