@@ -7,7 +7,7 @@ int RunProgram(Machine &machine, Program &program) {
   try {
     frmNewNet launch(machine, program);
     launch.Form_Load();
-    // After the first pump, so that the checks don't delay the launch window.
+    // Once the launch window is on the screen, so that the checks don't delay it.
     machine.Pump();
     CheckInformationFiles(machine);
     CheckMatchFiles(machine, program);

@@ -255,6 +255,22 @@ TEST(DesktopMachineTest, AStretchedWindowHasItsContentInTheMiddleOfBlack) {
   EXPECT_EQ(clicks, 1);
 }
 
+TEST(DesktopMachineTest, AWindowIsOnTheScreenWhenShowReturns) {
+  auto &machine = GameMachine::Get();
+  Window window;
+  window.Name = "Purple";
+  window.Width = 200;
+  window.Height = 100;
+  window.HasBackColor = true;
+  window.BackColor = {130, 20, 140};
+  machine.Show(window);
+  const QWidget &shown = *ShownWindow("Purple");
+  const QPoint middle = shown.mapToGlobal(shown.rect().center());
+  const QColor seen = shown.screen()->grabWindow(0, middle.x(), middle.y(), 1, 1).toImage().pixelColor(0, 0);
+  EXPECT_EQ(seen, QColor(130, 20, 140)) << seen.name().toStdString();
+  machine.Hide(window);
+}
+
 TEST(DesktopMachineTest, HandlersRunInThePumpAndMayThrow) {
   Form form(GameMachine::Get());
   int clicks = 0;

@@ -20,10 +20,10 @@ struct Picture {
   explicit Picture(Quality quality) : renderer(quality) { game.SetUp(); }
 
   /// The frame once the lens has settled.
-  QImage Draw() { return Settled(renderer, game.window.RMCanvas1); }
+  QImage Draw(QSize size = CanvasSize) { return Settled(renderer, game.window.RMCanvas1, size); }
 
-  static QImage Settled(Renderer &renderer, const RMCanvas &canvas) {
-    while (renderer.Draw(canvas, CanvasSize)) {
+  static QImage Settled(Renderer &renderer, const RMCanvas &canvas, QSize size = CanvasSize) {
+    while (renderer.Draw(canvas, size)) {
     }
     return renderer.Frame().copy();
   }
@@ -145,6 +145,20 @@ TEST(RendererTest, APictureThatIsDrawnInPartsIsTheWholeOne) {
       ASSERT_EQ(Differing(parts, afresh.Frame()), 0);
     }
   }
+}
+
+TEST(RendererTest, APictureThatGrowsIsAsSharpAsOneThatWasAlwaysLarge) {
+  Picture grown(Quality::Low), large(Quality::Low);
+  for (Picture *picture : {&grown, &large}) {
+    auto &window = picture->game.window; // beside the table, before the stands
+    window.PieceFrame->SetPosition(window.RMCanvas1.SceneFrame, 91, -25, 10);
+    window.CameraFrame->SetPosition(window.RMCanvas1.SceneFrame, 130, -10, 120);
+    window.LookCam();
+  }
+  const QImage small = grown.Draw();
+  const QImage whole = grown.Draw(2 * CanvasSize);
+  EXPECT_EQ(Differing(whole, large.Draw(2 * CanvasSize)), 0);
+  EXPECT_EQ(Differing(small, grown.Draw()), 0) << "as after a move to another screen and back";
 }
 
 TEST(RendererTest, NothingIsDrawnAgainThatDoesNotShow) {

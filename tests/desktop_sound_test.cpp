@@ -1,92 +1,161 @@
-// Sound through OpenAL.
+// Sound through OpenAL, as recorded by its driver that writes a wave file.
 
 #include "platform/desktop/open_al_sound.h"
 
-#include <AL/al.h>
 #include <gtest/gtest.h>
+#include <unistd.h>
 
+#include <algorithm>
 #include <chrono>
+#include <cstdint>
+#include <cstdlib>
 #include <filesystem>
+#include <fstream>
+#include <functional>
+#include <iterator>
 #include <string>
 #include <thread>
+#include <vector>
 
 namespace {
 
-/// The OpenAL source created last.
-ALuint LastSource() {
-  constexpr ALuint Most = 1000;
-  ALuint last = 0;
-  for (ALuint source = 1; source < Most; ++source) {
-    if (alIsSource(source)) last = source;
-  }
-  return last;
-}
+namespace fs = std::filesystem;
 
-ALint OffsetOf(ALuint source) {
-  ALint offset = 0;
-  alGetSourcei(source, AL_SAMPLE_OFFSET, &offset);
-  return offset;
-}
+constexpr int Rate = 44100;
+constexpr int Length =
+    Rate * 6 / 5; ///< samples of the test's sound: not a whole number of what is read at once
 
-TEST(DesktopSoundTest, StopKeepsThePositionAndPlayDoesNotRestart) {
-  const auto sound = OpenDefaultSound();
-  const auto crowd =
-      sound->CreateSoundBufferFromFile(std::filesystem::path(SNAPWEDGE_GAME_DIR) / "crowd.daw", {}, {});
-  const ALuint source = LastSource();
-  ASSERT_NE(source, 0U);
-  const auto pause = [] { std::this_thread::sleep_for(std::chrono::milliseconds(50)); };
-  /// Waits until it has played for another tenth of a second, at most 20 s. Returns its position.
-  const auto playedOn = [&](ALint from) {
-    for (int tries = 0; tries < 400 && OffsetOf(source) < from + 4410; ++tries) pause();
-    return OffsetOf(source);
+// Each sample of the sound tells its place in it.
+constexpr int FirstLevel = 1000, PlacesPerLevel = 2;
+constexpr int LastLevel = FirstLevel + (Length - 1) / PlacesPerLevel;
+constexpr int Inexact = 16; ///< places, by the recording's dither
+
+void WriteSound(const fs::path &path) {
+  std::ofstream file(path, std::ios::binary);
+  const auto number = [&](std::uint32_t value, int bytes) {
+    for (; bytes > 0; --bytes, value >>= 8) file.put(static_cast<char>(value & 0xff));
   };
-  crowd->Play(DSBPLAY_LOOPING);
-  const ALint first = playedOn(0);
-  ASSERT_GT(first, 0);
-  crowd->Play(DSBPLAY_LOOPING);
-  EXPECT_GE(OffsetOf(source), first) << "a second call must not start it over";
-  const ALint second = playedOn(first);
-  crowd->Stop();
-  const ALint stopped = OffsetOf(source);
-  EXPECT_GE(stopped, second);
-  pause();
-  EXPECT_EQ(OffsetOf(source), stopped);
-  crowd->Play(DSBPLAY_DEFAULT);
-  EXPECT_GE(OffsetOf(source), stopped) << "it continues from its position";
-  EXPECT_GT(playedOn(stopped), stopped);
+  constexpr std::uint32_t Bytes = 2 * Length;
+  file << "RIFF";
+  number(36 + Bytes, 4);
+  file << "WAVEfmt ";
+  for (const auto &[value, bytes] :
+       {std::pair{16U, 4}, {1U, 2}, {1U, 2}, {44100U, 4}, {88200U, 4}, {2U, 2}, {16U, 2}})
+    number(value, bytes);
+  file << "data";
+  number(Bytes, 4);
+  for (int place = 0; place < Length; ++place)
+    number(static_cast<std::uint32_t>(FirstLevel + place / PlacesPerLevel), 2);
 }
 
-TEST(DesktopSoundTest, ALoopRepeatsAndASoundEnds) {
-  const auto sound = OpenDefaultSound();
-  struct Row {
-    std::int32_t flags;
-    ALint atTheEnd;
-  };
-  for (const Row &row : {Row{DSBPLAY_LOOPING, AL_PLAYING}, Row{DSBPLAY_DEFAULT, AL_STOPPED}}) {
-    const auto whistle =
-        sound->CreateSoundBufferFromFile(std::filesystem::path(SNAPWEDGE_GAME_DIR) / "wis1.daw", {}, {});
-    const ALuint source = LastSource();
-    constexpr ALint NearTheEnd = 4410; // samples
-    ALint buffer = 0, bytes = 0;
-    alGetSourcei(source, AL_BUFFER, &buffer);
-    alGetBufferi(static_cast<ALuint>(buffer), AL_SIZE, &bytes);
-    const ALint start = bytes / 2 - NearTheEnd;
-    alSourcei(source, AL_SAMPLE_OFFSET, start);
-    whistle->Play(row.flags);
-    // Wait until it has stopped or restarted.
-    for (int tries = 0; tries < 400 && OffsetOf(source) >= start; ++tries)
-      std::this_thread::sleep_for(std::chrono::milliseconds(50));
-    ALint state = 0;
-    alGetSourcei(source, AL_SOURCE_STATE, &state);
-    EXPECT_EQ(state, row.atTheEnd);
+/// A sound device whose output goes to a file, and one sound on it.
+class DesktopSoundTest : public ::testing::Test {
+protected:
+  DesktopSoundTest() {
+    fs::create_directory(directory_);
+    WriteSound(file_);
+    std::ofstream(directory_ / "settings") << "[general]\ndrivers=wave\nsample-type=int16\nfrequency=44100\n"
+                                           << "[wave]\nfile=" << Recorded().string() << '\n';
+    setenv("ALSOFT_CONF", (directory_ / "settings").c_str(), 1);
+    unsetenv("ALSOFT_DRIVERS");
+    device_ = OpenDefaultSound();
+    sound_ = device_->CreateSoundBufferFromFile(file_, {}, {});
+  }
+  ~DesktopSoundTest() override { fs::remove_all(directory_); }
+
+  /// Waits until the device has played for another time.
+  void Listen(double seconds) const {
+    const auto end = fs::file_size(Recorded()) + static_cast<std::uintmax_t>(seconds * Rate) * 4;
+    for (int tries = 0; tries < 2000 && fs::file_size(Recorded()) < end; ++tries)
+      std::this_thread::sleep_for(std::chrono::milliseconds(10));
+  }
+
+  /// Closes the device. Returns the places in the sound that were heard one after the other, -1 for silence.
+  std::vector<int> Heard() {
+    sound_.reset();
+    device_.reset();
+    std::ifstream file(Recorded(), std::ios::binary);
+    const std::string all(std::istreambuf_iterator<char>(file), {});
+    std::vector<int> left;
+    for (std::size_t at = all.find("data") + 8; at + 4 <= all.size(); at += 4) {
+      left.push_back(static_cast<std::int16_t>(static_cast<unsigned char>(all[at]) |
+                                               static_cast<unsigned char>(all[at + 1]) << 8));
+    }
+    const double gain = left.empty() ? 0.0 : static_cast<double>(std::ranges::max(left)) / LastLevel;
+    for (int &level : left) {
+      constexpr int Silence = FirstLevel / 4;
+      const double place = (level / gain - FirstLevel) * PlacesPerLevel;
+      level = level < Silence ? -1 : std::clamp(static_cast<int>(place), 0, Length - 1);
+    }
+    return left;
+  }
+
+  fs::path Recorded() const { return directory_ / "recorded.wav"; }
+
+  const fs::path directory_ = fs::temp_directory_path() / ("snapwedge-sound-" + std::to_string(getpid()));
+  const fs::path file_ = directory_ / "sound.daw";
+  std::shared_ptr<DirectSound> device_;
+  std::shared_ptr<DirectSoundBuffer> sound_;
+};
+
+/// Fails unless the sound is heard from its start on, without a sample lost or repeated, round after round.
+void ExpectUnbroken(std::vector<int> heard) {
+  std::erase(heard, -1);
+  for (std::size_t i = 0; i < heard.size(); ++i) {
+    const int place = static_cast<int>(i) % Length;
+    const int error = std::abs(heard[i] - place);
+    ASSERT_LE(std::min(error, Length - error), Inexact) << "sample " << i;
   }
 }
 
-TEST(DesktopSoundTest, AFileThatIsNoSoundIsNamed) {
-  const auto sound = OpenDefaultSound();
+TEST_F(DesktopSoundTest, ALoopRepeatsWithoutASeam) {
+  sound_->Play(DSBPLAY_LOOPING);
+  Listen(3.0);
+  sound_->Stop();
+  const auto heard = Heard();
+  ExpectUnbroken(heard);
+  EXPECT_GT(std::ranges::count_if(heard, [](int place) { return place >= 0; }), 5 * Length / 2);
+}
+
+TEST_F(DesktopSoundTest, StopKeepsThePositionAndPlayDoesNotRestart) {
+  sound_->Play(DSBPLAY_LOOPING);
+  Listen(0.4);
+  sound_->Play(DSBPLAY_LOOPING);
+  Listen(0.4);
+  sound_->Stop();
+  Listen(0.3);
+  sound_->Play(DSBPLAY_LOOPING);
+  Listen(1.0);
+  sound_->Stop();
+  auto heard = Heard();
+  ExpectUnbroken(heard);
+  heard.erase(heard.begin(), std::ranges::find(heard, 0));
+  const auto stopped = std::ranges::find(heard, -1);
+  EXPECT_GT(std::find_if(stopped, heard.end(), [](int place) { return place >= 0; }) - stopped, Rate / 10)
+      << "it must be silent in between";
+}
+
+TEST_F(DesktopSoundTest, ASoundEndsAndStartsAgain) {
+  for (int round = 0; round < 2; ++round) {
+    sound_->Play(DSBPLAY_DEFAULT);
+    Listen(1.6);
+  }
+  const auto heard = Heard();
+  ExpectUnbroken(heard);
+  EXPECT_EQ(std::ranges::count_if(heard, [](int place) { return place >= 0; }), 2 * Length);
+}
+
+TEST_F(DesktopSoundTest, ALoopWhoseFileIsEmptiedFallsSilent) {
+  sound_->Play(DSBPLAY_LOOPING);
+  fs::resize_file(file_, 0);
+  Listen(2.5);
+  EXPECT_EQ(Heard().back(), -1);
+}
+
+TEST_F(DesktopSoundTest, AFileThatIsNoSoundIsNamed) {
   for (const char *file : {"no-such.daw", "table.dax"}) {
     try {
-      sound->CreateSoundBufferFromFile(std::filesystem::path(SNAPWEDGE_GAME_DIR) / file, {}, {});
+      device_->CreateSoundBufferFromFile(fs::path(SNAPWEDGE_GAME_DIR) / file, {}, {});
       ADD_FAILURE() << file;
     } catch (const SoundError &error) {
       EXPECT_NE(std::string(error.what()).find(file), std::string::npos);

@@ -62,6 +62,18 @@ void Canvas::Blob(double x, double y, double rx, double ry, const Paint &paint, 
   }
 }
 
+Canvas Canvas::Halved() {
+  Canvas half(size_ / 2);
+  for (int y = 0; y < half.size_; ++y) {
+    for (int x = 0; x < half.size_; ++x) {
+      const Paint above = Mix(At(2 * x, 2 * y), At(2 * x + 1, 2 * y), 0.5);
+      const Paint below = Mix(At(2 * x, 2 * y + 1), At(2 * x + 1, 2 * y + 1), 0.5);
+      half.At(x, y) = Mix(above, below, 0.5);
+    }
+  }
+  return half;
+}
+
 void Canvas::Write(const std::filesystem::path &file) const {
   std::ofstream stream(file, std::ios::binary);
   const auto number = [&](std::uint32_t value, int bytes) {

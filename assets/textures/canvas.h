@@ -42,6 +42,9 @@ public:
   /// A soft-edged ellipse; middle and radii in pixels.
   void Blob(double x, double y, double rx, double ry, const Paint &paint, double strength = 1.0);
 
+  /// Half as wide and high: each pixel is the mean of four.
+  Canvas Halved();
+
   /// Writes an uncompressed bitmap of 24 bits.
   void Write(const std::filesystem::path &file) const;
 

@@ -111,7 +111,7 @@ Canvas Sky() {
   }
   blur(4);
   blur(4);
-  return Painted(Size, [&](double u, double v, int x, int y) {
+  Canvas canvas = Painted(Size, [&](double u, double v, int x, int y) {
     const Paint clear = Mix(Lilac, Rose, Step(0.3, 0.7, Cloud(u, v, 2, 3, 40)));
     const double here = relief[index(x, y)];
     const double slopeX = (relief[index(x + 3, y)] - relief[index(x - 3, y)]) / 6;
@@ -120,6 +120,7 @@ Canvas Sky() {
     const Paint cloud = Mix(Mix(Under, Peach, Step(0.15, 0.60, lit)), White, Step(0.50, 0.95, lit));
     return Mix(clear, cloud, 0.96 * Step(1.5, 20.0, here));
   });
+  return canvas.Halved(); // clouds are soft: a sharper image would only take memory
 }
 
 Canvas Crowd() {

@@ -192,7 +192,18 @@ void DesktopMachine::Show(Window &window) {
     if (auto *canvas = dynamic_cast<RMCanvas *>(control); canvas && canvas->SceneFrame) DrawCanvas(*canvas);
   }
   view.Open();
-  leaving_.clear();
+  leaving_.clear(); // before Qt's events: the record of a window that leaves may be gone
+  AwaitPicture(view);
+}
+
+void DesktopMachine::AwaitPicture(const WindowView &view) {
+  constexpr int PatienceMs = 500; // a window on another workspace isn't painted
+  QTimer patience;
+  patience.setSingleShot(true);
+  patience.start(PatienceMs);
+  while (!view.Painted() && patience.isActive())
+    QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
+  QCoreApplication::processEvents(); // sends the picture to the display
 }
 
 void DesktopMachine::Hide(Window &window) {

@@ -63,6 +63,8 @@ protected:
 
 private:
   WindowView *ViewOf(const Window &window) const;
+  /// Waits until a window that has been opened is on the screen: what the game does next may take long.
+  static void AwaitPicture(const WindowView &view);
   /// Copies all properties to the widgets, and captures or releases the pointer.
   void CarryOver();
   /// Whether data on the watched sockets ends a sleep.

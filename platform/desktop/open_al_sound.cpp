@@ -7,9 +7,16 @@
 #include <AL/efx.h>
 #include <sndfile.h>
 
+#include <algorithm>
+#include <chrono>
+#include <condition_variable>
 #include <cstdint>
+#include <mutex>
+#include <set>
+#include <stop_token>
 #include <string>
 #include <string_view>
+#include <thread>
 #include <vector>
 
 namespace {
@@ -17,29 +24,57 @@ namespace {
 constexpr sf_count_t LongestSound = 60L * 48000;   ///< frames
 constexpr std::uintmax_t LargestFile = 16UL << 20; ///< bytes
 
-/// The device and its context, kept alive by every buffer.
-struct Device {
+// A sound is read from its file while it plays: three of them last for half a minute, and whole they would
+// take more memory than the rest of the launch window.
+constexpr int ChunksAhead = 3;                        ///< queued chunks of a playing sound
+constexpr int ChunksPerSecond = 2;                    ///< their length
+constexpr std::chrono::milliseconds RefillEvery{250}; ///< so that a late refill is heard only after a second
+
+class OpenAlBuffer;
+
+/// The device, its context and the thread that reads on. Kept alive by every buffer.
+class Device {
+public:
   Device() {
-    device = alcOpenDevice(nullptr);
-    if (!device) throw SoundError("no sound device can be opened");
+    device_ = alcOpenDevice(nullptr);
+    if (!device_) throw SoundError("no sound device can be opened");
     constexpr ALCint NoEffects[] = {ALC_MAX_AUXILIARY_SENDS, 0, 0}; // they'd take memory
-    context = alcCreateContext(device, NoEffects);
-    if (!context || !alcMakeContextCurrent(context)) {
-      if (context) alcDestroyContext(context);
-      alcCloseDevice(device);
+    context_ = alcCreateContext(device_, NoEffects);
+    if (!context_ || !alcMakeContextCurrent(context_)) {
+      if (context_) alcDestroyContext(context_);
+      alcCloseDevice(device_);
       throw SoundError("can't create a context on the sound device");
     }
+    reader_ = std::jthread([this](const std::stop_token &end) { ReadOn(end); });
   }
   ~Device() {
+    reader_.request_stop();
+    reader_.join();
+    const std::scoped_lock lock(mutex_);
     alcMakeContextCurrent(nullptr);
-    alcDestroyContext(context);
-    alcCloseDevice(device);
+    alcDestroyContext(context_);
+    alcCloseDevice(device_);
   }
   Device(const Device &) = delete;
   Device &operator=(const Device &) = delete;
 
-  ALCdevice *device = nullptr;
-  ALCcontext *context = nullptr;
+  /// While the result lives, all calls go to this device, and only the caller's.
+  std::unique_lock<std::mutex> Use() {
+    std::unique_lock lock(mutex_);
+    alcMakeContextCurrent(context_);
+    return lock;
+  }
+
+  std::set<OpenAlBuffer *> Buffers;
+
+private:
+  void ReadOn(const std::stop_token &end);
+
+  static inline std::mutex mutex_; ///< of all devices, because one context is current in the whole process
+  ALCdevice *device_ = nullptr;
+  ALCcontext *context_ = nullptr;
+  std::condition_variable_any ended_;
+  std::jthread reader_;
 };
 
 void Check(const std::string &what) {
@@ -47,12 +82,6 @@ void Check(const std::string &what) {
     throw SoundError(what + ": sound error " + std::to_string(error));
   }
 }
-
-struct Wave {
-  std::vector<short> Samples;
-  int Channels = 0;
-  int Rate = 0;
-};
 
 /// Checks the declared size of a wave file against its real size, because the library accepts truncated
 /// files.
@@ -79,69 +108,162 @@ void RequireWhole(const std::filesystem::path &path) {
   RefuseFile(path, "the wave file has no samples");
 }
 
-Wave ReadWave(const std::filesystem::path &path) {
-  const std::string name = '"' + path.filename().string() + '"';
-  try {
-    RequireWhole(path);
-  } catch (const FileError &error) {
-    throw SoundError(error.what());
+/// A wave file from which samples are read.
+class Wave {
+public:
+  /// @throws SoundError  if it is unusable
+  explicit Wave(const std::filesystem::path &path) {
+    const std::string name = '"' + path.filename().string() + '"';
+    try {
+      RequireWhole(path);
+    } catch (const FileError &error) {
+      throw SoundError(error.what());
+    }
+    file_.reset(sf_open(path.c_str(), SFM_READ, &info_));
+    if (!file_) throw SoundError(name + ": " + sf_strerror(nullptr));
+    if (info_.channels < 1 || info_.channels > 2 || info_.frames < 1 || info_.frames > LongestSound) {
+      throw SoundError(name + ": must have one or two channels and last at most a minute");
+    }
   }
-  SF_INFO info{};
-  const std::unique_ptr<SNDFILE, int (*)(SNDFILE *)> file(sf_open(path.c_str(), SFM_READ, &info), sf_close);
-  if (!file) throw SoundError(name + ": " + sf_strerror(nullptr));
-  if (info.channels < 1 || info.channels > 2 || info.frames < 1 || info.frames > LongestSound) {
-    throw SoundError(name + ": must have one or two channels and last at most a minute");
+
+  int Channels() const { return info_.channels; }
+  int Rate() const { return info_.samplerate; }
+
+  void Rewind() { sf_seek(file_.get(), 0, SEEK_SET); }
+
+  /// The next samples, at most one chunk; none at the end. A loop begins again there.
+  std::vector<short> Read(bool loop) {
+    const sf_count_t frames = std::max(info_.samplerate / ChunksPerSecond, 1);
+    std::vector<short> samples(static_cast<std::size_t>(frames * info_.channels));
+    sf_count_t done = 0;
+    bool rewound = false;
+    while (done < frames) {
+      const sf_count_t read = sf_readf_short(
+          file_.get(), &samples[static_cast<std::size_t>(done * info_.channels)], frames - done);
+      done += read;
+      if (read > 0) {
+        rewound = false;
+      } else if (loop && !rewound) {
+        Rewind();
+        rewound = true;
+      } else {
+        break;
+      }
+    }
+    samples.resize(static_cast<std::size_t>(done * info_.channels));
+    return samples;
   }
-  Wave wave{std::vector<short>(static_cast<std::size_t>(info.frames * info.channels)), info.channels,
-            info.samplerate};
-  if (sf_readf_short(file.get(), wave.Samples.data(), info.frames) != info.frames) {
-    throw SoundError(name + ": the file is truncated");
-  }
-  return wave;
-}
+
+private:
+  SF_INFO info_{};
+  std::unique_ptr<SNDFILE, int (*)(SNDFILE *)> file_{nullptr, sf_close};
+};
 
 class OpenAlBuffer : public DirectSoundBuffer {
 public:
   OpenAlBuffer(std::shared_ptr<Device> device, const std::filesystem::path &path)
-      : device_(std::move(device)), name_('"' + path.filename().string() + '"') {
-    const Wave wave = ReadWave(path);
+      : device_(std::move(device)), name_('"' + path.filename().string() + '"'), wave_(path) {
+    const auto use = device_->Use();
     alGetError();
-    alGenBuffers(1, &buffer_);
     alGenSources(1, &source_);
-    alBufferData(buffer_, wave.Channels == 1 ? AL_FORMAT_MONO16 : AL_FORMAT_STEREO16, wave.Samples.data(),
-                 static_cast<ALsizei>(wave.Samples.size() * sizeof(short)), wave.Rate);
-    alSourcei(source_, AL_BUFFER, static_cast<ALint>(buffer_));
     // Otherwise a mono sound is spatialised.
     alSourcei(source_, AL_SOURCE_RELATIVE, AL_TRUE);
     Check(name_);
+    device_->Buffers.insert(this);
   }
   ~OpenAlBuffer() override {
+    const auto use = device_->Use();
+    device_->Buffers.erase(this);
     alSourceStop(source_);
+    DropPlayed();
     alDeleteSources(1, &source_);
-    alDeleteBuffers(1, &buffer_);
   }
 
   void Play(std::int32_t flags) override {
-    ALint state = 0;
-    alGetSourcei(source_, AL_SOURCE_STATE, &state);
-    if (state == AL_PLAYING) return;
-    alSourcei(source_, AL_LOOPING, flags & DSBPLAY_LOOPING ? AL_TRUE : AL_FALSE);
+    const auto use = device_->Use();
+    ReadOn();
+    if (playing_) return;
+    loop_ = (flags & DSBPLAY_LOOPING) != 0;
+    alGetError();
+    DropPlayed();
+    if (!Queue()) {
+      wave_.Rewind();
+      Queue();
+    }
     alSourcePlay(source_);
     Check(name_);
+    playing_ = true;
   }
 
   void Stop() override {
+    const auto use = device_->Use();
+    ReadOn();
+    if (!playing_) return;
     // Pause keeps the position.
+    alGetError();
     alSourcePause(source_);
     Check(name_);
+    playing_ = false;
+  }
+
+  /// Replaces what has been played. The device must be in use.
+  void ReadOn() {
+    if (!playing_) return;
+    DropPlayed();
+    const bool ranDry = Queued() == 0;
+    if (!Queue()) {
+      playing_ = false;
+    } else if (ranDry) {
+      alSourcePlay(source_);
+    }
   }
 
 private:
+  ALint Queued() const {
+    ALint count = 0;
+    alGetSourcei(source_, AL_BUFFERS_QUEUED, &count);
+    return count;
+  }
+
+  void DropPlayed() {
+    ALint count = 0;
+    alGetSourcei(source_, AL_BUFFERS_PROCESSED, &count);
+    std::vector<ALuint> played(static_cast<std::size_t>(count));
+    alSourceUnqueueBuffers(source_, count, played.data());
+    alDeleteBuffers(count, played.data());
+  }
+
+  /// Fills the queue. Returns whether there is anything in it.
+  bool Queue() {
+    ALint queued = Queued();
+    for (; queued < ChunksAhead; ++queued) {
+      const std::vector<short> samples = wave_.Read(loop_);
+      if (samples.empty()) break;
+      ALuint chunk = 0;
+      alGenBuffers(1, &chunk);
+      alBufferData(chunk, wave_.Channels() == 1 ? AL_FORMAT_MONO16 : AL_FORMAT_STEREO16, samples.data(),
+                   static_cast<ALsizei>(samples.size() * sizeof(short)), wave_.Rate());
+      alSourceQueueBuffers(source_, 1, &chunk);
+    }
+    return queued > 0;
+  }
+
   std::shared_ptr<Device> device_;
   std::string name_;
-  ALuint buffer_ = 0;
+  Wave wave_;
   ALuint source_ = 0;
+  bool playing_ = false;
+  bool loop_ = false;
 };
+
+void Device::ReadOn(const std::stop_token &end) {
+  std::unique_lock lock(mutex_);
+  while (!end.stop_requested()) {
+    alcMakeContextCurrent(context_);
+    for (OpenAlBuffer *buffer : Buffers) buffer->ReadOn();
+    ended_.wait_for(lock, end, RefillEvery, [] { return false; });
+  }
+}
 
 class OpenAlSound : public DirectSound {
 public:

@@ -156,6 +156,7 @@ void WindowView::resizeEvent(QResizeEvent *) {
 }
 
 void WindowView::paintEvent(QPaintEvent *) {
+  painted_ = true;
   QPainter painter(this);
   const QRect content(corner_, QSize(window_.Width, window_.Height));
   if (content != rect()) {

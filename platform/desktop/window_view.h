@@ -34,6 +34,8 @@ public:
   CanvasView *FindCanvas(const Canvas &canvas) const;
   CanvasView *AnyCanvas() const; ///< the canvas of the window, or null
 
+  bool Painted() const { return painted_; } ///< at least once
+
   /// Whether it has been the active window long enough for the mouse press that activated it to have arrived;
   /// the press follows the focus.
   bool Settled() const;
@@ -56,6 +58,7 @@ private:
   QPixmap background_;
   std::vector<BackPicture> backPictures_; ///< as last copied
   std::map<std::string, QPixmap> backPixmaps_;
+  bool painted_ = false;
   QPoint corner_;            ///< of the content; not the origin if the window has been stretched
   QElapsedTimer activation_; ///< time since activation or deactivation
   std::vector<std::unique_ptr<ControlView>> views_;

@@ -16,11 +16,19 @@ public:
   GpuStore &operator=(const GpuStore &) = delete;
 
   GpuMesh &Mesh(const Ref<Direct3DRMMeshBuilder3> &mesh);
-  GLuint Texture(const Ref<Direct3DRMTexture> &texture);
+  /// @param distant  seen only from afar: in a small view it takes less memory, which on software OpenGL is
+  ///                 the program's own
+  GLuint Texture(const Ref<Direct3DRMTexture> &texture, bool distant);
+
+  /// @param height  of the view, pixels
+  void SetView(int height);
 
 private:
+  void ForgetTextures();
+
   Gl &gl_;
   float anisotropy_;
+  bool smallView_ = false;
   // The references keep the keys alive, so that no address is reused.
   std::unordered_map<Ref<Direct3DRMMeshBuilder3>, std::unique_ptr<GpuMesh>> meshes_;
   std::unordered_map<Ref<Direct3DRMTexture>, GLuint> textures_;

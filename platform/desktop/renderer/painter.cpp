@@ -25,12 +25,14 @@ QMatrix4x4 Projection(float height, float aspect, float back) {
   return projection;
 }
 
+/// The stands, the sky or the hand.
+bool IsLarge(const Item &item) { return !item.Ground && item.Box.Extent() > LargestThing; }
+
 /// Small meshes lie in front of large ones, and what they hide needn't be shaded. Paint is blended, so the
 /// ground under it comes first. The hand, which is large, comes after the ground: where depths are equal the
 /// first mesh wins, and a mesh that moves alone is drawn upon the kept ground.
 auto DrawingOrder(const Item &item) {
-  const bool large = !item.Ground && item.Box.Extent() > LargestThing;
-  return std::tuple(large, item.Ground, item.Ground && item.Mesh->IsPaint(**item.Where.Mesh),
+  return std::tuple(IsLarge(item), item.Ground, item.Ground && item.Mesh->IsPaint(**item.Where.Mesh),
                     item.Box.Extent());
 }
 
@@ -47,6 +49,7 @@ bool Painter::Paint(std::span<const Placed> placed, const Direct3DRMFrame3 &came
   const QSize size = picture.size();
   if (!target_ || target_->Size() != size) {
     target_ = std::make_unique<FrameBuffer>(gl_, size, quality_.Samples);
+    store_.SetView(size.height());
     motion_.Forget();
   }
 
@@ -152,7 +155,7 @@ void Painter::DrawItem(const Item &item, int taps) {
   }
   surface.setUniformValue("toWorld", item.Where.ToWorld);
   surface.setUniformValue("specular", QVector3D(specular.Red, specular.Green, specular.Blue));
-  if (texture) gl_.glBindTexture(GL_TEXTURE_2D, store_.Texture(texture));
+  if (texture) gl_.glBindTexture(GL_TEXTURE_2D, store_.Texture(texture, IsLarge(item)));
   if (paint) gl_.glEnable(GL_BLEND);
   item.Mesh->Draw();
   if (paint) gl_.glDisable(GL_BLEND);

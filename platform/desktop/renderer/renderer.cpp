@@ -59,8 +59,8 @@ public:
       return false;
     }
     ++frames_;
-    if (frames_ == 1) ForgetFiles();               // all of them are uploaded
-    if (frames_ == MeasuredFrames) malloc_trim(0); // of the driver's shader compiler, mostly
+    ForgetFiles(); // what the frame has read is uploaded
+    if (frames_ == MeasuredFrames) ReleaseShaderCompiler();
     // A quick frame may still keep many cores busy, so processor time counts too.
     Measure(std::max(static_cast<double>(timer.nsecsElapsed()) / 1e6,
                      static_cast<double>(std::clock() - processor) * 1e3 / CLOCKS_PER_SEC));
@@ -110,6 +110,14 @@ private:
     return false;
   }
 
+  /// Frees what building the shaders took. A shader that is needed later starts the compiler again.
+  void ReleaseShaderCompiler() {
+    // Of OpenGL 4.1, but drivers give it to earlier versions too.
+    if (const auto release = reinterpret_cast<void (*)()>(context_.getProcAddress("glReleaseShaderCompiler")))
+      release();
+    malloc_trim(0);
+  }
+
   bool Measuring() const { return asked_ == Quality::Measured && !chosen_; }
 
   /// Chooses the level from the first frames, except the very first, which uploads everything.
@@ -124,6 +132,7 @@ private:
     level_ = level_ == Quality::Full ? Quality::Low : Quality::Full;
     painter_.reset();
     painter_ = std::make_unique<Painter>(*gl_, Paint(), lens_);
+    frames_ = 0;
   }
 
   Quality asked_;
@@ -135,7 +144,7 @@ private:
   std::unique_ptr<Painter> painter_;
   QImage frame_;
 
-  std::size_t frames_ = 0;
+  std::size_t frames_ = 0; ///< of this painter
   bool chosen_ = false;
   std::vector<double> measured_; ///< ms of each frame, wall or processor time, whichever is longer
 

@@ -7,4 +7,5 @@ void BuildProgram(QOpenGLShaderProgram &program, const std::string &vertex, cons
       !program.addShaderFromSourceCode(QOpenGLShader::Fragment, fragment.c_str()) || !program.link()) {
     throw RendererError("a shading program can't be built: " + program.log().toStdString());
   }
+  program.removeAllShaders(); // their source and intermediate code, which linking has used
 }
