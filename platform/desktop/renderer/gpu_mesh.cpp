@@ -6,8 +6,7 @@
 
 namespace {
 
-constexpr GLuint PositionSlot = 0, NormalSlot = 1, CoordinateSlot = 2, ShadeSlot = 3, LitSlot = 4,
-                 AcrossSlot = 5;
+constexpr GLuint PositionSlot = 0, NormalSlot = 1, CoordinateSlot = 2, LightSlot = 3, AcrossSlot = 4;
 
 struct GpuVertex {
   Vector Position;
@@ -76,8 +75,7 @@ GpuMesh::GpuMesh(Gl &gl) : gl_(gl) {
   coordinates_.bind();
   attribute(CoordinateSlot, 2, sizeof(TextureCoordinate), 0);
   light_.bind();
-  attribute(ShadeSlot, 4, sizeof(VertexLight), offsetof(VertexLight, Shade));
-  attribute(LitSlot, 3, sizeof(VertexLight), offsetof(VertexLight, Lit));
+  attribute(LightSlot, 4, sizeof(VertexLight), 0);
 }
 
 void GpuMesh::Upload(const Direct3DRMMeshBuilder3 &mesh, const Transform &place) {
