@@ -77,14 +77,14 @@ bool Painter::Paint(std::span<const Placed> placed, const Direct3DRMFrame3 &came
     target_->Begin();
     if (!allMove) {
       Draw(items, grounds, false);
-      backdrop_.Draw(toClip_);
+      backdrop_.Draw(toClip_, camera_);
       target_->Keep();
     }
   } else {
     target_->BeginOnKept();
   }
   Draw(items, grounds, true);
-  if (allMove) backdrop_.Draw(toClip_);
+  if (allMove) backdrop_.Draw(toClip_, camera_);
   return target_->Read(picture);
 }
 

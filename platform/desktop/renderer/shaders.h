@@ -155,20 +155,34 @@ void main() {
 }
 )";
 
-// The background, drawn last at the far plane.
+// The background, one triangle over the whole frame at the far plane, drawn last.
 inline constexpr const char *BackdropVertexShader = R"(#version 330 core
-layout(location = 0) in vec3 direction;
-layout(location = 1) in vec3 color;
-uniform mat4 toClip; // its translation is ignored
-out vec3 glow;
+uniform mat4 toScene; // from clip space
+uniform vec3 camera;
+out vec3 direction;
 void main() {
-  glow = color;
-  gl_Position = (toClip * vec4(direction, 0.0)).xyww;
+  vec4 corner = vec4(gl_VertexID == 1 ? 3.0 : -1.0, gl_VertexID == 2 ? 3.0 : -1.0, 1.0, 1.0);
+  vec4 far = toScene * corner;
+  direction = far.xyz / far.w - camera;
+  gl_Position = corner;
 }
 )";
 
 inline constexpr const char *BackdropFragmentShader = R"(#version 330 core
-in vec3 glow;
+in vec3 direction;
 out vec4 result;
-void main() { result = vec4(glow.bgr, 1.0); }
+// Rings of the dome: colour, and height on the unit sphere.
+const vec4 rings[] = vec4[](
+    vec4(0.24, 0.24, 0.36, -1.00), vec4(0.33, 0.31, 0.46, -0.60), vec4(0.53, 0.44, 0.60, -0.22),
+    vec4(0.84, 0.67, 0.72, -0.03), vec4(0.99, 0.86, 0.76, 0.03), vec4(0.95, 0.78, 0.82, 0.16),
+    vec4(0.80, 0.68, 0.89, 0.40), vec4(0.66, 0.58, 0.90, 0.70), vec4(0.58, 0.52, 0.88, 1.00));
+void main() {
+  float height = normalize(direction).y;
+  vec3 glow = rings[0].rgb;
+  for (int i = 1; i < 9; ++i) {
+    float share = (height - rings[i - 1].a) / (rings[i].a - rings[i - 1].a);
+    glow = mix(glow, rings[i].rgb, clamp(share, 0.0, 1.0));
+  }
+  result = vec4(glow.bgr, 1.0);
+}
 )";
