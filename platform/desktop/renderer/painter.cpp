@@ -120,20 +120,26 @@ void Painter::DrawItem(const Item &item) {
   const ColorValue specular = material ? material->Specular : ColorValue{};
   const bool gleams = specular.Red + specular.Green + specular.Blue > 0.0f;
   const bool paint = item.Mesh->IsPaint(**item.Where.Mesh);
-  QOpenGLShaderProgram &surface = SurfaceProgram({texture != nullptr, paint, gleams});
-  if (bound_ != &surface) {
-    bound_ = &surface;
-    surface.bind();
-    SetScene(surface);
-  }
-  surface.setUniformValue("toWorld", item.Where.ToWorld);
-  surface.setUniformValue("specular", QVector3D(specular.Red, specular.Green, specular.Blue));
-  if (texture) gl_.glBindTexture(GL_TEXTURE_2D, store_.Texture(texture));
   if (paint) {
     gl_.glEnable(GL_BLEND);
     gl_.glBlendFunc(GL_SRC_ALPHA, GL_ONE_MINUS_SRC_ALPHA);
   }
-  item.Mesh->Draw();
+  const auto draw = [&](bool pictured, GpuMesh::Faces faces) {
+    QOpenGLShaderProgram &surface = SurfaceProgram({pictured, paint, gleams});
+    if (bound_ != &surface) {
+      bound_ = &surface;
+      surface.bind();
+      SetScene(surface);
+    }
+    surface.setUniformValue("toWorld", item.Where.ToWorld);
+    surface.setUniformValue("specular", QVector3D(specular.Red, specular.Green, specular.Blue));
+    item.Mesh->Draw(faces);
+  };
+  draw(false, texture ? GpuMesh::Faces::Plain : GpuMesh::Faces::All);
+  if (texture) {
+    gl_.glBindTexture(GL_TEXTURE_2D, store_.Texture(texture));
+    draw(true, GpuMesh::Faces::Pictured);
+  }
   if (paint) gl_.glDisable(GL_BLEND);
 }
 

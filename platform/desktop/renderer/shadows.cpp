@@ -134,7 +134,7 @@ void Shadows::DrawMap(const std::vector<Caster> &casters) {
   toMap_.setUniformValue("toShadow", ToLight());
   for (const Caster &caster : casters) {
     toMap_.setUniformValue("toWorld", caster.ToWorld);
-    caster.Mesh->Draw();
+    caster.Mesh->Draw(GpuMesh::Faces::All);
   }
   gl_.glDisable(GL_DEPTH_CLAMP);
 }
