@@ -40,6 +40,7 @@ void FrameBuffer::DrawInto() {
 
 void FrameBuffer::Begin() {
   DrawInto();
+  gl_.glClearColor(0.60f, 0.44f, 0.53f, 1.0f); // dusk, blue first; seen through cracks at most
   gl_.glClear(Everything);
 }
 

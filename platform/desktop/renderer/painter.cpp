@@ -8,6 +8,7 @@
 
 namespace {
 
+constexpr float SmallestSky = 1000.0f; ///< scene units: a mesh of that size leaves no background visible
 constexpr float FogDistance = 900.0f; ///< scene units at which a third of a colour is left
 
 /// Left-handed, with the view along +z, and upside down: rows are read back from the bottom.
@@ -73,18 +74,19 @@ bool Painter::Paint(std::span<const Placed> placed, const Direct3DRMFrame3 &came
   const Motion::Change change = motion_.Next(items, shadowsMoved, toClip_);
   if (change == Motion::Change::None) return false;
   const bool allMove = std::ranges::all_of(items, &Item::Moves);
+  const bool open = items.empty() || items.back().Box.Extent() < SmallestSky;
   if (change == Motion::Change::Still) {
     target_->Begin();
     if (!allMove) {
       Draw(items, grounds, false);
-      backdrop_.Draw(toClip_, camera_);
+      if (open) backdrop_.Draw(toClip_, camera_);
       target_->Keep();
     }
   } else {
     target_->BeginOnKept();
   }
   Draw(items, grounds, true);
-  if (allMove) backdrop_.Draw(toClip_, camera_);
+  if (allMove && open) backdrop_.Draw(toClip_, camera_);
   return target_->Read(picture);
 }
 
