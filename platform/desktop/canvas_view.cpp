@@ -61,19 +61,19 @@ CanvasView::CanvasView(DesktopMachine &machine, Window &window, Canvas &canvas, 
 }
 
 void CanvasView::ShowFrame(const QImage &picture) {
-  picture_ = picture;
+  picture_ = &picture;
   if (isVisible()) repaint();
 }
 
 void CanvasView::paintEvent(QPaintEvent *event) {
   QPainter painter(this);
-  if (picture_.isNull()) {
+  if (!picture_) {
     painter.fillRect(event->rect(), Qt::black);
   } else {
     // Unscaled: Qt paints a scaled image slowly, even at a factor of 1.
     const double pixel = 1.0 / devicePixelRatioF();
     painter.scale(pixel, pixel);
-    painter.drawImage(0, 0, picture_);
+    painter.drawImage(0, 0, *picture_);
   }
 }
 

@@ -13,7 +13,8 @@ class CanvasView : public QWidget {
 public:
   CanvasView(DesktopMachine &machine, Window &window, Canvas &canvas, QWidget &parent);
 
-  /// Shows a frame at once. Keeps a reference: the image must not change before the next call.
+  /// Shows a frame at once. It must remain live; a copy, even a shared one, would cost the renderer a copy of
+  /// all pixels.
   void ShowFrame(const QImage &picture);
 
 protected:
@@ -28,7 +29,7 @@ private:
   DesktopMachine &machine_;
   Window &window_;
   Canvas &canvas_;
-  QImage picture_;
+  const QImage *picture_ = nullptr;
   std::int16_t releasedKey_ = 0; ///< the last released key, and its time on the display's clock
   quint64 releasedAt_ = 0;
   Qt::MouseButtons pressed_; ///< buttons whose press was reported to the game
