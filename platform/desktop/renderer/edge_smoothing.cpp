@@ -113,9 +113,9 @@ EdgeSmoothing::Span EdgeSmoothing::Changed(int row) {
   const auto *now = reinterpret_cast<const std::uint32_t *>(drawn_.constScanLine(row));
   const auto *last = reinterpret_cast<const std::uint32_t *>(last_.constScanLine(row));
   const int width = drawn_.width();
-  const auto first = static_cast<int>(std::mismatch(now, now + width, last).first - now);
-  if (first == width) return {};
-  int end = width;
+  if (std::equal(now, now + width, last)) return {};
+  int first = 0, end = width;
+  while (now[first] == last[first]) ++first;
   while (now[end - 1] == last[end - 1]) --end;
   std::transform(now + first, now + end, brightness_.begin() + row * width + first, Brightness);
   return {first, end};
