@@ -9,7 +9,7 @@
 namespace {
 
 constexpr float SmallestSky = 1000.0f; ///< scene units: a mesh of that size leaves no background visible
-constexpr float FogDistance = 900.0f; ///< scene units at which a third of a colour is left
+constexpr float FogDistance = 900.0f;  ///< scene units at which a third of a colour is left
 
 /// Left-handed, with the view along +z, and upside down: rows are read back from the bottom.
 QMatrix4x4 Projection(float height, float aspect, float back) {
