@@ -157,9 +157,11 @@ double FloorLight(double x, double z) {
   return 0.46 + 0.44 * SmoothStep(24.0, 150.0, away);
 }
 
-/// The green inside the track: a square with round corners, mown in stripes.
+/// The green inside the track: a square with round corners, mown in stripes. It extends below the track, so
+/// that there is no gap where the corners of the two differ.
 void AddGreen(Mesh &mesh, double half, double cornerRadius) {
-  constexpr int Stripes = 14, Rows = 3, Parts = 18; // rows of a stripe, parts of a row
+  constexpr int Stripes = 14, Rows = 2, Parts = 12; // rows of a stripe, parts of a row
+  constexpr double BelowTrack = 0.3;
   const Paint paints[] = {LightGrass, DarkGrass};
   const double depth = 2.0 * half / (Stripes * Rows);
   const auto halfWidth = [&](double z) {
@@ -171,7 +173,7 @@ void AddGreen(Mesh &mesh, double half, double cornerRadius) {
       const auto corner = [&](int right, int far) {
         const double z = -half + (row + far) * depth;
         const double x = halfWidth(z) * (2.0 * (part + right) / Parts - 1.0);
-        return Vertex{{x, Floor, z}, {0.0, 1.0, 0.0}, paints[row / Rows % 2] * FloorLight(x, z)};
+        return Vertex{{x, Floor - BelowTrack, z}, {0.0, 1.0, 0.0}, paints[row / Rows % 2] * FloorLight(x, z)};
       };
       mesh.Quad(corner(0, 0), corner(1, 0), corner(1, 1), corner(0, 1));
     }
@@ -179,7 +181,7 @@ void AddGreen(Mesh &mesh, double half, double cornerRadius) {
 
 void AddFloor(Mesh &mesh) {
   constexpr double Edge = 116.0; // of the green
-  AddGreen(mesh, Edge + 0.3, Edge + 0.3 - CornerAt);
+  AddGreen(mesh, Edge + 3.0, Edge + 3.0 - CornerAt);
   const auto zone = [&](double from, double to, const Paint &paint) {
     const auto lit = [&](double out) {
       return [=](int, double turn) {
@@ -321,14 +323,14 @@ Mesh MakeStadium() {
   AddLegs(mesh);
 
   Boards(mesh, 158.0, Floor, -142.0, 1, 0.6);
-  Deck(mesh, {159.0, -142.0}, {190.0, -104.0}, 0.52, 0.30);
+  Deck(mesh, {158.4, -142.0}, {190.0, -104.0}, 0.52, 0.30);
   Ring(mesh, {190.0, -104.0}, {190.0, -97.0}, Shade, Shade * 0.8);
   Ring(mesh, {190.0, -97.0}, {183.0, -96.0}, Shade * 0.8, Shade);
-  Boards(mesh, 182.6, -96.0, -90.0, 3, 0.7);
+  Boards(mesh, 182.6, -96.0, -89.5, 3, 0.7);
   Deck(mesh, {183.0, -89.5}, {214.0, -54.0}, 0.60, 0.34);
   Ring(mesh, {214.0, -54.0}, {214.0, -47.0}, Shade, Shade * 0.8);
   Ring(mesh, {214.0, -47.0}, {206.0, -46.0}, Shade * 0.8, Shade);
-  Boards(mesh, 205.6, -46.0, -40.0, 5, 0.85);
+  Boards(mesh, 205.6, -46.0, -39.5, 5, 0.85);
 
   // The two tiers at the height of the table.
   Deck(mesh, {206.0, -39.5}, {254.0, 9.5}, 0.92, 0.42);

@@ -21,6 +21,8 @@ constexpr int TopCells = 7;         ///< odd, so that no seam runs along the mid
 constexpr double SkyShoulder = 28.0;
 constexpr double SkyFoot = 42.0;
 
+constexpr double BorderWidth = 4.0; ///< of the turf: its faces are slivers, costly where they are large
+
 // The kerb along the far edge and the sides, in blocks of two colours.
 constexpr double KerbWidth = 1.3;
 constexpr int BlocksPerCell = 5;
@@ -69,8 +71,11 @@ double ArchHeight(double x, double z) {
 void AddTop(Mesh &mesh) {
   static constexpr Point Up{0.0, 1.0, 0.0};
   constexpr double Inner = HalfSide - KerbWidth;
-  constexpr double Core = Inner * (TopCells - 2) / TopCells;
-  Grid(mesh, Even(TopCells - 2, Core), [](double x, double z) { return Vertex{{x, 0.0, z}, Up, Turf}; });
+  constexpr double Core = Inner - BorderWidth;
+  std::vector<double> places = Even(TopCells, Inner);
+  places.front() = -Core;
+  places.back() = Core;
+  Grid(mesh, places, [](double x, double z) { return Vertex{{x, 0.0, z}, Up, Turf}; });
   const std::vector<double> blocks = Even(TopCells * BlocksPerCell, Inner);
   for (int side = 0; side < 4; ++side) {
     const Point out{side == 0 ? 1.0 : side == 2 ? -1.0 : 0.0, 0.0, side == 1 ? 1.0 : side == 3 ? -1.0 : 0.0};

@@ -5,7 +5,6 @@
 #include "platform/desktop/renderer/open_gl.h"
 
 #include <QMatrix4x4>
-#include <QOpenGLBuffer>
 #include <QOpenGLShaderProgram>
 #include <QOpenGLVertexArrayObject>
 
@@ -14,12 +13,10 @@ public:
   explicit Backdrop(Gl &gl);
 
   /// Fills the pixels that no mesh covers.
-  void Draw(const QMatrix4x4 &toClip);
+  void Draw(const QMatrix4x4 &toClip, const QVector3D &camera);
 
 private:
   Gl &gl_;
   QOpenGLShaderProgram program_;
-  QOpenGLVertexArrayObject array_;
-  QOpenGLBuffer vertices_, indices_{QOpenGLBuffer::IndexBuffer};
-  GLsizei indexCount_ = 0;
+  QOpenGLVertexArrayObject noVertices_;
 };

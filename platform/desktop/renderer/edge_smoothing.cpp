@@ -38,16 +38,6 @@ Channels Mixed(Channels a, Channels b, int share) {
   return (a * (Whole - of) + b * of) >> 8 & EachChannel;
 }
 
-/// A sample between pixels, `right` and `down` of `pixel` in units of 1 / `Whole`. Interpolates along the
-/// shorter of the two only: along an edge the nearest pixel will do.
-Channels Between(const std::uint32_t *pixel, qsizetype stride, int right, int down) {
-  const bool steep = std::abs(down) > std::abs(right);
-  const int far = (steep ? down : right) + Whole / 2, near = steep ? right : down;
-  const qsizetype along = steep ? stride : 1, across = steep ? 1 : stride;
-  const std::uint32_t *first = pixel + (far >> 8) * along + (near >> 8) * across;
-  return Mixed(ChannelsOf(first[0]), ChannelsOf(first[across]), near & 0xff);
-}
-
 /// Brightness of a pixel's diagonal neighbours, and the range of the pixel and these.
 struct Neighbours {
   int TopLeft, TopRight, BottomLeft, BottomRight;
@@ -63,11 +53,20 @@ std::uint32_t Smoothed(const std::uint32_t *pixel, qsizetype stride, const Neigh
   const int sum = near.TopLeft + near.TopRight + near.BottomLeft + near.BottomRight;
   const float faint = std::max(static_cast<float>(sum) * 0.03f, 2.0f); // shortens the reach of faint edges
   const float shorter = std::min(std::abs(alongX), std::abs(alongY)) + faint;
-  alongX = std::clamp(alongX / shorter, -Span, Span) * static_cast<float>(Whole);
-  alongY = std::clamp(alongY / shorter, -Span, Span) * static_cast<float>(Whole);
+  const float scale = static_cast<float>(Whole) / shorter;
+  constexpr float Longest = Span * static_cast<float>(Whole);
+  alongX = std::clamp(alongX * scale, -Longest, Longest);
+  alongY = std::clamp(alongY * scale, -Longest, Longest);
 
+  // Samples lie between pixels. They are interpolated along the shorter coordinate only: along an edge the
+  // nearest pixel will do.
+  const bool steep = std::abs(alongY) > std::abs(alongX);
+  const float longer = steep ? alongY : alongX, other = steep ? alongX : alongY;
+  const qsizetype ahead = steep ? stride : 1, aside = steep ? 1 : stride;
   const auto at = [&](float share) {
-    return Between(pixel, stride, static_cast<int>(alongX * share), static_cast<int>(alongY * share));
+    const int far = static_cast<int>(longer * share) + Whole / 2, close = static_cast<int>(other * share);
+    const std::uint32_t *first = pixel + (far >> 8) * ahead + (close >> 8) * aside;
+    return Mixed(ChannelsOf(first[0]), ChannelsOf(first[aside]), close & 0xff);
   };
   const Channels close = Mixed(at(-1.0f / 6.0f), at(1.0f / 6.0f), Whole / 2);
   const Channels wide = Mixed(close, Mixed(at(-0.5f), at(0.5f), Whole / 2), Whole / 2);
@@ -114,9 +113,9 @@ EdgeSmoothing::Span EdgeSmoothing::Changed(int row) {
   const auto *now = reinterpret_cast<const std::uint32_t *>(drawn_.constScanLine(row));
   const auto *last = reinterpret_cast<const std::uint32_t *>(last_.constScanLine(row));
   const int width = drawn_.width();
-  const auto first = static_cast<int>(std::mismatch(now, now + width, last).first - now);
-  if (first == width) return {};
-  int end = width;
+  if (std::equal(now, now + width, last)) return {};
+  int first = 0, end = width;
+  while (now[first] == last[first]) ++first;
   while (now[end - 1] == last[end - 1]) --end;
   std::transform(now + first, now + end, brightness_.begin() + row * width + first, Brightness);
   return {first, end};

@@ -4,16 +4,18 @@
 
 namespace {
 
+constexpr GLbitfield Everything = GL_COLOR_BUFFER_BIT | GL_DEPTH_BUFFER_BIT | GL_STENCIL_BUFFER_BIT;
+
 QOpenGLFramebufferObjectFormat Format(int samples) {
   QOpenGLFramebufferObjectFormat format;
   format.setInternalTextureFormat(GL_RGBA8);
-  format.setAttachment(QOpenGLFramebufferObject::Depth);
+  format.setAttachment(QOpenGLFramebufferObject::CombinedDepthStencil);
   format.setSamples(samples);
   return format;
 }
 
 void Copy(QOpenGLFramebufferObject &to, QOpenGLFramebufferObject &from) {
-  QOpenGLFramebufferObject::blitFramebuffer(&to, &from, GL_COLOR_BUFFER_BIT | GL_DEPTH_BUFFER_BIT);
+  QOpenGLFramebufferObject::blitFramebuffer(&to, &from, Everything);
 }
 
 } // namespace
@@ -36,10 +38,10 @@ void FrameBuffer::DrawInto() {
   gl_.glViewport(0, 0, Size().width(), Size().height());
 }
 
-void FrameBuffer::Begin(float red, float green, float blue) {
+void FrameBuffer::Begin() {
   DrawInto();
-  gl_.glClearColor(blue, green, red, 1.0f); // see the shaders
-  gl_.glClear(GL_COLOR_BUFFER_BIT | GL_DEPTH_BUFFER_BIT);
+  gl_.glClearColor(0.60f, 0.44f, 0.53f, 1.0f); // dusk, blue first; seen through cracks at most
+  gl_.glClear(Everything);
 }
 
 void FrameBuffer::Keep() {

@@ -16,10 +16,9 @@ public:
   /// @throws RendererError
   FrameBuffer(Gl &gl, QSize size, int samples);
 
-  void Begin(float red, float green, float blue); ///< clears it and binds it
-
-  void Keep();        ///< saves the colours and depths drawn so far
-  void BeginOnKept(); ///< restores them and binds it
+  void Begin();       ///< clears it and binds it
+  void Keep();        ///< saves what has been drawn so far
+  void BeginOnKept(); ///< restores it and binds it
 
   /// Reads the frame back.
   /// @param image  of the same size, Format_RGB32; holds the last frame

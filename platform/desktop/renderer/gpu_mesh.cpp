@@ -6,8 +6,7 @@
 
 namespace {
 
-constexpr GLuint PositionSlot = 0, NormalSlot = 1, CoordinateSlot = 2, ShadeSlot = 3, LitSlot = 4,
-                 AcrossSlot = 5;
+constexpr GLuint PositionSlot = 0, NormalSlot = 1, CoordinateSlot = 2, LightSlot = 3, AcrossSlot = 4;
 
 struct GpuVertex {
   Vector Position;
@@ -76,8 +75,7 @@ GpuMesh::GpuMesh(Gl &gl) : gl_(gl) {
   coordinates_.bind();
   attribute(CoordinateSlot, 2, sizeof(TextureCoordinate), 0);
   light_.bind();
-  attribute(ShadeSlot, 4, sizeof(VertexLight), offsetof(VertexLight, Shade));
-  attribute(LitSlot, 3, sizeof(VertexLight), offsetof(VertexLight, Lit));
+  attribute(LightSlot, 4, sizeof(VertexLight), 0);
 }
 
 void GpuMesh::Upload(const Direct3DRMMeshBuilder3 &mesh, const Transform &place) {
@@ -102,8 +100,13 @@ void GpuMesh::UploadGeometry(const MeshData &data) {
   corners_.clear();
   std::map<std::tuple<std::uint32_t, float, float, float>, std::uint32_t> known;
   std::vector<GpuVertex> vertices;
-  std::vector<std::uint32_t> indices;
+  std::vector<std::uint32_t> plain, indices;
   box_ = Bounds(data.Positions[data.Indices.front()]);
+  const auto isPlain = [&](std::size_t face) {
+    return std::all_of(&data.Indices[3 * face], &data.Indices[3 * face] + 3, [&](std::uint32_t index) {
+      return (data.VertexColors.empty() ? data.FaceColors[face] : data.VertexColors[index]).Alpha == 0.0f;
+    });
+  };
   for (std::size_t i = 0; i < data.Indices.size(); ++i) {
     const std::uint32_t index = data.Indices[i];
     const FaceColor &color = data.FaceColors[i / 3];
@@ -113,9 +116,11 @@ void GpuMesh::UploadGeometry(const MeshData &data) {
       corners_.push_back({index, color});
       vertices.push_back({data.Positions[index], data.Normals[index]});
     }
-    indices.push_back(entry->second);
+    (isPlain(i / 3) ? plain : indices).push_back(entry->second);
     box_.Widen(data.Positions[index]);
   }
+  plainCount_ = static_cast<GLsizei>(plain.size());
+  indices.insert(indices.begin(), plain.begin(), plain.end());
   indexCount_ = static_cast<GLsizei>(indices.size());
   array_.bind(); // stores the index buffer's binding
   Fill(positions_, vertices);
@@ -165,7 +170,11 @@ void GpuMesh::UploadLight(const Direct3DRMMeshBuilder3 &mesh, const Transform &p
   Fill(light_, light);
 }
 
-void GpuMesh::Draw() {
+void GpuMesh::Draw(Faces faces) {
+  const GLsizei first = faces == Faces::Pictured ? plainCount_ : 0;
+  const GLsizei end = faces == Faces::Plain ? plainCount_ : indexCount_;
+  if (first == end) return;
   array_.bind();
-  gl_.glDrawElements(GL_TRIANGLES, indexCount_, GL_UNSIGNED_INT, nullptr);
+  gl_.glDrawElements(GL_TRIANGLES, end - first, GL_UNSIGNED_INT,
+                     Offset(static_cast<std::size_t>(first) * sizeof(std::uint32_t)));
 }

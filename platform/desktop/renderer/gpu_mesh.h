@@ -23,7 +23,9 @@ public:
   /// pixel.
   bool IsPaint(const Direct3DRMMeshBuilder3 &mesh) const;
 
-  void Draw();
+  /// Faces of which nothing shows the texture come first: they are drawn without it.
+  enum class Faces { All, Plain, Pictured };
+  void Draw(Faces faces);
 
   const Bounds &Box() const { return box_; }
 
@@ -45,6 +47,7 @@ private:
   QOpenGLBuffer positions_, coordinates_, light_, across_, indices_{QOpenGLBuffer::IndexBuffer};
   std::vector<Corner> corners_;
   GLsizei indexCount_ = 0;
+  GLsizei plainCount_ = 0; ///< indices of plain faces
   Bounds box_;
   std::uint64_t geometryRevision_ = ~0ULL;
   std::uint64_t coordinateRevision_ = ~0ULL;

@@ -11,8 +11,6 @@ constexpr float GroundColor[] = {0.28f, 0.26f, 0.26f};
 
 /// Share of the fill light in the key light's shadow: what blocks one light also blocks part of the other.
 constexpr float FillInShade = 0.66f;
-/// The same for emissive surfaces, so that shadows on the markings match those on the turf.
-constexpr float GlowInShade = 0.48f;
 
 // An emissive surface emits part of its light; the rest depends on the lights.
 constexpr float GlowLight = 0.76f;
@@ -72,22 +70,24 @@ VertexLight LightOf(const Vector &place, const Vector &normal, const FaceColor &
   const float glow = std::max({emissive.Red, emissive.Green, emissive.Blue});
   const float own[] = {emissive.Red, emissive.Green, emissive.Blue};
   const float stored[] = {color.Red, color.Green, color.Blue};
-  float shade[3], lit[3];
+  float lit[3];
   for (int channel = 0; channel < 3; ++channel) {
     float base = stored[channel] * stored[channel];
     if (glow > 0.0f) base *= own[channel];
     const float fill = (GroundColor[channel] + (SkyColor[channel] - GroundColor[channel]) * upward) * pool;
     const float constant = fill * (1.0f - GlowTakesFill * glow) + GlowLight * glow;
-    shade[channel] = base * constant * (FillInShade + (GlowInShade - FillInShade) * glow);
     lit[channel] = base * (constant + KeyColor[channel] * pool * facing * (1.0f - GlowTakesKey * glow));
   }
-  // A shadow's edge smears on a steep surface, so only nearly level ones receive shadows.
-  const float level = std::clamp((normal.y - 0.4f) / 0.5f, 0.0f, 1.0f);
-  for (int channel = 0; channel < 3; ++channel)
-    shade[channel] = lit[channel] + (shade[channel] - lit[channel]) * level;
   VertexLight light{};
   light.TextureShare = color.Alpha;
-  Store(shade, pictured, light.Shade);
-  Store(lit, pictured, light.Lit);
+  Store(lit, pictured, light.Color);
   return light;
+}
+
+Vector ShadeOnGround() {
+  const auto factor = [](int channel) {
+    const float fill = SkyColor[channel];
+    return std::sqrt(fill * FillInShade / (fill + KeyColor[channel] * KeyLight().y));
+  };
+  return {factor(0), factor(1), factor(2)};
 }

@@ -8,9 +8,8 @@
 /// A vertex's colour, or the factor on its texture, with a gamma of 2 as colours are stored. Channels may
 /// exceed 1.
 struct VertexLight {
-  float Shade[3];     ///< in the shadow
+  float Color[3];
   float TextureShare; ///< 1 shows all of the texture, 0 none
-  float Lit[3];       ///< in the key light
 };
 
 /// Toward the key light, unit length.
@@ -23,3 +22,6 @@ Vector KeyLight();
 /// @param pictured  whether a texture follows
 VertexLight LightOf(const Vector &place, const Vector &normal, const FaceColor &color,
                     const ColorValue &emissive, bool pictured);
+
+/// The factor on colours of level ground in the key light's shadow.
+Vector ShadeOnGround();

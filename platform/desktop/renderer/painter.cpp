@@ -3,14 +3,13 @@
 #include "platform/desktop/renderer/shaders.h"
 
 #include <algorithm>
-#include <cmath>
 #include <string>
 #include <tuple>
 
 namespace {
 
-constexpr float FogColor[] = {0.84f, 0.71f, 0.81f};
-constexpr float FogDistance = 900.0f; ///< scene units at which a third of a colour is left
+constexpr float SmallestSky = 1000.0f; ///< scene units: a mesh of that size leaves no background visible
+constexpr float FogDistance = 900.0f;  ///< scene units at which a third of a colour is left
 
 /// Left-handed, with the view along +z, and upside down: rows are read back from the bottom.
 QMatrix4x4 Projection(float height, float aspect, float back) {
@@ -39,8 +38,8 @@ auto DrawingOrder(const Item &item) {
 } // namespace
 
 Painter::Painter(Gl &gl, const PaintQuality &quality, Lens &lens)
-    : gl_(gl), quality_(quality), lens_(lens), store_(gl, quality.Anisotropy),
-      shadows_(gl, quality.ShadowSize), backdrop_(gl) {}
+    : gl_(gl), lens_(lens), samples_(quality.Samples), store_(gl, quality.Anisotropy),
+      shadows_(gl, quality.ShadowSize, quality.ShadowTaps), backdrop_(gl) {}
 
 Painter::~Painter() = default;
 
@@ -48,7 +47,7 @@ bool Painter::Paint(std::span<const Placed> placed, const Direct3DRMFrame3 &came
                     QImage &picture) {
   const QSize size = picture.size();
   if (!target_ || target_->Size() != size) {
-    target_ = std::make_unique<FrameBuffer>(gl_, size, quality_.Samples);
+    target_ = std::make_unique<FrameBuffer>(gl_, size, samples_);
     store_.SetView(size.height());
     motion_.Forget();
   }
@@ -68,7 +67,6 @@ bool Painter::Paint(std::span<const Placed> placed, const Direct3DRMFrame3 &came
                                       std::ranges::find(firstGround, items.end(), false, &Item::Ground));
 
   gl_.glEnable(GL_DEPTH_TEST);
-  gl_.glBlendFunc(GL_SRC_ALPHA, GL_ONE_MINUS_SRC_ALPHA);
   gl_.glDisable(GL_CULL_FACE);
   const bool shadowsMoved = shadows_.Update(items, grounds);
 
@@ -79,85 +77,74 @@ bool Painter::Paint(std::span<const Placed> placed, const Direct3DRMFrame3 &came
   const Motion::Change change = motion_.Next(items, shadowsMoved, toClip_);
   if (change == Motion::Change::None) return false;
   const bool allMove = std::ranges::all_of(items, &Item::Moves);
+  const bool open = items.empty() || items.back().Box.Extent() < SmallestSky;
   if (change == Motion::Change::Still) {
-    target_->Begin(FogColor[0], FogColor[1], FogColor[2]);
+    target_->Begin();
     if (!allMove) {
       Draw(items, grounds, false);
-      backdrop_.Draw(toClip_);
+      if (open) backdrop_.Draw(toClip_, camera_);
       target_->Keep();
     }
   } else {
     target_->BeginOnKept();
   }
   Draw(items, grounds, true);
-  if (allMove) backdrop_.Draw(toClip_);
+  if (allMove && open) backdrop_.Draw(toClip_, camera_);
   return target_->Read(picture);
 }
 
 /// Draws the items that move, or those that are still. Flushes between groups: software OpenGL draws a group
 /// on the other cores while the next is prepared on this one.
 void Painter::Draw(std::span<const Item> items, std::span<const Item> grounds, bool moving) {
-  bound_ = nullptr;
-  gl_.glActiveTexture(GL_TEXTURE1);
-  gl_.glBindTexture(GL_TEXTURE_2D, shadows_.Map());
-  gl_.glActiveTexture(GL_TEXTURE0);
+  const auto draw = [&](auto first, auto end) {
+    bound_ = nullptr;
+    for (; first != end; ++first) {
+      if (first->Moves == moving) DrawItem(*first);
+    }
+    gl_.glFlush();
+  };
   gl_.glDepthFunc(GL_LESS);
   gl_.glEnable(GL_CULL_FACE); // front faces are clockwise, and the frame is upside down
   gl_.glFrontFace(GL_CCW);
-  bool groundDrawn = false;
-  for (const Item &item : items) {
-    if (!item.Ground) {
-      if (item.Moves == moving) DrawItem(item, 0);
-    } else if (!groundDrawn) {
-      groundDrawn = true;
-      gl_.glFlush();
-      DrawGrounds(grounds, moving);
-      gl_.glFlush();
-    }
+  draw(items.begin(), grounds.begin());
+  if (!grounds.empty() && grounds.front().Moves == moving) {
+    gl_.glEnable(GL_STENCIL_TEST);
+    gl_.glStencilFunc(GL_ALWAYS, 1, 0xff);
+    gl_.glStencilOp(GL_KEEP, GL_KEEP, GL_REPLACE);
+    draw(grounds.begin(), grounds.end());
+    shadows_.Draw(toClip_);
   }
+  draw(grounds.end(), items.end());
   gl_.glDisable(GL_CULL_FACE);
 }
 
-void Painter::DrawGrounds(std::span<const Item> grounds, bool moving) {
-  const auto draw = [&](int taps, const auto &reached) {
-    bound_ = nullptr;
-    for (const Item &ground : grounds) {
-      if (ground.Moves == moving && reached(ground.Box)) DrawItem(ground, taps);
-    }
-  };
-  // Shadow regions first. The depth test then keeps the second pass out of them.
-  gl_.glEnable(GL_SCISSOR_TEST);
-  for (const ShadowRegion &region : shadows_.Regions()) {
-    const auto covered = Covered(region.Ground, toClip_, target_->Size());
-    if (!covered) continue;
-    gl_.glScissor(covered->x(), covered->y(), covered->width(), covered->height());
-    softness_ = Shadows::InMap(region.Softness);
-    halo_ = Shadows::InMap(region.Halo);
-    draw(quality_.ShadowTaps, [&](const Bounds &box) { return region.Reaches(box); });
-  }
-  gl_.glDisable(GL_SCISSOR_TEST);
-  gl_.glFlush();
-  draw(0, [](const Bounds &) { return true; });
-}
-
-void Painter::DrawItem(const Item &item, int taps) {
+void Painter::DrawItem(const Item &item) {
   if (Outside(item.Mesh->Box(), toClip_ * item.Where.ToWorld)) return;
   const auto &material = (*item.Where.Mesh)->Material();
   const auto &texture = (*item.Where.Mesh)->Texture();
   const ColorValue specular = material ? material->Specular : ColorValue{};
   const bool gleams = specular.Red + specular.Green + specular.Blue > 0.0f;
   const bool paint = item.Mesh->IsPaint(**item.Where.Mesh);
-  QOpenGLShaderProgram &surface = SurfaceProgram({taps, texture != nullptr, paint, gleams});
-  if (bound_ != &surface) {
-    bound_ = &surface;
-    surface.bind();
-    SetScene(surface);
+  if (paint) {
+    gl_.glEnable(GL_BLEND);
+    gl_.glBlendFunc(GL_SRC_ALPHA, GL_ONE_MINUS_SRC_ALPHA);
   }
-  surface.setUniformValue("toWorld", item.Where.ToWorld);
-  surface.setUniformValue("specular", QVector3D(specular.Red, specular.Green, specular.Blue));
-  if (texture) gl_.glBindTexture(GL_TEXTURE_2D, store_.Texture(texture, IsLarge(item)));
-  if (paint) gl_.glEnable(GL_BLEND);
-  item.Mesh->Draw();
+  const auto draw = [&](bool pictured, GpuMesh::Faces faces) {
+    QOpenGLShaderProgram &surface = SurfaceProgram({pictured, paint, gleams});
+    if (bound_ != &surface) {
+      bound_ = &surface;
+      surface.bind();
+      SetScene(surface);
+    }
+    surface.setUniformValue("toWorld", item.Where.ToWorld);
+    surface.setUniformValue("specular", QVector3D(specular.Red, specular.Green, specular.Blue));
+    item.Mesh->Draw(faces);
+  };
+  draw(false, texture ? GpuMesh::Faces::Plain : GpuMesh::Faces::All);
+  if (texture) {
+    gl_.glBindTexture(GL_TEXTURE_2D, store_.Texture(texture, IsLarge(item)));
+    draw(true, GpuMesh::Faces::Pictured);
+  }
   if (paint) gl_.glDisable(GL_BLEND);
 }
 
@@ -166,10 +153,9 @@ QOpenGLShaderProgram &Painter::SurfaceProgram(const SurfaceKind &kind) {
   auto &program = surfaces_[kind];
   if (!program) {
     program = std::make_unique<QOpenGLShaderProgram>();
-    const std::string definitions =
-        "#version 330 core\n#define SHADOW_TAPS " + std::to_string(kind.ShadowTaps) + "\n#define PICTURED " +
-        std::to_string(kind.Pictured) + "\n#define PAINT " + std::to_string(kind.Paint) +
-        "\n#define SPECULAR " + std::to_string(kind.Specular) + "\n";
+    const std::string definitions = "#version 330 core\n#define PICTURED " + std::to_string(kind.Pictured) +
+                                    "\n#define PAINT " + std::to_string(kind.Paint) + "\n#define SPECULAR " +
+                                    std::to_string(kind.Specular) + "\n";
     BuildProgram(*program, definitions + SurfaceVertexShader, definitions + SurfaceFragmentShader);
   }
   return *program;
@@ -182,13 +168,7 @@ void Painter::SetScene(QOpenGLShaderProgram &surface) {
   surface.setUniformValue("toClip", toClip_);
   surface.setUniformValue("halfPicture",
                           QVector2D(static_cast<float>(size.width()), static_cast<float>(size.height())) / 2);
-  surface.setUniformValue("toShadow", Shadows::ToMap());
   surface.setUniformValue("camera", camera_);
   surface.setUniformValue("keyDirection", QVector3D(key.x, key.y, key.z));
   surface.setUniformValue("fogDensity", 1.0f / FogDistance);
-  surface.setUniformValue("fogColor", QVector3D(FogColor[0], FogColor[1], FogColor[2]));
-  surface.setUniformValue("picture", 0);
-  surface.setUniformValue("shadows", 1);
-  surface.setUniformValue("softness", softness_);
-  surface.setUniformValue("halo", halo_);
 }

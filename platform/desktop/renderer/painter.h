@@ -41,25 +41,22 @@ public:
 
 private:
   void Draw(std::span<const Item> items, std::span<const Item> grounds, bool moving);
-  void DrawGrounds(std::span<const Item> grounds, bool moving);
-  void DrawItem(const Item &item, int taps);
+  void DrawItem(const Item &item);
   /// The variants of the surface shader.
   struct SurfaceKind {
-    int ShadowTaps; ///< samples for a shadow's halo; 0 where there is no shadow
-    bool Pictured;  ///< has a texture
-    bool Paint;     ///< strokes of paint on the ground
-    bool Specular;  ///< has highlights
+    bool Pictured; ///< has a texture
+    bool Paint;    ///< strokes of paint on the ground
+    bool Specular; ///< has highlights
     bool operator<(const SurfaceKind &other) const {
-      return std::tie(ShadowTaps, Pictured, Paint, Specular) <
-             std::tie(other.ShadowTaps, other.Pictured, other.Paint, other.Specular);
+      return std::tie(Pictured, Paint, Specular) < std::tie(other.Pictured, other.Paint, other.Specular);
     }
   };
   QOpenGLShaderProgram &SurfaceProgram(const SurfaceKind &kind);
   void SetScene(QOpenGLShaderProgram &surface);
 
   Gl &gl_;
-  PaintQuality quality_;
   Lens &lens_;
+  int samples_; ///< per pixel, 0 for one
   GpuStore store_;
   Shadows shadows_;
   Backdrop backdrop_;
@@ -69,5 +66,4 @@ private:
   QOpenGLShaderProgram *bound_ = nullptr;
   QMatrix4x4 toClip_;
   QVector3D camera_;
-  float softness_ = 0, halo_ = 0; ///< of the current shadow region, as shares of the map
 };

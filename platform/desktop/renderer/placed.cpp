@@ -68,32 +68,3 @@ bool Outside(const Bounds &box, const QMatrix4x4 &toClip) {
   }
   return std::ranges::find(beyond, 8) != std::end(beyond);
 }
-
-std::optional<QRect> Covered(const Bounds &box, const QMatrix4x4 &toClip, QSize size) {
-  if (Outside(box, toClip)) return {};
-  QVector4D corners[8];
-  for (int corner = 0; corner < 8; ++corner) {
-    const Vector v = box.Corner(corner);
-    corners[corner] = toClip * QVector4D(v.x, v.y, v.z, 1.0f);
-  }
-  QRectF around;
-  const auto add = [&](const QVector4D &p) {
-    const QRectF pixel((static_cast<qreal>(p.x() / p.w()) * 0.5 + 0.5) * size.width() - 1.0,
-                       (static_cast<qreal>(p.y() / p.w()) * 0.5 + 0.5) * size.height() - 1.0, 2.0, 2.0);
-    around = around.isNull() ? pixel : around.united(pixel);
-  };
-  for (int corner = 0; corner < 8; ++corner) {
-    const QVector4D &from = corners[corner];
-    if (from.w() >= NearPlane) add(from);
-    // What lies behind the near plane is cut off along the box's edges.
-    for (const int other : {corner | 1, corner | 2, corner | 4}) {
-      const QVector4D &to = corners[other];
-      if ((from.w() < NearPlane) == (to.w() < NearPlane)) continue;
-      add(from + (to - from) * ((NearPlane - from.w()) / (to.w() - from.w())));
-    }
-  }
-  const QRect whole(QPoint(0, 0), size);
-  const QRect rect = around.intersected(QRectF(whole)).toAlignedRect().intersected(whole);
-  if (rect.isEmpty()) return {};
-  return rect;
-}

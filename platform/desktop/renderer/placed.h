@@ -5,9 +5,7 @@
 #include "scene/graph/frame.h"
 
 #include <QMatrix4x4>
-#include <QRect>
 
-#include <optional>
 #include <vector>
 
 constexpr float NearPlane = 1.0f; ///< distance of the near clipping plane, scene units
@@ -47,6 +45,3 @@ bool IsWide(const Bounds &box);
 
 /// Whether a box lies outside the view: all of its corners beyond one clipping plane.
 bool Outside(const Bounds &box, const QMatrix4x4 &toClip);
-
-/// The pixels that bound a box in a frame of `size`; none if it lies outside the view.
-std::optional<QRect> Covered(const Bounds &box, const QMatrix4x4 &toClip, QSize size);

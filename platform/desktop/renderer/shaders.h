@@ -20,50 +20,38 @@ inline constexpr const char *SurfaceVertexShader = R"(
 layout(location = 0) in vec3 position;
 layout(location = 1) in vec3 normal;
 layout(location = 2) in vec2 coordinate;
-layout(location = 3) in vec4 shade; // in shadow; a: weight of the texture
-layout(location = 4) in vec3 lit;   // in the key light
-out vec3 litLight;
+layout(location = 3) in vec4 light; // a: weight of the texture
+out vec3 shine;
 out float fog;
 #if PICTURED
 out vec2 surfaceCoordinate;
 out float textureShare;
 #endif
-#if SHADOW_TAPS > 0
-out vec3 shadeLight;
-out vec3 shadowPlace;
-#endif
 #if PAINT
-layout(location = 5) in vec3 across; // to the other side of the stroke
+layout(location = 4) in vec3 across; // to the other side of the stroke
 uniform vec2 halfPicture;            // pixels
 out float coverage;
 #endif
 uniform mat4 toWorld;
 uniform mat4 toClip;
-uniform mat4 toShadow;
 uniform vec3 camera;
 uniform vec3 keyDirection;
 uniform vec3 specular;
 uniform float fogDensity;
-// Two variants draw a surface that receives shadows, and their depths must agree.
-invariant gl_Position;
 const float Sharpness = 24.0;
 void main() {
   vec4 place = toWorld * vec4(position, 1.0);
   vec3 toEye = camera - place.xyz;
   float distance = length(toEye);
-  litLight = lit;
+  shine = light.rgb;
 #if SPECULAR
   vec3 between = normalize(keyDirection + toEye / distance);
   float mirrored = pow(max(dot(normalize(mat3(toWorld) * normal), between), 0.0), Sharpness);
-  litLight = sqrt(lit * lit + specular * mirrored);
+  shine = sqrt(shine * shine + specular * mirrored);
 #endif
 #if PICTURED
   surfaceCoordinate = coordinate;
-  textureShare = shade.a;
-#endif
-#if SHADOW_TAPS > 0
-  shadeLight = shade.rgb;
-  shadowPlace = (toShadow * place).xyz;
+  textureShare = light.a;
 #endif
   float depth = distance * fogDensity;
   fog = 1.0 - exp(-depth * depth);
@@ -85,65 +73,35 @@ void main() {
 }
 )";
 
-// SHADOW_TAPS is the number of samples for a shadow's halo, 0 without shadows. PICTURED is 1 for a surface
-// with a texture, SPECULAR for one with highlights.
+// PICTURED is 1 for a surface with a texture, SPECULAR for one with highlights. The colour of the fog is a
+// constant, because software OpenGL reads a uniform anew for every pixel.
 inline constexpr const char *SurfaceFragmentShader = R"(
 uniform sampler2D picture;
-uniform sampler2DShadow shadows;
-uniform float softness; // radius of the penumbra, as a share of the map
-uniform float halo;     // radius of the ambient occlusion, as a share of the map
-uniform vec3 fogColor;
-in vec3 litLight;
+in vec3 shine;
 in float fog;
 #if PICTURED
 in vec2 surfaceCoordinate;
 in float textureShare;
 #endif
-#if SHADOW_TAPS > 0
-in vec3 shadeLight;
-in vec3 shadowPlace;
-#endif
 #if PAINT
 in float coverage;
 #endif
 out vec4 result;
-#if SHADOW_TAPS > 0
-float Look(vec2 away) { return texture(shadows, shadowPlace + vec3(away, 0.0)); }
-float Lit() {
-#if SHADOW_TAPS > 4
-  float core = 0.25 * (Look(softness * vec2(0.6, 0.3)) + Look(softness * vec2(-0.3, 0.6)) +
-                       Look(softness * vec2(-0.6, -0.3)) + Look(softness * vec2(0.3, -0.6)));
-#else
-  float core = Look(vec2(0.0));
-#endif
-  // Samples on a spiral, at steps of the golden angle.
-  const mat2 turn = mat2(-0.737369, 0.675490, -0.675490, -0.737369);
-  vec2 way = vec2(halo, 0.0);
-  float around = 0.0;
-  for (int i = 0; i < SHADOW_TAPS; ++i) {
-    way = turn * way;
-    around += Look(way * sqrt((float(i) + 0.5) / float(SHADOW_TAPS)));
-  }
-  around /= float(SHADOW_TAPS);
-  return core * around * around;
-}
-#endif
+const vec3 FogColor = vec3(0.84, 0.71, 0.81);
 void main() {
-  vec3 light = litLight;
-#if SHADOW_TAPS > 0
-  light = mix(shadeLight, litLight, Lit());
-#endif
+  vec3 light = shine;
 #if PICTURED
   light *= mix(vec3(1.0), texture(picture, surfaceCoordinate).rgb, textureShare);
 #endif
 #if PAINT
-  result = vec4(mix(light, fogColor, fog).bgr, coverage);
+  result = vec4(mix(light, FogColor, fog).bgr, coverage);
 #else
-  result = vec4(mix(light, fogColor, fog).bgr, 1.0);
+  result = vec4(mix(light, FogColor, fog).bgr, 1.0);
 #endif
 }
 )";
 
+// The map of the shadows.
 inline constexpr const char *ShadowVertexShader = R"(#version 330 core
 layout(location = 0) in vec3 position;
 uniform mat4 toWorld;
@@ -155,20 +113,76 @@ inline constexpr const char *ShadowFragmentShader = R"(#version 330 core
 void main() {}
 )";
 
-// The background, drawn last at the far plane.
-inline constexpr const char *BackdropVertexShader = R"(#version 330 core
-layout(location = 0) in vec3 direction;
-layout(location = 1) in vec3 color;
-uniform mat4 toClip; // its translation is ignored
-out vec3 glow;
+// The shadow on a part of the ground, a factor on the colours there.
+inline constexpr const char *ShadeVertexShader = R"(#version 330 core
+uniform vec3 low, high; // corners of the part
+uniform mat4 toClip;
+uniform mat4 toShadow;
+out vec3 shadowPlace;
 void main() {
-  glow = color;
-  gl_Position = (toClip * vec4(direction, 0.0)).xyww;
+  vec4 place = vec4(mix(low, high, vec3(gl_VertexID >> 1, 1.0, gl_VertexID & 1)), 1.0);
+  shadowPlace = (toShadow * place).xyz;
+  gl_Position = toClip * place;
+}
+)";
+
+// TAPS is the number of samples for a shadow's halo.
+inline constexpr const char *ShadeFragmentShader = R"(
+uniform sampler2DShadow shadows;
+uniform float softness; // radius of the penumbra, as a share of the map
+uniform float halo;     // radius of the ambient occlusion, as a share of the map
+uniform vec3 shade;     // in the core
+in vec3 shadowPlace;
+out vec4 result;
+float Look(vec2 away) { return texture(shadows, shadowPlace + vec3(away, 0.0)); }
+void main() {
+#if TAPS > 4
+  float core = 0.25 * (Look(softness * vec2(0.6, 0.3)) + Look(softness * vec2(-0.3, 0.6)) +
+                       Look(softness * vec2(-0.6, -0.3)) + Look(softness * vec2(0.3, -0.6)));
+#else
+  float core = Look(vec2(0.0));
+#endif
+  // Samples on a spiral, at steps of the golden angle.
+  const mat2 turn = mat2(-0.737369, 0.675490, -0.675490, -0.737369);
+  vec2 way = vec2(halo, 0.0);
+  float around = 0.0;
+  for (int i = 0; i < TAPS; ++i) {
+    way = turn * way;
+    around += Look(way * sqrt((float(i) + 0.5) / float(TAPS)));
+  }
+  around /= float(TAPS);
+  result = vec4(mix(shade, vec3(1.0), core * around * around).bgr, 1.0);
+}
+)";
+
+// The background, one triangle over the whole frame at the far plane, drawn last.
+inline constexpr const char *BackdropVertexShader = R"(#version 330 core
+uniform mat4 toScene; // from clip space
+uniform vec3 camera;
+out vec3 direction;
+void main() {
+  vec4 corner = vec4(gl_VertexID == 1 ? 3.0 : -1.0, gl_VertexID == 2 ? 3.0 : -1.0, 1.0, 1.0);
+  vec4 far = toScene * corner;
+  direction = far.xyz / far.w - camera;
+  gl_Position = corner;
 }
 )";
 
 inline constexpr const char *BackdropFragmentShader = R"(#version 330 core
-in vec3 glow;
+in vec3 direction;
 out vec4 result;
-void main() { result = vec4(glow.bgr, 1.0); }
+// Rings of the dome: colour, and height on the unit sphere.
+const vec4 rings[] = vec4[](
+    vec4(0.24, 0.24, 0.36, -1.00), vec4(0.33, 0.31, 0.46, -0.60), vec4(0.53, 0.44, 0.60, -0.22),
+    vec4(0.84, 0.67, 0.72, -0.03), vec4(0.99, 0.86, 0.76, 0.03), vec4(0.95, 0.78, 0.82, 0.16),
+    vec4(0.80, 0.68, 0.89, 0.40), vec4(0.66, 0.58, 0.90, 0.70), vec4(0.58, 0.52, 0.88, 1.00));
+void main() {
+  float height = normalize(direction).y;
+  vec3 glow = rings[0].rgb;
+  for (int i = 1; i < 9; ++i) {
+    float share = (height - rings[i - 1].a) / (rings[i].a - rings[i - 1].a);
+    glow = mix(glow, rings[i].rgb, clamp(share, 0.0, 1.0));
+  }
+  result = vec4(glow.bgr, 1.0);
+}
 )";

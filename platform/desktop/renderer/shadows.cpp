@@ -42,16 +42,26 @@ Bounds Fallen(const Bounds &box, float ground) {
   return around;
 }
 
-bool Overlap(const Bounds &a, const Bounds &b) {
-  return a.Low.x < b.High.x && b.Low.x < a.High.x && a.Low.z < b.High.z && b.Low.z < a.High.z;
+/// From the scene into the map, 0 to 1.
+QMatrix4x4 ToMap() {
+  QMatrix4x4 toTexture;
+  toTexture.translate(0.5f, 0.5f, 0.5f);
+  toTexture.scale(0.5f);
+  return toTexture * ToLight();
 }
+
+/// A length in the scene as a share of the map.
+float InMap(float length) { return length / (2.0f * Reach); }
+
+QVector3D Point(const Vector &v) { return {v.x, v.y, v.z}; }
 
 } // namespace
 
-bool ShadowRegion::Reaches(const Bounds &ground) const { return Overlap(Ground, ground); }
-
-Shadows::Shadows(Gl &gl, int size) : gl_(gl), size_(size) {
-  BuildProgram(program_, ShadowVertexShader, ShadowFragmentShader);
+Shadows::Shadows(Gl &gl, int size, int taps) : gl_(gl), size_(size) {
+  BuildProgram(toMap_, ShadowVertexShader, ShadowFragmentShader);
+  BuildProgram(shade_, ShadeVertexShader,
+               "#version 330 core\n#define TAPS " + std::to_string(taps) + "\n" + ShadeFragmentShader);
+  noVertices_.create();
   gl_.glGenTextures(1, &map_);
   gl_.glBindTexture(GL_TEXTURE_2D, map_);
   gl_.glTexImage2D(GL_TEXTURE_2D, 0, GL_DEPTH_COMPONENT16, size, size, 0, GL_DEPTH_COMPONENT,
@@ -74,29 +84,16 @@ Shadows::Shadows(Gl &gl, int size) : gl_(gl), size_(size) {
 }
 
 Shadows::~Shadows() {
-  program_.removeAllShaders();
   gl_.glDeleteFramebuffers(1, &buffer_);
   gl_.glDeleteTextures(1, &map_);
 }
-
-QMatrix4x4 Shadows::ToMap() {
-  QMatrix4x4 toTexture;
-  toTexture.translate(0.5f, 0.5f, 0.5f);
-  toTexture.scale(0.5f);
-  return toTexture * ToLight();
-}
-
-float Shadows::InMap(float length) { return length / (2.0f * Reach); }
 
 bool Shadows::Update(std::span<const Item> items, std::span<const Item> grounds) {
   regions_.clear();
   std::vector<Caster> casters;
   if (!grounds.empty()) {
-    Bounds ground = grounds.front().Box;
-    for (const Item &each : grounds) {
-      ground.Widen(each.Box.Low);
-      ground.Widen(each.Box.High);
-    }
+    const Bounds &ground =
+        std::ranges::max(grounds, {}, [](const Item &item) { return item.Box.Extent(); }).Box;
     for (const Item &item : items) {
       const float rise = item.Box.Low.y - ground.High.y;
       if (item.Ground || item.Box.Extent() > LargestThing || item.Box.High.y < ground.High.y) continue;
@@ -104,9 +101,11 @@ bool Shadows::Update(std::span<const Item> items, std::span<const Item> grounds)
       const float softness = std::min(Softness + SoftnessPerRise * std::max(rise, 0.0f), LargestSoftness);
       const float halo = std::min(Halo + HaloPerRise * std::max(rise, 0.0f), LargestHalo);
       const float around = std::max(softness, halo) + Margin;
-      fallen.Low = {fallen.Low.x - around, ground.High.y - Margin, fallen.Low.z - around};
-      fallen.High = {fallen.High.x + around, ground.High.y + Margin, fallen.High.z + around};
-      if (!Overlap(fallen, ground)) continue;
+      fallen.Low.x = std::max(fallen.Low.x - around, ground.Low.x);
+      fallen.Low.z = std::max(fallen.Low.z - around, ground.Low.z);
+      fallen.High.x = std::min(fallen.High.x + around, ground.High.x);
+      fallen.High.z = std::min(fallen.High.z + around, ground.High.z);
+      if (fallen.Low.x >= fallen.High.x || fallen.Low.z >= fallen.High.z) continue;
       regions_.push_back({fallen, softness, halo});
       casters.push_back({item.Mesh, item.Where.ToWorld, (*item.Where.Mesh)->GeometryRevision()});
     }
@@ -127,18 +126,42 @@ void Shadows::DrawMap(const std::vector<Caster> &casters) {
   }
   gl_.glDisable(GL_SCISSOR_TEST);
   used_.clear();
-  for (const ShadowRegion &region : regions_) used_.push_back(InPixels(region.Ground));
+  for (const Region &region : regions_) used_.push_back(InPixels(region.Ground));
 
   gl_.glEnable(GL_DEPTH_CLAMP); // casters beyond the near plane count too
   gl_.glDepthFunc(GL_LESS);
-  program_.bind();
-  const QMatrix4x4 toLight = ToLight();
-  program_.setUniformValue("toShadow", toLight);
+  toMap_.bind();
+  toMap_.setUniformValue("toShadow", ToLight());
   for (const Caster &caster : casters) {
-    program_.setUniformValue("toWorld", caster.ToWorld);
-    caster.Mesh->Draw();
+    toMap_.setUniformValue("toWorld", caster.ToWorld);
+    caster.Mesh->Draw(GpuMesh::Faces::All);
   }
   gl_.glDisable(GL_DEPTH_CLAMP);
+}
+
+void Shadows::Draw(const QMatrix4x4 &toClip) {
+  shade_.bind();
+  shade_.setUniformValue("toClip", toClip);
+  shade_.setUniformValue("toShadow", ToMap());
+  shade_.setUniformValue("shade", Point(ShadeOnGround()));
+  noVertices_.bind();
+  gl_.glBindTexture(GL_TEXTURE_2D, map_);
+  gl_.glDisable(GL_DEPTH_TEST);
+  gl_.glEnable(GL_BLEND);
+  gl_.glBlendFunc(GL_ZERO, GL_SRC_COLOR);
+  gl_.glEnable(GL_STENCIL_TEST);
+  gl_.glStencilFunc(GL_EQUAL, 1, 0xff);
+  gl_.glStencilOp(GL_KEEP, GL_KEEP, GL_INCR); // only the first of overlapping regions shades a pixel
+  for (const Region &region : regions_) {
+    shade_.setUniformValue("low", Point(region.Ground.Low));
+    shade_.setUniformValue("high", Point(region.Ground.High));
+    shade_.setUniformValue("softness", InMap(region.Softness));
+    shade_.setUniformValue("halo", InMap(region.Halo));
+    gl_.glDrawArrays(GL_TRIANGLE_STRIP, 0, 4);
+  }
+  gl_.glDisable(GL_STENCIL_TEST);
+  gl_.glDisable(GL_BLEND);
+  gl_.glEnable(GL_DEPTH_TEST);
 }
 
 QRect Shadows::InPixels(const Bounds &ground) const {

@@ -1,30 +1,23 @@
 #pragma once
 
-// A shadow map of the key light, and the regions of the ground that shadows can reach. Only these sample the
-// map, so the cost grows with the area in shadow.
+// Shadows on the ground: a map of the key light, and the parts of the ground that shadows can reach. Only
+// these sample the map, so the cost grows with the area in shadow.
 
 #include "platform/desktop/renderer/item.h"
 
 #include <QOpenGLShaderProgram>
+#include <QOpenGLVertexArrayObject>
 #include <QRect>
 
 #include <span>
 #include <vector>
 
-/// The region of the ground that one mesh can shade.
-struct ShadowRegion {
-  Bounds Ground;  ///< in the scene
-  float Softness; ///< radius of the penumbra, scene units; grows with the height of the mesh
-  float Halo;     ///< radius of the ambient occlusion around the shadow, scene units
-
-  bool Reaches(const Bounds &ground) const;
-};
-
 class Shadows {
 public:
   /// @param size  of the map's sides, pixels
+  /// @param taps  samples of the map for a shadow's halo
   /// @throws RendererError
-  Shadows(Gl &gl, int size);
+  Shadows(Gl &gl, int size, int taps);
   ~Shadows();
   Shadows(const Shadows &) = delete;
   Shadows &operator=(const Shadows &) = delete;
@@ -33,15 +26,16 @@ public:
   /// @return whether one has
   bool Update(std::span<const Item> items, std::span<const Item> grounds);
 
-  std::span<const ShadowRegion> Regions() const { return regions_; }
-  GLuint Map() const { return map_; }
-
-  /// From the scene into the map, 0 to 1.
-  static QMatrix4x4 ToMap();
-  /// A length in the scene as a share of the map.
-  static float InMap(float length);
+  /// Darkens the ground, which is where the stencil buffer has a 1.
+  void Draw(const QMatrix4x4 &toClip);
 
 private:
+  /// The part of the ground that one mesh can shade.
+  struct Region {
+    Bounds Ground;  ///< in the scene
+    float Softness; ///< radius of the penumbra, scene units; grows with the height of the mesh
+    float Halo;     ///< radius of the ambient occlusion around the shadow, scene units
+  };
   struct Caster {
     GpuMesh *Mesh;
     QMatrix4x4 ToWorld;
@@ -54,8 +48,9 @@ private:
   Gl &gl_;
   int size_;
   GLuint buffer_ = 0, map_ = 0;
-  QOpenGLShaderProgram program_;
-  std::vector<ShadowRegion> regions_;
+  QOpenGLShaderProgram toMap_, shade_;
+  QOpenGLVertexArrayObject noVertices_;
+  std::vector<Region> regions_;
   std::vector<Caster> drawn_;
   std::vector<QRect> used_; ///< parts of the map that aren't clear
 };
