@@ -4,6 +4,7 @@
 #include "front/information_windows.h"
 #include "match/frm_snapwedge.h"
 #include "net/address_lookup.h"
+#include "platform/plain_text.h"
 
 #include <charconv>
 #include <cmath>
@@ -18,9 +19,7 @@ constexpr float SessionSuffixes = 10000.0f; ///< the default session name ends i
 
 /// A whole number from 1 to 99, with optional blanks around it; nothing for any other text.
 std::optional<std::int16_t> ParseRounds(const std::string &text) {
-  const auto first = text.find_first_not_of(" \t");
-  if (first == std::string::npos) return std::nullopt;
-  const std::string digits = text.substr(first, text.find_last_not_of(" \t") + 1 - first);
+  const std::string digits = Trimmed(text);
   int value = 0;
   const auto [end, error] = std::from_chars(digits.data(), digits.data() + digits.size(), value);
   if (error != std::errc() || end != digits.data() + digits.size() || value < 1 || value > MostRounds) {

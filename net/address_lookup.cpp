@@ -1,5 +1,7 @@
 #include "net/address_lookup.h"
 
+#include "platform/plain_text.h"
+
 #include <arpa/inet.h>
 
 #include <array>
@@ -44,11 +46,6 @@ void StopSockets(Machine &machine) {
 
 /// A signed number with a blank instead of a plus sign.
 std::string Signed(std::int32_t number) { return (number < 0 ? "" : " ") + std::to_string(number); }
-
-std::string Trimmed(const std::string &name) {
-  const auto first = name.find_first_not_of(' ');
-  return first == std::string::npos ? "" : name.substr(first, name.find_last_not_of(' ') + 1 - first);
-}
 
 std::string Dotted(const std::string &bytes) {
   std::string text;

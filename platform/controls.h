@@ -190,8 +190,8 @@ struct Window {
   std::string Caption;
   int Width = 0; ///< client area, logical pixels
   int Height = 0;
-  std::string
-      Picture; ///< background: file in the game's "pictures" directory, without ".png"; empty for none
+  /// Background: file in the game's "pictures" directory, without ".png"; empty for none.
+  std::string Picture;
   bool HasBackColor = false;
   Color BackColor;
   std::vector<const BackPicture *> BackPictures; ///< a later one lies over an earlier one

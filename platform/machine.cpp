@@ -1,7 +1,5 @@
 #include "platform/machine.h"
 
-#include <algorithm>
-
 void Machine::RunPolls() {
   std::erase_if(polls_, [](const auto &poll) { return poll.expired(); });
   // A poll may register another one, so the list can grow while it is walked.

@@ -25,9 +25,8 @@ constexpr std::int32_t NetworkPollMs = 5; ///< longest sleep while something may
 constexpr std::int32_t LobbyPollMs = 25;  ///< the same while a host waits for a joiner
 
 // The match.
-constexpr std::int32_t FinalDeliveryMs =
-    60000;                                ///< at the end of a match, for the last messages to be delivered
-constexpr std::int32_t LineBackMs = 4000; ///< the title says so long that the line is back
+constexpr std::int32_t FinalDeliveryMs = 60000; ///< at the end, for the last messages to be delivered
+constexpr std::int32_t LineBackMs = 4000;       ///< for which the title says that the line is back
 
 // The home router.
 constexpr std::int32_t RouterLeaseMs = 900000; ///< lifetime of a port mapping; a crash leaves it open so long

@@ -33,3 +33,10 @@ std::string PlainText(std::string_view bytes, std::size_t characters) {
   }
   return line;
 }
+
+std::string Trimmed(std::string_view text) {
+  constexpr const char *Blanks = " \t";
+  const auto first = text.find_first_not_of(Blanks);
+  if (first == std::string_view::npos) return {};
+  return std::string(text.substr(first, text.find_last_not_of(Blanks) + 1 - first));
+}

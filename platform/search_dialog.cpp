@@ -23,7 +23,7 @@ std::string Questions(int port) {
 std::string Words(NobodyFound why, const std::string &host, int port) {
   switch (why) {
   case NobodyFound::NoPlace:
-    return '"' + host + "\" is no computer name and no IP address.";
+    return '"' + host + "\" is neither a computer name nor an IP address.";
   case NobodyFound::UnknownName:
     return "No computer is known by the name \"" + host +
            "\".\n-  Is it spelled right?\n-  Is this computer connected to the network?";
@@ -32,7 +32,7 @@ std::string Words(NobodyFound why, const std::string &host, int port) {
   case NobodyFound::NoGame:
     return host + " answers, but no game waits there." + Questions(port);
   case NobodyFound::Full:
-    return "The game at " + host + " takes nobody any more: it is being played already.";
+    return "The game at " + host + " is full: it is already being played.";
   case NobodyFound::OtherVersion:
     return "The game at " + host + " is another version of Snapwedge. Both players need the same one.";
   }

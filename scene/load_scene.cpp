@@ -27,12 +27,13 @@ constexpr Vector LinesOffset{0.0f, -10.0f, 9.0f};
 constexpr Vector SkyPlace{0.0f, 80.0f, 0.0f};
 constexpr Vector TablePlace{0.0f, -0.5f, 0.0f};
 constexpr Vector StadiumPlace{0.0f, 10.0f, 0.0f};
-constexpr Vector PlaceA{5.0f, 0.0f, 2.5f};
-constexpr Vector PlaceB{-5.0f, 0.0f, 2.5f};
-constexpr Vector PlaceC{0.0f, 0.0f, -2.5f};
+// Relative to the piece.
+constexpr Vector CornerAPlace{5.0f, 0.0f, 2.5f};
+constexpr Vector CornerBPlace{-5.0f, 0.0f, 2.5f};
+constexpr Vector CornerCPlace{0.0f, 0.0f, -2.5f};
 
 // Texture repeats per scene unit.
-constexpr float PieceTexture = 0.19f;
+constexpr float PieceRepeat = 0.19f;
 constexpr float GrassRepeat = 0.03f;
 constexpr float CrowdRepeat = 0.01f;
 
@@ -61,7 +62,7 @@ void frmSnapwedge::LoadScene() {
   };
 
   LooseTexture = rm.LoadTexture(directory / "loose.dab");
-  Wrap = rm.CreateWrap(D3DRMWRAP_FLAT, nullptr, 0, 0, 0, 1, 1, 1, 0, 1, 0, 0, 0, PieceTexture, PieceTexture);
+  Wrap = rm.CreateWrap(D3DRMWRAP_FLAT, nullptr, 0, 0, 0, 1, 1, 1, 0, 1, 0, 0, 0, PieceRepeat, PieceRepeat);
   PieceFrame = rm.CreateFrame(RMCanvas1.SceneFrame);
   AimFrame = rm.CreateFrame(RMCanvas1.SceneFrame);
   PieceMesh = load("fb.dax");
@@ -135,9 +136,9 @@ void frmSnapwedge::LoadScene() {
   CornerA = rm.CreateFrame(PieceFrame);
   CornerB = rm.CreateFrame(PieceFrame);
   CornerC = rm.CreateFrame(PieceFrame);
-  Place(CornerA, PieceFrame, PlaceA);
-  Place(CornerB, PieceFrame, PlaceB);
-  Place(CornerC, PieceFrame, PlaceC);
+  Place(CornerA, PieceFrame, CornerAPlace);
+  Place(CornerB, PieceFrame, CornerBPlace);
+  Place(CornerC, PieceFrame, CornerCPlace);
 
   Wrap = topDown(TableFrame, SkyRepeat);
   Wrap->Apply(SkyMesh);

@@ -35,15 +35,14 @@ void frmSnapwedge::MPAT() {
   HintAim();
   RMCanvas1.Update();
 
-  using Part = void (frmSnapwedge::*)();
-  Part work = &frmSnapwedge::HumanKickFrame;
-  if (!program.MyTurn && program.GameMode == "Computer") work = &frmSnapwedge::ComputerKickFrame;
-  if (!program.MyTurn && program.GameMode == "INET") work = &frmSnapwedge::WaitingKickFrame;
-  if (work != &frmSnapwedge::HumanKickFrame) NoShot = True;
+  void (frmSnapwedge::*kickFrame)() = &frmSnapwedge::HumanKickFrame;
+  if (!program.MyTurn && program.GameMode == "Computer") kickFrame = &frmSnapwedge::ComputerKickFrame;
+  if (!program.MyTurn && program.GameMode == "INET") kickFrame = &frmSnapwedge::WaitingKickFrame;
+  if (kickFrame != &frmSnapwedge::HumanKickFrame) NoShot = True;
 
   while (KickMode) {
     BeginStep(program.FlickMs);
-    (this->*work)();
+    (this->*kickFrame)();
     // After an overcharged kick the button may still be held; its release must not start a flick.
     if (!KickMode) Busy = True;
     machine.Pump();

@@ -10,9 +10,7 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QListWidget>
-#include <QPushButton>
 #include <QTest>
-#include <QTextBlock>
 #include <QTextBrowser>
 #include <QWindow>
 #include <gtest/gtest.h>
@@ -22,7 +20,6 @@
 #include <chrono>
 #include <fstream>
 #include <numeric>
-#include <optional>
 #include <set>
 #include <thread>
 

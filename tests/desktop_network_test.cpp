@@ -200,13 +200,17 @@ std::string Unplugged(const std::string &name, const std::string &address) {
   return "ip link add " + name + " type veth peer name " + name + "-far\nip link set " + name +
          " up\nip address add " + address + " dev " + name + (address.find(':') < 9 ? " nodad\n" : "\n");
 }
+// The kernel may take a second to report that an interface runs.
+std::string UntilUp(const std::string &name) {
+  return "until ip link show " + name + " | grep -q 'state UP'; do sleep 0.01; done\n";
+}
 std::string Card(const std::string &name, const std::string &address) {
-  return Unplugged(name, address) + "ip link set " + name + "-far up\n";
+  return Unplugged(name, address) + "ip link set " + name + "-far up\n" + UntilUp(name);
 }
 std::string Bridge(const std::string &name, const std::string &address) {
   return "ip link add " + name + " type bridge\nip link set " + name + " up\n" + "ip address add " + address +
          " dev " + name + "\n" + Card(name + "-port", "10.9.9.9/32") + "ip address flush dev " + name +
-         "-port\nip link set " + name + "-port master " + name + "\n";
+         "-port\nip link set " + name + "-port master " + name + "\n" + UntilUp(name);
 }
 
 TEST(DesktopNetworkTest, TheAddressToldIsThatOfTheWayToTheInternet) {

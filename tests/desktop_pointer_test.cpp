@@ -18,8 +18,8 @@ class Display {
 public:
   Device device = Device::Relative;
   bool obeys = true; ///< whether the display moves the pointer at a program's request
-  Dots hand;         ///< motion of the hand while the pointer was captured
-  Dots told;         ///< motion counted by the program
+  Vec2 hand;         ///< motion of the hand while the pointer was captured
+  Vec2 told;         ///< motion counted by the program
 
   void Hold() {
     device_ = pointer_;
@@ -29,44 +29,44 @@ public:
   bool Held() const { return program_.has_value(); }
 
   /// A program requests a move of the pointer.
-  void Warp(Dots to) {
+  void Warp(Vec2 to) {
     if (!obeys) return;
     pointer_ = to;
     if (program_) told = told + program_->Moved(Id, pointer_);
   }
 
   /// @param asAbsolute  absolute or relative, for a device that supports both
-  void MoveHand(Dots way, bool asAbsolute) {
+  void MoveHand(Vec2 motion, bool asAbsolute) {
     if (device == Device::Absolute || (device == Device::Mixed && asAbsolute)) {
-      const Dots from = device_;
-      device_ = OnScreen(device_ + way);
-      way = device_ - from; // an absolute device stops at the edge
+      const Vec2 from = device_;
+      device_ = OnScreen(device_ + motion);
+      motion = device_ - from; // an absolute device stops at the edge
       pointer_ = device_;
       constexpr double DeviceDots = 32; // resolution of a tablet
       const double scale = device == Device::Absolute ? DeviceDots : 1;
-      Report({device_.x * scale, device_.y * scale}, way);
+      Report({device_.x * scale, device_.y * scale}, motion);
     } else {
-      pointer_ = OnScreen(pointer_ + way);
-      Report(way, way);
+      pointer_ = OnScreen(pointer_ + motion);
+      Report(motion, motion);
     }
   }
 
 private:
   static constexpr int Id = 4;
 
-  static Dots OnScreen(Dots place) {
+  static Vec2 OnScreen(Vec2 place) {
     return {std::clamp(place.x, 0.0, 1023.0), std::clamp(place.y, 0.0, 767.0)};
   }
 
-  void Report(Dots values, Dots way) {
+  void Report(Vec2 values, Vec2 motion) {
     if (!program_) return;
-    hand = hand + way;
+    hand = hand + motion;
     told = told + program_->Reported(Id, device, values);
     told = told + program_->Moved(Id, pointer_);
   }
 
-  Dots pointer_{500, 350};
-  Dots device_; ///< position of an absolute device
+  Vec2 pointer_{500, 350};
+  Vec2 device_; ///< position of an absolute device
   std::optional<PointerTravel> program_;
 };
 
@@ -75,10 +75,10 @@ public:
   bool Once(unsigned in) { return random_() % in == 0; }
 
   /// Mostly small, sometimes across the whole screen.
-  Dots Way() { return Once(50) ? Step(8 * 700) : Step(8 * 6); }
+  Vec2 Motion() { return Once(50) ? Step(8 * 700) : Step(8 * 6); }
 
 private:
-  Dots Step(int most) {
+  Vec2 Step(int most) {
     std::uniform_int_distribution<int> eighths(-most, most);
     const double x = eighths(random_) / 8.0;
     return {x, eighths(random_) / 8.0};
@@ -88,7 +88,7 @@ private:
 
 TEST(PointerTravelTest, AMillionMotionsAddUpExactlyWhateverFocusAndDisplayDo) {
   constexpr int Motions = 1'000'000;
-  constexpr Dots Anchor{400, 300};
+  constexpr Vec2 Anchor{400, 300};
   Display display;
   Chance chance;
   int held = 0;
@@ -107,7 +107,7 @@ TEST(PointerTravelTest, AMillionMotionsAddUpExactlyWhateverFocusAndDisplayDo) {
       }
     }
     held += display.Held() ? 1 : 0;
-    display.MoveHand(chance.Way(), chance.Once(2));
+    display.MoveHand(chance.Motion(), chance.Once(2));
     if (display.device == Device::Mixed || chance.Once(4)) display.Warp(Anchor);
     if (chance.Once(1000)) display.Warp({900, 700});
     ASSERT_TRUE(display.told == display.hand) << "at motion " << motion;

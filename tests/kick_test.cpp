@@ -153,7 +153,7 @@ TEST(KickTest, AKickIsGoodBetweenThePostsAndNotOnThem) {
 TEST(KickTest, AGoodKickPaysOnePointAndEndsThePossession) {
   Game game;
   game.SetUp();
-  // The posts start toward +x; 350 frames later they are on their way back through the middle.
+  // The posts start toward +x; when the kick arrives they are on their way back through the middle.
   Kick(game, 96, 2 * 178 - 76);
   EXPECT_EQ(game.Cards, (std::vector<std::int16_t>{3, 1}));
   EXPECT_EQ(game.window.HomeScore, 7);

@@ -261,7 +261,7 @@ TEST(LaunchWindowTest, TheInformationWindowsOpenOverItAndCloseAgain) {
   }
 }
 
-TEST(LaunchWindowTest, EnterStartsAMatchAndRoundsTakeTwoDigits) {
+TEST(LaunchWindowTest, TheFocusStartsOnAStartButtonAndRoundsTakeTwoDigits) {
   Launch launch;
   launch.Run([&] {
     EXPECT_EQ(launch.machine.Focus, &launch.At<CommandButton>("Command1"));

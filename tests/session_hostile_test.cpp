@@ -159,6 +159,7 @@ TEST(SessionHostileTest, ABrokenFrameOfTheOtherPlayerEndsTheConnection) {
     const char *name;
     Bytes bytes;
     bool closed;
+    int dropped = 0; ///< messages that could not be decoded
   };
   const Row rows[] = {
       {"a frame of more than 64 KiB", {0, 0, 1, 0}, true},
@@ -172,9 +173,9 @@ TEST(SessionHostileTest, ABrokenFrameOfTheOtherPlayerEndsTheConnection) {
       {"a number that came before", Frame(session::DataFrame{1, session::DataKind::Game, {2, 1, 0, 0, 0}}),
        false},
       {"a second player", Frame(session::DataFrame{2, session::DataKind::Player, {}}), false},
-      {"fields that are none", Frame(session::DataFrame{2, session::DataKind::Game, {9, 9, 9}}), false},
+      {"fields that are none", Frame(session::DataFrame{2, session::DataKind::Game, {9, 9, 9}}), false, 1},
       {"a text without its end", Frame(session::DataFrame{2, session::DataKind::Game, {1, 255, 255, 65}}),
-       false},
+       false, 1},
   };
   for (const Row &row : rows) {
     SCOPED_TRACE(row.name);
@@ -184,6 +185,7 @@ TEST(SessionHostileTest, ABrokenFrameOfTheOtherPlayerEndsTheConnection) {
     EXPECT_EQ(TakeAll(*lobby.host, lobby.player), std::vector<std::string>{"joined"});
     joiner.Send(row.bytes);
     EXPECT_EQ(joiner.Closed(), row.closed);
+    EXPECT_EQ(lobby.host->Opened()->GetLink().Dropped(), row.dropped);
     EXPECT_EQ(lobby.host->GetMessageCount(lobby.player), 0) << "the game must not see any of it";
   }
 }

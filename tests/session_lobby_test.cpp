@@ -69,12 +69,13 @@ TEST(SessionLobbyTest, TheDialogTakesNamesAndAddressesWithAndWithoutAPort) {
       {"10.0.0.3", "Command1", {"far"}},
       {"10.0.0.9", "Command1", none, "10.0.0.9 answers, but no game waits there."},
       {"nobody", "Command1", none, "No computer is known by the name \"nobody\"."},
-      {"bramble:", "Command1", none, "\"bramble:\" is no computer name and no IP address."},
-      {"bramble:0", "Command1", none, "\"bramble:0\" is no computer name and no IP address."},
-      {"bramble:65536", "Command1", none, "\"bramble:65536\" is no computer name and no IP address."},
-      {"bramble:28710x", "Command1", none, "\"bramble:28710x\" is no computer name and no IP address."},
-      {"[10.0.0.1", "Command1", none, "\"[10.0.0.1\" is no computer name and no IP address."},
-      {"two words", "Command1", none, "\"two words\" is no computer name and no IP address."},
+      {"bramble:", "Command1", none, "\"bramble:\" is neither a computer name nor an IP address."},
+      {"bramble:0", "Command1", none, "\"bramble:0\" is neither a computer name nor an IP address."},
+      {"bramble:65536", "Command1", none, "\"bramble:65536\" is neither a computer name nor an IP address."},
+      {"bramble:28710x", "Command1", none,
+       "\"bramble:28710x\" is neither a computer name nor an IP address."},
+      {"[10.0.0.1", "Command1", none, "\"[10.0.0.1\" is neither a computer name nor an IP address."},
+      {"two words", "Command1", none, "\"two words\" is neither a computer name nor an IP address."},
       {"bramble", "Command2", none},
   };
   Network network;
@@ -145,7 +146,7 @@ TEST(SessionLobbyTest, ASearchAtANamedHostTakesItsTimeAndTellsWhyNobodyWasFound)
   const auto third = pair.network.Program("10.0.0.3");
   const DialogPlayer player(pair.network.machine, "10.0.0.1");
   EXPECT_TRUE(pair.network.Found(*third).empty());
-  EXPECT_EQ(player.told, "The game at 10.0.0.1 takes nobody any more: it is being played already.");
+  EXPECT_EQ(player.told, "The game at 10.0.0.1 is full: it is already being played.");
 }
 
 TEST(SessionLobbyTest, ThisComputerStaysOnThisComputer) {

@@ -2,14 +2,11 @@
 
 #include "match/frm_snapwedge.h"
 #include "platform/headless/headless_machine.h"
+#include "tools/game_directory.h"
 
 #include <benchmark/benchmark.h>
 
 namespace {
-
-std::filesystem::path GameDirectory() {
-  return std::filesystem::weakly_canonical("/proc/self/exe").parent_path().parent_path() / "game";
-}
 
 /// A match ready for its first shot.
 struct Ready {
@@ -50,7 +47,7 @@ void PickDown(benchmark::State &state) {
 }
 BENCHMARK(PickDown);
 
-/// A ray down onto the stands, a mesh of tens of thousands of faces.
+/// A ray down onto the stands, the largest mesh.
 void PickInTheStadium(benchmark::State &state) {
   Ready game("Human");
   game.window.SetUp();

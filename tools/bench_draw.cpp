@@ -5,6 +5,7 @@
 #include "match/frm_snapwedge.h"
 #include "platform/desktop/renderer/renderer.h"
 #include "platform/headless/headless_machine.h"
+#include "tools/game_directory.h"
 
 #include <QGuiApplication>
 
@@ -20,7 +21,7 @@
 namespace {
 
 constexpr QSize CanvasSize(417, 361);
-constexpr int Pictures = 60;
+constexpr int Frames = 60;
 
 double ProcessorMs() {
   rusage usage{};
@@ -31,7 +32,7 @@ double ProcessorMs() {
   return ms(usage.ru_utime) + ms(usage.ru_stime);
 }
 
-double Middle(std::vector<double> values) {
+double Median(std::vector<double> values) {
   std::ranges::sort(values);
   return values[values.size() / 2];
 }
@@ -40,21 +41,21 @@ void Bench(frmSnapwedge &window, const char *name, Quality quality, bool whole) 
   Renderer renderer(quality);
   std::vector<double> wall;
   double processor = 0;
-  for (int picture = 0; picture < Pictures; ++picture) {
+  for (int frame = 0; frame < Frames; ++frame) {
     window.Wind();
-    window.AimFrame->AddRotation(D3DRMCOMBINE_BEFORE, 0, 1, 0, picture % 2 == 0 ? 0.05f : -0.05f);
+    window.AimFrame->AddRotation(D3DRMCOMBINE_BEFORE, 0, 1, 0, frame % 2 == 0 ? 0.05f : -0.05f);
     // A moving camera damages the whole frame.
-    if (whole) window.CameraFrame->SetPosition(window.CameraFrame, picture % 2 == 0 ? 0.01f : -0.01f, 0, 0);
+    if (whole) window.CameraFrame->SetPosition(window.CameraFrame, frame % 2 == 0 ? 0.01f : -0.01f, 0, 0);
     const double before = ProcessorMs();
     const auto start = std::chrono::steady_clock::now();
     renderer.Draw(window.RMCanvas1, CanvasSize);
     const std::chrono::duration<double, std::milli> took = std::chrono::steady_clock::now() - start;
-    if (picture < Pictures / 3) continue; // uploads and the choice of the level
+    if (frame < Frames / 3) continue; // uploads and the choice of the level
     wall.push_back(took.count());
     processor += ProcessorMs() - before;
   }
-  std::printf("%-9s level %-4s %-6s wall %.2f ms, processor %.2f ms a picture\n", name,
-              renderer.Level() == Quality::Full ? "full" : "low", whole ? "whole" : "aiming", Middle(wall),
+  std::printf("%-9s level %-4s %-6s wall %.2f ms, processor %.2f ms a frame\n", name,
+              renderer.Level() == Quality::Full ? "full" : "low", whole ? "whole" : "aiming", Median(wall),
               processor / static_cast<double>(wall.size()));
 }
 
@@ -62,8 +63,7 @@ void Bench(frmSnapwedge &window, const char *name, Quality quality, bool whole) 
 
 int main(int argc, char **argv) {
   QGuiApplication application(argc, argv);
-  HeadlessMachine machine(std::filesystem::weakly_canonical("/proc/self/exe").parent_path().parent_path() /
-                          "game");
+  HeadlessMachine machine(GameDirectory());
   Program program(machine);
   program.GameMode = "Human";
   program.SoundOn = False;

@@ -8,6 +8,7 @@
 #include "platform/desktop/desktop_machine.h"
 #include "platform/desktop/renderer/renderer.h"
 #include "platform/headless/headless_machine.h"
+#include "tools/game_directory.h"
 #include "tools/played_windows.h"
 
 #include <QImage>
@@ -26,10 +27,6 @@ constexpr int UpdatesToSettle = 60;                     // for the easing of the
 constexpr int Gap = 6;                                  // pixels between pictures
 constexpr int NameHeight = 18;                          // pixels for the name above each
 constexpr const char *DenseWindows = "--dense-windows"; // option of the child process that renders these
-
-std::filesystem::path GameDirectory() {
-  return std::filesystem::weakly_canonical("/proc/self/exe").parent_path().parent_path() / "game";
-}
 
 using Pictures = std::vector<std::pair<std::string, QImage>>;
 
@@ -282,8 +279,7 @@ private:
       last = camera;
       renderer.Draw(window.RMCanvas1, CanvasSize);
       all.emplace_back(std::to_string(all.size()), renderer.Frame().copy());
-      if (window.KickMode && name == "touchdown" && !all.empty() && all.size() > LongestTouchdown)
-        throw ProgramEnd{};
+      if (window.KickMode && name == "touchdown" && all.size() > LongestTouchdown) throw ProgramEnd{};
     };
     try {
       play(window);

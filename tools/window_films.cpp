@@ -4,6 +4,7 @@
 
 #include "match/frm_snapwedge.h"
 #include "platform/desktop/desktop_machine.h"
+#include "tools/game_directory.h"
 
 #include <QApplication>
 #include <QImage>
@@ -27,9 +28,7 @@ constexpr int NoPress = -1;
 class FilmedMachine : public DesktopMachine {
 public:
   using DesktopMachine::DesktopMachine;
-  std::filesystem::path AppPath() const override {
-    return std::filesystem::weakly_canonical("/proc/self/exe").parent_path().parent_path() / "game";
-  }
+  std::filesystem::path AppPath() const override { return GameDirectory(); }
   void DrawCanvas(Canvas &canvas) override {
     DesktopMachine::DrawCanvas(canvas);
     if (OnPicture) OnPicture();

@@ -4,7 +4,6 @@
 
 #include "shapes.h"
 
-#include <string>
 #include <string_view>
 
 /// Layout of a line of letters. The baseline runs along `right`.

@@ -11,12 +11,12 @@ double SmoothStep(double from, double to, double value) {
 void Lathe(Mesh &mesh, const Point &centre, const std::vector<ProfilePoint> &profile, int segments,
            bool smooth) {
   const std::size_t last = profile.size() - 1;
-  const auto slope =
-      [&](std::size_t i) { // normal of the stretch from point i on, in the plane of the profile
-        const double out = profile[i + 1].out - profile[i].out;
-        const double up = profile[i + 1].y - profile[i].y;
-        return Normalized({up, -out, 0.0});
-      };
+  // Normal of the profile between point i and the next, in its plane.
+  const auto slope = [&](std::size_t i) {
+    const double out = profile[i + 1].out - profile[i].out;
+    const double up = profile[i + 1].y - profile[i].y;
+    return Normalized({up, -out, 0.0});
+  };
   for (std::size_t i = 0; i < last; ++i) {
     Point near = slope(i), far = near;
     if (smooth && i > 0) near = Normalized(near + slope(i - 1));

@@ -2,7 +2,7 @@
 // stands. A text that doesn't fit is an error. The words of the picture are also written as plain text, for
 // screen readers.
 //
-//     compose SOURCE PARTS_DIRECTORY OUTPUT WORDS_OUTPUT
+//     compose_pictures SOURCE PARTS_DIRECTORY OUTPUT WORDS_OUTPUT
 
 #include "crowd.h"
 #include "lettering.h"
@@ -23,7 +23,7 @@ constexpr int DeepestPart = 8;
 
 std::string ReadFile(const std::filesystem::path &path) {
   std::ifstream file(path, std::ios::binary);
-  if (!file) throw std::runtime_error("cannot read " + path.string());
+  if (!file) throw std::runtime_error("can't read " + path.string());
   std::ostringstream text;
   text << file.rdbuf();
   return text.str();
@@ -32,7 +32,7 @@ std::string ReadFile(const std::filesystem::path &path) {
 void WriteFile(const std::filesystem::path &path, const std::string &content) {
   std::ofstream file(path, std::ios::binary);
   file << content;
-  if (!file.flush()) throw std::runtime_error("cannot write " + path.string());
+  if (!file.flush()) throw std::runtime_error("can't write " + path.string());
 }
 
 using Replacement = std::function<pugi::xml_document(const Element &)>;
@@ -75,14 +75,14 @@ void FillIn(pugi::xml_node node, const Element &part) {
   for (const pugi::xml_node &child : node) FillIn(child, part);
 }
 
-void PutInParts(pugi::xml_node markup, const std::filesystem::path &directory, int depth) {
+void InsertParts(pugi::xml_node markup, const std::filesystem::path &directory, int depth) {
   if (depth > DeepestPart) throw std::runtime_error("parts are nested too deeply");
   ReplaceElements(markup, "part", [&](const Element &element) {
     const std::string name = element.Text("name");
     try {
       pugi::xml_document part = ParseMarkup(ReadFile(directory / (name + ".svg")));
       FillIn(part, element);
-      PutInParts(part, directory, depth + 1);
+      InsertParts(part, directory, depth + 1);
       return part;
     } catch (const std::invalid_argument &error) {
       throw std::invalid_argument("in part " + name + ": " + error.what());
@@ -109,12 +109,12 @@ std::string WordsOf(const pugi::xml_document &picture) {
 
 int main(int count, char **arguments) {
   if (count != 5) {
-    std::cerr << "usage: compose SOURCE PARTS_DIRECTORY OUTPUT WORDS_OUTPUT\n";
+    std::cerr << "usage: compose_pictures SOURCE PARTS_DIRECTORY OUTPUT WORDS_OUTPUT\n";
     return 2;
   }
   try {
     pugi::xml_document picture = ParseMarkup(ReadFile(arguments[1]));
-    PutInParts(picture, arguments[2], 0);
+    InsertParts(picture, arguments[2], 0);
     WriteFile(arguments[4], WordsOf(picture));
     ReplaceElements(picture, "lettering",
                     [](const Element &each) { return ParseMarkup(SetLettering(each)); });

@@ -45,7 +45,7 @@ Signal Voice(double seconds, Random &random, const Effort &effort, const Vowel &
       // Keep the state of the filters, or they would click.
       const auto retune = [](BandPass &band, double frequency, double quality) {
         BandPass next(frequency, quality);
-        next.TakeMemoryOf(band);
+        next.CopyState(band);
         band = next;
       };
       retune(bands[0], mix(from.First, to.First), 5);

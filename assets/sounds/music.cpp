@@ -10,9 +10,8 @@ namespace {
 constexpr double Beat = 60.0 / 126.0; ///< seconds
 constexpr double Bar = 4 * Beat;
 
-double Frequency(int note) {
-  return 440.0 * std::pow(2.0, (note - 69) / 12.0);
-} ///< of a note by its MIDI number
+/// Frequency of a MIDI note, Hz.
+double Frequency(int note) { return 440.0 * std::pow(2.0, (note - 69) / 12.0); }
 
 /// A plucked string: a burst of noise in a delay line as long as the period, low-passed on each pass. An
 /// all-pass provides the fractional delay, or high notes would be flat.

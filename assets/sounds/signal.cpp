@@ -31,7 +31,7 @@ double BandPass::operator()(double in) {
   return out;
 }
 
-void BandPass::TakeMemoryOf(const BandPass &other) {
+void BandPass::CopyState(const BandPass &other) {
   x1_ = other.x1_;
   x2_ = other.x2_;
   y1_ = other.y1_;

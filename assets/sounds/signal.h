@@ -34,7 +34,7 @@ public:
   double operator()(double in);
 
   /// Copies the state of another filter, so that a moving band doesn't click.
-  void TakeMemoryOf(const BandPass &other);
+  void CopyState(const BandPass &other);
 
 private:
   double b0_, a1_, a2_;

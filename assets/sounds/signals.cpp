@@ -75,8 +75,8 @@ Signal Swoosh() {
     const double at = static_cast<double>(i) / static_cast<double>(out.size());
     const double speed = std::pow(std::sin(Pi * std::pow(at, 0.55)), 1.4);
     BandPass lowNow(500 + 1300 * speed, 1.1), highNow(1400 + 3800 * speed, 0.9);
-    lowNow.TakeMemoryOf(low);
-    highNow.TakeMemoryOf(high);
+    lowNow.CopyState(low);
+    highNow.CopyState(high);
     low = lowNow;
     high = highNow;
     const double noise = random.Noise();

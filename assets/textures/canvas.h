@@ -34,7 +34,6 @@ class Canvas {
 public:
   explicit Canvas(int size)
       : size_(size), pixels_(static_cast<std::size_t>(size) * static_cast<std::size_t>(size)) {}
-  int Size() const { return size_; }
 
   /// A pixel, top row first; coordinates wrap around.
   Paint &At(int x, int y);

@@ -18,12 +18,12 @@ namespace {
 namespace fs = std::filesystem;
 
 constexpr std::uintmax_t LargestPicture = 16UL << 20, LargestText = 1UL << 20; ///< bytes
-constexpr const char *WordsEnding = ".txt";
+constexpr const char *TextSuffix = ".txt";
 
 /// The available densities, device pixels per design pixel, and the suffixes of their files.
 constexpr struct PictureSet {
   double density;
-  const char *ending;
+  const char *suffix;
 } Sets[] = {{1.0, ".png"}, {1.5, "@1.5x.png"}, {2.0, "@2x.png"}, {3.5, "@3.5x.png"}};
 
 constexpr double SameDensity = 0.01;
@@ -35,8 +35,8 @@ const PictureSet &SetFor(double density) {
   return set == std::end(Sets) ? *std::prev(set) : *set;
 }
 
-fs::path PathOf(const fs::path &directory, const std::string &name, const char *ending) {
-  return directory / "pictures" / (name + ending);
+fs::path PathOf(const fs::path &directory, const std::string &name, const char *suffix) {
+  return directory / "pictures" / (name + suffix);
 }
 
 /// The declared size of a PNG file. Every chunk has a checksum, so damage is detected without decoding.
@@ -104,7 +104,7 @@ void CheckPictureFile(const fs::path &file, double density, const QSize &place) 
 QPixmap LoadPicture(DesktopMachine &machine, const QWidget &shownOn, const std::string &name) {
   const double density = shownOn.devicePixelRatioF();
   const PictureSet &set = SetFor(density);
-  const fs::path file = PathOf(machine.AppPath(), name, set.ending);
+  const fs::path file = PathOf(machine.AppPath(), name, set.suffix);
   const std::vector<char> bytes = ReadFile(file, LargestPicture);
   CheckPng(file, bytes);
   QImage picture;
@@ -121,15 +121,15 @@ QPixmap LoadPicture(DesktopMachine &machine, const QWidget &shownOn, const std::
 
 void CheckPicture(const fs::path &directory, const std::string &name, double density, const QSize &place) {
   const PictureSet &set = SetFor(density);
-  CheckPictureFile(PathOf(directory, name, set.ending), set.density, place);
+  CheckPictureFile(PathOf(directory, name, set.suffix), set.density, place);
 }
 
 QString LoadWords(const fs::path &directory, const std::string &picture) {
-  return ReadText(PathOf(directory, picture, WordsEnding));
+  return ReadText(PathOf(directory, picture, TextSuffix));
 }
 
 void CheckWords(const fs::path &directory, const std::string &picture) {
-  const fs::path file = PathOf(directory, picture, WordsEnding);
+  const fs::path file = PathOf(directory, picture, TextSuffix);
   CheckOnce(file, [&] { ReadText(file); });
 }
 

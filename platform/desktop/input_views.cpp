@@ -99,7 +99,7 @@ public:
 
   void Fit() override {
     constexpr int Edge = 4; // pixels, on each side
-    ShrinkLettersUntil([&] {
+    ShrinkFontUntil([&] {
       const auto words = widget_->fontMetrics().size(Qt::TextShowMnemonic, widget_->text());
       return words.width() + 2 * Edge <= widget_->width() && words.height() <= widget_->height();
     });
@@ -180,7 +180,7 @@ public:
   void Fit() override {
     if constexpr (std::is_same_v<QtWidget, QComboBox>) {
       constexpr int Edge = 2; // pixels, on each side
-      this->ShrinkLettersUntil([&] {
+      this->ShrinkFontUntil([&] {
         QStyleOptionComboBox option;
         option.initFrom(this->widget_);
         const QRect room = this->widget_->style()->subControlRect(

@@ -15,9 +15,9 @@ namespace {
 /// would drop announcements.
 constexpr int NotifiedSteps = 10;
 
-const QColor Written(244, 250, 236);
-const QColor Remembered(255, 225, 77);
-const QColor Warning(255, 138, 122);
+const QColor TextColor(244, 250, 236);
+const QColor GhostColor(255, 225, 77);
+const QColor WarningColor(255, 138, 122);
 const QColor LitRed(255, 36, 24);
 
 } // namespace
@@ -86,12 +86,12 @@ void MeterWidget::PaintBar(QPainter &painter) const {
     const int y = LevelY(mark.Value);
     if (y <= inside.top() || y >= end) continue;
     painter.fillRect(rows(y, y + 1), QColor(0, 0, 0, 120));
-    if (mark.Strong) painter.fillRect(rows(y - 1, y + 1), Written);
+    if (mark.Strong) painter.fillRect(rows(y - 1, y + 1), TextColor);
   }
   if (face_.Ghost) {
     const int y = LevelY(*face_.Ghost);
     painter.fillRect(rows(y - 2, y + 2), QColor(16, 22, 16));
-    painter.fillRect(rows(y - 1, y + 1), Remembered);
+    painter.fillRect(rows(y - 1, y + 1), GhostColor);
   }
 }
 
@@ -101,26 +101,26 @@ void MeterWidget::PaintScale(QPainter &painter) const {
   const int wordsHeight = painter.fontMetrics().height();
   for (const ProgressBar::Mark &mark : face_.Scale) {
     const int y = LevelY(mark.Value);
-    const bool remembered = face_.Ghost && LevelY(*face_.Ghost) == y;
+    const bool atGhost = face_.Ghost && LevelY(*face_.Ghost) == y;
     const bool overTheTop = mark.Value > face_.CapFrom;
-    if (remembered) {
+    if (atGhost) {
       painter.setRenderHint(QPainter::Antialiasing);
       painter.setPen(Qt::NoPen);
-      painter.setBrush(Remembered);
+      painter.setBrush(GhostColor);
       const int tip = barWidth_ + StrokeFrom, back = barWidth_ + StrokeTo + 1;
       painter.drawPolygon(QPolygonF({QPointF(tip, y), QPointF(back, y - 5), QPointF(back, y + 5)}));
     } else if (mark.Value > 0.0f && !overTheTop) {
       painter.fillRect(barWidth_ + StrokeFrom, y - (mark.Strong ? 1 : 0), StrokeTo - StrokeFrom,
-                       mark.Strong ? 2 : 1, Written);
+                       mark.Strong ? 2 : 1, TextColor);
     }
     if (mark.Text.empty()) continue;
     const int left = barWidth_ + (overTheTop ? StrokeFrom + 1 : WordsFrom);
     const int top = std::clamp(y - wordsHeight / 2, 0, height() - wordsHeight);
     const QRect place(left, top, width() - left, wordsHeight);
     const QString words = QString::fromStdString(mark.Text);
-    QColor ink = remembered || mark.Strong ? Remembered : Written;
+    QColor ink = atGhost || mark.Strong ? GhostColor : TextColor;
     if (overTheTop) {
-      ink = face_.CapLit ? Qt::white : Warning;
+      ink = face_.CapLit ? Qt::white : WarningColor;
       const int wide = painter.fontMetrics().horizontalAdvance(words);
       if (face_.CapLit) painter.fillRect(QRect(left - 1, top, wide + 4, wordsHeight), QColor(176, 16, 10));
     }

@@ -30,5 +30,5 @@ void Pointer::Hold(QWidget *widget) {
   QGuiApplication::setOverrideCursor(Qt::BlankCursor);
   // The motion isn't scaled with the windows, so that the same motion of the hand always turns the aim by the
   // same angle.
-  hold_ = HoldPointer(*widget_, [this](Dots way) { place_ += QPointF(way.x, way.y); });
+  hold_ = HoldPointer(*widget_, [this](Vec2 motion) { place_ += QPointF(motion.x, motion.y); });
 }

@@ -21,7 +21,7 @@ private:
     if (event->type() == QEvent::Leave) last_.reset();
     if (event->type() != QEvent::MouseMove || !event->spontaneous()) return false;
     const QPointF seen = static_cast<QMouseEvent *>(event)->globalPosition() * pixel_;
-    const Dots place{seen.x(), seen.y()};
+    const Vec2 place{seen.x(), seen.y()};
     if (last_ && place != *last_) moved_(place - *last_);
     last_ = place;
     return false;
@@ -29,7 +29,7 @@ private:
 
   Moved moved_;
   double pixel_; ///< device pixels per Qt pixel
-  std::optional<Dots> last_;
+  std::optional<Vec2> last_;
 };
 
 } // namespace

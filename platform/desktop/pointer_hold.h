@@ -14,7 +14,7 @@ class PointerHold {
 public:
   /// Called for each motion, in units of the display: device pixels under X, the compositor's units under
   /// Wayland.
-  using Moved = std::function<void(Dots way)>;
+  using Moved = std::function<void(Vec2 motion)>;
 
   virtual ~PointerHold() = default;
 

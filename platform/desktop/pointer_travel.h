@@ -7,12 +7,12 @@
 #include <map>
 
 /// A position or motion on the display, in its units, with fractions.
-struct Dots {
+struct Vec2 {
   double x = 0;
   double y = 0;
-  friend Dots operator+(Dots a, Dots b) { return {a.x + b.x, a.y + b.y}; }
-  friend Dots operator-(Dots a, Dots b) { return {a.x - b.x, a.y - b.y}; }
-  friend bool operator==(Dots, Dots) = default;
+  friend Vec2 operator+(Vec2 a, Vec2 b) { return {a.x + b.x, a.y + b.y}; }
+  friend Vec2 operator-(Vec2 a, Vec2 b) { return {a.x - b.x, a.y - b.y}; }
+  friend bool operator==(Vec2, Vec2) = default;
 };
 
 /// A display reports a motion twice: the values of the device, then the position of the pointer. A move
@@ -27,23 +27,23 @@ public:
   };
 
   /// @param place  position of the pointer
-  explicit PointerTravel(Dots place) : begin_(place) {}
+  explicit PointerTravel(Vec2 place) : begin_(place) {}
 
   /// A device has reported a motion. Returns the motion of the hand as far as known now.
   /// @param id      of the device, any number
   /// @param values  the motion, or a position in units of the device
-  Dots Reported(int id, Device device, Dots values);
+  Vec2 Reported(int id, Device device, Vec2 values);
 
   /// The pointer has moved, by that device or by a program after that device was last used. Returns the
   /// motion of the hand that `Reported` hasn't returned.
-  Dots Moved(int id, Dots place);
+  Vec2 Moved(int id, Vec2 place);
 
 private:
   struct Report {
     Device device;
-    Dots values;
+    Vec2 values;
   };
   std::map<int, Report> reports_; ///< absolute reports, until the position of the pointer gives their meaning
-  std::map<int, Dots> places_;    ///< last positions of absolute devices
-  Dots begin_;
+  std::map<int, Vec2> places_;    ///< last positions of absolute devices
+  Vec2 begin_;
 };

@@ -3,11 +3,8 @@
 #include <QDBusConnection>
 #include <QDBusObjectPath>
 #include <QDBusPendingCallWatcher>
-#include <QDBusPendingReply>
 #include <QFile>
 #include <QVariantMap>
-
-#include <utility>
 
 namespace {
 

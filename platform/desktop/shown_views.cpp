@@ -39,7 +39,7 @@ public:
   void Fit() override {
     if (!full_) full_ = widget_->font();
     widget_->setFont(*full_);
-    ShrinkLettersUntil([&] {
+    ShrinkFontUntil([&] {
       return model_.WordWrap ? widget_->heightForWidth(widget_->width()) <= widget_->height()
                              : widget_->sizeHint().width() <= widget_->width();
     });

@@ -27,10 +27,10 @@ protected:
   void Post(std::function<void()> call) { machine_.Post(window_, std::move(call)); }
 
   /// A substitute for a missing typeface may be wider, and would be cut off.
-  template <class Fits> void ShrinkLettersUntil(Fits fits) {
-    constexpr int SmallestLetters = 8; // pixels
+  template <class Fits> void ShrinkFontUntil(Fits fits) {
+    constexpr int SmallestFont = 8; // pixels
     QFont font = widget_->font();
-    while (!fits() && font.pixelSize() > SmallestLetters) {
+    while (!fits() && font.pixelSize() > SmallestFont) {
       font.setPixelSize(font.pixelSize() - 1);
       widget_->setFont(font);
     }

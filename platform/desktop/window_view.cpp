@@ -21,7 +21,7 @@ QRect PlaceOf(const BackPicture &picture, const QPixmap &pixmap) {
 }
 
 /// Whether the game paints the background, which is then dark, rather than the toolkit.
-bool OwnGround(const Window &window) { return window.HasBackColor || !window.Picture.empty(); }
+bool PaintsBackground(const Window &window) { return window.HasBackColor || !window.Picture.empty(); }
 
 } // namespace
 
@@ -54,7 +54,7 @@ WindowView::WindowView(DesktopMachine &machine, Window &window)
   }
   announcer_ = new Announcer(*this);
   // Owned by this widget.
-  if (OwnGround(window)) {
+  if (PaintsBackground(window)) {
     new FocusRing(*this, QColor(255, 225, 77), QColor(20, 32, 20));
   } else {
     new FocusRing(*this, palette().color(QPalette::WindowText), palette().color(QPalette::Window));

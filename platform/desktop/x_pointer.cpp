@@ -42,11 +42,11 @@ Device KindOf(xcb_connection_t *x, xcb_input_device_id_t id) {
 }
 
 /// The first two values of a report; a missing one is unchanged.
-Dots ValuesOf(const xcb_input_raw_motion_event_t &report) {
+Vec2 ValuesOf(const xcb_input_raw_motion_event_t &report) {
   const std::uint32_t *mask = xcb_input_raw_button_press_valuator_mask(&report);
   if (report.valuators_len == 0) return {};
   const xcb_input_fp3232_t *value = xcb_input_raw_button_press_axisvalues(&report);
-  Dots values;
+  Vec2 values;
   if (mask[0] & 1U) values.x = Convert(*value++);
   if (mask[0] & 2U) values.y = Convert(*value);
   return values;
@@ -55,23 +55,23 @@ Dots ValuesOf(const xcb_input_raw_motion_event_t &report) {
 class XHold : public PointerHold, QAbstractNativeEventFilter {
 public:
   XHold(QWidget &over, xcb_connection_t *x, std::uint8_t extension, Moved moved)
-      : over_(over), x_(x), extension_(extension), moved_(std::move(moved)), travel_(Look()) {
+      : over_(over), x_(x), extension_(extension), moved_(std::move(moved)), travel_(FindAnchor()) {
     // A quick motion may leave the window before the pointer is moved back.
     over_.grabMouse();
-    TellReports(true);
+    SelectRawMotion(true);
     MoveBack();
     qGuiApp->installNativeEventFilter(this);
   }
 
   ~XHold() override {
     qGuiApp->removeNativeEventFilter(this);
-    TellReports(false);
+    SelectRawMotion(false);
     over_.releaseMouse();
   }
 
 private:
   /// Finds the middle of the widget. Returns the position of the pointer.
-  Dots Look() {
+  Vec2 FindAnchor() {
     const QWidget &window = *over_.window();
     const QPointF middle = QPointF(over_.mapTo(&window, over_.rect().center())) * over_.devicePixelRatioF();
     const auto asked = xcb_query_pointer(x_, static_cast<xcb_window_t>(window.winId()));
@@ -83,19 +83,19 @@ private:
     return {static_cast<double>(reply->root_x), static_cast<double>(reply->root_y)};
   }
 
-  void TellReports(bool tell) {
-    constexpr std::uint32_t Nothing = 0, Reports = XCB_INPUT_XI_EVENT_MASK_RAW_MOTION;
+  void SelectRawMotion(bool select) {
+    constexpr std::uint32_t Nothing = 0, RawMotion = XCB_INPUT_XI_EVENT_MASK_RAW_MOTION;
     const struct {
       xcb_input_event_mask_t head;
       std::uint32_t events;
-    } mask = {{XCB_INPUT_DEVICE_ALL_MASTER, 1}, tell ? Reports : Nothing};
+    } mask = {{XCB_INPUT_DEVICE_ALL_MASTER, 1}, select ? RawMotion : Nothing};
     xcb_input_xi_select_events(x_, root_, 1, &mask.head);
     xcb_flush(x_);
   }
 
   void MoveBack() {
-    returning_ = true;
-    return_ = xcb_warp_pointer(x_, XCB_NONE, root_, 0, 0, 0, 0, anchorX_, anchorY_).sequence;
+    warping_ = true;
+    warpRequest_ = xcb_warp_pointer(x_, XCB_NONE, root_, 0, 0, 0, 0, anchorX_, anchorY_).sequence;
     xcb_flush(x_);
   }
 
@@ -104,23 +104,23 @@ private:
     if (event.response_type != XCB_GE_GENERIC || event.extension != extension_) return false;
     if (event.event_type == XCB_INPUT_RAW_MOTION) {
       const auto &report = reinterpret_cast<const xcb_input_raw_motion_event_t &>(event);
-      Tell(travel_.Reported(report.sourceid, Kind(report.sourceid), ValuesOf(report)));
+      Report(travel_.Reported(report.sourceid, Kind(report.sourceid), ValuesOf(report)));
       return true;
     }
     if (event.event_type != XCB_INPUT_MOTION) return false;
     const auto &motion = reinterpret_cast<const xcb_input_motion_event_t &>(event);
-    const Dots place{Convert(motion.root_x), Convert(motion.root_y)};
-    Tell(travel_.Moved(motion.sourceid, place));
-    // An event has the number of the last request that the display had executed.
-    if (static_cast<std::int32_t>(event.full_sequence - return_) >= 0) returning_ = false;
+    const Vec2 place{Convert(motion.root_x), Convert(motion.root_y)};
+    Report(travel_.Moved(motion.sourceid, place));
+    // An event has the sequence number of the last request that the display had executed.
+    if (static_cast<std::int32_t>(event.full_sequence - warpRequest_) >= 0) warping_ = false;
     const bool strayed = std::abs(place.x - anchorX_) + std::abs(place.y - anchorY_) > Stray;
     // An absolute device would move the pointer away again.
-    if (strayed && !returning_ && Kind(motion.sourceid) != Device::Absolute) MoveBack();
+    if (strayed && !warping_ && Kind(motion.sourceid) != Device::Absolute) MoveBack();
     return false;
   }
 
-  void Tell(Dots way) {
-    if (way != Dots{}) moved_(way);
+  void Report(Vec2 motion) {
+    if (motion != Vec2{}) moved_(motion);
   }
 
   Device Kind(xcb_input_device_id_t id) {
@@ -136,8 +136,8 @@ private:
   xcb_window_t root_ = XCB_NONE;
   std::int16_t anchorX_ = 0, anchorY_ = 0; ///< the position to move back to
   PointerTravel travel_;
-  bool returning_ = false;      ///< a move back is requested, and no later event has arrived
-  unsigned return_ = 0;         ///< number of that request
+  bool warping_ = false;        ///< a warp is requested, and no later event has arrived
+  unsigned warpRequest_ = 0;    ///< sequence number of that request
   std::map<int, Device> kinds_; ///< kinds of the devices seen
 };
 

@@ -49,8 +49,8 @@ public:
   // Output.
 
   std::vector<MessageBox> Boxes; ///< every box shown so far
-  std::vector<std::string>
-      Sounds; ///< every sound operation so far: "play yeah.daw", "loop crowd.daw", "stop theme.daw"
+  /// Every sound operation so far: "play yeah.daw", "loop crowd.daw", "stop theme.daw".
+  std::vector<std::string> Sounds;
   std::vector<Window *> Shown; ///< windows on the screen, the topmost last
   Control *Focus = nullptr;    ///< the control with the keyboard focus
   bool CursorShown = true;

@@ -7,7 +7,7 @@ void Link::Send(DataKind kind, const Bytes &payload, std::int32_t now) {
   Outgoing out{nextOut_, EncodeFrame(DataFrame{nextOut_, kind, payload})};
   ++nextOut_;
   outgoingBytes_ += out.frame.size();
-  if (unacknowledged_.empty()) lastAckAt_ = now;
+  if (unacknowledged_.empty()) awaitingAckSince_ = now;
   unacknowledged_.push_back(std::move(out));
   if (outgoingBytes_ > MostOutgoing || unacknowledged_.size() > MostOutgoingMessages) {
     // The other side has stopped acknowledging, and the messages can't be kept for ever.
@@ -30,7 +30,7 @@ bool Link::Attach(std::unique_ptr<Connection> connection, std::uint32_t peerNext
     return false;
   }
   Acknowledged(peerNext, now);
-  lastAckAt_ = now;
+  awaitingAckSince_ = now;
   connection_ = std::move(connection);
   connection_->EndHandshake();
   state_ = State::Up;
@@ -66,7 +66,7 @@ void Link::Poll(std::int32_t now) {
     Break(now);
     return;
   }
-  if (!unacknowledged_.empty() && Elapsed(lastAckAt_, now) >= GiveUpMs) {
+  if (!unacknowledged_.empty() && Elapsed(awaitingAckSince_, now) >= GiveUpMs) {
     Lose(); // it is alive but acknowledges nothing
     return;
   }
@@ -162,7 +162,7 @@ void Link::Deliver(const DataFrame &frame) {
 
 void Link::Acknowledged(std::uint32_t next, std::int32_t now) {
   while (!unacknowledged_.empty() && unacknowledged_.front().number < next) {
-    lastAckAt_ = now;
+    awaitingAckSince_ = now;
     outgoingBytes_ -= unacknowledged_.front().frame.size();
     unacknowledged_.pop_front();
   }

@@ -31,7 +31,8 @@ public:
 
   /// Continues on a connection whose handshake is done. Unacknowledged messages are sent again.
   /// @param peerNext  number of the next message that the other side expects
-  /// @returns false, having changed nothing, if that number is impossible
+  /// @returns false if that number is impossible, or if too many connections in a row broke before any frame
+  ///          arrived, which loses the link
   bool Attach(std::unique_ptr<Connection> connection, std::uint32_t peerNext, std::int32_t now);
 
   /// Receives and sends what is due, keeps the connection alive and detects when it breaks.
@@ -86,7 +87,7 @@ private:
   std::unique_ptr<Connection> connection_;
   std::deque<Outgoing> unacknowledged_;
   std::size_t outgoingBytes_ = 0;
-  std::int32_t lastAckAt_ = 0; ///< time of the last acknowledgement, or of the first message after all were
+  std::int32_t awaitingAckSince_ = 0; ///< restarted by every acknowledgement and connection
   std::uint32_t nextOut_ = 1;
   std::deque<Incoming> incoming_;
   std::size_t incomingBytes_ = 0;

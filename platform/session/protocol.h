@@ -30,8 +30,7 @@ constexpr std::size_t MostIncoming = 1024 * 1024;  ///< received and not yet tak
 constexpr std::size_t MostReadAtOnce = 64 * 1024;  ///< from one connection in one poll
 constexpr std::size_t MostOutgoingMessages = 4096; ///< unacknowledged
 constexpr std::size_t MostIncomingMessages = 4096; ///< received and not yet taken by the game
-constexpr std::size_t MostPending =
-    16; ///< connections without a first frame, and welcomed joiners without a player
+constexpr std::size_t MostPending = 16;       ///< connections without a first frame; joiners without a player
 constexpr std::size_t MostSessionsFound = 64; ///< rows of a search
 constexpr int MostDatagramsAtOnce = 32;       ///< taken in one poll
 constexpr int MostAcceptedAtOnce = 16;        ///< connections taken in one poll

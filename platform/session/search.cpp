@@ -14,12 +14,6 @@ constexpr std::size_t MostAddresses = 2; ///< of a name; the rest would be the s
 constexpr std::uint16_t MostRounds = 99;
 constexpr std::size_t LongestHost = 255; ///< bytes; the limit of a DNS name
 
-std::string Trimmed(const std::string &text) {
-  const auto first = text.find_first_not_of(" \t");
-  if (first == std::string::npos) return {};
-  return text.substr(first, text.find_last_not_of(" \t") - first + 1);
-}
-
 std::optional<std::uint16_t> ParsePort(const std::string &text) {
   std::uint16_t port = 0;
   const char *end = text.data() + text.size();

@@ -1,5 +1,6 @@
 #include "platform/session/session_direct_play.h"
 
+#include "platform/plain_text.h"
 #include "platform/session/host_session.h"
 #include "platform/session/joined_session.h"
 
@@ -148,7 +149,7 @@ std::vector<DirectPlaySessionData> SessionDirectPlay::SearchByPrompt(const Guid 
   const auto prompt = makePrompt_(machine_, machine_.SearchedHost);
   while (const auto answer = prompt->Ask()) {
     machine_.SearchedHost = *answer;
-    const bool everybody = answer->find_first_not_of(" \t") == std::string::npos;
+    const bool everybody = Trimmed(*answer).empty();
     std::optional<HostName> host;
     if (!everybody) host = HostName::Parse(*answer);
     if (!everybody && !host) {

@@ -11,9 +11,7 @@ namespace session {
 
 class SessionDirectPlay : public DirectPlay4 {
 public:
-  /// @param makePrompt  asks for the host of a search by the Internet method; without it the search covers
-  /// the
-  ///                    local network
+  /// @param makePrompt  asks where to search by the Internet method; without it on the local network
   SessionDirectPlay(Machine &machine, std::shared_ptr<Transport> transport, MakeSearchPrompt makePrompt = {});
   ~SessionDirectPlay() override;
 

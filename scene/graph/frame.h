@@ -83,9 +83,8 @@ public:
   std::span<const Ref<Direct3DRMFrame3>> Children() const { return children_; }
   std::span<const Ref<Direct3DRMMeshBuilder3>> Visuals() const { return visuals_; }
   Transform World() const; ///< this frame in the scene
-  Ref<Direct3DRMFrame3> LookedAt() const {
-    return lookedAt_.lock();
-  } ///< the target of the last `LookAt`, or null
+  /// The target of the last `LookAt`, or null.
+  Ref<Direct3DRMFrame3> LookedAt() const { return lookedAt_.lock(); }
 
 private:
   friend class Direct3DRM3;

@@ -30,9 +30,9 @@ bool IsDigit(char c) { return c >= '0' && c <= '9'; }
 bool IsSeparator(char c) { return c == ';' || c == ','; }
 bool EndsToken(char c) { return IsSeparator(c) || c == '{' || c == '}'; }
 
-class Text {
+class MeshText {
 public:
-  explicit Text(std::string_view text) : text_(text) {}
+  explicit MeshText(std::string_view text) : text_(text) {}
 
   std::string Plain() {
     if (!text_.starts_with(Header) && !text_.starts_with(OlderHeader)) Fail("wrong signature");
@@ -47,7 +47,7 @@ public:
       if (kind == "template") {
         Template();
       } else if (kind == "Header") {
-        PassOver();
+        SkipObject();
       } else if (kind == "Material") {
         SharedMaterial();
       } else if (kind == "Mesh") {
@@ -151,7 +151,7 @@ private:
 
   // Numbers, each followed by a separator.
 
-  std::size_t Whole() {
+  std::size_t Integer() {
     constexpr std::size_t MostDigits = 9;
     SkipBlanks();
     std::size_t value = 0, digits = 0;
@@ -165,19 +165,19 @@ private:
   }
 
   std::size_t Count(const char *what, std::size_t most) {
-    const std::size_t count = Whole();
+    const std::size_t count = Integer();
     if (count > most) Fail(std::to_string(count) + " " + what + " are too many");
     return count;
   }
 
   void CountOf(const char *what, std::size_t wanted) {
-    const std::size_t count = Whole();
+    const std::size_t count = Integer();
     if (count == wanted) return;
     Fail(std::to_string(count) + " " + what + " instead of " + std::to_string(wanted));
   }
 
   void Index(const char *what, std::size_t count) {
-    const std::size_t index = Whole();
+    const std::size_t index = Integer();
     if (index < count) return;
     Fail(std::string("there is no ") + what + " " + std::to_string(index) + " among " +
          std::to_string(count));
@@ -219,8 +219,7 @@ private:
 
   // Objects.
 
-  /// Skips an object that the game doesn't need.
-  void PassOver() {
+  void SkipObject() {
     Open();
     for (std::size_t depth = 1; depth > 0;) {
       const std::string_view token = NeededToken();
@@ -258,14 +257,14 @@ private:
     }
   }
 
-  /// Faces as lists of indices; returns the number of corners of each.
-  std::vector<std::uint8_t> Faces(std::size_t count, const char *what, std::size_t things) {
+  /// Faces as lists of indices below `limit`; returns the number of corners of each.
+  std::vector<std::uint8_t> Faces(std::size_t count, const char *what, std::size_t limit) {
     constexpr std::size_t Triangle = 3, Square = 4;
     std::vector<std::uint8_t> faces;
     for (std::size_t face = 0; face < count; ++face) {
-      const std::size_t corners = Whole();
+      const std::size_t corners = Integer();
       if (corners < Triangle || corners > Square) Fail("a face has " + std::to_string(corners) + " corners");
-      for (std::size_t corner = 0; corner < corners; ++corner) Index(what, things);
+      for (std::size_t corner = 0; corner < corners; ++corner) Index(what, limit);
       EndRow();
       faces.push_back(static_cast<std::uint8_t>(corners));
     }
@@ -301,7 +300,7 @@ private:
       } else if (kind == "MeshMaterialList") {
         Materials(faces.size());
       } else if (kind == "VertexDuplicationIndices") {
-        PassOver();
+        SkipObject();
       } else {
         Fail("\"" + Shown(kind) + "\" is unknown in a mesh");
       }
@@ -332,7 +331,7 @@ private:
 
   void Materials(std::size_t faces) {
     Begin("MeshMaterialList");
-    const std::size_t materials = Count("materials", MostMaterials), indices = Whole();
+    const std::size_t materials = Count("materials", MostMaterials), indices = Integer();
     if (indices != faces && indices != 1) Fail("not every face has a material");
     for (std::size_t index = 0; index < indices; ++index) Index("material", materials);
     if (Next() == Separator) ++at_;
@@ -409,4 +408,4 @@ private:
 
 } // namespace
 
-std::string PlainMesh(std::span<const char> bytes) { return Text({bytes.data(), bytes.size()}).Plain(); }
+std::string PlainMesh(std::span<const char> bytes) { return MeshText({bytes.data(), bytes.size()}).Plain(); }

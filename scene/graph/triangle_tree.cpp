@@ -9,9 +9,9 @@ namespace {
 constexpr std::uint32_t FacesInLeaf = 4;
 constexpr std::uint32_t LeafSizes = 8; ///< a child is an index times this plus the number of its faces,
 constexpr std::uint32_t IsNode = 7;    ///< or plus this
-constexpr std::size_t Bins = 16;       ///< a split is between two of them
+constexpr std::size_t Bins = 16;       ///< of the surface area heuristic
 constexpr int HalvingLevel = 24; ///< from here on nodes are halved, so that no tree is deeper than 40 levels
-constexpr std::size_t MostWaiting = 128; ///< children during a traversal: 3 from each level and 4 more
+constexpr std::size_t StackSize = 128; ///< of a traversal: 3 children from each level and 4 more
 
 // The boxes are tested in single precision, with a ray so thick that the test never misses a face that the
 // ray hits. The tolerances are relative to the coordinates of mesh and ray.
@@ -19,15 +19,15 @@ constexpr float RayRadius = 0x1p-20f; ///< more than the roundings and `OffRay`
 constexpr double OffRay = 0x1p-23;    ///< the most that a hit's point is from the ray
 constexpr double LeastSlope = 1e-20;  ///< of a direction's components to the longest; the inverse is finite
 
-template <class Floats> Floats Less(Floats a, Floats b) { return a < b ? a : b; }
-template <class Floats> Floats Greater(Floats a, Floats b) { return a > b ? a : b; }
+template <class Floats> Floats Min(Floats a, Floats b) { return a < b ? a : b; }
+template <class Floats> Floats Max(Floats a, Floats b) { return a > b ? a : b; }
 
 std::array<float, 3> Coordinates(const Vector &v) { return {v.x, v.y, v.z}; }
 
 /// Intersects the ray with a face. The test of a shared edge uses the same two corners in both faces and
 /// differs only in sign, so a ray can't pass between them. Where the face is seen edge-on, so that only
 /// rounding decides, the point may be anywhere in the face; then it isn't on the ray, and that's no hit.
-std::optional<double> Meet(const Vector &p, const Vector &q, const Vector &r, const D3DRMRAY &ray) {
+std::optional<double> IntersectFace(const Vector &p, const Vector &q, const Vector &r, const D3DRMRAY &ray) {
   const double dx = ray.Direction.x, dy = ray.Direction.y, dz = ray.Direction.z;
   const auto relative = [&](const Vector &v) {
     return std::array<double, 3>{static_cast<double>(v.x) - ray.Origin.x,
@@ -121,8 +121,8 @@ std::uint32_t TriangleTree::BuildNode(std::span<BoxedFace> faces, int level) {
   return static_cast<std::uint32_t>(node);
 }
 
-/// Divides the faces where the sum of both parts' surfaces, each times its faces, is least: a ray then meets
-/// few faces. Reorders them and returns the size of the first part.
+/// Splits the faces by the surface area heuristic, along the axis on which they are spread most. Reorders
+/// them and returns the size of the first part.
 std::size_t TriangleTree::Split(std::span<BoxedFace> faces, int level) {
   if (level >= HalvingLevel) return faces.size() / 2;
   const auto middle = [](const BoxedFace &face, std::size_t axis) {
@@ -133,7 +133,7 @@ std::size_t TriangleTree::Split(std::span<BoxedFace> faces, int level) {
     const std::array<float, 3> at{middle(face, 0), middle(face, 1), middle(face, 2)};
     middles.Enclose({at, at});
   }
-  std::size_t axis = 0; // on which they are spread most
+  std::size_t axis = 0;
   for (std::size_t other = 1; other < 3; ++other) {
     if (middles.High[other] - middles.Low[other] > middles.High[axis] - middles.Low[axis]) axis = other;
   }
@@ -190,22 +190,22 @@ std::optional<double> TriangleTree::Intersect(std::span<const Vector> positions,
     toLeave[axis] = origin[axis] - radius;
     enterBound[axis] = std::signbit(direction[axis]) ? 1 : 0;
   }
-  struct Waiting {
+  struct Entry {
     float Enter; ///< distance at which the ray enters its box, in lengths of the longest component
     std::uint32_t Child;
   };
-  std::array<Waiting, MostWaiting> waiting; // the nearest child of a node last
+  std::array<Entry, StackSize> stack; // the nearest child of a node on top
   std::size_t count = 0;
-  waiting[count++] = {0.0f, IsNode};
+  stack[count++] = {0.0f, IsNode};
   std::optional<double> nearest;
   float farthest = Box::Infinity; // distance to a box that may have a nearer face
   while (count > 0) {
-    const Waiting &next = waiting[--count];
+    const Entry &next = stack[--count];
     if (next.Enter > farthest) continue;
     const std::uint32_t first = next.Child / LeafSizes, faces = next.Child % LeafSizes;
     if (faces != IsNode) {
       for (const Face &face : std::span(faces_).subspan(first, faces)) {
-        const auto distance = Meet(positions[face.A], positions[face.B], positions[face.C], ray);
+        const auto distance = IntersectFace(positions[face.A], positions[face.B], positions[face.C], ray);
         if (!distance || (nearest && *distance >= *nearest)) continue;
         nearest = distance;
         farthest = static_cast<float>(*distance * longest) * (1.0f + RayRadius);
@@ -219,16 +219,16 @@ std::optional<double> TriangleTree::Intersect(std::span<const Vector> positions,
     const auto leaves = [&](std::size_t axis) {
       return (node.Bounds[1 - enterBound[axis]][axis] - toLeave[axis]) * inverse[axis];
     };
-    const Floats enter = Greater(Greater(enters(0), enters(1)), Greater(enters(2), Floats{}));
-    const Floats leave = Less(Less(leaves(0), leaves(1)), Less(leaves(2), Floats{} + farthest));
+    const Floats enter = Max(Max(enters(0), enters(1)), Max(enters(2), Floats{}));
+    const Floats leave = Min(Min(leaves(0), leaves(1)), Min(leaves(2), Floats{} + farthest));
     const std::size_t others = count;
     for (std::size_t i = 0; i < Width; ++i) {
-      waiting[count] = {enter[i], node.Children[i]};
+      stack[count] = {enter[i], node.Children[i]};
       count += enter[i] <= leave[i] ? 1 : 0; // no branch, which processors would often mispredict
     }
     for (std::size_t i = others + 1; i < count; ++i) {
-      for (std::size_t at = i; at > others && waiting[at - 1].Enter < waiting[at].Enter; --at) {
-        std::swap(waiting[at - 1], waiting[at]);
+      for (std::size_t at = i; at > others && stack[at - 1].Enter < stack[at].Enter; --at) {
+        std::swap(stack[at - 1], stack[at]);
       }
     }
   }

@@ -23,7 +23,7 @@ public:
 
 private:
   static constexpr std::size_t Width = 4; ///< children of a node
-  /// A number for each child. Compilers compute with all at once, with the same results as one by one.
+  /// A SIMD vector with a lane for each child. Its results are those of scalar arithmetic.
   using Floats [[gnu::vector_size(Width * sizeof(float))]] = float;
 
   struct Box {
@@ -44,7 +44,7 @@ private:
   };
   struct Node {
     std::array<std::array<Floats, 3>, 2> Bounds; ///< low and high on each axis; empty without a child
-    std::array<std::uint32_t, Width> Children;   ///< a node, or some faces in a row
+    std::array<std::uint32_t, Width> Children;   ///< a node, or a range of faces
   };
 
   static std::size_t Split(std::span<BoxedFace> faces, int level);

@@ -153,13 +153,13 @@ struct Match {
 
   void RequireRules() {
     const auto &window = game.window;
-    Require(window.Shots >= 0 && window.Shots <= 3, "attempts left");
-    Require(window.Player >= 0 && window.Player <= 2, "a side");
-    Require(window.Round >= 0 && window.Round <= Rounds, "a round");
+    Require(window.Shots >= 0 && window.Shots <= 3, "attempts from 0 to 3");
+    Require(window.Player >= 0 && window.Player <= 2, "side from 0 to 2");
+    Require(window.Round >= 0 && window.Round <= Rounds, "round from 0 to the number of rounds");
     for (const std::int32_t score : {window.HomeScore, window.AwayScore}) {
-      Require(score >= 0 && score <= MostPoints, "a score");
+      Require(score >= 0 && score <= MostPoints, "score within the rounds begun");
     }
-    Require(window.Text1.Text.size() <= LongestLine, "a chat line");
+    Require(window.Text1.Text.size() <= LongestLine, "a chat line of at most 200 characters");
   }
 
   ByteView acts;

@@ -25,19 +25,19 @@ bool ReadModel(session::ByteView bytes) {
     return false;
   }
   const std::size_t vertices = mesh.Positions.size();
-  Require(mesh.Normals.size() == vertices, "a vertex has a normal");
-  Require(mesh.TextureCoordinates.size() == vertices, "a vertex has its place on the texture");
+  Require(mesh.Normals.size() == vertices, "one normal per vertex");
+  Require(mesh.TextureCoordinates.size() == vertices, "one texture coordinate per vertex");
   Require(mesh.VertexColors.empty() || mesh.VertexColors.size() == vertices,
-          "all vertices have a colour or none");
+          "one colour per vertex, or none");
   Require(!mesh.Indices.empty() && mesh.Indices.size() == 3 * mesh.FaceColors.size(),
-          "a face has three corners");
+          "three indices per face, and at least one face");
   Require(std::ranges::all_of(mesh.Indices, [&](std::uint32_t index) { return index < vertices; }),
-          "a corner is a vertex");
+          "every index is below the number of vertices");
   const auto finite = [](const Vector &v) {
     return std::isfinite(v.x) && std::isfinite(v.y) && std::isfinite(v.z);
   };
-  Require(std::ranges::all_of(mesh.Positions, finite), "a vertex lies somewhere");
-  Require(std::ranges::all_of(mesh.Normals, finite), "a normal points somewhere");
+  Require(std::ranges::all_of(mesh.Positions, finite), "finite positions");
+  Require(std::ranges::all_of(mesh.Normals, finite), "finite normals");
   return true;
 }
 
@@ -48,10 +48,10 @@ bool ReadBitmap(session::ByteView bytes) {
   } catch (const SceneError &) {
     return false;
   }
-  Require(image.Width > 0 && image.Height > 0, "a picture has pixels");
+  Require(image.Width > 0 && image.Height > 0, "a positive width and height");
   Require(image.Pixels.size() ==
               4 * static_cast<std::size_t>(image.Width) * static_cast<std::size_t>(image.Height),
-          "a picture has as many pixels as it says");
+          "as many pixels as width times height");
   return true;
 }
 

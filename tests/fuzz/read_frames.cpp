@@ -17,7 +17,8 @@ namespace {
 void RequireSame(const AnyFrame &frame, ByteView bytes) {
   // The padding of a question is ignored, and so is the content of a frame of another version.
   if (std::holds_alternative<AskFrame>(frame) || std::holds_alternative<OtherVersionFrame>(frame)) return;
-  Require(std::ranges::equal(EncodeDatagram(frame), bytes), "a frame comes back from its bytes");
+  Require(std::ranges::equal(EncodeDatagram(frame), bytes),
+          "a frame encodes to the bytes it was decoded from");
 }
 
 /// Reads a message as each kind of the game's messages.
@@ -34,33 +35,36 @@ void ReadFields(const SessionMessage &message) {
   };
   auto copy = behindTag();
   if (const auto shot = ReadShot(copy)) {
-    Require(shot->Force >= 0 && shot->Force <= 120, "a force");
+    Require(shot->Force >= 0 && shot->Force <= 120, "force from 0 to 120");
     Require(std::abs(shot->FrameX) <= 300 && std::abs(shot->FrameY) <= 300 && std::abs(shot->FrameZ) <= 300,
-            "a place");
+            "position within 300");
     const double dot = shot->X1 * shot->X2 + shot->Y1 * shot->Y2 + shot->Z1 * shot->Z2;
-    Require(std::abs(dot) <= 0.0011, "a right angle");
-    Require(shot->Player == 1 || shot->Player == 2, "a side");
+    Require(std::abs(dot) <= 0.0011, "direction and up vector at a right angle");
+    Require(shot->Player == 1 || shot->Player == 2, "side 1 or 2");
   }
   copy = behindTag();
   if (const auto score = ReadScore(copy, Rounds)) {
-    Require(score->Home >= 0 && score->Home <= 30 && score->Away >= 0 && score->Away <= 30, "a score");
+    Require(score->Home >= 0 && score->Home <= 30 && score->Away >= 0 && score->Away <= 30,
+            "score from 0 to 30");
   }
   copy = behindTag();
-  if (const auto result = ReadResult(copy)) Require(*result >= 1 && *result <= 7, "a result");
+  if (const auto result = ReadResult(copy)) Require(*result >= 1 && *result <= 7, "result from 1 to 7");
   copy = behindTag();
   if (const auto line = ReadChat(copy)) {
-    Require(line->size() <= 800, "a line of 200 characters");
+    Require(line->size() <= 800, "a chat line of at most 200 characters");
     Require(std::ranges::none_of(*line, [](char c) { return static_cast<unsigned char>(c) < 0x20; }),
-            "a line of plain text");
+            "a chat line without control characters");
   }
   copy = behindTag();
-  if (const auto version = ReadVersion(copy)) Require(version->Build.size() <= 24, "a build tag");
+  if (const auto version = ReadVersion(copy))
+    Require(version->Build.size() <= 24, "a build tag of at most 24 bytes");
 }
 
 void ReadMessage(ByteView payload) {
   try {
     const SessionMessage message = SessionMessage::Decode(payload);
-    Require(std::ranges::equal(message.Encode(), payload), "a message comes back from its bytes");
+    Require(std::ranges::equal(message.Encode(), payload),
+            "a message encodes to the bytes it was decoded from");
     ReadFields(message);
   } catch (const MalformedError &) {
     // Refused.
@@ -86,7 +90,7 @@ void ReadFrames(ByteView bytes) {
       while (const auto frame = reader.Next()) {
         if (const auto *data = std::get_if<DataFrame>(&*frame)) ReadMessage(data->Payload);
       }
-      Require(reader.Held() < LargestFrame, "no more is held than a frame");
+      Require(reader.Held() < LargestFrame, "the reader holds less than a frame");
     }
   } catch (const MalformedError &) {
     // The connection would be closed.

@@ -6,6 +6,7 @@
 #include "match/frm_snapwedge.h"
 #include "platform/desktop/desktop_machine.h"
 #include "platform/network_times.h"
+#include "tools/game_directory.h"
 
 #include <netinet/in.h>
 #include <netinet/tcp.h>
@@ -22,7 +23,6 @@
 #include <cstdlib>
 #include <random>
 #include <string>
-#include <thread>
 #include <vector>
 
 namespace {
@@ -59,7 +59,7 @@ struct Shared {
 class PlayMachine : public DesktopMachine {
 public:
   using DesktopMachine::DesktopMachine;
-  std::filesystem::path AppPath() const override { return DesktopMachine::AppPath().parent_path() / "game"; }
+  std::filesystem::path AppPath() const override { return GameDirectory(); }
 };
 
 /// A sound that remembers when it was played: with the whistle, the game's handler shows a chat line.

@@ -7,6 +7,7 @@
 #include "platform/desktop/renderer/placed.h"
 #include "platform/desktop/renderer/renderer.h"
 #include "platform/headless/headless_machine.h"
+#include "tools/game_directory.h"
 
 #include <QGuiApplication>
 
@@ -20,7 +21,6 @@
 #include <algorithm>
 #include <chrono>
 #include <cstdio>
-#include <utility>
 #include <vector>
 
 namespace {
@@ -197,8 +197,7 @@ void Compare(frmSnapwedge &window, const char *name, Quality quality, unsigned s
 
 int main(int argc, char **argv) {
   QGuiApplication application(argc, argv);
-  HeadlessMachine machine(std::filesystem::weakly_canonical("/proc/self/exe").parent_path().parent_path() /
-                          "game");
+  HeadlessMachine machine(GameDirectory());
   Program program(machine);
   program.GameMode = "Human";
   program.SoundOn = False;

@@ -3,6 +3,7 @@
 // Prints what it saw, which must be the same on both sides whatever their processors and compilers.
 
 #include "front/run_program.h"
+#include "tools/game_directory.h"
 #include "tools/netsim/quick_machine.h"
 #include "tools/netsim/scripted_player.h"
 
@@ -17,8 +18,7 @@ namespace {
 constexpr int Speed = 4; ///< virtual time per real time
 
 int Play(bool host, const std::string &session, int rounds, std::uint32_t seed) {
-  const auto tools = std::filesystem::weakly_canonical("/proc/self/exe").parent_path();
-  QuickMachine machine(tools.parent_path() / "game", Speed);
+  QuickMachine machine(GameDirectory(), Speed);
   Program program(machine);
   ScriptedPlayer player(machine, host, rounds, seed);
   player.LookFor(session);

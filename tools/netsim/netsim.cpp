@@ -2,6 +2,7 @@
 //   netsim [--matches N] [--seed S] [--rounds R]
 // The seeds of the matches are S, S + 1, ... A seed gives the same match on every computer.
 
+#include "tools/game_directory.h"
 #include "tools/netsim/simulation.h"
 
 #include <algorithm>
@@ -73,7 +74,7 @@ struct Tally {
         "line:      loss in %.0f %%, breaks in %.0f %%, cut connections in %.0f %%, reconnects in %.0f "
         "%%, told in the title in %.0f %%, never met %ld\n",
         Share(Loss), Share(Breaks), Share(Cuts), Share(Reconnects), Share(Told), NeverMet);
-    PrintRange("a picture: ", Draws, "ms");
+    PrintRange("drawing:   ", Draws, "ms a frame");
     std::printf("computers: ten times apart in speed in %.0f %%\n", Share(TenTimesApart));
     std::printf("%.0f s of play in %.1f s, %.1f matches a second; digest %016" PRIx64 "\n", VirtualSeconds,
                 seconds, static_cast<double>(Matches) / seconds, Digest);
@@ -103,13 +104,12 @@ int main(int argc, char **argv) {
       return 2;
     }
   }
-  const auto game = std::filesystem::weakly_canonical("/proc/self/exe").parent_path().parent_path() / "game";
   const auto start = std::chrono::steady_clock::now();
   Tally tally;
   for (; tally.Matches < matches; ++tally.Matches) {
     const auto own = static_cast<std::uint32_t>(seed + tally.Matches);
     try {
-      const SimulatedMatch match = Simulate(game, own, static_cast<int>(rounds));
+      const SimulatedMatch match = Simulate(GameDirectory(), own, static_cast<int>(rounds));
       tally.Add(match);
       if (match.Disagreement.empty()) continue;
       std::printf("seed %u: %s (host %d:%d in %zu flicks, joiner %d:%d in %zu)\n", own,

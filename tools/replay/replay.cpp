@@ -3,6 +3,7 @@
 
 #include "platform/headless/headless_machine.h"
 #include "shot/computer.h"
+#include "tools/game_directory.h"
 #include "tools/replay/command.h"
 #include "tools/replay/report.h"
 #include "tools/replay/watcher.h"
@@ -205,8 +206,7 @@ bool ReadSettings(CommandReader &commands, HeadlessMachine &machine, Program &pr
 
 int main(int, char **argv) {
   constexpr int BadInputStatus = 2;
-  const auto tools = std::filesystem::weakly_canonical("/proc/self/exe").parent_path();
-  HeadlessMachine machine(tools.parent_path() / "game");
+  HeadlessMachine machine(GameDirectory());
   Program program(machine);
   program.GameMode = "Human";
   program.SoundOn = False;

@@ -1,6 +1,6 @@
 #include "tools/wires/scene.h"
 
-#include <cstdlib>
+#include <cstdio>
 #include <future>
 #include <iostream>
 #include <limits>

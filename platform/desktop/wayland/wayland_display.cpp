@@ -17,13 +17,13 @@ template <class Object> using Owned = std::unique_ptr<Object, void (*)(Object *)
 
 /// The properties received so far, of the first screen.
 struct Answers {
-  bool constrains = false, tellsMotion = false;
+  bool constrains = false, relativeMotion = false;
   Owned<wl_output> screen{nullptr, wl_output_destroy};
-  Owned<zxdg_output_manager_v1> sizes{nullptr, zxdg_output_manager_v1_destroy};
+  Owned<zxdg_output_manager_v1> outputManager{nullptr, zxdg_output_manager_v1_destroy};
   QSize pixels;        ///< of the mode
   bool turned = false; ///< whether the screen is rotated
   int factor = 1;      ///< integer scale for programs, rounded up from that of the screen
-  QSize counted;       ///< logical size of the screen, empty if unknown
+  QSize logicalSize;   ///< of the screen; empty if unknown
 };
 
 Answers &Of(void *data) { return *static_cast<Answers *>(data); }
@@ -45,7 +45,7 @@ const zxdg_output_v1_listener SizeListener = {
     .logical_position = [](void *, zxdg_output_v1 *, int, int) {},
     .logical_size =
         [](void *data, zxdg_output_v1 *, int width, int height) {
-          Of(data).counted = {width, height};
+          Of(data).logicalSize = {width, height};
         },
     .done = [](void *, zxdg_output_v1 *) {},
     .name = [](void *, zxdg_output_v1 *, const char *) {},
@@ -62,13 +62,13 @@ const wl_registry_listener OutputsListener = {
           if (name == zwp_pointer_constraints_v1_interface.name) {
             answers.constrains = true;
           } else if (name == zwp_relative_pointer_manager_v1_interface.name) {
-            answers.tellsMotion = true;
+            answers.relativeMotion = true;
           } else if (name == wl_output_interface.name && version >= WithScale && !answers.screen) {
             answers.screen.reset(static_cast<wl_output *>(
                 wl_registry_bind(registry, number, &wl_output_interface, WithScale)));
             wl_output_add_listener(answers.screen.get(), &ScreenListener, data);
           } else if (name == zxdg_output_manager_v1_interface.name) {
-            answers.sizes.reset(static_cast<zxdg_output_manager_v1 *>(
+            answers.outputManager.reset(static_cast<zxdg_output_manager_v1 *>(
                 wl_registry_bind(registry, number, &zxdg_output_manager_v1_interface, 1)));
           }
         },
@@ -85,8 +85,8 @@ std::optional<DisplayFacts> AskWayland() {
   wl_registry_add_listener(registry.get(), &OutputsListener, &answers);
   if (wl_display_roundtrip(compositor.get()) < 0) return std::nullopt;
   Owned<zxdg_output_v1> size(nullptr, zxdg_output_v1_destroy);
-  if (answers.screen && answers.sizes) {
-    size.reset(zxdg_output_manager_v1_get_xdg_output(answers.sizes.get(), answers.screen.get()));
+  if (answers.screen && answers.outputManager) {
+    size.reset(zxdg_output_manager_v1_get_xdg_output(answers.outputManager.get(), answers.screen.get()));
     zxdg_output_v1_add_listener(size.get(), &SizeListener, &answers);
   }
   if (wl_display_roundtrip(compositor.get()) < 0 || answers.pixels.isEmpty()) return std::nullopt;
@@ -95,8 +95,8 @@ std::optional<DisplayFacts> AskWayland() {
   const QSize pixels = answers.turned ? answers.pixels.transposed() : answers.pixels;
   display.freeArea = QRect(QPoint(), pixels);
   display.ownFactor =
-      answers.counted.isEmpty() ? answers.factor : double(pixels.width()) / answers.counted.width();
-  display.holdsPointer = answers.constrains && answers.tellsMotion;
+      answers.logicalSize.isEmpty() ? answers.factor : double(pixels.width()) / answers.logicalSize.width();
+  display.holdsPointer = answers.constrains && answers.relativeMotion;
   display.scalesItself = true;
   return display;
 }
