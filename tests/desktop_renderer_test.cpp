@@ -256,6 +256,29 @@ TEST(RendererTest, ThePieceThrowsItsShadowWhileSomebodyAims) {
   EXPECT_NEAR(aiming, pieceAndShadow(), 3);
 }
 
+TEST(RendererTest, AShadowDarkensTheTurf) {
+  for (const Quality quality : {Quality::Full, Quality::Low}) {
+    Picture picture(quality);
+    auto &window = picture.game.window;
+    window.PieceFrame->SetPosition(window.RMCanvas1.SceneFrame, 0, 3, 20);
+    window.CameraFrame->LookAt(window.AimFrame, window.RMCanvas1.SceneFrame, D3DRMCONSTRAIN_Z);
+    const QImage with = picture.Draw();
+    window.PieceFrame->DeleteVisual(window.PieceMesh);
+    const QImage without = picture.Draw();
+    const auto isTurf = [](const QColor &color) {
+      return color.green() > color.red() + 20 && color.green() > color.blue() + 20;
+    };
+    int shaded = 0;
+    for (int y = 0; y < with.height(); ++y) {
+      for (int x = 0; x < with.width(); ++x) {
+        const QColor p = with.pixelColor(x, y), q = without.pixelColor(x, y);
+        shaded += isTurf(p) && isTurf(q) && 10 * p.green() < 8 * q.green();
+      }
+    }
+    EXPECT_GT(shaded, 50);
+  }
+}
+
 /// The painted lines that each column of a frame crosses, from top to bottom.
 std::vector<int> LinesInColumns(const QImage &with, const QImage &without, int first, int last) {
   constexpr int Visible = 12; // sum of all channels
