@@ -12,11 +12,9 @@
 #include "platform/network_times.h"
 #include "scene/graph/rm_canvas.h"
 
-#include <QAbstractEventDispatcher>
 #include <QIcon>
 #include <QMessageBox>
 #include <QPixmapCache>
-#include <QPushButton>
 #include <QScreen>
 #include <QTimer>
 

@@ -1,7 +1,6 @@
 #include "platform/desktop/renderer/gpu_store.h"
 
 #include <algorithm>
-#include <cmath>
 
 namespace {
 
