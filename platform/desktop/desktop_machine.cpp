@@ -148,7 +148,7 @@ void DesktopMachine::Sleep(std::optional<std::int32_t> deadline) {
     SetWatching(true);
     QCoreApplication::processEvents(); // finds what has come meanwhile
   }
-  if (dataCame_) nextWake_ = ClockIn(NetworkPollMs);
+  nextWake_ = dataCame_ ? ClockIn(NetworkPollMs) : timeGetTime();
 }
 
 void DesktopMachine::SetWatching(bool on) {
