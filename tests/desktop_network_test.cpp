@@ -191,6 +191,9 @@ std::optional<std::string> InNamespace(const std::function<std::string()> &look)
   return std::string(result.data() + 1, static_cast<std::size_t>(count - 1));
 }
 
+/// A developer's container may not permit namespaces. CI must, or nobody would notice that a test never runs.
+bool MayBeSkipped() { return std::getenv("CI") == nullptr; }
+
 void Make(const std::string &commands) {
   if (std::system(("set -e\n" + commands).c_str()) != 0) throw std::runtime_error("fails: " + commands);
 }
@@ -252,7 +255,8 @@ TEST(DesktopNetworkTest, TheAddressToldIsThatOfTheWayToTheInternet) {
       machine.SocketsLibrary = std::make_unique<DesktopSockets>();
       return LookUpLocalAddress(machine);
     });
-    if (!told) GTEST_SKIP() << "no network namespaces can be made here";
+    if (!told && MayBeSkipped()) GTEST_SKIP() << "no network namespaces can be made here";
+    ASSERT_TRUE(told) << "no network namespaces can be made here";
     EXPECT_EQ(*told, row.told);
   }
 }
@@ -280,7 +284,8 @@ TEST(DesktopNetworkTest, ASearchReachesAHostByACardWithoutABroadcastAddress) {
       close(here);
       return rows.empty() ? std::string("nobody") : rows[0].GetAddress().substr(0, 14);
     });
-    if (!found) GTEST_SKIP() << "no network namespaces can be made here";
+    if (!found && MayBeSkipped()) GTEST_SKIP() << "no network namespaces can be made here";
+    ASSERT_TRUE(found) << "no network namespaces can be made here";
     EXPECT_EQ(*found, "10.0.0.1 28710");
   }
 }
