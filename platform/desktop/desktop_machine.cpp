@@ -42,12 +42,17 @@ void RefuseDisplay(QtMsgType type, const QMessageLogContext &, const QString &) 
 // name the palette of that very window. By default it keeps 10 MiB.
 constexpr int ButtonPictures = 1024; ///< KiB
 
+// Blocks from this size on, images and textures, go back to the system when they are freed. By default the C
+// library raises its threshold with every large block that is freed, and the next ones leave holes in its heap.
+constexpr int LargeBlock = 256 * 1024; ///< bytes
+
 /// Whether the screen has too few colours for Qt to paint.
 bool ScreenStaysDark() { return QGuiApplication::primaryScreen()->depth() < 15; }
 
 } // namespace
 
 DesktopMachine::DesktopMachine(int &argc, char **argv) : nextWake_(timeGetTime()) {
+  mallopt(M_MMAP_THRESHOLD, LargeBlock);
   ChooseDisplay();
   // Every motion event is needed, so that the offsets add up to the motion of the hand.
   QCoreApplication::setAttribute(Qt::AA_CompressHighFrequencyEvents, false);
