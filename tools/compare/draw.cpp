@@ -1,6 +1,6 @@
-// A whole frame of the renderer and of OpenSceneGraph, in turn: the same meshes with their textures from the
-// same camera, on the same OpenGL, read back into memory. Medians of wall time and their ratio, at both
-// levels of quality.
+// A possession drawn by the renderer and by OpenSceneGraph, frame by frame in turn: the same meshes with
+// their textures from the same camera, on the same OpenGL, read back into memory. Prints wall times and their
+// ratio at both levels of quality, for frames in which the camera rests and in which it moves.
 
 #include "match/frm_snapwedge.h"
 #include "platform/desktop/renderer/lens.h"
@@ -21,14 +21,19 @@
 #include <algorithm>
 #include <chrono>
 #include <cstdio>
+#include <functional>
+#include <map>
+#include <numeric>
+#include <utility>
 #include <vector>
 
 namespace {
 
 constexpr QSize CanvasSize(417, 361);
-constexpr int Frames = 120;
-constexpr int Unmeasured = 20;   ///< first frames, which upload everything
-constexpr int LensSettles = 200; ///< updates after which the lens rests
+constexpr int AimFrames = 160;          ///< before each shot: 4 s, as a player takes
+constexpr int HandMoves = 80;           ///< of these, in the first the hand moves
+constexpr int ShotFrames[] = {9, 6, 4}; ///< for which the button is held; the piece stays on the table
+constexpr int Unmeasured = 20;          ///< first frames, which upload everything
 
 double Median(std::vector<double> values) {
   std::ranges::sort(values);
@@ -62,7 +67,7 @@ osg::ref_ptr<osg::Texture2D> TextureOf(const Direct3DRMTexture &texture) {
   return to;
 }
 
-osg::ref_ptr<osg::Node> NodeOf(const Placed &placed) {
+osg::ref_ptr<osg::MatrixTransform> NodeOf(const Placed &placed) {
   const Direct3DRMMeshBuilder3 &mesh = **placed.Mesh;
   const MeshData &data = mesh.Data();
   osg::ref_ptr<osg::Vec3Array> positions = new osg::Vec3Array, normals = new osg::Vec3Array;
@@ -87,7 +92,8 @@ osg::ref_ptr<osg::Node> NodeOf(const Placed &placed) {
       new osg::DrawElementsUInt(GL_TRIANGLES, data.Indices.begin(), data.Indices.end()));
   if (mesh.Texture())
     geometry->getOrCreateStateSet()->setTextureAttributeAndModes(0, TextureOf(*mesh.Texture()));
-  osg::ref_ptr<osg::MatrixTransform> node = new osg::MatrixTransform(Transposed(placed.ToWorld));
+  osg::ref_ptr<osg::MatrixTransform> node = new osg::MatrixTransform;
+  node->setDataVariance(osg::Object::DYNAMIC);
   node->addChild(geometry);
   return node;
 }
@@ -104,8 +110,10 @@ struct ReadBack : osg::Camera::DrawCallback {
   }
 };
 
-struct Other {
-  Other(frmSnapwedge &window, unsigned samples) : read(new ReadBack) {
+/// OpenSceneGraph with the scene of a canvas. Its sky stands still.
+class Other {
+public:
+  explicit Other(unsigned samples) : read_(new ReadBack), scene_(new osg::Group) {
     osg::ref_ptr<osg::GraphicsContext::Traits> traits = new osg::GraphicsContext::Traits;
     traits->readDISPLAY();
     traits->setUndefinedScreenDetailsToDefaultScreen();
@@ -117,20 +125,45 @@ struct Other {
     osg::ref_ptr<osg::GraphicsContext> context = osg::GraphicsContext::createGraphicsContext(traits);
     if (!context) throw RendererError("OpenSceneGraph has no off-screen context here.");
 
-    osg::ref_ptr<osg::Group> scene = new osg::Group;
+    // The view's handedness turns the faces round: clockwise ones are in front.
+    scene_->getOrCreateStateSet()->setAttributeAndModes(new osg::CullFace(osg::CullFace::FRONT));
+    osg::Camera *camera = viewer_.getCamera();
+    camera->setGraphicsContext(context);
+    camera->setViewport(0, 0, CanvasSize.width(), CanvasSize.height());
+    camera->setDrawBuffer(GL_FRONT);
+    camera->setReadBuffer(GL_FRONT);
+    camera->setComputeNearFarMode(osg::Camera::DO_NOT_COMPUTE_NEAR_FAR);
+    camera->setFinalDrawCallback(read_);
+    viewer_.setUseConfigureAffinity(false); // it would keep the threads of both drivers on one processor core
+    viewer_.setThreadingModel(osgViewer::Viewer::SingleThreaded);
+    viewer_.setLightingMode(osg::View::SKY_LIGHT);
+    viewer_.getLight()->setPosition({-0.4f, 1.0f, 0.5f, 0.0f});
+    viewer_.getLight()->setAmbient({0.5f, 0.5f, 0.5f, 1.0f});
+    viewer_.setSceneData(scene_);
+    viewer_.setCameraManipulator(nullptr);
+    viewer_.realize();
+  }
+
+  /// Brings the scene up to date. @return whether the camera has moved
+  bool Follow(const RMCanvas &canvas) {
     std::vector<Seen> seen;
-    for (const Placed &placed : Collect(*window.RMCanvas1.SceneFrame)) {
-      scene->addChild(NodeOf(placed));
+    for (const auto &[key, node] : nodes_) node->setNodeMask(0);
+    for (const Placed &placed : Collect(*canvas.SceneFrame)) {
       const MeshData &data = (*placed.Mesh)->Data();
       Bounds box(data.Positions.front());
       for (const Vector &position : data.Positions) box.Widen(position);
       seen.push_back({placed.Frame, placed.Place, box});
+      auto &node = nodes_[{placed.Mesh->get(), placed.Frame}];
+      if (!node) {
+        node = NodeOf(placed);
+        scene_->addChild(node);
+      }
+      node->setNodeMask(~0u);
+      node->setMatrix(Transposed(placed.ToWorld));
     }
     const float aspect = static_cast<float>(CanvasSize.width()) / static_cast<float>(CanvasSize.height());
-    Lens lens;
-    for (int update = 0; update < LensSettles; ++update)
-      view = lens.Next(*window.RMCanvas1.CameraFrame, seen, aspect);
-    const float back = window.RMCanvas1.Viewport->GetBack();
+    const View view = lens_.Next(*canvas.CameraFrame, seen, aspect);
+    const float back = canvas.Viewport->GetBack();
     QMatrix4x4 projection; // left-handed, with the view along +z
     projection.fill(0);
     projection(0, 0) = 2.0f / view.Height / aspect;
@@ -138,71 +171,95 @@ struct Other {
     projection(2, 2) = (back + NearPlane) / (back - NearPlane);
     projection(2, 3) = -2 * back * NearPlane / (back - NearPlane);
     projection(3, 2) = 1;
-
-    // The view's handedness turns the faces round: clockwise ones are in front.
-    scene->getOrCreateStateSet()->setAttributeAndModes(new osg::CullFace(osg::CullFace::FRONT));
-    osg::Camera *camera = viewer.getCamera();
-    camera->setGraphicsContext(context);
-    camera->setViewport(0, 0, CanvasSize.width(), CanvasSize.height());
-    camera->setDrawBuffer(GL_FRONT);
-    camera->setReadBuffer(GL_FRONT);
-    camera->setComputeNearFarMode(osg::Camera::DO_NOT_COMPUTE_NEAR_FAR);
-    camera->setProjectionMatrix(Transposed(projection));
-    camera->setFinalDrawCallback(read);
-    viewer.setThreadingModel(osgViewer::Viewer::SingleThreaded);
-    viewer.setLightingMode(osg::View::SKY_LIGHT);
-    viewer.getLight()->setPosition({-0.4f, 1.0f, 0.5f, 0.0f});
-    viewer.getLight()->setAmbient({0.5f, 0.5f, 0.5f, 1.0f});
-    viewer.setSceneData(scene);
-    viewer.setCameraManipulator(nullptr);
-    viewer.realize();
+    const bool moved = view.Camera != camera_ || view.Height != height_;
+    camera_ = view.Camera;
+    height_ = view.Height;
+    viewer_.getCamera()->setProjectionMatrix(Transposed(projection));
+    viewer_.getCamera()->setViewMatrix(Transposed(MatrixOf(view.Camera).inverted()));
+    return moved;
   }
 
-  void Draw(float aside) {
-    QMatrix4x4 moved = MatrixOf(view.Camera);
-    moved.translate(aside, 0, 0);
-    viewer.getCamera()->setViewMatrix(Transposed(moved.inverted()));
-    viewer.frame();
-  }
+  void Draw() { viewer_.frame(); }
 
-  osg::ref_ptr<ReadBack> read;
-  osgViewer::Viewer viewer;
-  View view;
+  QImage Frame() const {
+    return QImage(read_->Pixels.data(), CanvasSize.width(), CanvasSize.height(), QImage::Format_RGB32)
+        .mirrored();
+  }
+  int Samples() const { return std::max(read_->Samples, 1); }
+
+private:
+  osg::ref_ptr<ReadBack> read_;
+  osg::ref_ptr<osg::Group> scene_;
+  osgViewer::Viewer viewer_;
+  std::map<std::pair<const void *, const void *>, osg::ref_ptr<osg::MatrixTransform>> nodes_;
+  Lens lens_;
+  Transform camera_;
+  float height_ = 0;
 };
 
-void Compare(frmSnapwedge &window, const char *name, Quality quality, unsigned samples) {
-  Other other(window, samples);
-  Renderer renderer(quality);
-  std::vector<double> ownTimes, otherTimes;
-  for (int frame = 0; frame < Frames; ++frame) {
-    const float aside = frame % 2 == 0 ? 0.01f : -0.01f;
-    window.Wind();
-    window.CameraFrame->SetPosition(window.CameraFrame, aside, 0, 0);
-    const double own = Milliseconds([&] { renderer.Draw(window.RMCanvas1, CanvasSize); });
-    const double others = Milliseconds([&] { other.Draw(aside); });
-    if (frame < Unmeasured) continue;
-    ownTimes.push_back(own);
-    otherTimes.push_back(others);
+struct Times {
+  std::vector<double> Own, Others; ///< ms of each frame
+
+  void Report(const char *name) const {
+    std::printf("  %-14s %4zu frames: ours %.2f ms, OpenSceneGraph %.2f ms, ratio %.2f\n", name, Own.size(),
+                Median(Own), Median(Others), Median(Own) / Median(Others));
   }
-  QImage(other.read->Pixels.data(), CanvasSize.width(), CanvasSize.height(), QImage::Format_RGB32)
-      .mirrored()
-      .save(QString("openscenegraph-%1.png").arg(name));
-  renderer.Frame().save(QString("own-%1.png").arg(name));
-  std::printf("%s: ours %.2f ms, OpenSceneGraph with %d samples a pixel %.2f ms, ratio %.2f\n", name,
-              Median(ownTimes), std::max(other.read->Samples, 1), Median(otherTimes),
-              Median(ownTimes) / Median(otherTimes));
-}
+};
 
-} // namespace
+double Sum(const std::vector<double> &values) { return std::accumulate(values.begin(), values.end(), 0.0); }
 
-int main(int argc, char **argv) {
-  QGuiApplication application(argc, argv);
+/// Aims and shoots three times. `draw` is called at each frame.
+void Possess(const std::function<void(const RMCanvas &)> &draw) {
   HeadlessMachine machine(GameDirectory());
   Program program(machine);
   program.GameMode = "Human";
   program.SoundOn = False;
   frmSnapwedge window(machine, program);
   window.SetUp();
-  Compare(window, "low", Quality::Low, 0);
-  Compare(window, "full", Quality::Full, 4);
+  machine.OnDraw = [&](Canvas &) { draw(window.RMCanvas1); };
+  for (const int held : ShotFrames) {
+    for (int frame = 0; frame < AimFrames; ++frame) {
+      if (frame < HandMoves) machine.MoveMouse(frame / 8 % 2 == 0 ? 3 : -3, 0);
+      window.Frame("A");
+    }
+    machine.PressMouse(1);
+    for (int frame = 0; frame < held; ++frame) window.Frame("A");
+    machine.ReleaseMouse(1);
+    window.Frame("A");
+  }
+}
+
+void Compare(const char *name, Quality quality, unsigned samples) {
+  Other other(samples);
+  Renderer renderer(quality);
+  Times rests, moves;
+  int frames = 0;
+  Possess([&](const RMCanvas &canvas) {
+    const bool moved = other.Follow(canvas);
+    bool drawn = false;
+    const double own = Milliseconds([&] { drawn = renderer.Draw(canvas, CanvasSize); });
+    if (!drawn) return;
+    const double others = Milliseconds([&] { other.Draw(); });
+    if (++frames == Unmeasured) {
+      other.Frame().save(QString("openscenegraph-%1.png").arg(name));
+      renderer.Frame().save(QString("own-%1.png").arg(name));
+    }
+    if (frames <= Unmeasured) return;
+    Times &times = moved ? moves : rests;
+    times.Own.push_back(own);
+    times.Others.push_back(others);
+  });
+  const double own = Sum(rests.Own) + Sum(moves.Own), others = Sum(rests.Others) + Sum(moves.Others);
+  std::printf("%s, OpenSceneGraph with %d samples a pixel:\n", name, other.Samples());
+  rests.Report("camera rests");
+  moves.Report("camera moves");
+  std::printf("  possession: ours %.0f ms, OpenSceneGraph %.0f ms, ratio %.2f\n", own, others, own / others);
+}
+
+} // namespace
+
+int main(int argc, char **argv) {
+  QGuiApplication application(argc, argv);
+  Compare("low", Quality::Low, 0);
+  Compare("full", Quality::Full, 4);
 }
