@@ -62,7 +62,7 @@ public:
 
   void MyDelay();       ///< waits 3000 ms and pumps: a result card
   void MyDelayNoCard(); ///< waits 1000 ms and pumps: a result without its card
-  void MyDelay2();      ///< waits 1000 ms, looks at the network and pumps: the waiting computer's pause
+  void MyDelay2();      ///< waits 1000 ms, handles messages and pumps: the waiting computer's pause
 
   // match/reset.cpp
 

@@ -43,7 +43,7 @@ std::string WhoseTurn(const Program &program) {
   return program.MyTurn ? "Home Team's turn" : "Away Team's turn";
 }
 
-/// Before the second or third try of the player at this mouse.
+/// The hint before the second or third try of the player at this mouse.
 std::string NextTry(const frmSnapwedge &window) {
   const bool last = window.Shots < 2;
   const std::string yards = ToTheEdge(window) + " yards to the edge";
@@ -58,7 +58,7 @@ std::string NextTry(const frmSnapwedge &window) {
   return "Last try, " + yards + ": stop with a corner hanging over it.";
 }
 
-std::string FallWords(const frmSnapwedge &window) {
+std::string FallReason(const frmSnapwedge &window) {
   if (window.ProgressBar1.CapLit || window.ShotPower > MeterLimit)
     return "Held past the top of the meter: the shot fires by itself, far too hard.";
   const Vector place = PlaceOf(window.PieceFrame, window);
@@ -67,13 +67,13 @@ std::string FallWords(const frmSnapwedge &window) {
   return "Aimed too far aside: it slid off the side.";
 }
 
-std::string ShortWords(const frmSnapwedge &window) {
+std::string ShortReason(const frmSnapwedge &window) {
   if (window.ShotPower == 0.0f) return "No power: let go before the meter rose. That was the third try.";
   if (window.OverSide) return "A corner over the side counts for nothing. That was the third try.";
   return "No corner hangs over the far edge: " + ToTheEdge(window) + " yards short on the third try.";
 }
 
-std::string MissWords(const frmSnapwedge &window) {
+std::string MissReason(const frmSnapwedge &window) {
   if (window.ProgressBar1.CapLit) return "Held past the top of the meter: the kick comes off far too weak.";
   const Vector piece = PlaceOf(window.PieceFrame, window), goal = PlaceOf(window.GoalFrame, window);
   if (piece.z > Places::Goal.z) return "Too weak: the kick came down before the posts.";
@@ -143,13 +143,13 @@ void frmSnapwedge::HintResult(std::int16_t MES) {
     lblHint.Caption = "Between the posts and over the bar: 1 point.";
     break;
   case Results::MissedKick:
-    lblHint.Caption = MissWords(*this);
+    lblHint.Caption = MissReason(*this);
     break;
   case Results::Touchdown:
     lblHint.Caption = "A corner over the edge on the third try: 6 points, and a kick for 1 more.";
     break;
   case Results::Turnover:
-    lblHint.Caption = FallWords(*this);
+    lblHint.Caption = FallReason(*this);
     break;
   case Results::Bonus:
     lblHint.Caption = "A corner on the circle on the first try: 3 points. Two tries are left.";
@@ -158,13 +158,13 @@ void frmSnapwedge::HintResult(std::int16_t MES) {
     lblHint.Caption = "Over the edge on the " + TryName(Shots) + ": that counts on the third try only.";
     break;
   default:
-    lblHint.Caption = ShortWords(*this);
+    lblHint.Caption = ShortReason(*this);
     break;
   }
 }
 
 void frmSnapwedge::HintOtherResult(std::int16_t MES) {
-  static const char *const Words[] = {
+  static const char *const Texts[] = {
       "The other player's kick is good: 1 point.",
       "The other player's kick is no good.",
       "The other player has a Touchdown: 6 points, and a kick for 1 more.",
@@ -173,7 +173,7 @@ void frmSnapwedge::HintOtherResult(std::int16_t MES) {
       "The other player crossed the edge before the third try.",
       "The other player's third try ended short of the edge.",
   };
-  lblHint.Caption = Words[MES - Results::First];
+  lblHint.Caption = Texts[MES - Results::First];
 }
 
 void frmSnapwedge::HintOver() {

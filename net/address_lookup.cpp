@@ -83,7 +83,10 @@ std::string LookUpLocalAddress(Machine &machine) {
     StopSockets(machine);
     return "";
   }
-  if (host->h_addr_list.empty()) throw std::runtime_error("the host has no address");
+  if (host->h_addr_list.empty()) {
+    StopSockets(machine);
+    throw std::runtime_error("the host has no address");
+  }
   const std::string bytes = host->h_addr_list.front().substr(0, static_cast<std::size_t>(host->h_length));
   std::string address = bytes.size() == BytesOfIPv6 ? Colons(bytes) : Dotted(bytes);
   StopSockets(machine);
@@ -95,7 +98,7 @@ void TellLocalAddress(Machine &machine) {
   try {
     address = LookUpLocalAddress(machine);
   } catch (const std::runtime_error &) {
-    // Reported like having no network.
+    // Shown in the same box as a missing network.
   }
   if (address != Loopback) {
     machine.MsgBox({"Your IP address is: " + address, "IP Address:"});

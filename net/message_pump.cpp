@@ -62,8 +62,8 @@ void frmSnapwedge::CheckMessages() {
   const auto message = program.InMsg;
   if (message->GetKind() == DirectPlayMessage::Kind::ConnectionLost) OtherSideLeft();
 
-  // During this side's turn the other has no shots, and no result except that of its last shot, which may
-  // arrive late. Between two correct programs nothing is ever dropped.
+  // During this side's turn the other side can't shoot, but the result of its last shot may still arrive. Two
+  // correct programs never send a message that is dropped.
   bool taken = true;
   if (tag == "Flick") {
     const auto shot = ReadShot(*message);
@@ -87,12 +87,12 @@ void frmSnapwedge::CheckMessages() {
     const auto score = ReadScore(*message, Round);
     taken = score.has_value();
     if (taken) {
-      // The other side's own points are this side's Away Team's. A score never falls.
+      // The sender's Home Team is this side's Away Team. A score never falls.
       if (score->Home > AwayScore) AwayScore = score->Home;
       if (score->Away > HomeScore) HomeScore = score->Away;
       PostScore();
-      // The host sends a score of the last round only after its last point: with a good kick, or at the end
-      // of its possession.
+      // The host sends a score with the number of the last round only when it can't score any more: after its
+      // last good kick, or at the end of its last possession.
       if (!program.IsHost && score->Round == program.Rounds) OtherSideOver = True;
     }
   } else if (tag == "RESULT") {

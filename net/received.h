@@ -24,7 +24,7 @@ struct ReceivedVersion {
 };
 
 struct ReceivedScore {
-  std::int32_t Home, Away; ///< 0 to the maximum of the rounds begun so far
+  std::int32_t Home, Away; ///< 0 to the most points possible in the rounds begun so far
   std::int32_t Round;      ///< the sender's, 0 to 99
 };
 

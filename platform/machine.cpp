@@ -50,7 +50,7 @@ void Machine::Post(Window &window, std::function<void()> call, Delivery delivery
   events_.push_back({&window, std::move(call), delivery});
 }
 
-void Machine::Forget(Window &window) {
+void Machine::DropEvents(Window &window) {
   std::erase_if(events_, [&](const Event &event) { return event.window == &window; });
 }
 

@@ -179,7 +179,7 @@ protected:
   void Post(Window &window, std::function<void()> call, Delivery delivery = Delivery::OnTop);
 
   /// Drops the pending events of a closing window. Every `Hide` calls it.
-  void Forget(Window &window);
+  void DropEvents(Window &window);
 
   /// Whether this window gets events: it is the topmost modal window, or none is modal.
   bool Receives(const Window &window) const { return modal_.empty() || modal_.back() == &window; }

@@ -8,7 +8,7 @@
 namespace {
 
 constexpr std::int32_t HomePoint = 30000; ///< on the absolute pointer grid of 0 to 65535, both axes
-constexpr std::int32_t EveryFlag = -1;
+constexpr std::int32_t AllFlags = -1;
 
 constexpr float AimDivisor = 300.0f;   ///< pixels per radian
 constexpr float CameraDivisor = 10.0f; ///< pixels per scene unit, zoom and orbit
@@ -34,7 +34,7 @@ void frmSnapwedge::InitMouse() {
   MouseHomeY = static_cast<std::int16_t>(CursorY);
 }
 
-void frmSnapwedge::SetMouse() { machine.mouse_event(EveryFlag, HomePoint, HomePoint, 1, 1); }
+void frmSnapwedge::SetMouse() { machine.mouse_event(AllFlags, HomePoint, HomePoint, 1, 1); }
 
 void frmSnapwedge::CheckMouse() {
   const auto &scene = RMCanvas1.SceneFrame;
@@ -135,7 +135,7 @@ Flag frmSnapwedge::MouseGate() {
 
 void frmSnapwedge::RMCanvas1_MouseDown(std::int16_t Button, std::int16_t /*Shift*/, float /*X*/,
                                        float /*Y*/) {
-  IgnoredButtons = Without(IgnoredButtons, Button); // the release of a new press counts
+  IgnoredButtons = Without(IgnoredButtons, Button); // the release of this press counts
   if (!MouseGate()) return;
   if (Button == LeftButton) {
     ShotPending = True;

@@ -10,7 +10,7 @@
 namespace {
 
 /// The outcome of a straight kick of that force.
-const char *KickWords(float power) {
+const char *KickOutcome(float power) {
   const auto height = KickHeightAtPosts(power);
   if (!height) return "short";
   return *height > Places::Goal.y ? "over the bar" : "under the bar";
@@ -30,11 +30,11 @@ void frmSnapwedge::ScaleForKick() {
   const std::string clears = "over the bar";
   std::string last;
   for (float power = MeterRise; power <= MeterLimit; power += MeterRise) {
-    // Only the first step with the same words is labelled.
-    const std::string words = KickWords(power);
-    const bool changed = words != last;
-    ProgressBar1.Scale.push_back({power, changed ? words : "", changed && words == clears});
-    last = words;
+    // Of consecutive steps with the same outcome only the first is labelled.
+    const std::string outcome = KickOutcome(power);
+    const bool changed = outcome != last;
+    ProgressBar1.Scale.push_back({power, changed ? outcome : "", changed && outcome == clears});
+    last = outcome;
   }
   ProgressBar1.Scale.push_back({MeterLimit, "too weak"});
 }

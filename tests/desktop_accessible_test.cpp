@@ -96,7 +96,7 @@ void FindFaults(std::vector<std::string> &faults, QAccessibleInterface &element,
   if (!named && (window || state.focusable || role == QAccessible::ProgressBar))
     faults.push_back(what + " has no name");
   const bool picture = role == QAccessible::Graphic || role == QAccessible::Canvas ||
-                       dynamic_cast<PictureWords *>(element.object()) ||
+                       dynamic_cast<PictureText *>(element.object()) ||
                        (pictures && !pictures->pixmap(Qt::ReturnByValue).isNull());
   if (!named && picture) faults.push_back(what + " is a picture without a text");
   for (QAccessibleInterface *child : ChildrenOf(element)) FindFaults(faults, *child, false);

@@ -159,7 +159,7 @@ TEST_F(FilesTest, AnyPictureIsNamed) {
   }
 }
 
-TEST_F(FilesTest, WordsOfAPictureThatAreMissingOrNoTextAreNamed) {
+TEST_F(FilesTest, AMissingOrInvalidTextOfAPictureIsNamed) {
   ASSERT_NO_THROW(Start());
   for (const std::string &name : Names("pictures", ".txt")) {
     SCOPED_TRACE(name);

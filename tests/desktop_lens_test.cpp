@@ -11,8 +11,8 @@
 
 namespace {
 
-constexpr float PictureWidth = 417.0f, PictureHeight = 361.0f; // of the canvas, pixels
-constexpr float PieceWidth = 10.0f;                            // scene units
+constexpr float FrameWidth = 417.0f, FrameHeight = 361.0f; // of the canvas, pixels
+constexpr float PieceWidth = 10.0f;                        // scene units
 
 /// The game with a lens that is updated at every frame.
 struct Shot {
@@ -32,8 +32,8 @@ struct Shot {
         box->second.Widen(mesh->Data().Positions[i]);
       seen.push_back({placed.Frame, placed.Place, box->second});
     }
-    view = lens.Next(*game.window.CameraFrame, seen, PictureWidth / PictureHeight);
-    if (onPicture) onPicture();
+    view = lens.Next(*game.window.CameraFrame, seen, FrameWidth / FrameHeight);
+    if (onFrame) onFrame();
   }
 
   void Settle() {
@@ -45,7 +45,7 @@ struct Shot {
   QVector3D At(const Vector &place) const {
     const QVector3D p = MatrixOf(view.Camera).inverted().map(QVector3D(place.x, place.y, place.z));
     const float half = view.Height / 2;
-    return {p.x() / p.z() / half * PictureHeight / PictureWidth, p.y() / p.z() / half, p.z()};
+    return {p.x() / p.z() / half * FrameHeight / FrameWidth, p.y() / p.z() / half, p.z()};
   }
   bool Shows(const Vector &place) const {
     const QVector3D at = At(place);
@@ -54,7 +54,7 @@ struct Shot {
   Vector Piece() const { return game.window.PieceFrame->World().Origin; }
   float PieceDistance() const { return At(Piece()).z(); }
   /// Width of the piece in pixels at scale 1.
-  float PiecePixels() const { return PieceWidth / PieceDistance() / view.Height * PictureHeight; }
+  float PiecePixels() const { return PieceWidth / PieceDistance() / view.Height * FrameHeight; }
 
   bool PostsShow() const {
     const Vector bar = game.window.GoalFrame->World().Origin;
@@ -74,7 +74,7 @@ struct Shot {
   Lens lens;
   View view;
   std::map<const Direct3DRMMeshBuilder3 *, Bounds> boxes;
-  std::function<void()> onPicture;
+  std::function<void()> onFrame;
 };
 
 TEST(LensTest, EverySituationShowsWhatItIsAbout) {
@@ -119,7 +119,7 @@ TEST(LensTest, EverySituationShowsWhatItIsAbout) {
   }
 }
 
-TEST(LensTest, ThePieceIsFoundInEveryPictureOfAShot) {
+TEST(LensTest, ThePieceIsFoundInEveryFrameOfAShot) {
   struct Row {
     const char *name, *mode;
     std::function<void(Shot &)> play;
@@ -160,29 +160,29 @@ TEST(LensTest, ThePieceIsFoundInEveryPictureOfAShot) {
   for (const Row &row : rows) {
     SCOPED_TRACE(row.name);
     Shot shot(row.mode);
-    int pictures = 0, lost = 0, tiny = 0, jerks = 0;
+    int frames = 0, lost = 0, tiny = 0, jerks = 0;
     Vector camera;
     View last;
-    shot.onPicture = [&] {
-      ++pictures;
+    shot.onFrame = [&] {
+      ++frames;
       const QVector3D at = shot.At(shot.Piece());
       lost += !shot.Shows(shot.Piece()) || std::abs(at.x()) > 0.9f;
       tiny += shot.PiecePixels() < 22;
       const Vector now = shot.game.window.CameraFrame->World().Origin;
       const float change = shot.view.Height / last.Height;
-      jerks += camera == now && pictures > 1 && (change > 1.2f || change < 1 / 1.2f);
+      jerks += camera == now && frames > 1 && (change > 1.2f || change < 1 / 1.2f);
       camera = now;
       last = shot.view;
     };
     row.play(shot);
-    EXPECT_GT(pictures, 50);
+    EXPECT_GT(frames, 50);
     EXPECT_EQ(lost, 0);
     EXPECT_EQ(tiny, 0);
     EXPECT_LE(jerks, 1) << "a turnover may leave the camera where it is";
   }
 }
 
-TEST(LensTest, AKickEndsWithPieceAndPostsInThePicture) {
+TEST(LensTest, AKickEndsWithPieceAndPostsInTheFrame) {
   for (const int after : {0, 100, 180, 260}) {
     for (const float power : {72.0f, 96.0f}) {
       SCOPED_TRACE(testing::Message() << "power " << power << ", after " << after << " steps of the posts");
@@ -191,7 +191,7 @@ TEST(LensTest, AKickEndsWithPieceAndPostsInThePicture) {
       for (int i = 0; i < after; ++i) window.MoveGoal();
       float force = power;
       bool shown = false;
-      shot.onPicture = [&] {
+      shot.onFrame = [&] {
         if (window.KickRise != 0) shown = shot.PostsShow() && shot.Shows(shot.Piece());
       };
       window.GetFmain();

@@ -71,13 +71,13 @@ struct Form {
 };
 
 /// The bright rows of a column of pixels, counted from the bottom.
-std::vector<int> BrightRows(const QImage &picture, int column) {
+std::vector<int> BrightRows(const QImage &image, int column) {
   constexpr int Bright = 180; // least value of the brightest channel
   std::vector<int> rows;
-  for (int y = 0; y < picture.height(); ++y) {
-    const QColor color = picture.pixelColor(column, y);
+  for (int y = 0; y < image.height(); ++y) {
+    const QColor color = image.pixelColor(column, y);
     if (std::max({color.red(), color.green(), color.blue()}) > Bright)
-      rows.insert(rows.begin(), picture.height() - 1 - y);
+      rows.insert(rows.begin(), image.height() - 1 - y);
   }
   return rows;
 }

@@ -16,8 +16,8 @@ namespace {
 constexpr QSize CanvasSize(417, 361);
 
 /// The scene of the play window with a renderer.
-struct Picture {
-  explicit Picture(Quality quality) : renderer(quality) { game.SetUp(); }
+struct RenderedGame {
+  explicit RenderedGame(Quality quality) : renderer(quality) { game.SetUp(); }
 
   /// The frame once the lens has settled.
   QImage Draw(QSize size = CanvasSize) { return Settled(renderer, game.window.RMCanvas1, size); }
@@ -54,19 +54,19 @@ int Differing(const QImage &a, const QImage &b, int tolerance = 0) {
   return count;
 }
 
-TEST(RendererTest, TheSameSceneGivesTheSamePictureToTheBit) {
+TEST(RendererTest, TheSameSceneGivesTheSameFrameToTheBit) {
   for (const Quality quality : {Quality::Full, Quality::Low}) {
-    Picture one(quality), two(quality);
+    RenderedGame one(quality), two(quality);
     EXPECT_EQ(Differing(one.Draw(), two.Draw()), 0);
   }
 }
 
-/// The mean colour of a part of a picture.
-QColor MeanColor(const QImage &picture, const QRect &part) {
+/// The mean colour of a part of an image.
+QColor MeanColor(const QImage &image, const QRect &part) {
   int red = 0, green = 0, blue = 0;
   for (int y = part.top(); y <= part.bottom(); ++y) {
     for (int x = part.left(); x <= part.right(); ++x) {
-      const QColor color = picture.pixelColor(x, y);
+      const QColor color = image.pixelColor(x, y);
       red += color.red();
       green += color.green();
       blue += color.blue();
@@ -94,8 +94,8 @@ TEST(RendererTest, TheSceneHasItsColours) {
   };
   constexpr int Near = 20; // of 255, in each channel
   for (const Quality quality : {Quality::Full, Quality::Low}) {
-    Picture picture(quality);
-    const QImage drawn = picture.Draw();
+    RenderedGame rendered(quality);
+    const QImage drawn = rendered.Draw();
     for (const Row &row : rows) {
       const QColor mean = MeanColor(drawn, row.part);
       EXPECT_NEAR(mean.red(), row.color.red(), Near) << row.name;
@@ -105,10 +105,10 @@ TEST(RendererTest, TheSceneHasItsColours) {
   }
 }
 
-TEST(RendererTest, APictureThatIsDrawnInPartsIsTheWholeOne) {
+TEST(RendererTest, AFrameDrawnInPartsEqualsOneDrawnWhole) {
   for (const Quality quality : {Quality::Full, Quality::Low}) {
-    Picture picture(quality);
-    auto &window = picture.game.window;
+    RenderedGame rendered(quality);
+    auto &window = rendered.game.window;
     const auto &scene = window.RMCanvas1.SceneFrame;
     Renderer afresh(quality);
     std::mt19937 random(3);
@@ -138,8 +138,8 @@ TEST(RendererTest, APictureThatIsDrawnInPartsIsTheWholeOne) {
       default:
         window.AimFrame->AddRotation(D3DRMCOMBINE_BEFORE, 0, 1, 0, any(-0.2f, 0.2f));
       }
-      const QImage parts = picture.Draw();
-      Picture::Settled(afresh, window.RMCanvas1);
+      const QImage parts = rendered.Draw();
+      RenderedGame::Settled(afresh, window.RMCanvas1);
       afresh.Draw(window.RMCanvas1, CanvasSize * 2); // another size, so that nothing is reused
       afresh.Draw(window.RMCanvas1, CanvasSize);
       ASSERT_EQ(Differing(parts, afresh.Frame()), 0);
@@ -147,10 +147,10 @@ TEST(RendererTest, APictureThatIsDrawnInPartsIsTheWholeOne) {
   }
 }
 
-TEST(RendererTest, APictureThatGrowsIsAsSharpAsOneThatWasAlwaysLarge) {
-  Picture grown(Quality::Low), large(Quality::Low);
-  for (Picture *picture : {&grown, &large}) {
-    auto &window = picture->game.window; // beside the table, before the stands
+TEST(RendererTest, AFrameThatGrowsIsAsSharpAsOneThatWasAlwaysLarge) {
+  RenderedGame grown(Quality::Low), large(Quality::Low);
+  for (RenderedGame *rendered : {&grown, &large}) {
+    auto &window = rendered->game.window; // beside the table, before the stands
     window.PieceFrame->SetPosition(window.RMCanvas1.SceneFrame, 91, -25, 10);
     window.CameraFrame->SetPosition(window.RMCanvas1.SceneFrame, 130, -10, 120);
     window.LookCam();
@@ -162,25 +162,25 @@ TEST(RendererTest, APictureThatGrowsIsAsSharpAsOneThatWasAlwaysLarge) {
 }
 
 TEST(RendererTest, NothingIsDrawnAgainThatDoesNotShow) {
-  Picture picture(Quality::Low);
-  picture.Draw();
-  auto &window = picture.game.window;
-  EXPECT_FALSE(picture.renderer.Draw(window.RMCanvas1, CanvasSize));
+  RenderedGame rendered(Quality::Low);
+  rendered.Draw();
+  auto &window = rendered.game.window;
+  EXPECT_FALSE(rendered.renderer.Draw(window.RMCanvas1, CanvasSize));
   window.LookCam();
   window.PieceFrame->SetPosition(window.RMCanvas1.SceneFrame, 0, 0, 85);
-  EXPECT_FALSE(picture.renderer.Draw(window.RMCanvas1, CanvasSize))
+  EXPECT_FALSE(rendered.renderer.Draw(window.RMCanvas1, CanvasSize))
       << "a move to the same position changes nothing";
   window.AimFrame->AddRotation(D3DRMCOMBINE_BEFORE, 0, 1, 0, 0.01f);
-  EXPECT_TRUE(picture.renderer.Draw(window.RMCanvas1, CanvasSize)) << "the arrow has turned";
-  EXPECT_TRUE(picture.renderer.Draw(window.RMCanvas1, CanvasSize * 2));
+  EXPECT_TRUE(rendered.renderer.Draw(window.RMCanvas1, CanvasSize)) << "the arrow has turned";
+  EXPECT_TRUE(rendered.renderer.Draw(window.RMCanvas1, CanvasSize * 2));
 }
 
-TEST(RendererTest, ATurnedPieceChangesThePictureWhereItIsAndNowhereElse) {
-  Picture picture(Quality::Full);
-  auto &window = picture.game.window;
-  const QImage before = picture.Draw();
+TEST(RendererTest, ATurnedPieceChangesTheFrameWhereItIsAndNowhereElse) {
+  RenderedGame rendered(Quality::Full);
+  auto &window = rendered.game.window;
+  const QImage before = rendered.Draw();
   window.PieceFrame->AddRotation(D3DRMCOMBINE_BEFORE, 0, 1, 0, 0.5f);
-  const QImage after = picture.Draw();
+  const QImage after = rendered.Draw();
   EXPECT_GT(Differing(before, after), 100);
   const QRect sky(0, 0, CanvasSize.width(), CanvasSize.height() / 4);
   EXPECT_EQ(Differing(before.copy(sky), after.copy(sky)), 0);
@@ -188,9 +188,9 @@ TEST(RendererTest, ATurnedPieceChangesThePictureWhereItIsAndNowhereElse) {
 
 TEST(RendererTest, PieceArrowTableAndPostsStandOutFromTheRest) {
   // The number of pixels that change when an object is removed.
-  Picture picture(Quality::Low);
-  auto &window = picture.game.window;
-  const QImage whole = picture.Draw();
+  RenderedGame rendered(Quality::Low);
+  auto &window = rendered.game.window;
+  const QImage whole = rendered.Draw();
   struct Row {
     const char *name;
     Ref<Direct3DRMFrame3> frame;
@@ -204,18 +204,18 @@ TEST(RendererTest, PieceArrowTableAndPostsStandOutFromTheRest) {
                          Row{"stadium", window.StadiumFrame, window.StadiumMesh, 15000}}) {
     SCOPED_TRACE(row.name);
     row.frame->DeleteVisual(row.mesh);
-    EXPECT_GT(Differing(whole, picture.Draw(), 40), row.pixels);
+    EXPECT_GT(Differing(whole, rendered.Draw(), 40), row.pixels);
     row.frame->AddVisual(row.mesh);
   }
 }
 
 TEST(RendererTest, NinePixelsOfMouseAreSeenBehindThePieceAndFarAhead) {
   for (const Quality quality : {Quality::Full, Quality::Low}) {
-    Picture picture(quality);
-    auto &window = picture.game.window;
-    const QImage before = picture.Draw();
+    RenderedGame rendered(quality);
+    auto &window = rendered.game.window;
+    const QImage before = rendered.Draw();
     window.PieceFrame->DeleteVisual(window.PieceMesh);
-    const QImage without = picture.Draw();
+    const QImage without = rendered.Draw();
     window.PieceFrame->AddVisual(window.PieceMesh);
     int top = CanvasSize.height(), bottom = 0; // of the piece
     for (int y = 0; y < CanvasSize.height(); ++y) {
@@ -225,7 +225,7 @@ TEST(RendererTest, NinePixelsOfMouseAreSeenBehindThePieceAndFarAhead) {
       bottom = std::max(bottom, y);
     }
     window.AimFrame->AddRotation(D3DRMCOMBINE_BEFORE, 0, 1, 0, 9.0f / 300.0f);
-    const QImage after = picture.Draw();
+    const QImage after = rendered.Draw();
     const QRect ahead(0, 0, CanvasSize.width(), top), behind(0, bottom + 1, CanvasSize.width(), 400);
     const auto moved = [&](const QRect &part) {
       const QRect shown = part.intersected(before.rect());
@@ -238,16 +238,16 @@ TEST(RendererTest, NinePixelsOfMouseAreSeenBehindThePieceAndFarAhead) {
 }
 
 TEST(RendererTest, ThePieceThrowsItsShadowWhileSomebodyAims) {
-  Picture picture(Quality::Low);
-  auto &window = picture.game.window;
+  RenderedGame rendered(Quality::Low);
+  auto &window = rendered.game.window;
   window.PieceFrame->SetPosition(window.RMCanvas1.SceneFrame, 0, 3, 20);
   window.AimFrame->AddRotation(D3DRMCOMBINE_BEFORE, 0, 1, 0, 0.785f); // widens its bounding box, not the aim
   // The view must not change when the piece is removed.
   window.CameraFrame->LookAt(window.AimFrame, window.RMCanvas1.SceneFrame, D3DRMCONSTRAIN_Z);
   const auto pieceAndShadow = [&] {
-    const QImage with = picture.Draw();
+    const QImage with = rendered.Draw();
     window.PieceFrame->DeleteVisual(window.PieceMesh);
-    const QImage without = picture.Draw();
+    const QImage without = rendered.Draw();
     window.PieceFrame->AddVisual(window.PieceMesh);
     return Differing(with, without, 12);
   };
@@ -258,13 +258,13 @@ TEST(RendererTest, ThePieceThrowsItsShadowWhileSomebodyAims) {
 
 TEST(RendererTest, AShadowDarkensTheTurf) {
   for (const Quality quality : {Quality::Full, Quality::Low}) {
-    Picture picture(quality);
-    auto &window = picture.game.window;
+    RenderedGame rendered(quality);
+    auto &window = rendered.game.window;
     window.PieceFrame->SetPosition(window.RMCanvas1.SceneFrame, 0, 3, 20);
     window.CameraFrame->LookAt(window.AimFrame, window.RMCanvas1.SceneFrame, D3DRMCONSTRAIN_Z);
-    const QImage with = picture.Draw();
+    const QImage with = rendered.Draw();
     window.PieceFrame->DeleteVisual(window.PieceMesh);
-    const QImage without = picture.Draw();
+    const QImage without = rendered.Draw();
     const auto isTurf = [](const QColor &color) {
       return color.green() > color.red() + 20 && color.green() > color.blue() + 20;
     };
@@ -302,32 +302,32 @@ TEST(RendererTest, LinesFarDownTheFieldDoNotBreak) {
                 BeforeTarget = 185; // columns that only the lines across the field cross
   constexpr int LinesAcross = 10;
   for (const Quality quality : {Quality::Full, Quality::Low}) {
-    Picture picture(quality);
-    auto &window = picture.game.window;
+    RenderedGame rendered(quality);
+    auto &window = rendered.game.window;
     window.ArrowFrame->DeleteVisual(window.ArrowMesh);
-    const QImage with = picture.Draw();
+    const QImage with = rendered.Draw();
     window.StadiumFrame->DeleteVisual(window.LinesMesh);
-    for (const int lines : LinesInColumns(with, picture.Draw(), AfterHashMarks, BeforeTarget))
+    for (const int lines : LinesInColumns(with, rendered.Draw(), AfterHashMarks, BeforeTarget))
       EXPECT_GE(lines, LinesAcross);
   }
 }
 
 /// Number of pixels that flicker while the camera moves slowly past the piece. Z-fighting changes a pixel
 /// back and forth; a passing surface changes it once.
-int Flips(Picture &picture, const Vector &from) {
-  auto &window = picture.game.window;
-  constexpr int Pictures = 60;
+int Flips(RenderedGame &rendered, const Vector &from) {
+  auto &window = rendered.game.window;
+  constexpr int Frames = 60;
   constexpr int Jump = 70, Back = 16; // levels of grey
   QImage last[3];
   int flips = 0;
-  for (int i = 0; i < Pictures; ++i) {
+  for (int i = 0; i < Frames; ++i) {
     const float way = 0.02f * static_cast<float>(i);
     window.CameraFrame->SetPosition(window.RMCanvas1.SceneFrame, from.x + way, from.y, from.z - way);
     window.LookCam();
     last[0] = last[1];
     last[1] = last[2];
-    picture.renderer.Draw(window.RMCanvas1, CanvasSize);
-    last[2] = picture.renderer.Frame().copy();
+    rendered.renderer.Draw(window.RMCanvas1, CanvasSize);
+    last[2] = rendered.renderer.Frame().copy();
     if (last[0].isNull()) continue;
     for (int y = 0; y < CanvasSize.height(); ++y) {
       const auto line = [&](int image) {
@@ -349,14 +349,14 @@ struct SlowMove {
   float pieceX, pieceZ;
 };
 
-void Arrange(Picture &picture, const SlowMove &move) {
-  auto &window = picture.game.window;
+void Arrange(RenderedGame &rendered, const SlowMove &move) {
+  auto &window = rendered.game.window;
   for (const auto &frame : {window.PieceFrame, window.AimFrame})
     frame->SetPosition(window.RMCanvas1.SceneFrame, move.pieceX, 0, move.pieceZ);
 }
 
 TEST(RendererTest, ASlowMoveOfTheCameraShowsNoFlicker) {
-  Picture picture(Quality::Full);
+  RenderedGame rendered(Quality::Full);
   constexpr int Most = 100; // of nine million pixels
   for (const SlowMove &move :
        {SlowMove{"rest", {0, 10, 120}, 0, 85}, SlowMove{"side, across the arrow", {100, 20, 0}, 0, 20},
@@ -364,19 +364,19 @@ TEST(RendererTest, ASlowMoveOfTheCameraShowsNoFlicker) {
         SlowMove{"close over the target", {3, 20, -58}, 2, -78},
         SlowMove{"from the far corner", {88, 30, -88}, 10, -86}}) {
     SCOPED_TRACE(move.name);
-    Arrange(picture, move);
-    EXPECT_LT(Flips(picture, move.camera), Most);
+    Arrange(rendered, move);
+    EXPECT_LT(Flips(rendered, move.camera), Most);
   }
 }
 
 TEST(RendererTest, FlickerOfTwoSurfacesInOnePlaneWouldBeSeen) {
-  Picture picture(Quality::Full);
-  auto &window = picture.game.window;
+  RenderedGame rendered(Quality::Full);
+  auto &window = rendered.game.window;
   constexpr float AboveTable = 0.06f; // of the lines
   window.LinesMesh->Translate(0, -AboveTable, 0);
   const SlowMove move{"from the far corner", {88, 30, -88}, 10, -86};
-  Arrange(picture, move);
-  EXPECT_GT(Flips(picture, move.camera), 10000);
+  Arrange(rendered, move);
+  EXPECT_GT(Flips(rendered, move.camera), 10000);
 }
 
 } // namespace

@@ -74,6 +74,14 @@ TEST(DesktopWindowsTest, LabelsOfThePlayWindowCanBeRead) {
     window.TurnColor();
     EXPECT_EQ(ExpectReadableLabels(machine, window), 7);
   }
+  // The widest texts, while both boards flash, the dim one's too.
+  window.lblHint.Caption = std::string(100, 'w');
+  window.Round = program.Rounds = MostRounds;
+  window.HomeScore = window.AwayScore = 888;
+  window.PostScore();
+  ASSERT_EQ(window.HomeBoard.Line.Picture, "ScoreLineFlash");
+  ASSERT_EQ(window.AwayBoard.Line.Picture, "ScoreLineFlash");
+  EXPECT_EQ(ExpectReadableLabels(machine, window), 7);
 }
 
 /// The widget of a control of the open window with that name.
@@ -150,7 +158,7 @@ TEST(DesktopWindowsTest, EveryHintFitsItsLineInItsOwnSize) {
   EXPECT_EQ(label->font().pixelSize(), FullSize);
 }
 
-TEST(DesktopWindowsTest, ThePlayWindowComesUpWithItsFirstPictureAndWithoutTheLastCard) {
+TEST(DesktopWindowsTest, ThePlayWindowComesUpWithItsFirstFrameAndWithoutTheLastCard) {
   GameMachine &machine = GameMachine::Get();
   Program program(machine);
   program.SoundOn = False;
@@ -160,7 +168,7 @@ TEST(DesktopWindowsTest, ThePlayWindowComesUpWithItsFirstPictureAndWithoutTheLas
   window.LoadScene();
   machine.Show(window);
   const QImage first = WidgetOf(window, "RMCanvas1")->grab().toImage();
-  EXPECT_GT(QColor(first.pixel(first.width() / 2, first.height() / 3)).lightness(), 40) << "no picture yet";
+  EXPECT_GT(QColor(first.pixel(first.width() / 2, first.height() / 3)).lightness(), 40) << "no frame yet";
   window.Picture4.Visible = true;
   machine.Repaint(window);
   const QWidget *card = WidgetOf(window, "Picture4");

@@ -326,6 +326,7 @@ TEST(LobbyTest, CancelInTheLookThatFindsTheJoinerWins) {
 /// A sockets library that fails on demand.
 struct FakeSockets : Sockets {
   int start = 0, cleanup = 0, name = 0;
+  int cleanups = 0; ///< calls of `WSACleanup`
   std::uint16_t sockets = 100, version = 0x0101;
   bool resolves = true;
   hostent_record entry{4, {std::string("\xC0\xA8\x01\x07", 4), std::string("\x0A\x00\x00\x01", 4)}};
@@ -335,7 +336,10 @@ struct FakeSockets : Sockets {
     data.iMaxSockets = sockets;
     return start;
   }
-  int WSACleanup() override { return cleanup; }
+  int WSACleanup() override {
+    ++cleanups;
+    return cleanup;
+  }
   std::int32_t WSAGetLastError() override { return 10050; }
   int gethostname(std::string &host, int) override {
     host = " desk ";
@@ -357,6 +361,7 @@ TEST(AddressLookupTest, EveryAnswerAndEveryFailureHasItsBoxes) {
     const char *name;
     std::function<void(FakeSockets &)> arrange;
     Texts texts;
+    int cleanups = 1; ///< calls of `WSACleanup`; none after a failed start
   };
   const Row rows[] = {
       {"the first of two", [](FakeSockets &) {}, {told + "192.168.1.7"}},
@@ -377,13 +382,16 @@ TEST(AddressLookupTest, EveryAnswerAndEveryFailureHasItsBoxes) {
        {told + "2001:db8:0:1:1:1:1:1"}},
       {"no start",
        [](FakeSockets &s) { s.start = 1; },
-       {"The 32-bit Windows Socket is not responding.", told}},
+       {"The 32-bit Windows Socket is not responding.", told},
+       0},
       {"no sockets",
        [](FakeSockets &s) { s.sockets = 0; },
-       {"This application requires a minimum of 1 supported sockets.", told}},
+       {"This application requires a minimum of 1 supported sockets.", told},
+       0},
       {"an old version",
        [](FakeSockets &s) { s.version = 0x0001; },
-       {"Sockets version 1.0 is not supported by 32-bit Windows Sockets.", told}},
+       {"Sockets version 1.0 is not supported by 32-bit Windows Sockets.", told},
+       0},
       {"no name",
        [](FakeSockets &s) { s.name = -1; },
        {"Windows Sockets error  10050 has occurred. Unable to successfully get Host Name.", told}},
@@ -400,11 +408,13 @@ TEST(AddressLookupTest, EveryAnswerAndEveryFailureHasItsBoxes) {
     HeadlessMachine machine(SNAPWEDGE_GAME_DIR);
     auto sockets = std::make_unique<FakeSockets>();
     row.arrange(*sockets);
+    const int &cleanups = sockets->cleanups;
     machine.SocketsLibrary = std::move(sockets);
     TellLocalAddress(machine);
     Texts texts;
     for (const MessageBox &box : machine.Boxes) texts.push_back(box.Text);
     EXPECT_EQ(texts, row.texts);
+    EXPECT_EQ(cleanups, row.cleanups);
     const MessageBox &last = machine.Boxes.back();
     EXPECT_EQ(last.Title, last.Critical ? "Error:" : "IP Address:");
   }

@@ -416,8 +416,8 @@ TEST_F(GraphTest, AnImageThatWasGivenBackIsReadAgain) {
   const std::vector<std::uint8_t> pixels = texture->Image()->Pixels;
   ASSERT_FALSE(pixels.empty());
   const std::weak_ptr<const ImageData> image = texture->Image();
-  texture->GiveBack();
-  ForgetFiles();
+  texture->ReleaseImage();
+  ClearFileCache();
   EXPECT_TRUE(image.expired());
   EXPECT_EQ(texture->Image()->Pixels, pixels);
 }

@@ -6,12 +6,12 @@
 #include "platform/desktop/renderer/renderer.h"
 #include "platform/headless/headless_machine.h"
 #include "tools/game_directory.h"
+#include "tools/median.h"
 
 #include <QGuiApplication>
 
 #include <sys/resource.h>
 
-#include <algorithm>
 #include <chrono>
 #include <cstdio>
 #include <string_view>
@@ -30,11 +30,6 @@ double ProcessorMs() {
     return static_cast<double>(t.tv_sec) * 1e3 + static_cast<double>(t.tv_usec) / 1e3;
   };
   return ms(usage.ru_utime) + ms(usage.ru_stime);
-}
-
-double Median(std::vector<double> values) {
-  std::ranges::sort(values);
-  return values[values.size() / 2];
 }
 
 void Bench(frmSnapwedge &window, const char *name, Quality quality, bool whole) {

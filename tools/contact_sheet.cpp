@@ -24,31 +24,31 @@ namespace {
 
 constexpr QSize CanvasSize(417, 361);
 constexpr int UpdatesToSettle = 60;                     // for the easing of the lens
-constexpr int Gap = 6;                                  // pixels between pictures
+constexpr int Gap = 6;                                  // pixels between images
 constexpr int NameHeight = 18;                          // pixels for the name above each
 constexpr const char *DenseWindows = "--dense-windows"; // option of the child process that renders these
 
-using Pictures = std::vector<std::pair<std::string, QImage>>;
+using Images = std::vector<std::pair<std::string, QImage>>;
 
 /// Images side by side, with their names.
-void WriteSheet(Pictures pictures, int columns, const std::string &file) {
+void WriteSheet(Images images, int columns, const std::string &file) {
   QSize cell;
-  for (auto &[name, picture] : pictures) {
-    picture.setDevicePixelRatio(1.0); // one pixel of the image is one pixel of the sheet
-    cell = cell.expandedTo(picture.size());
+  for (auto &[name, image] : images) {
+    image.setDevicePixelRatio(1.0); // one pixel of the image is one pixel of the sheet
+    cell = cell.expandedTo(image.size());
   }
   cell.rheight() += NameHeight;
-  const int rows = (static_cast<int>(pictures.size()) + columns - 1) / columns;
+  const int rows = (static_cast<int>(images.size()) + columns - 1) / columns;
   QImage sheet(columns * (cell.width() + Gap) + Gap, rows * (cell.height() + Gap) + Gap,
                QImage::Format_RGB32);
   sheet.fill(QColor(40, 40, 44));
   QPainter painter(&sheet);
   painter.setPen(Qt::white);
-  for (int i = 0; i < static_cast<int>(pictures.size()); ++i) {
-    const auto &[name, picture] = pictures[static_cast<std::size_t>(i)];
+  for (int i = 0; i < static_cast<int>(images.size()); ++i) {
+    const auto &[name, image] = images[static_cast<std::size_t>(i)];
     const QPoint at(Gap + i % columns * (cell.width() + Gap), Gap + i / columns * (cell.height() + Gap));
     painter.drawText(at + QPoint(2, NameHeight - 5), QString::fromStdString(name));
-    painter.drawImage(at + QPoint(0, NameHeight), picture);
+    painter.drawImage(at + QPoint(0, NameHeight), image);
   }
   painter.end();
   if (!sheet.save(QString::fromStdString(file))) throw std::runtime_error("can't write " + file);
@@ -66,7 +66,7 @@ public:
 
   void Render(const std::string &directory, int density, Quality quality) {
     Renderer renderer(quality);
-    Pictures pictures;
+    Images images;
     const auto take = [&](const std::string &name, const std::function<void()> &arrange) {
       Rest();
       arrange();
@@ -75,7 +75,7 @@ public:
         renderer.Draw(window_.RMCanvas1, CanvasSize * density);
         if (update == 0 && name == "kick") window_.MoveGoal();
       }
-      pictures.emplace_back(name, renderer.Frame().copy());
+      images.emplace_back(name, renderer.Frame().copy());
     };
     take("rest", [] {});
     take("far aim", [&] {
@@ -141,7 +141,7 @@ public:
     });
     take("without the stadium", [&] { window_.ToggleStadium(); });
     window_.ToggleStadium();
-    WriteSheet(pictures, density == 1 ? 5 : 3,
+    WriteSheet(images, density == 1 ? 5 : 3,
                directory + (quality == Quality::Low ? "/scene-low@" : "/scene@") + std::to_string(density) +
                    "x.png");
   }
@@ -270,7 +270,7 @@ private:
     frmSnapwedge window(machine, program);
     window.SetUp();
     Renderer renderer(Quality::Full);
-    Pictures all;
+    Images all;
     std::vector<std::size_t> cuts;
     Vector last;
     machine.OnDraw = [&](Canvas &) {
@@ -285,7 +285,7 @@ private:
       play(window);
     } catch (const ProgramEnd &) {
     }
-    Pictures chosen;
+    Images chosen;
     constexpr std::size_t InFilm = 24;
     const std::size_t step = std::max<std::size_t>(1, (all.size() + InFilm - 1) / InFilm);
     for (std::size_t i = 0; i < all.size(); ++i) {
@@ -300,14 +300,14 @@ private:
 
 void RenderPictures(const std::string &directory, bool dense) {
   const auto sheet = [&](const std::vector<std::string> &names, int columns, const std::string &file) {
-    Pictures pictures;
+    Images images;
     for (const std::string &name : names) {
       const auto path = GameDirectory() / "pictures" / (name + (dense ? "@2x.png" : ".png"));
-      const QImage picture(QString::fromStdString(path.string()));
-      if (picture.isNull()) throw std::runtime_error("can't read " + path.string());
-      pictures.emplace_back(name, picture);
+      const QImage image(QString::fromStdString(path.string()));
+      if (image.isNull()) throw std::runtime_error("can't read " + path.string());
+      images.emplace_back(name, image);
     }
-    WriteSheet(pictures, columns, directory + "/" + file + (dense ? "@2x.png" : "@1x.png"));
+    WriteSheet(images, columns, directory + "/" + file + (dense ? "@2x.png" : "@1x.png"));
   };
   sheet({"Picture1", "Picture2", "Picture3", "Picture4", "Picture5", "Picture6", "Picture7"}, 4, "cards");
   if (!dense) sheet({"icon", "icon-48"}, 2, "icon");
@@ -337,9 +337,9 @@ public:
     TakeModal("frmBackground", ShowBackground);
     TakeModal("frmText", ShowReadMe);
     RenderEndCards();
-    const bool dense = pictures_.front().second.devicePixelRatio() > 1.0;
+    const bool dense = images_.front().second.devicePixelRatio() > 1.0;
     const std::string ending = dense ? "@2x.png" : "@1x.png";
-    WriteSheet(pictures_, 3, directory + "/windows" + ending);
+    WriteSheet(images_, 3, directory + "/windows" + ending);
     machine_.Hide(launch);
     WriteSheet(PlayWindows(machine_, GameDirectory()), 4, directory + "/play" + ending);
   }
@@ -371,7 +371,7 @@ private:
   void Take(Window &window) {
     if (!window.Visible) machine_.Show(window);
     machine_.Pump();
-    pictures_.emplace_back(window.Name, Find(window.Name)->grab().toImage());
+    images_.emplace_back(window.Name, Find(window.Name)->grab().toImage());
   }
 
   void TakeModal(const std::string &name, const std::function<void(Machine &)> &show) {
@@ -379,7 +379,7 @@ private:
       QWidget *widget = Find(name);
       if (!widget || taken) return;
       taken = true;
-      pictures_.emplace_back(name, widget->grab().toImage());
+      images_.emplace_back(name, widget->grab().toImage());
       widget->close();
     });
     show(machine_);
@@ -387,7 +387,7 @@ private:
 
   GameMachine &machine_;
   Program program_;
-  Pictures pictures_;
+  Images images_;
 };
 
 } // namespace

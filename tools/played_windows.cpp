@@ -11,14 +11,13 @@
 
 namespace {
 
-using Pictures = std::vector<std::pair<std::string, QImage>>;
+using Images = std::vector<std::pair<std::string, QImage>>;
 
 /// A match on the headless machine, whose window is shown on the desktop machine for each screenshot.
 class Match {
 public:
-  Match(DesktopMachine &screen, Pictures &pictures, const std::filesystem::path &game,
-        const std::string &mode)
-      : screen_(screen), pictures_(pictures), machine_(game), program_(machine_), window(machine_, program_) {
+  Match(DesktopMachine &screen, Images &images, const std::filesystem::path &game, const std::string &mode)
+      : screen_(screen), images_(images), machine_(game), program_(machine_), window(machine_, program_) {
     program_.GameMode = mode;
     program_.SoundOn = False;
     window.SetUp();
@@ -88,7 +87,7 @@ public:
     screen_.Show(window);
     for (QWidget *widget : QApplication::topLevelWidgets()) {
       if (widget->objectName().toStdString() == window.Name)
-        pictures_.emplace_back(name, widget->grab().toImage());
+        images_.emplace_back(name, widget->grab().toImage());
     }
     screen_.Hide(window);
     window.Visible = true;
@@ -107,7 +106,7 @@ private:
   const std::string &mode() const { return program_.GameMode; }
 
   DesktopMachine &screen_;
-  Pictures &pictures_;
+  Images &images_;
   HeadlessMachine machine_;
   Program program_;
   int onDraw_ = 0;
@@ -120,10 +119,10 @@ public:
 
 } // namespace
 
-Pictures PlayWindows(DesktopMachine &screen, const std::filesystem::path &game) {
-  Pictures pictures;
+Images PlayWindows(DesktopMachine &screen, const std::filesystem::path &game) {
+  Images images;
   {
-    Match match(screen, pictures, game, "Human");
+    Match match(screen, images, game, "Human");
     match.Frames(2);
     match.Take("start");
     match.TakeAtDraw(30, "flight");
@@ -140,7 +139,7 @@ Pictures PlayWindows(DesktopMachine &screen, const std::filesystem::path &game) 
     match.Shoot(13);
   }
   {
-    Match match(screen, pictures, game, "Human");
+    Match match(screen, images, game, "Human");
     match.PutPiece(0, -60.5f, 3);
     match.TakeAtCard("penalty");
     match.Shoot(5);
@@ -157,14 +156,14 @@ Pictures PlayWindows(DesktopMachine &screen, const std::filesystem::path &game) 
     match.Shoot(4);
   }
   {
-    Match match(screen, pictures, game, "Computer");
+    Match match(screen, images, game, "Computer");
     match.PutPiece(0, -40, 1);
     match.Shoot(5);
     match.TakeAtDraw(30, "the computer");
     match.Frames(1);
   }
-  Match match(screen, pictures, game, "Human");
+  Match match(screen, images, game, "Human");
   match.Wait();
   match.Take("waiting for the other player");
-  return pictures;
+  return images;
 }

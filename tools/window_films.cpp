@@ -21,7 +21,7 @@ namespace {
 
 constexpr int InFilm = 12, Columns = 4; ///< frames in a strip, and in a row of it
 constexpr std::size_t Kept = 3;         ///< every third frame is kept
-constexpr int Gap = 4;                  ///< pixels between pictures
+constexpr int Gap = 4;                  ///< pixels between frames
 constexpr int NoPress = -1;
 
 /// The desktop machine with the built game; reports new frames and cards.
@@ -31,15 +31,15 @@ public:
   std::filesystem::path AppPath() const override { return GameDirectory(); }
   void DrawCanvas(Canvas &canvas) override {
     DesktopMachine::DrawCanvas(canvas);
-    if (OnPicture) OnPicture();
+    if (OnFrame) OnFrame();
   }
   void Repaint(Window &window) override {
     DesktopMachine::Repaint(window);
     if (OnCard) OnCard();
   }
 
-  std::function<void()> OnPicture; ///< the scene has been drawn
-  std::function<void()> OnCard;    ///< a card has come up
+  std::function<void()> OnFrame; ///< the scene has been drawn
+  std::function<void()> OnCard;  ///< a card has come up
 };
 
 /// A match of two players at one mouse, with scripted input.
@@ -52,7 +52,7 @@ public:
     window_.Round = 1;
     window_.PostScore();
   }
-  ~Match() { machine_.OnPicture = machine_.OnCard = nullptr; }
+  ~Match() { machine_.OnFrame = machine_.OnCard = nullptr; }
   Match(const Match &) = delete;
   Match &operator=(const Match &) = delete;
 
@@ -83,7 +83,7 @@ public:
   void Roll(bool kick) {
     rolling_ = !kick;
     filmsKick_ = kick;
-    machine_.OnPicture = [this] { Picture(); };
+    machine_.OnFrame = [this] { HandleFrame(); };
     machine_.OnCard = [this] {
       if (rolling_) Take();
       rolling_ = false;
@@ -99,9 +99,9 @@ public:
     QPainter painter(&strip);
     for (std::size_t i = 0; i < count; ++i) {
       const int at = static_cast<int>(i);
-      QImage picture = film_[i == 1 && rising_ > 0 ? rising_ : i * (film_.size() - 1) / (count - 1)];
-      picture.setDevicePixelRatio(1.0);
-      painter.drawImage(at % Columns * cell.width(), at / Columns * cell.height(), picture);
+      QImage frame = film_[i == 1 && rising_ > 0 ? rising_ : i * (film_.size() - 1) / (count - 1)];
+      frame.setDevicePixelRatio(1.0);
+      painter.drawImage(at % Columns * cell.width(), at / Columns * cell.height(), frame);
     }
     return strip;
   }
@@ -112,10 +112,10 @@ private:
 
   void Aim(float turn) { window_.AimFrame->AddRotation(D3DRMCOMBINE_BEFORE, 0, 1, 0, turn); }
 
-  void Picture() {
-    if (rolling_ && pictures_++ % Kept == 0) Take();
+  void HandleFrame() {
+    if (rolling_ && frames_++ % Kept == 0) Take();
     if (!window_.KickMode || window_.NoShot) return;
-    const int now = kickPictures_++;
+    const int now = kickFrames_++;
     if (now == press_) {
       Aim(turn_);
       machine_.Post(window_, [this] { window_.RMCanvas1_MouseDown(LeftButton, 0, 0, 0); });
@@ -136,9 +136,9 @@ private:
   frmSnapwedge window_;
   std::vector<QImage> film_;
   bool rolling_ = false, filmsKick_ = false;
-  std::size_t pictures_ = 0;
+  std::size_t frames_ = 0;
   std::size_t rising_ = 0; ///< the frame in which the meter rises, 0 for none
-  int kickPictures_ = 0, press_ = NoPress, release_ = NoPress;
+  int kickFrames_ = 0, press_ = NoPress, release_ = NoPress;
   float turn_ = 0.0f;
 };
 

@@ -92,8 +92,8 @@ private:
   QComboBox &box_;
 };
 
-/// An announcement. Screen readers say its surroundings first, in a dialog all labels too, one of which has
-/// the announced text. So its parent is the program, not the window.
+/// An announcement. Its parent is the application instead of the window, because screen readers first say
+/// where a notification belongs, and in a dialog also read all labels, one of which has the same text.
 class AccessibleAnnouncement : public QAccessibleWidget {
 public:
   explicit AccessibleAnnouncement(Announcer *announcer)
@@ -117,21 +117,21 @@ void InstallAccessibility() { QAccessible::installFactory(MakeInterface); }
 
 void SetAccessibleRole(QWidget &widget, QAccessible::Role role) { widget.setProperty(RoleProperty, role); }
 
-PictureWords::PictureWords(QWidget &parent, const QString &words) : QWidget(&parent) {
+PictureText::PictureText(QWidget &parent, const QString &text) : QWidget(&parent) {
   SetAccessibleRole(*this, QAccessible::StaticText);
   setAttribute(Qt::WA_TransparentForMouseEvents);
-  setAccessibleName(words);
+  setAccessibleName(text);
 }
 
 Announcer::Announcer(QWidget &parent) : QWidget(&parent) {
-  SetAccessibleRole(*this, QAccessible::NoRole); // the window has the text already
+  SetAccessibleRole(*this, QAccessible::NoRole); // a control of the window has the same text
   setAttribute(Qt::WA_TransparentForMouseEvents);
   resize(1, 1);
   hide();
 }
 
-void Announcer::Say(const QString &words) {
+void Announcer::Say(const QString &text) {
   hide();
-  setAccessibleName(words);
+  setAccessibleName(text);
   show();
 }

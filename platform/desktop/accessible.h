@@ -15,9 +15,9 @@ void InstallAccessibility();
 void SetAccessibleRole(QWidget &widget, QAccessible::Role role);
 
 /// The text in the picture that the parent shows as its background. Paints nothing.
-class PictureWords : public QWidget {
+class PictureText : public QWidget {
 public:
-  PictureWords(QWidget &parent, const QString &words);
+  PictureText(QWidget &parent, const QString &text);
 };
 
 /// Announces events outside the focused control. Screen readers read a notification when it appears,
@@ -25,5 +25,5 @@ public:
 class Announcer : public QWidget {
 public:
   explicit Announcer(QWidget &parent);
-  void Say(const QString &words);
+  void Say(const QString &text);
 };

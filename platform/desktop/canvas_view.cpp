@@ -60,20 +60,20 @@ CanvasView::CanvasView(DesktopMachine &machine, Window &window, Canvas &canvas, 
   setMouseTracking(true);
 }
 
-void CanvasView::ShowFrame(const QImage &picture) {
-  picture_ = &picture;
+void CanvasView::ShowFrame(const QImage &frame) {
+  frame_ = &frame;
   if (isVisible()) repaint();
 }
 
 void CanvasView::paintEvent(QPaintEvent *event) {
   QPainter painter(this);
-  if (!picture_) {
+  if (!frame_) {
     painter.fillRect(event->rect(), Qt::black);
   } else {
     // Unscaled: Qt paints a scaled image slowly, even at a factor of 1.
     const double pixel = 1.0 / devicePixelRatioF();
     painter.scale(pixel, pixel);
-    painter.drawImage(0, 0, *picture_);
+    painter.drawImage(0, 0, *frame_);
   }
 }
 

@@ -13,9 +13,9 @@ class CanvasView : public QWidget {
 public:
   CanvasView(DesktopMachine &machine, Window &window, Canvas &canvas, QWidget &parent);
 
-  /// Shows a frame at once. It isn't copied: it must outlive the widget, and change only before the next
-  /// call.
-  void ShowFrame(const QImage &picture);
+  /// Shows a frame at once. The image isn't copied: it must outlive the widget, and after a change of the
+  /// image this must be called again.
+  void ShowFrame(const QImage &frame);
 
 protected:
   void paintEvent(QPaintEvent *event) override;
@@ -29,7 +29,7 @@ private:
   DesktopMachine &machine_;
   Window &window_;
   Canvas &canvas_;
-  const QImage *picture_ = nullptr;
+  const QImage *frame_ = nullptr;
   std::int16_t releasedKey_ = 0; ///< the last released key, and its time on the display's clock
   quint64 releasedAt_ = 0;
   Qt::MouseButtons pressed_; ///< buttons whose press was reported to the game

@@ -14,15 +14,15 @@ constexpr float PointsToPixels = 96.0f / 72.0f; ///< the windows are designed fo
 
 QColor Convert(const Color &color) { return {color.Red, color.Green, color.Blue}; }
 
-/// Background of a disabled box: a darker shade of its colour.
-QColor Unlit(const Color &color) {
-  constexpr int Dimmed = 5; ///< its lightness is divided by it
-  return {color.Red / Dimmed, color.Green / Dimmed, color.Blue / Dimmed};
+/// Background of a disabled box: a fifth as bright as its colour.
+QColor Darkened(const Color &color) {
+  constexpr int Divisor = 5;
+  return {color.Red / Divisor, color.Green / Divisor, color.Blue / Divisor};
 }
 
 QFont FontOf(const Typeface &typeface) {
   const bool serif = typeface.Name == "Times New Roman";
-  // Typefaces of equal widths, so that substitution keeps the layout.
+  // Typefaces with the same metrics, so that a substitute keeps the layout.
   QFont font(serif ? QStringList{"Liberation Serif", "Tinos", "Times New Roman"}
                    : QStringList{"Liberation Sans", "Arimo", "Arial"});
   font.setStyleHint(serif ? QFont::Serif : QFont::SansSerif);
@@ -39,7 +39,7 @@ public:
   QWidget *Widget() const override { return widget_; }
 
 protected:
-  void CarryOverOwn() override {}
+  void SyncOwn() override {}
 
 private:
   CanvasView *widget_;
@@ -67,20 +67,20 @@ std::unique_ptr<ControlView> MakeView(DesktopMachine &machine, Window &window, C
   widget->setObjectName(Text(control.Name));
   if (!control.AccessibleName.empty()) widget->setAccessibleName(Text(control.AccessibleName));
   widget->setFont(FontOf(control.Font));
-  view->CarryOver();
+  view->Sync();
   view->Fit();
   return view;
 }
 
-void ControlView::CarryOver() {
+void ControlView::Sync() {
   QWidget *widget = Widget();
-  CarryOverOwn();
-  if (carried_ && visible_ == control_.Visible && enabled_ == control_.Enabled &&
+  SyncOwn();
+  if (synced_ && visible_ == control_.Visible && enabled_ == control_.Enabled &&
       foreColor_ == control_.ForeColor) {
     return;
   }
-  const bool first = !carried_;
-  carried_ = true;
+  const bool first = !synced_;
+  synced_ = true;
   visible_ = control_.Visible;
   enabled_ = control_.Enabled;
   if (first || foreColor_ != control_.ForeColor) {
@@ -94,7 +94,7 @@ void ControlView::CarryOver() {
       }
       // The toolkit draws the edge of a box in a shade of the window colour.
       for (const auto role : {QPalette::Base, QPalette::Window})
-        palette.setColor(QPalette::Disabled, role, Unlit(control_.BackColor));
+        palette.setColor(QPalette::Disabled, role, Darkened(control_.BackColor));
       palette.setColor(QPalette::Disabled, QPalette::Text, Convert(control_.BackColor));
     }
     widget->setPalette(palette);
@@ -105,6 +105,6 @@ void ControlView::CarryOver() {
 
 QString ControlView::News() {
   if (!control_.Announced) return {};
-  const QString words = control_.Visible ? Words() : QString();
-  return std::exchange(announced_, words) == words ? QString() : words;
+  const QString text = control_.Visible ? SpokenText() : QString();
+  return std::exchange(announced_, text) == text ? QString() : text;
 }

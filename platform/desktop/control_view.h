@@ -25,11 +25,11 @@ public:
   virtual Rectangle Extent() const { return control_.Place; }
 
   /// Copies the properties that have changed since the last call to the widget.
-  void CarryOver();
+  void Sync();
 
   virtual void TakeFocus() { Widget()->setFocus(); }
 
-  /// Chooses the button's mnemonic: the first letter of its caption that is still free.
+  /// Chooses the button's mnemonic: the first letter of its caption that isn't taken, and adds it to those.
   virtual void ChooseMnemonic(QString & /*taken*/) {}
 
   /// Presses the button if Enter or Esc is its key; returns whether it is.
@@ -41,28 +41,30 @@ public:
   /// Scrolls a document by a key that no other control handles.
   virtual void ScrollBy(QKeyEvent & /*event*/) {}
 
-  /// Takes the name of the label before it, if it is a field.
-  virtual void BeNamedBy(QLabel & /*label*/) {}
+  /// Gives a field the label before it, whose text screen readers say as the name of the field.
+  virtual void SetLabel(QLabel & /*label*/) {}
 
-  /// The text to announce: that of an announced control if it has changed since the last call.
+  /// The text to announce. Empty unless the control is announced and its text has changed since the last
+  /// call.
   QString News();
 
 protected:
-  virtual void CarryOverOwn() = 0;
+  /// Copies the properties that only this kind of control has.
+  virtual void SyncOwn() = 0;
 
   /// The text of the control for screen readers.
-  virtual QString Words() const { return Widget()->accessibleName(); }
+  virtual QString SpokenText() const { return Widget()->accessibleName(); }
 
   /// Whether the text has the control's colour rather than the toolkit's.
   virtual bool OwnColor() const { return false; }
 
 private:
   Control &control_;
-  bool carried_ = false;
+  bool synced_ = false;
   bool visible_ = false;
   bool enabled_ = false;
   Color foreColor_;
-  QString announced_; ///< last text that `News` has seen
+  QString announced_; ///< text at the last call of `News`
 };
 
 std::unique_ptr<ControlView> MakeView(DesktopMachine &machine, Window &window, Control &control,

@@ -38,15 +38,16 @@ void RefuseDisplay(QtMsgType type, const QMessageLogContext &, const QString &) 
   std::_Exit(1);
 }
 
-// Qt keeps pictures of a window's buttons after the window has closed, and never finds them again: their keys
-// name the palette of that very window. By default it keeps 10 MiB.
-constexpr int ButtonPictures = 1024; ///< KiB
+// Qt's cache holds painted buttons. The entries of a closed window are never found again, because their keys
+// contain the palette of that window. The default is 10 MiB.
+constexpr int PixmapCacheSize = 1024; ///< KiB
 
-// Blocks from this size on, images and textures, go back to the system when they are freed. By default the C
-// library raises its threshold with every large block that is freed, and the next ones leave holes in its heap.
+// Freed blocks of at least this size, such as images and textures, go back to the system. By default the C
+// library raises its threshold whenever a large block is freed. Later blocks then lie in its heap and leave
+// holes.
 constexpr int LargeBlock = 256 * 1024; ///< bytes
 
-/// Whether the screen has too few colours for Qt to paint.
+/// Whether the screen has too few colours for Qt, which then paints nothing.
 bool ScreenStaysDark() { return QGuiApplication::primaryScreen()->depth() < 15; }
 
 } // namespace
@@ -54,13 +55,13 @@ bool ScreenStaysDark() { return QGuiApplication::primaryScreen()->depth() < 15; 
 DesktopMachine::DesktopMachine(int &argc, char **argv) : nextWake_(timeGetTime()) {
   mallopt(M_MMAP_THRESHOLD, LargeBlock);
   ChooseDisplay();
-  // Every motion event is needed, so that the offsets add up to the motion of the hand.
+  // Compression would merge motion events, and the offsets have to add up to the motion of the hand.
   QCoreApplication::setAttribute(Qt::AA_CompressHighFrequencyEvents, false);
   const QtMessageHandler before = qInstallMessageHandler(RefuseDisplay);
   application_ = std::make_unique<QApplication>(argc, argv);
   if (!ScreenStaysDark()) qInstallMessageHandler(before);
   InstallAccessibility();
-  QPixmapCache::setCacheLimit(ButtonPictures);
+  QPixmapCache::setCacheLimit(PixmapCacheSize);
   application_->setQuitOnLastWindowClosed(false);
   application_->setApplicationDisplayName({});
   application_->setDesktopFileName("org.snapwedge.Snapwedge");
@@ -69,27 +70,27 @@ DesktopMachine::DesktopMachine(int &argc, char **argv) : nextWake_(timeGetTime()
 }
 
 DesktopMachine::~DesktopMachine() {
-  pointer_.LetGo();
+  pointer_.Release();
   openGLTest_.kill();
   openGLTest_.waitForFinished();
 }
 
 void DesktopMachine::TryOpenGL() {
   QObject::connect(&openGLTest_, &QProcess::finished, [this](int status, QProcess::ExitStatus exit) {
-    // A crash isn't conclusive; a match will show.
+    // A crash isn't conclusive. If OpenGL doesn't work, the match will say so.
     if (exit != QProcess::NormalExit || status == EXIT_SUCCESS || views_.empty()) return;
     const std::string why = openGLTest_.readAllStandardOutput().toStdString();
     Post(
         views_.front()->Model(), [why] { throw RendererError(why); }, Delivery::UnderModal);
   });
-  // The launch window is shown first.
-  constexpr int AfterFirstPictureMs = 500;
+  // The launch window comes first.
+  constexpr int AfterFirstPaintMs = 500;
   QObject::connect(&openGLTestDelay_, &QTimer::timeout, [this] {
-    malloc_trim(0); // of what reading and checking the files took
+    malloc_trim(0); // returns the memory used for reading and checking the files
     openGLTest_.start(QCoreApplication::applicationFilePath(), {OpenGLTestOption});
   });
   openGLTestDelay_.setSingleShot(true);
-  openGLTestDelay_.start(AfterFirstPictureMs);
+  openGLTestDelay_.start(AfterFirstPaintMs);
 }
 
 std::int32_t DesktopMachine::timeGetTime() {
@@ -111,10 +112,10 @@ std::filesystem::path DesktopMachine::AppPath() const {
 
 // The pump.
 
-void DesktopMachine::CarryOver() {
+void DesktopMachine::Sync() {
   WindowView *active = nullptr;
   for (const auto &view : views_) {
-    view->CarryOver();
+    view->Sync();
     if (view->Settled()) active = view.get();
   }
   const bool awake =
@@ -126,16 +127,16 @@ void DesktopMachine::CarryOver() {
 
 void DesktopMachine::Collect() {
   leaving_.clear();
-  CarryOver();
+  Sync();
   QCoreApplication::processEvents();
   QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
 }
 
 void DesktopMachine::Sleep(std::optional<std::int32_t> deadline) {
   leaving_.clear();
-  CarryOver();
-  // Data ends only one sleep in the interval of the looks at the network, so that a flood doesn't keep the
-  // processor busy.
+  Sync();
+  // Data ends at most one sleep per network polling interval, so that a flood doesn't keep the processor
+  // busy.
   const bool watching = ClockReached(nextWake_);
   SetWatching(watching);
   std::int32_t milliseconds = deadline ? std::max(Elapsed(timeGetTime(), *deadline), 0) : -1;
@@ -147,11 +148,11 @@ void DesktopMachine::Sleep(std::optional<std::int32_t> deadline) {
   bool over = false;
   QObject::connect(&timer, &QTimer::timeout, [&over] { over = true; });
   if (milliseconds >= 0) timer.start(milliseconds);
-  dataCame_ = false; // if it hasn't been read, it comes again
+  dataCame_ = false; // data that hasn't been read is reported again
   while (!HasEvents() && !over && !dataCame_) QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
   if (!watching) {
     SetWatching(true);
-    QCoreApplication::processEvents(); // finds what has come meanwhile
+    QCoreApplication::processEvents(); // reports data that has arrived meanwhile
   }
   nextWake_ = dataCame_ ? ClockIn(NetworkPollMs) : timeGetTime();
 }
@@ -187,31 +188,31 @@ void DesktopMachine::Show(Window &window) {
     view.setWindowModality(Qt::ApplicationModal);
     // The play window is independent of the launch window; any other window is owned by the one that opened
     // it.
-    if (owner && !window.CapturesPointer) view.BelongTo(*owner);
+    if (owner && !window.CapturesPointer) view.SetOwner(*owner);
   }
-  view.CarryOver();
-  // The first frame takes long; draw it before the window opens, which would else be black.
+  view.Sync();
+  // The first frame takes long to draw. Drawn before the window opens, it spares the player a black canvas.
   for (Control *control : window.Controls) {
     if (auto *canvas = dynamic_cast<RMCanvas *>(control); canvas && canvas->SceneFrame) DrawCanvas(*canvas);
   }
   view.Open();
-  leaving_.clear(); // before Qt's events: the record of a window that leaves may be gone
-  AwaitPicture(view);
+  leaving_.clear(); // before Qt's events, because the records of these windows may no longer exist
+  AwaitFirstPaint(view);
 }
 
-void DesktopMachine::AwaitPicture(const WindowView &view) {
+void DesktopMachine::AwaitFirstPaint(const WindowView &view) {
   constexpr int PatienceMs = 500; // a window on another workspace isn't painted
   QTimer patience;
   patience.setSingleShot(true);
   patience.start(PatienceMs);
   while (!view.Painted() && patience.isActive())
     QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
-  QCoreApplication::processEvents(); // sends the picture to the display
+  QCoreApplication::processEvents(); // sends what has been painted to the display
 }
 
 void DesktopMachine::Hide(Window &window) {
   window.Visible = false;
-  Forget(window);
+  DropEvents(window);
   pointer_.Hold(nullptr);
   const auto view = std::ranges::find_if(views_, [&](const auto &each) { return &each->Model() == &window; });
   if (view == views_.end()) return;
@@ -227,14 +228,14 @@ void DesktopMachine::CheckFiles(const Window &window) {
   CheckPicture(directory, "icon", 1.0, IconSize);
   if (!window.Picture.empty()) {
     CheckPicture(directory, window.Picture, density, {window.Width, window.Height});
-    CheckWords(directory, window.Picture);
+    CheckPictureText(directory, window.Picture);
   }
   for (const PictureFile &file : window.BackPictureFiles)
     CheckPicture(directory, file.Name, density, {file.Width, file.Height});
   for (const Control *control : window.Controls) {
     if (const auto *picture = dynamic_cast<const PictureBox *>(control)) {
       CheckPicture(directory, picture->Picture, density, {picture->Place.Width, picture->Place.Height});
-      CheckWords(directory, picture->Picture);
+      CheckPictureText(directory, picture->Picture);
     }
     if (const auto *document = dynamic_cast<const RichTextBox *>(control)) {
       CheckDocument(directory / document->Document);
@@ -244,7 +245,7 @@ void DesktopMachine::CheckFiles(const Window &window) {
 
 void DesktopMachine::Repaint(Window &window) {
   if (WindowView *view = ViewOf(window)) {
-    view->CarryOver();
+    view->Sync();
     view->repaint();
   }
 }
@@ -261,7 +262,7 @@ void DesktopMachine::DrawCanvas(Canvas &canvas) {
   const QSize pixels = view.size() * view.devicePixelRatioF();
   if (!renderer_->Draw(static_cast<const RMCanvas &>(canvas), pixels)) return;
   // A card that was hidden must not cover the next frame.
-  (*shown)->CarryOver();
+  (*shown)->Sync();
   view.ShowFrame(renderer_->Frame());
 }
 
@@ -270,8 +271,8 @@ void DesktopMachine::MsgBox(const MessageBox &box) {
   // The record represents the box among the modal windows, so that no other window gets events.
   Window record;
   const ModalScope scope(*this, record);
-  leaving_.clear(); // none of these may own the box
-  pointer_.LetGo();
+  leaving_.clear(); // none of these windows may own the box
+  pointer_.Release();
   bool answered = false;
   const auto answer = [&] {
     answered = true;

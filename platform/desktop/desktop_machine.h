@@ -48,7 +48,7 @@ public:
 
   HomeRouter &Router() { return router_; }
 
-  /// While the result lives, data of the socket ends a sleep.
+  /// While the result lives, data on the socket ends a sleep.
   virtual std::shared_ptr<void> Watch(int socket);
 
   // For the views of windows and controls.
@@ -63,10 +63,10 @@ protected:
 
 private:
   WindowView *ViewOf(const Window &window) const;
-  /// Waits until a window that has been opened is on the screen: what the game does next may take long.
-  static void AwaitPicture(const WindowView &view);
-  /// Copies all properties to the widgets, and captures or releases the pointer.
-  void CarryOver();
+  /// Waits until an opened window is on the screen, because the game's next action may take long.
+  static void AwaitFirstPaint(const WindowView &view);
+  /// Copies changed properties to all widgets, and captures or releases the pointer.
+  void Sync();
   /// Whether data on the watched sockets ends a sleep.
   void SetWatching(bool on);
 
@@ -75,13 +75,13 @@ private:
   HomeRouter router_;
   DesktopSockets sockets_{&router_};
   std::vector<std::unique_ptr<WindowView>> views_;
-  std::vector<std::unique_ptr<WindowView>>
-      leaving_; ///< hidden by the game, on the screen until the next pump
+  /// Hidden by the game, but on the screen until the next pump.
+  std::vector<std::unique_ptr<WindowView>> leaving_;
   std::unique_ptr<Renderer> renderer_;
   std::unique_ptr<ScreenAwake> screenAwake_;
   QProcess openGLTest_;
   QTimer openGLTestDelay_;
   std::vector<std::weak_ptr<QSocketNotifier>> watches_;
   bool dataCame_ = false; ///< on a watched socket, since the last sleep began
-  std::int32_t nextWake_; ///< data ends no sleep before
+  std::int32_t nextWake_; ///< clock before which data doesn't end a sleep, ms
 };

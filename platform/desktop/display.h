@@ -21,7 +21,7 @@ std::optional<DisplayFacts> AskX();
 /// Queries the Wayland compositor; nothing if there is none or the game was built without Wayland.
 std::optional<DisplayFacts> AskWayland();
 
-/// Chooses Wayland if the compositor lets a program capture the pointer, else X, and the scale
-/// (`WindowScale`) of all windows, fonts and boxes. Keeps Qt settings of the user. Must be called before Qt
-/// starts.
+/// Chooses Wayland if the compositor lets a program capture the pointer, else X. Chooses the scale
+/// (`WindowScale`) of all windows, fonts and boxes. A choice that the user has made in Qt's environment
+/// variables stays. Must be called before Qt starts.
 void ChooseDisplay();

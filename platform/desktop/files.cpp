@@ -28,7 +28,7 @@ constexpr struct PictureSet {
 
 constexpr double SameDensity = 0.01;
 
-/// The density of the screen, else the next larger one, to be scaled down.
+/// The images for the density of the screen; else those for the next larger density, to be scaled down.
 const PictureSet &SetFor(double density) {
   const auto *set =
       std::ranges::find_if(Sets, [&](const auto &each) { return each.density > density - SameDensity; });
@@ -107,16 +107,16 @@ QPixmap LoadPicture(DesktopMachine &machine, const QWidget &shownOn, const std::
   const fs::path file = PathOf(machine.AppPath(), name, set.suffix);
   const std::vector<char> bytes = ReadFile(file, LargestPicture);
   CheckPng(file, bytes);
-  QImage picture;
-  if (!picture.loadFromData(reinterpret_cast<const uchar *>(bytes.data()), static_cast<int>(bytes.size()),
-                            "PNG"))
+  QImage image;
+  if (!image.loadFromData(reinterpret_cast<const uchar *>(bytes.data()), static_cast<int>(bytes.size()),
+                          "PNG"))
     RefuseFile(file, "the image can't be read");
   if (std::abs(set.density - density) > SameDensity) {
-    picture = picture.scaled((picture.size().toSizeF() * (density / set.density)).toSize(),
-                             Qt::IgnoreAspectRatio, Qt::SmoothTransformation);
+    image = image.scaled((image.size().toSizeF() * (density / set.density)).toSize(), Qt::IgnoreAspectRatio,
+                         Qt::SmoothTransformation);
   }
-  picture.setDevicePixelRatio(density);
-  return QPixmap::fromImage(std::move(picture));
+  image.setDevicePixelRatio(density);
+  return QPixmap::fromImage(std::move(image));
 }
 
 void CheckPicture(const fs::path &directory, const std::string &name, double density, const QSize &place) {
@@ -124,11 +124,11 @@ void CheckPicture(const fs::path &directory, const std::string &name, double den
   CheckPictureFile(PathOf(directory, name, set.suffix), set.density, place);
 }
 
-QString LoadWords(const fs::path &directory, const std::string &picture) {
+QString LoadPictureText(const fs::path &directory, const std::string &picture) {
   return ReadText(PathOf(directory, picture, TextSuffix));
 }
 
-void CheckWords(const fs::path &directory, const std::string &picture) {
+void CheckPictureText(const fs::path &directory, const std::string &picture) {
   const fs::path file = PathOf(directory, picture, TextSuffix);
   CheckOnce(file, [&] { ReadText(file); });
 }

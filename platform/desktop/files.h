@@ -25,11 +25,11 @@ void CheckPicture(const std::filesystem::path &directory, const std::string &nam
 
 /// The text in an image, for screen readers.
 /// @throws FileError
-QString LoadWords(const std::filesystem::path &directory, const std::string &picture);
+QString LoadPictureText(const std::filesystem::path &directory, const std::string &picture);
 
 /// Checks that this text is loadable.
 /// @throws FileError
-void CheckWords(const std::filesystem::path &directory, const std::string &picture);
+void CheckPictureText(const std::filesystem::path &directory, const std::string &picture);
 
 /// Checks that a document is complete text.
 /// @throws FileError

@@ -26,7 +26,7 @@ FocusRing::FocusRing(QWidget &window, const QColor &color, const QColor &edge)
 
 void FocusRing::Surround(const QWidget *focus) {
   const bool ours = focus && focus->parentWidget() == parentWidget();
-  // A canvas needs no ring: it has the keyboard whenever no box has.
+  // A canvas needs no ring: it has the focus whenever no text box has it.
   if (!ours || dynamic_cast<const CanvasView *>(focus)) {
     hide();
     return;

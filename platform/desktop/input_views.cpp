@@ -23,7 +23,7 @@ template <class Record, class QtWidget> class Field : public View<Record, QtWidg
 public:
   using View<Record, QtWidget>::View;
 
-  void BeNamedBy(QLabel &label) override {
+  void SetLabel(QLabel &label) override {
     if constexpr (!std::is_same_v<QtWidget, QComboBox>) label.setBuddy(this->widget_);
     if (this->model_.AccessibleName.empty()) this->widget_->setAccessibleName(label.text());
   }
@@ -39,7 +39,7 @@ public:
     QObject::connect(widget_, &QLineEdit::textEdited, [this](const QString &text) {
       Post([this, text] {
         model_.Text = text.toStdString();
-        carriedText_ = model_.Text;
+        shownText_ = model_.Text;
         if (model_.KeyPress && !text.isEmpty())
           model_.KeyPress(static_cast<std::int16_t>(text.back().unicode()));
       });
@@ -52,25 +52,25 @@ public:
   }
 
   void TakeFocus() override {
-    CarryOver();
+    Sync();
     widget_->setFocus();
     if (model_.SelLength > 0) widget_->setSelection(model_.SelStart, model_.SelLength);
   }
 
 protected:
-  void CarryOverOwn() override {
-    if (carriedText_ == model_.Text) return;
-    carriedText_ = model_.Text;
+  void SyncOwn() override {
+    if (shownText_ == model_.Text) return;
+    shownText_ = model_.Text;
     widget_->setText(Text(model_.Text));
     widget_->setCursorPosition(0);
   }
 
-  QString Words() const override {
+  QString SpokenText() const override {
     return model_.Text.empty() ? QString() : widget_->accessibleName() + ": " + Text(model_.Text);
   }
 
 private:
-  std::string carriedText_;
+  std::string shownText_;
 };
 
 class ButtonView : public View<CommandButton, QPushButton> {
@@ -113,7 +113,7 @@ public:
   }
 
 protected:
-  void CarryOverOwn() override {
+  void SyncOwn() override {
     QString caption = Text(model_.Caption).replace("&", "&&");
     if (!mnemonic_.isNull()) {
       const auto at = caption.indexOf(mnemonic_, 0, Qt::CaseInsensitive);
@@ -145,14 +145,14 @@ public:
   }
 
 protected:
-  void CarryOverOwn() override {
-    if (carried_ == model_.Value) return;
-    carried_ = model_.Value;
+  void SyncOwn() override {
+    if (shownValue_ == model_.Value) return;
+    shownValue_ = model_.Value;
     widget_->setChecked(model_.Value != 0);
   }
 
 private:
-  int carried_ = -1;
+  int shownValue_ = -1;
 };
 
 /// A list box or a drop-down list.
@@ -164,7 +164,7 @@ public:
       if (filling_) return;
       this->Post([this, row] {
         this->model_.ListIndex = row;
-        carriedRow_ = row;
+        shownRow_ = row;
         if (this->model_.Click) this->model_.Click();
       });
     };
@@ -185,7 +185,7 @@ public:
         option.initFrom(this->widget_);
         const QRect room = this->widget_->style()->subControlRect(
             QStyle::CC_ComboBox, &option, QStyle::SC_ComboBoxEditField, this->widget_);
-        return std::ranges::all_of(carriedRows_, [&](const std::string &row) {
+        return std::ranges::all_of(shownRows_, [&](const std::string &row) {
           return this->widget_->fontMetrics().horizontalAdvance(Text(row)) + 2 * Edge <= room.width();
         });
       });
@@ -193,33 +193,33 @@ public:
   }
 
 protected:
-  void CarryOverOwn() override {
+  void SyncOwn() override {
     filling_ = true;
-    if (carriedRows_ != this->model_.List) {
-      carriedRows_ = this->model_.List;
+    if (shownRows_ != this->model_.List) {
+      shownRows_ = this->model_.List;
       this->widget_->clear();
-      for (const std::string &row : carriedRows_) this->widget_->addItem(Text(row));
-      carriedRow_ = -2;
+      for (const std::string &row : shownRows_) this->widget_->addItem(Text(row));
+      shownRow_ = -2;
     }
-    if (carriedRow_ != this->model_.ListIndex) {
-      carriedRow_ = this->model_.ListIndex;
+    if (shownRow_ != this->model_.ListIndex) {
+      shownRow_ = this->model_.ListIndex;
       if constexpr (std::is_same_v<QtWidget, QListWidget>) {
-        this->widget_->setCurrentRow(carriedRow_);
+        this->widget_->setCurrentRow(shownRow_);
       } else {
-        this->widget_->setCurrentIndex(carriedRow_);
+        this->widget_->setCurrentIndex(shownRow_);
       }
     }
     filling_ = false;
   }
 
-  QString Words() const override {
+  QString SpokenText() const override {
     const auto row = static_cast<std::size_t>(this->model_.ListIndex);
     return row < this->model_.List.size() ? Text(this->model_.List[row]) : QString();
   }
 
 private:
-  std::vector<std::string> carriedRows_;
-  int carriedRow_ = -2;
+  std::vector<std::string> shownRows_;
+  int shownRow_ = -2;
   bool filling_ = false;
 };
 

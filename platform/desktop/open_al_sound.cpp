@@ -24,32 +24,35 @@ namespace {
 constexpr sf_count_t LongestSound = 60L * 48000;   ///< frames
 constexpr std::uintmax_t LargestFile = 16UL << 20; ///< bytes
 
-// A sound is read from its file while it plays: three of them last for half a minute, and whole they would
-// take more memory than the rest of the launch window.
-constexpr int ChunksAhead = 3;                        ///< queued chunks of a playing sound
-constexpr int ChunksPerSecond = 2;                    ///< their length
-constexpr std::chrono::milliseconds RefillEvery{250}; ///< so that a late refill is heard only after a second
+// Sounds are streamed from their files. Three of them last for half a minute, and in memory they would take
+// more than the rest of the launch window.
+constexpr int ChunksPerSecond = 2; ///< sets the length of a chunk
+constexpr int ChunksAhead = 3;     ///< queued chunks of a playing sound
+
+/// A refill may be a second late before there is a gap in the sound.
+constexpr std::chrono::milliseconds RefillEvery{250};
 
 class OpenAlBuffer;
 
-/// The device, its context and the thread that reads on. Kept alive by every buffer.
+/// The device, its context and the thread that refills the queues of playing sounds. Every buffer keeps it
+/// alive.
 class Device {
 public:
   Device() {
     device_ = alcOpenDevice(nullptr);
     if (!device_) throw SoundError("no sound device can be opened");
-    constexpr ALCint NoEffects[] = {ALC_MAX_AUXILIARY_SENDS, 0, 0}; // they'd take memory
+    constexpr ALCint NoEffects[] = {ALC_MAX_AUXILIARY_SENDS, 0, 0}; // saves their memory
     context_ = alcCreateContext(device_, NoEffects);
     if (!context_ || !alcMakeContextCurrent(context_)) {
       if (context_) alcDestroyContext(context_);
       alcCloseDevice(device_);
       throw SoundError("can't create a context on the sound device");
     }
-    reader_ = std::jthread([this](const std::stop_token &end) { ReadOn(end); });
+    refiller_ = std::jthread([this](const std::stop_token &end) { Refill(end); });
   }
   ~Device() {
-    reader_.request_stop();
-    reader_.join();
+    refiller_.request_stop();
+    refiller_.join();
     const std::scoped_lock lock(mutex_);
     alcMakeContextCurrent(nullptr);
     alcDestroyContext(context_);
@@ -58,7 +61,7 @@ public:
   Device(const Device &) = delete;
   Device &operator=(const Device &) = delete;
 
-  /// While the result lives, all calls go to this device, and only the caller's.
+  /// Makes this device current. While the result lives, no other thread uses a device.
   std::unique_lock<std::mutex> Use() {
     std::unique_lock lock(mutex_);
     alcMakeContextCurrent(context_);
@@ -68,13 +71,13 @@ public:
   std::set<OpenAlBuffer *> Buffers;
 
 private:
-  void ReadOn(const std::stop_token &end);
+  void Refill(const std::stop_token &end);
 
   static inline std::mutex mutex_; ///< of all devices, because one context is current in the whole process
   ALCdevice *device_ = nullptr;
   ALCcontext *context_ = nullptr;
-  std::condition_variable_any ended_;
-  std::jthread reader_;
+  std::condition_variable_any ending_;
+  std::jthread refiller_;
 };
 
 void Check(const std::string &what) {
@@ -131,7 +134,7 @@ public:
 
   void Rewind() { sf_seek(file_.get(), 0, SEEK_SET); }
 
-  /// The next samples, at most one chunk; none at the end. A loop begins again there.
+  /// The next chunk of samples; shorter or empty at the end. A loop continues with the beginning.
   std::vector<short> Read(bool loop) {
     const sf_count_t frames = std::max(info_.samplerate / ChunksPerSecond, 1);
     std::vector<short> samples(static_cast<std::size_t>(frames * info_.channels));
@@ -181,7 +184,7 @@ public:
 
   void Play(std::int32_t flags) override {
     const auto use = device_->Use();
-    ReadOn();
+    Refill();
     if (playing_) return;
     loop_ = (flags & DSBPLAY_LOOPING) != 0;
     alGetError();
@@ -197,17 +200,17 @@ public:
 
   void Stop() override {
     const auto use = device_->Use();
-    ReadOn();
+    Refill();
     if (!playing_) return;
-    // Pause keeps the position.
+    // Pausing keeps the position; stopping would not.
     alGetError();
     alSourcePause(source_);
     Check(name_);
     playing_ = false;
   }
 
-  /// Replaces what has been played. The device must be in use.
-  void ReadOn() {
+  /// Replaces the chunks that have been played. Call while the device is in use.
+  void Refill() {
     if (!playing_) return;
     DropPlayed();
     const bool ranDry = Queued() == 0;
@@ -233,7 +236,7 @@ private:
     alDeleteBuffers(count, played.data());
   }
 
-  /// Fills the queue. Returns whether there is anything in it.
+  /// Fills the queue. Returns whether it has any chunk.
   bool Queue() {
     ALint queued = Queued();
     for (; queued < ChunksAhead; ++queued) {
@@ -256,12 +259,12 @@ private:
   bool loop_ = false;
 };
 
-void Device::ReadOn(const std::stop_token &end) {
+void Device::Refill(const std::stop_token &end) {
   std::unique_lock lock(mutex_);
   while (!end.stop_requested()) {
     alcMakeContextCurrent(context_);
-    for (OpenAlBuffer *buffer : Buffers) buffer->ReadOn();
-    ended_.wait_for(lock, end, RefillEvery, [] { return false; });
+    for (OpenAlBuffer *buffer : Buffers) buffer->Refill();
+    ending_.wait_for(lock, end, RefillEvery, [] { return false; });
   }
 }
 

@@ -44,10 +44,10 @@ PlainBox::PlainBox(const MessageBox &box, std::function<void()> answered) : answ
   setMaximumSize(size);
   setPosition(screen()->geometry().center() - QPoint(size.width() / 2, size.height() / 2));
 
-  picture_ = QImage(size, QImage::Format_MonoLSB);
-  picture_.setColorTable({qRgb(255, 255, 255), qRgb(0, 0, 0)});
-  picture_.fill(0);
-  QPainter painter(&picture_);
+  image_ = QImage(size, QImage::Format_MonoLSB);
+  image_.setColorTable({qRgb(255, 255, 255), qRgb(0, 0, 0)});
+  image_.fill(0);
+  QPainter painter(&image_);
   painter.setFont(QGuiApplication::font());
   painter.drawText(words, Qt::TextWordWrap, text);
   painter.drawRect(button_);
@@ -72,8 +72,8 @@ void PlainBox::exposeEvent(QExposeEvent *) {
   const std::uint32_t colours[] = {screen->black_pixel, screen->white_pixel};
   xcb_create_gc(x, context, window, XCB_GC_FOREGROUND | XCB_GC_BACKGROUND, colours);
   const QImage bits = setup->bitmap_format_bit_order == XCB_IMAGE_ORDER_LSB_FIRST
-                          ? picture_
-                          : picture_.convertToFormat(QImage::Format_Mono);
+                          ? image_
+                          : image_.convertToFormat(QImage::Format_Mono);
   xcb_put_image(x, XCB_IMAGE_FORMAT_XY_BITMAP, window, context, static_cast<std::uint16_t>(bits.width()),
                 static_cast<std::uint16_t>(bits.height()), 0, 0, 0, 1,
                 static_cast<std::uint32_t>(bits.sizeInBytes()), bits.constBits());

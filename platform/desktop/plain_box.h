@@ -27,6 +27,6 @@ private:
   void Answer();
 
   std::function<void()> answered_;
-  QImage picture_; ///< one bit per pixel: 0 white, 1 black
+  QImage image_; ///< one bit per pixel: 0 white, 1 black
   QRect button_;
 };

@@ -13,7 +13,7 @@
 
 class Pointer {
 public:
-  ~Pointer() { LetGo(); }
+  ~Pointer() { Release(); }
 
   /// Moves the game's pointer to a position on a grid of 0 to 65535 on each axis of the screen.
   void MoveHome(int gridX, int gridY);
@@ -26,7 +26,7 @@ public:
 
   /// Captures the real pointer over a widget, which then gets all mouse events; null releases it.
   void Hold(QWidget *widget);
-  void LetGo() { Hold(nullptr); }
+  void Release() { Hold(nullptr); }
   bool Held() const { return !widget_.isNull(); }
 
 private:

@@ -22,7 +22,7 @@ public:
   virtual bool Lost() const { return false; }
 };
 
-/// Captures the pointer by the means of the current display. The pointer must already be hidden.
+/// Captures the pointer in the way of the current display. The pointer must already be hidden.
 std::unique_ptr<PointerHold> HoldPointer(QWidget &over, const PointerHold::Moved &moved);
 
 /// Null if the program doesn't run on X.

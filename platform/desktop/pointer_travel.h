@@ -1,8 +1,8 @@
 #pragma once
 
-// The arithmetic of a captured pointer: the motion of the hand, although the pointer is moved back
-// repeatedly, stops at the edges of the screen, and jumps. Independent of any display, so that it can be
-// tested against a simulated one.
+// Computes the motion of the hand while the pointer is captured. The positions of the pointer alone don't
+// tell it: the game keeps moving the pointer back, the edges of the screen stop it, and absolute devices make
+// it jump. Independent of any display, so that it can be tested against a simulated one.
 
 #include <map>
 
@@ -15,9 +15,9 @@ struct Vec2 {
   friend bool operator==(Vec2, Vec2) = default;
 };
 
-/// A display reports a motion twice: the values of the device, then the position of the pointer. A move
-/// requested by a program only changes the position, so the reports of the devices add up to the motion of
-/// the hand.
+/// A display reports a motion twice: first the values of the device, then the position of the pointer. When a
+/// program moves the pointer, only the position is reported. So the values of the devices add up to the
+/// motion of the hand.
 class PointerTravel {
 public:
   enum class Device {
@@ -45,5 +45,5 @@ private:
   };
   std::map<int, Report> reports_; ///< absolute reports, until the position of the pointer gives their meaning
   std::map<int, Vec2> places_;    ///< last positions of absolute devices
-  Vec2 begin_;
+  Vec2 begin_;                    ///< position of the pointer at the start
 };

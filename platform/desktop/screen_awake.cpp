@@ -43,8 +43,8 @@ ScreenAwake::ScreenAwake() {
   Ask(
       request,
       [this](const QVariant &cookie) {
-        takeBack_ = ToScreenSaver("UnInhibit");
-        *takeBack_ << cookie;
+        uninhibit_ = ToScreenSaver("UnInhibit");
+        *uninhibit_ << cookie;
       },
       [this] { AskPortal(); });
 }
@@ -58,12 +58,12 @@ void ScreenAwake::AskPortal() {
   Ask(
       request,
       [this](const QVariant &handle) {
-        takeBack_ = QDBusMessage::createMethodCall(Service, handle.value<QDBusObjectPath>().path(),
-                                                   "org.freedesktop.portal.Request", "Close");
+        uninhibit_ = QDBusMessage::createMethodCall(Service, handle.value<QDBusObjectPath>().path(),
+                                                    "org.freedesktop.portal.Request", "Close");
       },
-      [] {}); // a desktop without either may blank its screen
+      [] {}); // a desktop that offers neither may blank its screen
 }
 
 ScreenAwake::~ScreenAwake() {
-  if (takeBack_) QDBusConnection::sessionBus().send(*takeBack_);
+  if (uninhibit_) QDBusConnection::sessionBus().send(*uninhibit_);
 }

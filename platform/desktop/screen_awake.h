@@ -19,5 +19,5 @@ private:
   void Ask(const QDBusMessage &request, Answered answered, Refused refused);
   void AskPortal();
 
-  std::optional<QDBusMessage> takeBack_; ///< ends the inhibition, once granted
+  std::optional<QDBusMessage> uninhibit_; ///< request that ends the inhibition; set once it is granted
 };

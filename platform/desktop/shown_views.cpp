@@ -32,7 +32,7 @@ public:
       widget_->setFrameStyle(QFrame::Box | QFrame::Plain);
       widget_->setAutoFillBackground(true);
       widget_->setMargin(Margin);
-      widget_->setIndent(0); // nine lines fill the frame
+      widget_->setIndent(0); // leaves room for nine lines of text
     }
   }
 
@@ -46,12 +46,12 @@ public:
   }
 
 protected:
-  void CarryOverOwn() override {
+  void SyncOwn() override {
     if (widget_->text() == Text(model_.Caption)) return;
     widget_->setText(Text(model_.Caption));
     if (full_) Fit();
   }
-  QString Words() const override {
+  QString SpokenText() const override {
     return Text(model_.AccessibleName.empty() ? model_.Caption : model_.AccessibleName);
   }
   /// On the toolkit's background, which is dark on some desktops, the toolkit chooses a readable colour.
@@ -70,13 +70,13 @@ public:
     widget_->setAutoFillBackground(true);
     widget_->setAlignment(Qt::AlignLeft | Qt::AlignTop);
     widget_->setPixmap(LoadPicture(machine, parent, model.Picture));
-    widget_->setAccessibleName(LoadWords(machine.AppPath(), model.Picture));
+    widget_->setAccessibleName(LoadPictureText(machine.AppPath(), model.Picture));
     // The box is as large as its image, because a larger place would show an empty edge.
     widget_->resize(widget_->pixmap().deviceIndependentSize().toSize());
   }
 
 protected:
-  void CarryOverOwn() override {}
+  void SyncOwn() override {}
 };
 
 /// A document that scrolls by wheel, bar and keys, although a button has the keyboard focus.
@@ -126,7 +126,7 @@ public:
   }
 
 protected:
-  void CarryOverOwn() override {}
+  void SyncOwn() override {}
 
 private:
   struct PressFilter : QObject {
@@ -153,7 +153,7 @@ public:
   }
 
 protected:
-  void CarryOverOwn() override {
+  void SyncOwn() override {
     const auto share = [&](float value) { return (value - model_.Min) / (model_.Max - model_.Min); };
     MeterWidget::Face face{share(model_.Value), model_.Scale, model_.Ghost, share(model_.CapFrom),
                            model_.CapLit};
@@ -168,7 +168,7 @@ public:
   using View::View;
 
 protected:
-  void CarryOverOwn() override {}
+  void SyncOwn() override {}
   bool OwnColor() const override { return true; }
 };
 
@@ -177,7 +177,7 @@ public:
   using View::View;
 
 protected:
-  void CarryOverOwn() override {}
+  void SyncOwn() override {}
   bool OwnColor() const override { return true; }
 };
 

@@ -26,7 +26,7 @@ public:
 protected:
   void Post(std::function<void()> call) { machine_.Post(window_, std::move(call)); }
 
-  /// A substitute for a missing typeface may be wider, and would be cut off.
+  /// Shrinks the text until it fits, because a substitute for a missing typeface may be wider.
   template <class Fits> void ShrinkFontUntil(Fits fits) {
     constexpr int SmallestFont = 8; // pixels
     QFont font = widget_->font();

@@ -20,7 +20,7 @@ QRect PlaceOf(const BackPicture &picture, const QPixmap &pixmap) {
   return {picture.Left, picture.Top, size.width() / picture.Columns, size.height()};
 }
 
-/// Whether the game paints the background, which is then dark, rather than the toolkit.
+/// Whether the game paints the background, and not the toolkit. The backgrounds of the game are dark.
 bool PaintsBackground(const Window &window) { return window.HasBackColor || !window.Picture.empty(); }
 
 } // namespace
@@ -36,8 +36,8 @@ WindowView::WindowView(DesktopMachine &machine, Window &window)
   announcedCaption_ = windowTitle();
   if (!window.Picture.empty()) {
     background_ = LoadPicture(machine, *this, window.Picture);
-    auto *words = new PictureWords(*this, LoadWords(machine.AppPath(), window.Picture));
-    words->resize(size());
+    auto *text = new PictureText(*this, LoadPictureText(machine.AppPath(), window.Picture));
+    text->resize(size());
   }
   QWidget *last = nullptr;
   QLabel *label = nullptr;
@@ -46,7 +46,7 @@ WindowView::WindowView(DesktopMachine &machine, Window &window)
     views_.push_back(MakeView(machine, window, *control, *this));
     views_.back()->ChooseMnemonic(mnemonics);
     QWidget *widget = views_.back()->Widget();
-    if (label) views_.back()->BeNamedBy(*label);
+    if (label) views_.back()->SetLabel(*label);
     label = dynamic_cast<Label *>(control) ? qobject_cast<QLabel *>(widget) : nullptr;
     if (widget->focusPolicy() == Qt::NoFocus) continue;
     if (last) setTabOrder(last, widget);
@@ -63,20 +63,20 @@ WindowView::WindowView(DesktopMachine &machine, Window &window)
 
 WindowView::~WindowView() = default;
 
-void WindowView::CarryOver() {
+void WindowView::Sync() {
   const QString caption = QString::fromStdString(window_.Caption);
   if (windowTitle() != caption) setWindowTitle(caption);
-  CarryOverBackPictures();
-  for (const auto &view : views_) view->CarryOver();
+  SyncBackPictures();
+  for (const auto &view : views_) view->Sync();
   if (isActiveWindow()) Announce(caption);
 }
 
 void WindowView::Announce(const QString &caption) {
   QStringList news;
-  // Screen readers read the initial title themselves.
+  // Screen readers read the initial caption themselves.
   if (std::exchange(announcedCaption_, caption) != caption) news += caption;
   for (const auto &view : views_) {
-    if (const QString words = view->News(); !words.isEmpty()) news += words;
+    if (const QString text = view->News(); !text.isEmpty()) news += text;
   }
   if (!news.isEmpty()) announcer_->Say(news.join('\n'));
 }
@@ -88,7 +88,7 @@ const QPixmap &WindowView::BackPixmap(const std::string &name) {
   return found->second;
 }
 
-void WindowView::CarryOverBackPictures() {
+void WindowView::SyncBackPictures() {
   backPictures_.resize(window_.BackPictures.size());
   for (std::size_t i = 0; i < backPictures_.size(); ++i) {
     const BackPicture &now = *window_.BackPictures[i];
@@ -101,7 +101,7 @@ void WindowView::CarryOverBackPictures() {
   }
 }
 
-void WindowView::BelongTo(const WindowView &owner) {
+void WindowView::SetOwner(const WindowView &owner) {
   setWindowFlag(Qt::Dialog); // Qt tells the window manager the owner only of a dialog
   winId();                   // creates the native window
   windowHandle()->setTransientParent(owner.windowHandle());

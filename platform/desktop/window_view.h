@@ -1,7 +1,6 @@
 #pragma once
 
-// The desktop window of a `Window` record, with one widget for each control. Changed properties are copied at
-// each pump.
+// The desktop window of a `Window` record, with one widget for each control. `Sync` runs at each pump.
 
 #include "platform/desktop/canvas_view.h"
 #include "platform/desktop/control_view.h"
@@ -27,8 +26,8 @@ public:
   Window &Model() { return window_; }
   const Window &Model() const { return window_; }
 
-  void CarryOver();
-  void BelongTo(const WindowView &owner); ///< stays above the owner; call before `Open`
+  void Sync();                            ///< copies the changed properties to the widgets
+  void SetOwner(const WindowView &owner); ///< keeps this window above the owner; call before `Open`
   void Open();                            ///< shows the window, centred and active
   void SetFocusTo(const Control &control);
   CanvasView *FindCanvas(const Canvas &canvas) const;
@@ -36,8 +35,8 @@ public:
 
   bool Painted() const { return painted_; } ///< at least once
 
-  /// Whether it has been the active window long enough for the mouse press that activated it to have arrived;
-  /// the press follows the focus.
+  /// Whether the window has been active for so long that the mouse press that activated it must have arrived.
+  /// The press arrives after the change of focus.
   bool Settled() const;
 
 protected:
@@ -49,7 +48,7 @@ protected:
   void changeEvent(QEvent *event) override;
 
 private:
-  void CarryOverBackPictures();
+  void SyncBackPictures();
   void Announce(const QString &caption); ///< announces every text that has changed, also the caption
   const QPixmap &BackPixmap(const std::string &name);
 
@@ -59,7 +58,7 @@ private:
   std::vector<BackPicture> backPictures_; ///< as last copied
   std::map<std::string, QPixmap> backPixmaps_;
   bool painted_ = false;
-  QPoint corner_;            ///< of the content; not the origin if the window has been stretched
+  QPoint corner_;            ///< top left of the content; (0, 0) unless the window has been stretched
   QElapsedTimer activation_; ///< time since activation or deactivation
   std::vector<std::unique_ptr<ControlView>> views_;
   Announcer *announcer_;     ///< owned by this widget

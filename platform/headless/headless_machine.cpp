@@ -68,7 +68,7 @@ void HeadlessMachine::Show(Window &window) {
 void HeadlessMachine::Hide(Window &window) {
   window.Visible = false;
   std::erase(Shown, &window);
-  Forget(window);
+  DropEvents(window);
   if (Focus && std::ranges::find(window.Controls, Focus) != window.Controls.end()) Focus = nullptr;
 }
 

@@ -66,7 +66,7 @@ void CheckImageFile(const std::filesystem::path &file) {
   CheckOnce(file, [&] { Parse(file, LargestTexture, CheckBitmap); });
 }
 
-void ForgetFiles() {
+void ClearFileCache() {
   Entries<MeshData>().clear();
   Entries<ImageData>().clear();
 }

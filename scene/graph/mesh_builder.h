@@ -55,7 +55,7 @@ struct MeshData {
   std::vector<FaceColor> FaceColors;                 ///< one per face
 };
 
-/// Reads a DirectX mesh file. Cached until `ForgetFiles`.
+/// Reads a DirectX mesh file. Cached until `ClearFileCache`.
 /// @throws SceneError  if it can't be read; names the file and says why
 Ref<const MeshData> ReadMeshFile(const std::filesystem::path &file);
 

@@ -36,7 +36,7 @@ struct ImageData {
   std::vector<std::uint8_t> Pixels;
 };
 
-/// Reads a bitmap. Cached until `ForgetFiles`.
+/// Reads a bitmap. Cached until `ClearFileCache`.
 /// @throws SceneError  if it can't be read; names the file and says why
 Ref<const ImageData> ReadImageFile(const std::filesystem::path &file);
 
@@ -50,11 +50,11 @@ public:
   explicit Direct3DRMTexture(std::filesystem::path file)
       : file_(std::move(file)), image_(ReadImageFile(file_)) {}
 
-  /// The image, read again after `GiveBack`.
+  /// The image; after `ReleaseImage` it is read from the file again.
   Ref<const ImageData> Image() const { return image_ ? image_ : ReadImageFile(file_); }
 
-  /// Releases the image, once the renderer has uploaded it.
-  void GiveBack() { image_.reset(); }
+  /// Frees the image, once the renderer has uploaded it.
+  void ReleaseImage() { image_.reset(); }
 
 private:
   std::filesystem::path file_;
@@ -62,4 +62,4 @@ private:
 };
 
 /// Clears the cache of files. Meshes and textures keep their own data.
-void ForgetFiles();
+void ClearFileCache();

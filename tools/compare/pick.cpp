@@ -2,6 +2,7 @@
 // their ratio.
 
 #include "scene/graph/triangle_tree.h"
+#include "tools/median.h"
 
 #include <embree3/rtcore.h>
 
@@ -48,11 +49,6 @@ double Time(const std::vector<D3DRMRAY> &rays, std::vector<double> &distances, P
   const std::clock_t start = std::clock();
   for (std::size_t i = 0; i < rays.size(); ++i) distances[i] = pick(rays[i]);
   return static_cast<double>(std::clock() - start) * 1e9 / CLOCKS_PER_SEC / static_cast<double>(rays.size());
-}
-
-double Median(std::vector<double> values) {
-  std::ranges::sort(values);
-  return values[values.size() / 2];
 }
 
 /// @returns whether both found the same distances

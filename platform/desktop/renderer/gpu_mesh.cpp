@@ -149,7 +149,7 @@ void GpuMesh::UploadCoordinates(const MeshData &data) {
 void GpuMesh::UploadLight(const Direct3DRMMeshBuilder3 &mesh, const Transform &place) {
   const MeshData &data = mesh.Data();
   const ColorValue emissive = mesh.Material() ? mesh.Material()->Emissive : ColorValue{};
-  const bool pictured = mesh.Texture() != nullptr;
+  const bool textured = mesh.Texture() != nullptr;
   const QMatrix4x4 toWorld = MatrixOf(place);
   const auto turned = [&](const Vector &v) {
     const QVector3D to = toWorld.mapVector(QVector3D(v.x, v.y, v.z));
@@ -165,13 +165,13 @@ void GpuMesh::UploadLight(const Direct3DRMMeshBuilder3 &mesh, const Transform &p
     }
     const Vector from = turned(data.Positions[corner.Index]);
     const Vector at{from.x + place.Origin.x, from.y + place.Origin.y, from.z + place.Origin.z};
-    light.push_back(LightOf(at, turned(data.Normals[corner.Index]), color, emissive, pictured));
+    light.push_back(LightOf(at, turned(data.Normals[corner.Index]), color, emissive, textured));
   }
   Fill(light_, light);
 }
 
 void GpuMesh::Draw(Faces faces) {
-  const GLsizei first = faces == Faces::Pictured ? plainCount_ : 0;
+  const GLsizei first = faces == Faces::Textured ? plainCount_ : 0;
   const GLsizei end = faces == Faces::Plain ? plainCount_ : indexCount_;
   if (first == end) return;
   array_.bind();

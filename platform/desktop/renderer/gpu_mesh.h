@@ -23,8 +23,8 @@ public:
   /// pixel.
   bool IsPaint(const Direct3DRMMeshBuilder3 &mesh) const;
 
-  /// Faces of which nothing shows the texture come first: they are drawn without it.
-  enum class Faces { All, Plain, Pictured };
+  /// `Plain` faces show nothing of the texture and are drawn without it. They come first in the index buffer.
+  enum class Faces { All, Plain, Textured };
   void Draw(Faces faces);
 
   const Bounds &Box() const { return box_; }

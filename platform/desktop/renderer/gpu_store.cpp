@@ -6,7 +6,7 @@ namespace {
 
 constexpr GLenum AnisotropyParameter = 0x84FE; ///< of EXT_texture_filter_anisotropic
 
-// A view up to this height never shows more of a distant texture than so many pixels.
+// In a view up to this height a distant texture never covers more pixels than this.
 constexpr int SmallView = 400;      ///< pixels
 constexpr int LargestDistant = 512; ///< pixels, width and height
 
@@ -29,16 +29,16 @@ ImageData Halved(const ImageData &image) {
 
 } // namespace
 
-GpuStore::~GpuStore() { ForgetTextures(); }
+GpuStore::~GpuStore() { DeleteTextures(); }
 
-void GpuStore::ForgetTextures() {
+void GpuStore::DeleteTextures() {
   for (const auto &[texture, name] : textures_) gl_.glDeleteTextures(1, &name);
   textures_.clear();
 }
 
 void GpuStore::SetView(int height) {
   const bool small = height <= SmallView && anisotropy_ <= 0.0f;
-  if (small != smallView_) ForgetTextures();
+  if (small != smallView_) DeleteTextures();
   smallView_ = small;
 }
 
@@ -59,7 +59,7 @@ GLuint GpuStore::Texture(const Ref<Direct3DRMTexture> &texture, bool distant) {
   gl_.glTexImage2D(GL_TEXTURE_2D, 0, GL_RGBA8, image->Width, image->Height, 0, GL_RGBA, GL_UNSIGNED_BYTE,
                    image->Pixels.data());
   gl_.glGenerateMipmap(GL_TEXTURE_2D);
-  texture->GiveBack();
+  texture->ReleaseImage();
   gl_.glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MIN_FILTER,
                       anisotropy_ > 0.0f ? GL_LINEAR_MIPMAP_LINEAR : GL_LINEAR_MIPMAP_NEAREST);
   gl_.glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MAG_FILTER, GL_LINEAR);

@@ -16,15 +16,16 @@ public:
   GpuStore &operator=(const GpuStore &) = delete;
 
   GpuMesh &Mesh(const Ref<Direct3DRMMeshBuilder3> &mesh);
-  /// @param distant  seen only from afar: in a small view it takes less memory, which on software OpenGL is
-  ///                 the program's own
+  /// @param distant  whether it is seen only from afar; such a texture is uploaded at a lower resolution for
+  /// a
+  ///                 small view, because software OpenGL keeps textures in the program's own memory
   GLuint Texture(const Ref<Direct3DRMTexture> &texture, bool distant);
 
-  /// @param height  of the view, pixels
+  /// @param height  of the frame, pixels
   void SetView(int height);
 
 private:
-  void ForgetTextures();
+  void DeleteTextures();
 
   Gl &gl_;
   float anisotropy_;

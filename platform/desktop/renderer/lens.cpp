@@ -6,65 +6,72 @@
 
 namespace {
 
-// The target's width in the frame falls with a root of its distance.
-constexpr float NearShare = 0.34f;    ///< of the picture's width, by a target at `NearDistance`
-constexpr float NearDistance = 36.4f; ///< scene units: from the camera at rest to the start of a possession
-constexpr float LargestShare = 0.42f; ///< however near the target is
+// The target covers the share `NearShare` * (`NearDistance` / distance) ^ (1 / `ShareRoot`) of the frame's
+// width, at most `LargestShare`. With an exponent of 1 the field of view would be constant.
+constexpr float NearShare = 0.34f;
+constexpr float NearDistance = 36.4f; ///< from the initial camera to the start of a possession, scene units
+constexpr float LargestShare = 0.42f;
 constexpr float ShareRoot = 2.4f;
 
-// The height of the target's place: the lower third where it is seen from the side, near the middle from
-// above.
-constexpr float LowPlace = -0.58f;  ///< -1 is the picture's bottom, 1 its top
-constexpr float HighPlace = -0.22f; ///< of a target seen from `Steep` or steeper
-constexpr float Steep = 0.78f;      ///< radians below the horizon
+// The target's height in the frame: the lower third if seen from the side, nearer to the centre from above.
+constexpr float LowPlace = -0.58f;  ///< at the camera's own level; -1 is the bottom of the frame, 1 the top
+constexpr float HighPlace = -0.22f; ///< `Steep` or more below the camera
+constexpr float Steep = 0.78f;      ///< radians
 
-constexpr float WidestHalf = 0.70f;  ///< radians: half of the widest horizontal angle
-constexpr float TallestHalf = 0.60f; ///< radians: half of the widest vertical angle
-constexpr float Room = 0.06f;        ///< radians between what is held and the picture's border
-constexpr float TargetRoom = 0.8f;   ///< of the target's width, from its middle to the picture's border
+// Limits of the field of view.
+constexpr float WidestHalf = 0.70f;  ///< half of the horizontal angle, radians
+constexpr float TallestHalf = 0.60f; ///< half of the vertical angle, radians
 
-constexpr float Jump = 12.0f;      ///< scene units from frame to frame: above it there is a cut
-constexpr float AtTarget = 6.0f;   ///< scene units between the target and what belongs to it, as its aim does
-constexpr float AimAhead = 45.0f;  ///< scene units of the aim that are held, from the target on ...
-constexpr float AimHalf = 5.0f;    ///< half its width
-constexpr float AimBehind = 7.0f;  ///< ... and behind it
-constexpr float EdgeReach = 32.0f; ///< scene units from the target within which the table's edge is held
-constexpr float LeastLoss = 0.002f; ///< of its speed, from frame to frame, by a target that will stop
-constexpr float Level = 0.0001f;    ///< scene units a frame, up or down, of what slides
-constexpr float EaseShare = 0.25f;  ///< of the way to the wanted framing, each frame
-constexpr float Still = 0.0005f;    ///< radians, or of the height, below which nothing is left of that way
-// While the camera rests, small motions of the aim don't move the view: it would swim.
-constexpr float Slack = 0.05f;        ///< radians, less than `Room`
-constexpr float HeightSlack = 0.15f;  ///< of the height
-constexpr float SteepestPitch = 1.5f; ///< radians
+// Distances to the border of the frame.
+constexpr float Margin = 0.06f;      ///< of every point that must be visible, radians
+constexpr float TargetMargin = 0.8f; ///< of the target's centre, target widths
+// A result card covers the right side of the frame. The target stays to the left of it.
+constexpr float CardSide = 0.42f; ///< largest x of the target; 0 is the centre of the frame, 1 the border
 
-constexpr float HoldReach =
-    0.95f; ///< radians aside of the target: what moves farther off can't be held with it
-constexpr float StopReach =
-    0.70f; ///< radians aside of the target that are shown of the way to where it will stop
-constexpr float NearerStop = 0.95f; ///< of the way to the stop, until it is within that
-constexpr float Aside = 1.4f;       ///< radians aside of the picture's middle: a picture is never so wide
-constexpr float CardSide =
-    0.42f; ///< of the way from the picture's middle to its right: cards begin a little beyond
+// Which points must be visible besides the target.
+constexpr float AtTarget = 6.0f;    ///< largest distance from the aim's origin to the target, scene units
+constexpr float AimAhead = 45.0f;   ///< part of the aim ahead of its origin, scene units
+constexpr float AimBehind = 7.0f;   ///< part behind it, scene units
+constexpr float AimHalf = 5.0f;     ///< part on either side of it, scene units
+constexpr float EdgeReach = 32.0f;  ///< largest distance from the table's edge to the target, scene units
+constexpr float PointReach = 0.95f; ///< largest yaw from the target at which a point can be shown, radians
+constexpr float StopReach = 0.70f;  ///< the same for the point where the target will stop, radians
+constexpr float StopStep = 0.95f;   ///< factor by which a farther stop is brought nearer, repeatedly
+constexpr float WidestYaw = 1.4f;   ///< from the frame's centre, radians; no frame is so wide
+
+// How a sliding target is recognised.
+constexpr float LeastLoss = 0.002f;    ///< loss of speed per frame, as a share of the speed
+constexpr float LevelMotion = 0.0001f; ///< largest vertical motion, scene units per frame
+
+// Motion of the view.
+constexpr float Jump = 12.0f;         ///< motion between two frames above which the view cuts, scene units
+constexpr float EaseShare = 0.25f;    ///< share of the remaining difference that each frame covers
+constexpr float Still = 0.0005f;      ///< difference that ends the easing, radians or logarithm of the height
+constexpr float SteepestPitch = 1.5f; ///< of the view, radians
+// While camera and target rest, smaller changes of the wanted framing don't move the view: it would sway with
+// the aim.
+constexpr float Slack = 0.05f;       ///< radians, less than `Margin`
+constexpr float HeightSlack = 0.15f; ///< logarithm of the height
 
 QVector3D V(const Vector &v) { return {v.x, v.y, v.z}; }
 Vector V(const QVector3D &v) { return {v.x(), v.y(), v.z()}; }
 float Distance(const Vector &a, const Vector &b) { return (V(a) - V(b)).length(); }
 
-// A camera never rolls: its right hand lies level and tells its heading even where it looks straight down.
+// The camera never rolls, so its right vector is horizontal. Yaw is computed from that vector because the
+// direction has no yaw when the camera looks straight down.
 float YawOf(const Transform &camera) { return std::atan2(-camera.Right.z, camera.Right.x); }
 float PitchOf(const Transform &camera) { return std::asin(std::clamp(camera.Direction.y, -1.0f, 1.0f)); }
 
-Vector Mapped(const Transform &t, const Vector &v) { return V(MatrixOf(t).map(V(v))); }
+Vector ToScene(const Transform &t, const Vector &v) { return V(MatrixOf(t).map(V(v))); }
 
-/// The direction of a place from the camera, radians.
-struct Sight {
-  float Yaw;   ///< from the camera's heading to the right
+/// The direction from the camera to a point, radians.
+struct Bearing {
+  float Yaw;   ///< to the right of the camera's direction
   float Pitch; ///< above the horizon
 };
 
-Sight See(const Transform &camera, const Vector &place) {
-  const QVector3D way = V(place) - V(camera.Origin);
+Bearing BearingOf(const Transform &camera, const Vector &point) {
+  const QVector3D way = V(point) - V(camera.Origin);
   const float level = std::hypot(way.x(), way.z());
   return {std::remainder(std::atan2(way.x(), way.z()) - YawOf(camera), 6.2831853f),
           std::atan2(way.y(), level)};
@@ -73,29 +80,32 @@ Sight See(const Transform &camera, const Vector &place) {
 /// A range of angles, radians.
 struct Range {
   float Low, High;
-  void Take(float angle, float room) {
-    Low = std::min(Low, angle - room);
-    High = std::max(High, angle + room);
+  void Include(float angle, float margin) {
+    Low = std::min(Low, angle - margin);
+    High = std::max(High, angle + margin);
   }
   float Half() const { return (High - Low) / 2; }
 };
 
-/// The middle of a picture of `half` to both sides that shows a range, as near to `wanted` as can be. Where
-/// the range doesn't fit, the picture shows as much of it as `must` leaves room for.
-float Middle(const Range &range, float half, float wanted, const Range &must) {
+/// Finds the centre of a frame that spans `half` radians to either side and contains a range of angles.
+/// Returns the centre closest to `wanted`. If the range is wider than the frame, returns the centre closest
+/// to the middle of the range at which the frame still contains `must`.
+float CentreOf(const Range &range, float half, float wanted, const Range &must) {
   if (range.Half() <= half) return std::clamp(wanted, range.High - half, range.Low + half);
   const float low = must.High - half, high = must.Low + half;
   return std::clamp((range.Low + range.High) / 2, std::min(low, high), std::max(low, high));
 }
 
-/// Where a target that slides and slows down will stop: it loses the same speed at each step.
+/// The point where a sliding target will stop; nothing if it isn't slowing down. It loses the same speed in
+/// every frame, so from speed v with the loss a it slides another v^2 / (2 a), as under constant
+/// deceleration.
 std::optional<Vector> StopOf(const Vector &target, const QVector3D &step, const QVector3D &lastStep) {
   const float speed = step.length(), loss = lastStep.length() - speed;
-  if (speed == 0.0f || loss < LeastLoss * speed || std::abs(step.y()) > Level) return {};
+  if (speed == 0.0f || loss < LeastLoss * speed || std::abs(step.y()) > LevelMotion) return {};
   return V(V(target) + step * (speed / (2 * loss)));
 }
 
-/// The point of the table's edge that lies nearest to the target, if it is near.
+/// The point of the table's edge nearest to the target; nothing if the target is farther than `EdgeReach`.
 std::optional<Vector> EdgeNear(std::span<const Seen> scene, const Vector &target) {
   Bounds table;
   for (const Seen &seen : scene) {
@@ -105,14 +115,14 @@ std::optional<Vector> EdgeNear(std::span<const Seen> scene, const Vector &target
   Vector edge{std::clamp(target.x, table.Low.x, table.High.x), table.High.y,
               std::clamp(target.z, table.Low.z, table.High.z)};
   const float toSide = table.High.x - std::abs(target.x), toEnd = table.High.z - std::abs(target.z);
-  if (std::min(toSide, toEnd) > 0.0f) { // above the table
+  if (std::min(toSide, toEnd) > 0.0f) { // over the table, where clamping leaves x and z as they are
     (toSide < toEnd ? edge.x : edge.z) = std::copysign(table.High.x, toSide < toEnd ? target.x : target.z);
   }
   if (Distance(edge, target) > EdgeReach) return {};
   return edge;
 }
 
-/// Moves a value a share of the way to another. Returns whether it has arrived.
+/// Moves a value toward another by `EaseShare` of the difference. Returns whether it has arrived.
 bool Approach(float &value, float to, float still) {
   value = std::abs(to - value) <= still ? to : value + (to - value) * EaseShare;
   return value == to;
@@ -126,7 +136,7 @@ bool Lens::Near(const Framing &a, const Framing &b) {
 }
 
 bool Lens::Ease(Framing &framing, const Framing &to) {
-  // Heights ease on a logarithmic scale, so that zooming in and out takes the same time.
+  // The logarithm of the height is eased, so that zooming in and zooming out take the same time.
   float height = std::log(framing.Height), toHeight = std::log(to.Height);
   const bool there = Approach(height, toHeight, Still);
   framing.Height = there ? to.Height : std::exp(height);
@@ -146,13 +156,15 @@ View Lens::Next(const Direct3DRMFrame3 &camera, std::span<const Seen> scene, flo
   const QVector3D step = V(target) - V(target_);
   const bool cut = !started_ || Distance(from.Origin, from_.Origin) > Jump || step.length() > Jump;
   FollowMovers(scene, looked.get(), cut, step.length() > 0);
-  const auto held = Held(from, scene, *subject, cut ? QVector3D() : step);
-  const bool swings = (cut || step.length() == 0) && std::ranges::any_of(movers_, &Mover::Moves);
-  const Framing wanted = Wanted(from, *subject, held, swings, aspect);
+  const auto points = PointsToShow(from, scene, *subject, cut ? QVector3D() : step);
+  // The only meshes that move while the target rests are the posts. They go from side to side, so equal room
+  // on both sides avoids a later change of the view.
+  const bool symmetric = (cut || step.length() == 0) && std::ranges::any_of(movers_, &Mover::Moves);
+  const Framing wanted = Wanted(from, *subject, points, symmetric, aspect);
   const bool still = started_ && from == from_ && step.length() == 0;
   if (!still || !Near(wanted, wanted_)) wanted_ = wanted;
 
-  // Easing twice starts a change as softly as it ends.
+  // Two easings in series, so that the view also accelerates smoothly.
   if (cut) approached_ = framing_ = wanted_;
   const bool approached = Ease(approached_, wanted_), framed = Ease(framing_, approached_);
   settled_ = approached && framed;
@@ -170,8 +182,8 @@ View Lens::Next(const Direct3DRMFrame3 &camera, std::span<const Seen> scene, flo
           framing_.Height};
 }
 
-/// Finds the meshes that move besides the target, and the space they cover. While the target rests that space
-/// is all they have covered since the cut, so that the view doesn't swing with the posts.
+/// Updates the meshes other than the target. While the target rests, the box of a moving mesh covers its
+/// whole path since the last cut, so that the view doesn't follow the posts from side to side.
 void Lens::FollowMovers(std::span<const Seen> scene, const Direct3DRMFrame3 *target, bool cut,
                         bool targetMoves) {
   std::vector<Mover> now;
@@ -179,10 +191,11 @@ void Lens::FollowMovers(std::span<const Seen> scene, const Direct3DRMFrame3 *tar
     if (seen.Frame == target) continue;
     const auto last = std::ranges::find(movers_, seen.Frame, &Mover::Frame);
     const bool known = last != movers_.end();
-    const float way = known ? Distance(seen.Place.Origin, last->Origin) : 0.0f;
-    const bool moves = (way > 0.0f && way <= Jump) || (known && last->Moves && !cut);
+    const float moved = known ? Distance(seen.Place.Origin, last->Origin) : 0.0f;
+    const bool moves = (moved > 0.0f && moved <= Jump) || (known && last->Moves && !cut);
     Bounds covered = Moved(seen.Box, seen.Place);
-    // Only the bar of the posts, at their frame's origin, and what is above it must be in the frame.
+    // Only the part above the origin has to be visible: of the posts, whose origin is at the bar, not the
+    // foot.
     covered.Low.y = std::clamp(seen.Place.Origin.y, covered.Low.y, covered.High.y);
     if (known && last->Moves && !cut && !targetMoves) {
       covered.Widen(last->Covered.Low);
@@ -193,18 +206,20 @@ void Lens::FollowMovers(std::span<const Seen> scene, const Direct3DRMFrame3 *tar
   movers_ = std::move(now);
 }
 
-/// The places that the frame should hold besides the target.
-std::vector<Vector> Lens::Held(const Transform &camera, std::span<const Seen> scene, const Seen &subject,
-                               const QVector3D &step) const {
+/// The points that the frame should contain besides the target.
+std::vector<Vector> Lens::PointsToShow(const Transform &camera, std::span<const Seen> scene,
+                                       const Seen &subject, const QVector3D &step) const {
   const Vector &target = subject.Place.Origin;
-  std::vector<Vector> held;
+  std::vector<Vector> points;
   for (const Mover &mover : movers_) {
-    for (int corner = 0; mover.Moves && corner < 8; ++corner) held.push_back(mover.Covered.Corner(corner));
+    for (int corner = 0; mover.Moves && corner < 8; ++corner) points.push_back(mover.Covered.Corner(corner));
   }
-  const float own = See(camera, target).Yaw;
-  std::erase_if(held,
-                [&](const Vector &place) { return std::abs(See(camera, place).Yaw - own) > HoldReach; });
+  const float own = BearingOf(camera, target).Yaw;
+  std::erase_if(
+      points, [&](const Vector &point) { return std::abs(BearingOf(camera, point).Yaw - own) > PointReach; });
   for (const Seen &seen : scene) {
+    // The aim is a mesh at the target that isn't ground. It is as long as the field, so only its near part
+    // counts.
     if (seen.Frame == subject.Frame || IsWide(seen.Box) || Distance(seen.Place.Origin, target) > AtTarget)
       continue;
     Bounds aim = seen.Box;
@@ -212,57 +227,63 @@ std::vector<Vector> Lens::Held(const Transform &camera, std::span<const Seen> sc
     aim.High.z = std::min(aim.High.z, AimBehind);
     aim.Low = {std::max(aim.Low.x, -AimHalf), 0, aim.Low.z};
     aim.High = {std::min(aim.High.x, AimHalf), 0, aim.High.z};
-    for (int corner = 0; corner < 8; ++corner) held.push_back(Mapped(seen.Place, aim.Corner(corner)));
+    for (int corner = 0; corner < 8; ++corner) points.push_back(ToScene(seen.Place, aim.Corner(corner)));
   }
   if (auto stop = StopOf(target, step, step_)) {
-    while (std::abs(See(camera, *stop).Yaw - own) > StopReach)
-      stop = V(V(target) + (V(*stop) - V(target)) * NearerStop);
-    held.push_back(*stop);
+    while (std::abs(BearingOf(camera, *stop).Yaw - own) > StopReach)
+      stop = V(V(target) + (V(*stop) - V(target)) * StopStep);
+    points.push_back(*stop);
   }
-  if (const auto edge = EdgeNear(scene, target)) held.push_back(*edge);
-  return held;
+  if (const auto edge = EdgeNear(scene, target)) points.push_back(*edge);
+  return points;
 }
 
-Lens::Framing Lens::Wanted(const Transform &camera, const Seen &subject, std::span<const Vector> held,
-                           bool swings, float aspect) const {
+/// The framing that shows the target and these points. Yaw and pitch are treated as independent of each
+/// other, except for the effect of perspective on the height of a point at the side.
+///
+/// @param symmetric  whether to leave equal room on both sides of the target
+Lens::Framing Lens::Wanted(const Transform &camera, const Seen &subject, std::span<const Vector> points,
+                           bool symmetric, float aspect) const {
   const float width = subject.Box.Extent();
   const float distance = std::max(Distance(camera.Origin, subject.Place.Origin), NearPlane);
   const float share = NearShare * std::pow(NearDistance / distance, 1 / ShareRoot);
-  const float room = TargetRoom * width / distance;
-  const Sight own = See(camera, subject.Place.Origin);
+  const float margin = TargetMargin * width / distance;
+  const Bearing own = BearingOf(camera, subject.Place.Origin);
   Framing framing;
+  // At this distance the frame is distance * Height * aspect wide, and the target is width wide.
   framing.Height = width / (distance * std::min(share, LargestShare) * aspect);
 
-  Range across{own.Yaw - room, own.Yaw + room};
-  for (const Vector &place : held) {
-    across.Take(std::clamp(See(camera, place).Yaw, own.Yaw - HoldReach, own.Yaw + HoldReach), Room);
+  Range across{own.Yaw - margin, own.Yaw + margin};
+  for (const Vector &point : points) {
+    across.Include(std::clamp(BearingOf(camera, point).Yaw, own.Yaw - PointReach, own.Yaw + PointReach),
+                   Margin);
   }
-  // The posts will soon swing to the other side of a resting target.
   const float farther = std::max(own.Yaw - across.Low, across.High - own.Yaw);
-  if (swings && farther <= WidestHalf) across = {own.Yaw - farther, own.Yaw + farther};
-  // Cards cover the right side.
+  if (symmetric && farther <= WidestHalf) across = {own.Yaw - farther, own.Yaw + farther};
+  // If the target is at x = CardSide, (1 + CardSide) halves of the frame are to its left, (1 - CardSide) to
+  // its right.
   const float left = own.Yaw - across.Low;
   across.High = std::max(across.High, own.Yaw + left * (1 - CardSide) / (1 + CardSide));
   framing.Height = std::max(framing.Height, 2 * std::tan(std::min(across.Half(), WidestHalf)) / aspect);
   const auto aim = [&] {
     const float half = std::atan(framing.Height * aspect / 2);
-    framing.Yaw =
-        Middle(across, half, own.Yaw, {own.Yaw - room, own.Yaw + std::max(room, half * (1 - CardSide))});
+    framing.Yaw = CentreOf(across, half, own.Yaw,
+                           {own.Yaw - margin, own.Yaw + std::max(margin, half * (1 - CardSide))});
   };
   aim();
 
-  const Range mustUp{own.Pitch - room / 2, own.Pitch + room / 2};
-  Range up = mustUp;
-  for (const Vector &place : held) {
-    const Sight sight = See(camera, place);
-    const float aside = std::abs(sight.Yaw - framing.Yaw);
-    // Perspective moves places away from the middle of the frame up or down.
-    if (aside < Aside) up.Take(std::atan(std::tan(sight.Pitch) / std::cos(aside)), Room);
+  const Range target{own.Pitch - margin / 2, own.Pitch + margin / 2};
+  Range up = target;
+  for (const Vector &point : points) {
+    const Bearing bearing = BearingOf(camera, point);
+    const float aside = std::abs(bearing.Yaw - framing.Yaw);
+    // In perspective a point at this yaw from the frame's centre appears at the height tan(pitch) / cos(yaw).
+    if (aside < WidestYaw) up.Include(std::atan(std::tan(bearing.Pitch) / std::cos(aside)), Margin);
   }
   framing.Height = std::max(framing.Height, 2 * std::tan(std::min(up.Half(), TallestHalf)));
   aim();
   const float place = LowPlace + (HighPlace - LowPlace) * std::clamp(-own.Pitch / Steep, 0.0f, 1.0f);
-  const float middle = own.Pitch - std::atan(place * framing.Height / 2);
-  framing.Pitch = Middle(up, std::atan(framing.Height / 2), middle, mustUp) - PitchOf(camera);
+  const float centre = own.Pitch - std::atan(place * framing.Height / 2);
+  framing.Pitch = CentreOf(up, std::atan(framing.Height / 2), centre, target) - PitchOf(camera);
   return framing;
 }

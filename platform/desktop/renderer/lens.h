@@ -1,7 +1,8 @@
 #pragma once
 
-// The camera's lens: chooses the angle of view and where in the frame the piece lies, as a camera operator
-// would. The game sets the camera's place and target. The lens reads the graph and changes nothing in it.
+// The camera's lens. The game sets the position and direction of the camera; the lens chooses the field of
+// view and which part of the view the frame shows, as a camera operator would. It reads the scene graph and
+// changes nothing in it.
 
 #include "platform/desktop/renderer/placed.h"
 
@@ -10,66 +11,69 @@
 #include <span>
 #include <vector>
 
-/// The view of a frame.
+/// The view that a frame shows.
 struct View {
-  Transform Camera; ///< looks along its z
-  float Height = 1; ///< of the picture at a distance of 1: twice the tangent of half the vertical angle
+  Transform Camera; ///< in the scene; looks along its +z
+  float Height = 1; ///< height of the frame at distance 1: 2 tan(vertical field of view / 2)
 };
 
 /// A mesh of the scene.
 struct Seen {
-  const Direct3DRMFrame3 *Frame;
-  Transform Place; ///< of the frame, in the scene
-  Bounds Box;      ///< of the mesh, in the frame
+  const Direct3DRMFrame3 *Frame; ///< the scene frame that the mesh belongs to
+  Transform Place;               ///< of the scene frame, in the scene
+  Bounds Box;                    ///< of the mesh, in its scene frame
 };
 
 class Lens {
 public:
-  /// The view of the next frame. It eases toward the wanted framing, and cuts to it where the camera or its
-  /// target jumps.
+  /// Returns the view of the next frame. It eases to the framing wanted for the scene. When the camera or its
+  /// target jumps, it cuts to that framing.
   ///
-  /// The target of the camera's last `LookAt` is in every frame, in the lower third; far away it is smaller,
-  /// but by less than its distance alone would make it. With it, as far as the widest angle allows, the frame
-  /// holds whatever else moves, the place at which a sliding target will stop, and the edge of the table near
-  /// the target.
+  /// The target is the scene frame of the camera's last `LookAt`. It is always in the frame, in the lower
+  /// third, and appears smaller with distance, but by less than perspective alone makes it. The frame also
+  /// contains, as far as the widest field of view allows:
+  /// - the other meshes that move,
+  /// - the aim, while it lies at the target,
+  /// - the point where a sliding target will stop,
+  /// - the nearest point of the table's edge, if the target is close to it.
   ///
-  /// @param aspect  width of the picture by its height
+  /// @param aspect  width / height of the frame
   View Next(const Direct3DRMFrame3 &camera, std::span<const Seen> scene, float aspect);
 
-  /// Whether the view stays until something in the scene moves.
+  /// Whether the view stays the same until something in the scene moves.
   bool Settled() const { return settled_; }
 
 private:
-  /// The framing relative to the direction of the camera.
+  /// A view relative to the direction of the camera.
   struct Framing {
-    float Yaw = 0, Pitch = 0; ///< of the picture's middle, radians to the right and up
+    float Yaw = 0, Pitch = 0; ///< of the frame's centre, radians to the right and up
     float Height = 1;         ///< as in `View`
   };
-  /// A mesh that isn't the target's.
+  /// A mesh other than the target.
   struct Mover {
     const Direct3DRMFrame3 *Frame;
-    Vector Origin;  ///< in the last frame
-    bool Moves;     ///< it has moved since the last cut
-    Bounds Covered; ///< what of the scene it covers; while the target lies still, what it has covered since
-                    ///< the cut
+    Vector Origin;  ///< in the previous frame
+    bool Moves;     ///< has moved since the last cut
+    Bounds Covered; ///< its bounding box in the scene; while the target rests, the union since the last cut
   };
 
-  /// Whether two framings are so close that easing to the other isn't worth it.
+  /// Whether two framings differ so little that the view stays.
   static bool Near(const Framing &a, const Framing &b);
+  /// Moves a framing one step toward another. Returns whether it has arrived.
   static bool Ease(Framing &framing, const Framing &to);
   void FollowMovers(std::span<const Seen> scene, const Direct3DRMFrame3 *target, bool cut, bool targetMoves);
-  std::vector<Vector> Held(const Transform &camera, std::span<const Seen> scene, const Seen &subject,
-                           const QVector3D &step) const;
-  Framing Wanted(const Transform &camera, const Seen &subject, std::span<const Vector> held, bool swings,
+  std::vector<Vector> PointsToShow(const Transform &camera, std::span<const Seen> scene, const Seen &subject,
+                                   const QVector3D &step) const;
+  Framing Wanted(const Transform &camera, const Seen &subject, std::span<const Vector> points, bool symmetric,
                  float aspect) const;
 
   bool started_ = false;
   bool settled_ = false;
-  Transform from_; ///< the camera at the last frame
-  Vector target_;  ///< its place at the last frame
-  QVector3D step_; ///< of the target, to the last frame
+  Transform from_; ///< the camera in the previous frame
+  Vector target_;  ///< position of the target in the previous frame
+  QVector3D step_; ///< motion of the target from the frame before that one
   std::vector<Mover> movers_;
   Framing wanted_;
-  Framing approached_; ///< follows the wanted framing
-  Framing framing_;    ///< follows that
+  Framing approached_; ///< eases to `wanted_`
+  Framing framing_;    ///< eases to `approached_`
 };

@@ -12,15 +12,15 @@ constexpr float GroundColor[] = {0.28f, 0.26f, 0.26f};
 /// Share of the fill light in the key light's shadow: what blocks one light also blocks part of the other.
 constexpr float FillInShade = 0.66f;
 
-// An emissive surface emits part of its light; the rest depends on the lights.
+// A fully emissive surface emits light of its own and reflects less.
 constexpr float GlowLight = 0.76f;
-constexpr float GlowTakesFill = 0.5f;
-constexpr float GlowTakesKey = 0.68f;
+constexpr float GlowTakesFill = 0.5f; ///< share of the fill light that it doesn't reflect
+constexpr float GlowTakesKey = 0.68f; ///< share of the key light that it doesn't reflect
 
 // The key light is a pool over the field.
 constexpr float PoolRadius = 60.0f; ///< scene units of full light
 constexpr float PoolEnd = 190.0f;   ///< where it has fallen off
-constexpr float PoolEdge = 0.70f;   ///< of the light that is left there
+constexpr float PoolEdge = 0.70f;   ///< share of the light that is left there
 
 /// Brightness above which tones are compressed, so that highlights keep their shading and none clips.
 constexpr float Shoulder = 0.55f;
@@ -36,20 +36,21 @@ float Pool(const Vector &place) {
   return 1.0f - (1.0f - PoolEdge) * share * share * (3.0f - 2.0f * share);
 }
 
-float HeldBack(float brightness) {
+/// Maps a brightness above the shoulder to below 1, with a smooth exponential curve.
+float Compressed(float brightness) {
   if (brightness <= Shoulder) return brightness;
   constexpr float Headroom = 1.0f - Shoulder;
   return Shoulder + Headroom * (1.0f - std::exp(-(brightness - Shoulder) / Headroom));
 }
 
 /// Converts light to a stored colour.
-void Store(const float (&light)[3], bool pictured, float (&stored)[3]) {
+void Store(const float (&light)[3], bool textured, float (&stored)[3]) {
   const float brightness = 0.3f * light[0] + 0.6f * light[1] + 0.1f * light[2];
   const float crosstalk = Crosstalk + GlareCrosstalk * std::clamp(brightness - Glare, 0.0f, 1.0f);
   for (int channel = 0; channel < 3; ++channel) {
     const float own = light[channel];
     stored[channel] =
-        std::sqrt(pictured ? own : HeldBack(own + crosstalk * std::max(brightness - own, 0.0f)));
+        std::sqrt(textured ? own : Compressed(own + crosstalk * std::max(brightness - own, 0.0f)));
   }
 }
 
@@ -62,7 +63,7 @@ Vector KeyLight() {
 }
 
 VertexLight LightOf(const Vector &place, const Vector &normal, const FaceColor &color,
-                    const ColorValue &emissive, bool pictured) {
+                    const ColorValue &emissive, bool textured) {
   const Vector key = KeyLight();
   const float facing = std::max(normal.x * key.x + normal.y * key.y + normal.z * key.z, 0.0f);
   const float upward = 0.5f + 0.5f * normal.y;
@@ -80,7 +81,7 @@ VertexLight LightOf(const Vector &place, const Vector &normal, const FaceColor &
   }
   VertexLight light{};
   light.TextureShare = color.Alpha;
-  Store(lit, pictured, light.Color);
+  Store(lit, textured, light.Color);
   return light;
 }
 

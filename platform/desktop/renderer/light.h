@@ -19,9 +19,9 @@ Vector KeyLight();
 /// @param normal    unit length, in the scene
 /// @param color     of face and vertex, as stored
 /// @param emissive  of the material
-/// @param pictured  whether a texture follows
+/// @param textured  whether the result is multiplied with a texture
 VertexLight LightOf(const Vector &place, const Vector &normal, const FaceColor &color,
-                    const ColorValue &emissive, bool pictured);
+                    const ColorValue &emissive, bool textured);
 
 /// The factor on colours of level ground in the key light's shadow.
 Vector ShadeOnGround();

@@ -19,8 +19,8 @@ public:
   /// Marks the items that move: all of them when the camera does.
   Change Next(std::span<Item> items, bool shadowsMoved, const QMatrix4x4 &toClip);
 
-  /// In the next frame everything moves.
-  void Forget() { last_.clear(); }
+  /// Treats everything as moved in the next frame.
+  void Reset() { last_.clear(); }
 
 private:
   /// Everything that decides how a mesh is drawn.

@@ -27,9 +27,10 @@ QMatrix4x4 Projection(float height, float aspect, float back) {
 /// The stands, the sky or the hand.
 bool IsLarge(const Item &item) { return !item.Ground && item.Box.Extent() > LargestThing; }
 
-/// Small meshes lie in front of large ones, and what they hide needn't be shaded. Paint is blended, so the
-/// ground under it comes first. The hand, which is large, comes after the ground: where depths are equal the
-/// first mesh wins, and a mesh that moves alone is drawn upon the kept ground.
+/// Sort key of the drawing order. Small meshes come first: they are in front, and the pixels that they hide
+/// needn't be shaded. Paint comes after the ground under it, with which it is blended. The hand, which is
+/// large, comes after the ground, also in a full redraw: at equal depth the mesh drawn first is visible, and
+/// while aiming the hand is drawn on the kept ground.
 auto DrawingOrder(const Item &item) {
   return std::tuple(IsLarge(item), item.Ground, item.Ground && item.Mesh->IsPaint(**item.Where.Mesh),
                     item.Box.Extent());
@@ -44,12 +45,12 @@ Painter::Painter(Gl &gl, const PaintQuality &quality, Lens &lens)
 Painter::~Painter() = default;
 
 bool Painter::Paint(std::span<const Placed> placed, const Direct3DRMFrame3 &camera, float back,
-                    QImage &picture) {
-  const QSize size = picture.size();
+                    QImage &image) {
+  const QSize size = image.size();
   if (!target_ || target_->Size() != size) {
     target_ = std::make_unique<FrameBuffer>(gl_, size, samples_);
     store_.SetView(size.height());
-    motion_.Forget();
+    motion_.Reset();
   }
 
   std::vector<Item> items;
@@ -90,7 +91,7 @@ bool Painter::Paint(std::span<const Placed> placed, const Direct3DRMFrame3 &came
   }
   Draw(items, grounds, true);
   if (allMove && open) backdrop_.Draw(toClip_, camera_);
-  return target_->Read(picture);
+  return target_->Read(image);
 }
 
 /// Draws the items that move, or those that are still. Flushes between groups: software OpenGL draws a group
@@ -129,8 +130,8 @@ void Painter::DrawItem(const Item &item) {
     gl_.glEnable(GL_BLEND);
     gl_.glBlendFunc(GL_SRC_ALPHA, GL_ONE_MINUS_SRC_ALPHA);
   }
-  const auto draw = [&](bool pictured, GpuMesh::Faces faces) {
-    QOpenGLShaderProgram &surface = SurfaceProgram({pictured, paint, gleams});
+  const auto draw = [&](bool textured, GpuMesh::Faces faces) {
+    QOpenGLShaderProgram &surface = SurfaceProgram({textured, paint, gleams});
     if (bound_ != &surface) {
       bound_ = &surface;
       surface.bind();
@@ -143,7 +144,7 @@ void Painter::DrawItem(const Item &item) {
   draw(false, texture ? GpuMesh::Faces::Plain : GpuMesh::Faces::All);
   if (texture) {
     gl_.glBindTexture(GL_TEXTURE_2D, store_.Texture(texture, IsLarge(item)));
-    draw(true, GpuMesh::Faces::Pictured);
+    draw(true, GpuMesh::Faces::Textured);
   }
   if (paint) gl_.glDisable(GL_BLEND);
 }
@@ -153,7 +154,7 @@ QOpenGLShaderProgram &Painter::SurfaceProgram(const SurfaceKind &kind) {
   auto &program = surfaces_[kind];
   if (!program) {
     program = std::make_unique<QOpenGLShaderProgram>();
-    const std::string definitions = "#version 330 core\n#define PICTURED " + std::to_string(kind.Pictured) +
+    const std::string definitions = "#version 330 core\n#define TEXTURED " + std::to_string(kind.Textured) +
                                     "\n#define PAINT " + std::to_string(kind.Paint) + "\n#define SPECULAR " +
                                     std::to_string(kind.Specular) + "\n";
     BuildProgram(*program, definitions + SurfaceVertexShader, definitions + SurfaceFragmentShader);
@@ -166,7 +167,7 @@ void Painter::SetScene(QOpenGLShaderProgram &surface) {
   const Vector key = KeyLight();
   const QSize size = target_->Size();
   surface.setUniformValue("toClip", toClip_);
-  surface.setUniformValue("halfPicture",
+  surface.setUniformValue("halfFrame",
                           QVector2D(static_cast<float>(size.width()), static_cast<float>(size.height())) / 2);
   surface.setUniformValue("camera", camera_);
   surface.setUniformValue("keyDirection", QVector3D(key.x, key.y, key.z));

@@ -32,23 +32,23 @@ public:
 
   /// @param camera  its place; the lens chooses the view
   /// @param back    distance of the far clipping plane, scene units
-  /// @param picture is drawn into, Format_RGB32; holds the last picture
+  /// @param image   drawn into, Format_RGB32; holds the last frame
   /// @return whether anything has changed
-  bool Paint(std::span<const Placed> placed, const Direct3DRMFrame3 &camera, float back, QImage &picture);
+  bool Paint(std::span<const Placed> placed, const Direct3DRMFrame3 &camera, float back, QImage &image);
 
   /// Redraws everything in the next frame.
-  void Forget() { motion_.Forget(); }
+  void RedrawAll() { motion_.Reset(); }
 
 private:
   void Draw(std::span<const Item> items, std::span<const Item> grounds, bool moving);
   void DrawItem(const Item &item);
   /// The variants of the surface shader.
   struct SurfaceKind {
-    bool Pictured; ///< has a texture
+    bool Textured; ///< has a texture
     bool Paint;    ///< strokes of paint on the ground
     bool Specular; ///< has highlights
     bool operator<(const SurfaceKind &other) const {
-      return std::tie(Pictured, Paint, Specular) < std::tie(other.Pictured, other.Paint, other.Specular);
+      return std::tie(Textured, Paint, Specular) < std::tie(other.Textured, other.Paint, other.Specular);
     }
   };
   QOpenGLShaderProgram &SurfaceProgram(const SurfaceKind &kind);

@@ -19,8 +19,9 @@ constexpr PaintQuality FullPaint{.Samples = 4, .ShadowSize = 2048, .ShadowTaps =
 constexpr PaintQuality LowPaint{.Samples = 0, .ShadowSize = 1024, .ShadowTaps = 4, .Anisotropy = 0.0f};
 
 constexpr std::size_t MeasuredFrames = 8;
-constexpr double SlowFrame = 8.0;  ///< ms: a higher median chooses the low level
-constexpr double QuickFrame = 2.0; ///< ms: at most this at the low level chooses full, three times as costly
+// Median times of a frame, ms. A frame at the full level costs three times as much as one at the low level.
+constexpr double SlowFrame = 8.0;  ///< slower than this at the full level: low is chosen
+constexpr double QuickFrame = 2.0; ///< no slower than this at the low level: full is chosen
 
 } // namespace
 
@@ -53,13 +54,13 @@ public:
     const std::clock_t processor = std::clock();
     if (!context_.makeCurrent(&surface_)) throw RendererError("the OpenGL context has been lost");
     if (frame_.size() != size) frame_ = QImage(size, QImage::Format_RGB32);
-    if (Measuring()) painter_->Forget(); // the cost of a partial redraw says little
+    if (Measuring()) painter_->RedrawAll(); // a partial redraw takes too little time to compare
     if (!painter_->Paint(Collect(*canvas.SceneFrame), *canvas.CameraFrame, canvas.Viewport->GetBack(),
                          frame_)) {
       return false;
     }
     ++frames_;
-    ForgetFiles(); // what the frame has read is uploaded
+    ClearFileCache(); // everything that this frame needed is uploaded
     if (frames_ == MeasuredFrames) ReleaseShaderCompiler();
     // A quick frame may still keep many cores busy, so processor time counts too.
     Measure(std::max(static_cast<double>(timer.nsecsElapsed()) / 1e6,
@@ -110,9 +111,9 @@ private:
     return false;
   }
 
-  /// Frees what building the shaders took. A shader that is needed later starts the compiler again.
+  /// Frees the memory of the shader compiler. A shader that is built later starts the compiler again.
   void ReleaseShaderCompiler() {
-    // Of OpenGL 4.1, but drivers give it to earlier versions too.
+    // The function came with OpenGL 4.1, but drivers offer it in 3.3 contexts too.
     if (const auto release = reinterpret_cast<void (*)()>(context_.getProcAddress("glReleaseShaderCompiler")))
       release();
     malloc_trim(0);

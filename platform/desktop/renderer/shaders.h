@@ -4,7 +4,7 @@
 // from frame to frame is computed on the processor.
 //
 // Colours keep their stored gamma of 2. Light times texture needs no conversion: the root of a product is the
-// product of the roots. Fragments have blue first, as the picture that the frame is copied into.
+// product of the roots. Fragments have blue first, like the `QImage` that the frame is read into.
 
 #include <QOpenGLShaderProgram>
 
@@ -23,13 +23,13 @@ layout(location = 2) in vec2 coordinate;
 layout(location = 3) in vec4 light; // a: weight of the texture
 out vec3 shine;
 out float fog;
-#if PICTURED
+#if TEXTURED
 out vec2 surfaceCoordinate;
 out float textureShare;
 #endif
 #if PAINT
 layout(location = 4) in vec3 across; // to the other side of the stroke
-uniform vec2 halfPicture;            // pixels
+uniform vec2 halfFrame;              // pixels
 out float coverage;
 #endif
 uniform mat4 toWorld;
@@ -49,7 +49,7 @@ void main() {
   float mirrored = pow(max(dot(normalize(mat3(toWorld) * normal), between), 0.0), Sharpness);
   shine = sqrt(shine * shine + specular * mirrored);
 #endif
-#if PICTURED
+#if TEXTURED
   surfaceCoordinate = coordinate;
   textureShare = light.a;
 #endif
@@ -62,9 +62,9 @@ void main() {
   vec4 ahead = toClip * (place + vec4(cross(normalize(mat3(toWorld) * normal), way), 0.0));
   coverage = 1.0;
   if (min(gl_Position.w, min(otherSide.w, ahead.w)) > 1.0) {
-    vec2 here = gl_Position.xy / gl_Position.w * halfPicture;
-    vec2 thick = otherSide.xy / otherSide.w * halfPicture - here;
-    vec2 along = normalize(ahead.xy / ahead.w * halfPicture - here);
+    vec2 here = gl_Position.xy / gl_Position.w * halfFrame;
+    vec2 thick = otherSide.xy / otherSide.w * halfFrame - here;
+    vec2 along = normalize(ahead.xy / ahead.w * halfFrame - here);
     coverage = clamp(abs(thick.x * along.y - thick.y * along.x), 0.05, 1.0);
     // Widened along the ground, so that it stays above what lies under it.
     gl_Position -= toClip * vec4(way, 0.0) * (0.5 / coverage - 0.5);
@@ -73,13 +73,13 @@ void main() {
 }
 )";
 
-// PICTURED is 1 for a surface with a texture, SPECULAR for one with highlights. The colour of the fog is a
+// TEXTURED is 1 for a surface with a texture, SPECULAR for one with highlights. The colour of the fog is a
 // constant, because software OpenGL reads a uniform anew for every pixel.
 inline constexpr const char *SurfaceFragmentShader = R"(
-uniform sampler2D picture;
+uniform sampler2D surfaceTexture;
 in vec3 shine;
 in float fog;
-#if PICTURED
+#if TEXTURED
 in vec2 surfaceCoordinate;
 in float textureShare;
 #endif
@@ -90,8 +90,8 @@ out vec4 result;
 const vec3 FogColor = vec3(0.84, 0.71, 0.81);
 void main() {
   vec3 light = shine;
-#if PICTURED
-  light *= mix(vec3(1.0), texture(picture, surfaceCoordinate).rgb, textureShare);
+#if TEXTURED
+  light *= mix(vec3(1.0), texture(surfaceTexture, surfaceCoordinate).rgb, textureShare);
 #endif
 #if PAINT
   result = vec4(mix(light, FogColor, fog).bgr, coverage);

@@ -30,15 +30,15 @@ QMatrix4x4 ToLight() {
 }
 
 /// The bounds of a box's shadow on level ground.
-Bounds Fallen(const Bounds &box, float ground) {
+Bounds ShadowOf(const Bounds &box, float ground) {
   const Vector key = KeyLight();
-  const auto fallen = [&](int number) {
+  const auto projected = [&](int number) {
     const Vector corner = box.Corner(number);
-    const float road = std::max(corner.y - ground, 0.0f) / key.y;
-    return Vector{corner.x - key.x * road, ground, corner.z - key.z * road};
+    const float distance = std::max(corner.y - ground, 0.0f) / key.y;
+    return Vector{corner.x - key.x * distance, ground, corner.z - key.z * distance};
   };
-  Bounds around(fallen(0));
-  for (int corner = 1; corner < 8; ++corner) around.Widen(fallen(corner));
+  Bounds around(projected(0));
+  for (int corner = 1; corner < 8; ++corner) around.Widen(projected(corner));
   return around;
 }
 
@@ -97,16 +97,16 @@ bool Shadows::Update(std::span<const Item> items, std::span<const Item> grounds)
     for (const Item &item : items) {
       const float rise = item.Box.Low.y - ground.High.y;
       if (item.Ground || item.Box.Extent() > LargestThing || item.Box.High.y < ground.High.y) continue;
-      Bounds fallen = Fallen(item.Box, ground.High.y);
+      Bounds shadow = ShadowOf(item.Box, ground.High.y);
       const float softness = std::min(Softness + SoftnessPerRise * std::max(rise, 0.0f), LargestSoftness);
       const float halo = std::min(Halo + HaloPerRise * std::max(rise, 0.0f), LargestHalo);
       const float around = std::max(softness, halo) + Margin;
-      fallen.Low.x = std::max(fallen.Low.x - around, ground.Low.x);
-      fallen.Low.z = std::max(fallen.Low.z - around, ground.Low.z);
-      fallen.High.x = std::min(fallen.High.x + around, ground.High.x);
-      fallen.High.z = std::min(fallen.High.z + around, ground.High.z);
-      if (fallen.Low.x >= fallen.High.x || fallen.Low.z >= fallen.High.z) continue;
-      regions_.push_back({fallen, softness, halo});
+      shadow.Low.x = std::max(shadow.Low.x - around, ground.Low.x);
+      shadow.Low.z = std::max(shadow.Low.z - around, ground.Low.z);
+      shadow.High.x = std::min(shadow.High.x + around, ground.High.x);
+      shadow.High.z = std::min(shadow.High.z + around, ground.High.z);
+      if (shadow.Low.x >= shadow.High.x || shadow.Low.z >= shadow.High.z) continue;
+      regions_.push_back({shadow, softness, halo});
       casters.push_back({item.Mesh, item.Where.ToWorld, (*item.Where.Mesh)->GeometryRevision()});
     }
   }
