@@ -190,6 +190,8 @@ void frmSnapwedge::AwaitOver() {
 void frmSnapwedge::OtherSideLeft() {
   program.PlayOnce(program.SndWis3);
   machine.ShowCursor(-1);
+  LineWatch.reset();
+  Caption = PlayCaption;
   machine.MsgBox({"Away Team Disconnected!", "Game Over:"});
   throw ProgramEnd{};
 }

@@ -350,8 +350,10 @@ TEST(MessagePumpTest, TheOtherSidesLeavingEndsTheProgramWithABox) {
       SCOPED_TRACE(underACard);
       NetworkGame game(true);
       if (underACard) game.Receive({std::string("RESULT"), std::int32_t{5}});
+      game.play->LineDown = true;
       game.play->Incoming.push_back(std::make_shared<FakeMessage>(*news));
       EXPECT_THROW(game.Frames(3), ProgramEnd);
+      EXPECT_EQ(game.window.Caption, "Snapwedge V1.01") << "the title waits for nobody";
       ASSERT_EQ(game.machine.Boxes.size(), 1U);
       EXPECT_EQ(game.machine.Boxes[0].Text, "Away Team Disconnected!");
       EXPECT_EQ(game.machine.Boxes[0].Title, "Game Over:");

@@ -94,6 +94,7 @@ TEST(SessionBreakTest, ASilentLineIsGivenUpAfterFortySeconds) {
   EXPECT_EQ(pair.host->GetMessageCount(pair.hostPlayer), 0);
   EXPECT_EQ(pair.joiner->GetMessageCount(pair.joinerPlayer), 0);
   pair.network.Run(2200);
+  EXPECT_TRUE(pair.host->Broken() && pair.joiner->Broken()) << "a lost line has not come back";
   EXPECT_EQ(TakeAll(*pair.host, pair.hostPlayer), std::vector<std::string>{"lost"});
   EXPECT_EQ(TakeAll(*pair.joiner, pair.joinerPlayer), std::vector<std::string>{"lost"});
 }

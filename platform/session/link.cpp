@@ -88,6 +88,7 @@ void Link::Lose() {
   connection_.reset();
   unacknowledged_.clear();
   outgoingBytes_ = 0;
+  lostInBreak_ = state_ == State::Broken;
   state_ = State::Lost;
   incoming_.push_back({std::make_shared<SessionMessage>(DirectPlayMessage::Kind::ConnectionLost), 0});
 }

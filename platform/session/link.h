@@ -26,6 +26,9 @@ public:
   State GetState() const { return state_; }
   bool IsUp() const { return state_ == State::Up; }
 
+  /// Whether the connection broke and has not come back, even if the link was lost over it.
+  bool IsDown() const { return state_ == State::Broken || lostInBreak_; }
+
   /// Sends a message, now or on the next connection. Does nothing once the link is lost.
   void Send(DataKind kind, const Bytes &payload, std::int32_t now);
 
@@ -95,6 +98,7 @@ private:
   bool ackDue_ = false;
   bool playerCame_ = false;
   bool leaving_ = false;
+  bool lostInBreak_ = false;
   std::int32_t brokenAt_ = 0; ///< when the last connection broke
   int resumes_ = -1;
   int emptyResumes_ = 0; ///< connections in a row that broke before any frame arrived

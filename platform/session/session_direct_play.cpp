@@ -277,7 +277,7 @@ bool SessionDirectPlay::Delivered() {
   return !session_ || session_->GetLink().AllDelivered();
 }
 
-bool SessionDirectPlay::Broken() { return session_ && session_->GetLink().GetState() == Link::State::Broken; }
+bool SessionDirectPlay::Broken() { return session_ && session_->GetLink().IsDown(); }
 
 void SessionDirectPlay::Close() {
   if (!session_) return;
