@@ -8,6 +8,7 @@
 #include "platform/desktop/renderer/renderer.h"
 #include "platform/headless/headless_machine.h"
 #include "tools/game_directory.h"
+#include "tools/median.h"
 
 #include <QGuiApplication>
 
@@ -34,11 +35,6 @@ constexpr int AimFrames = 160;          ///< before each shot: 4 s, as a player 
 constexpr int HandMoves = 80;           ///< of these, in the first the hand moves
 constexpr int ShotFrames[] = {9, 6, 4}; ///< for which the button is held; the piece stays on the table
 constexpr int Unmeasured = 20;          ///< first frames, which upload everything
-
-double Median(std::vector<double> values) {
-  std::ranges::sort(values);
-  return values[values.size() / 2];
-}
 
 template <class Work> double Milliseconds(Work &&work) {
   const auto start = std::chrono::steady_clock::now();
