@@ -83,10 +83,7 @@ std::string LookUpLocalAddress(Machine &machine) {
     StopSockets(machine);
     return "";
   }
-  if (host->h_addr_list.empty()) {
-    StopSockets(machine);
-    throw std::runtime_error("the host has no address");
-  }
+  if (host->h_addr_list.empty()) throw std::runtime_error("the host has no address");
   const std::string bytes = host->h_addr_list.front().substr(0, static_cast<std::size_t>(host->h_length));
   std::string address = bytes.size() == BytesOfIPv6 ? Colons(bytes) : Dotted(bytes);
   StopSockets(machine);

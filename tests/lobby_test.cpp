@@ -361,7 +361,7 @@ TEST(AddressLookupTest, EveryAnswerAndEveryFailureHasItsBoxes) {
     const char *name;
     std::function<void(FakeSockets &)> arrange;
     Texts texts;
-    int cleanups = 1; ///< calls of `WSACleanup`; none after a failed start
+    int cleanups = 1; ///< calls of `WSACleanup`; none after a failed start or a run-time failure
   };
   const Row rows[] = {
       {"the first of two", [](FakeSockets &) {}, {told + "192.168.1.7"}},
@@ -398,7 +398,7 @@ TEST(AddressLookupTest, EveryAnswerAndEveryFailureHasItsBoxes) {
       {"no answer",
        [](FakeSockets &s) { s.resolves = false; },
        {"Windows Sockets are not responding. Unable to successfully get Host Name.", told}},
-      {"no address", [](FakeSockets &s) { s.entry.h_addr_list.clear(); }, {error}},
+      {"no address", [](FakeSockets &s) { s.entry.h_addr_list.clear(); }, {error}, 0},
       {"no clean end",
        [](FakeSockets &s) { s.cleanup = 1; },
        {"Socket error occurred in Cleanup.", told + "192.168.1.7"}},

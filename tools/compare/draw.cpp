@@ -31,8 +31,8 @@
 namespace {
 
 constexpr QSize CanvasSize(417, 361);
-constexpr int AimFrames = 160;          ///< before each shot: 4 s, as a player takes
-constexpr int HandMoves = 80;           ///< of these, in the first the hand moves
+constexpr int AimFrames = 160;          ///< before each shot: 4 s
+constexpr int HandMoves = 80;           ///< the hand moves in the first of them
 constexpr int ShotFrames[] = {9, 6, 4}; ///< for which the button is held; the piece stays on the table
 constexpr int Unmeasured = 20;          ///< first frames, which upload everything
 

@@ -16,9 +16,8 @@ public:
   GpuStore &operator=(const GpuStore &) = delete;
 
   GpuMesh &Mesh(const Ref<Direct3DRMMeshBuilder3> &mesh);
-  /// @param distant  whether it is seen only from afar; such a texture is uploaded at a lower resolution for
-  /// a
-  ///                 small view, because software OpenGL keeps textures in the program's own memory
+  /// @param distant  whether it is seen only from afar; in a small view such a texture is uploaded at a lower
+  ///                 resolution, because software OpenGL keeps it in the program's own memory
   GLuint Texture(const Ref<Direct3DRMTexture> &texture, bool distant);
 
   /// @param height  of the frame, pixels
