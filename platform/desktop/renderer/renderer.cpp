@@ -19,6 +19,7 @@ constexpr PaintQuality FullPaint{.Samples = 4, .ShadowSize = 2048, .ShadowTaps =
 constexpr PaintQuality LowPaint{.Samples = 0, .ShadowSize = 1024, .ShadowTaps = 4, .Anisotropy = 0.0f};
 
 constexpr std::size_t MeasuredFrames = 8;
+constexpr std::size_t ReleaseInterval = 500; ///< frames between releases of the shader compiler
 // Median times of a frame, ms. A frame at the full level costs three times as much as one at the low level.
 constexpr double SlowFrame = 8.0;  ///< slower than this at the full level: low is chosen
 constexpr double QuickFrame = 2.0; ///< no slower than this at the low level: full is chosen
@@ -61,7 +62,7 @@ public:
     }
     ++frames_;
     ClearFileCache(); // everything that this frame needed is uploaded
-    if (frames_ == MeasuredFrames) ReleaseShaderCompiler();
+    if (frames_ % ReleaseInterval == MeasuredFrames) ReleaseShaderCompiler();
     // A quick frame may still keep many cores busy, so processor time counts too.
     Measure(std::max(static_cast<double>(timer.nsecsElapsed()) / 1e6,
                      static_cast<double>(std::clock() - processor) * 1e3 / CLOCKS_PER_SEC));
@@ -111,7 +112,8 @@ private:
     return false;
   }
 
-  /// Frees the memory of the shader compiler. A shader that is built later starts the compiler again.
+  /// Frees the memory of the shader compiler. Drivers start it again for each new combination of shader and
+  /// states, so this is repeated.
   void ReleaseShaderCompiler() {
     // The function came with OpenGL 4.1, but drivers offer it in 3.3 contexts too.
     if (const auto release = reinterpret_cast<void (*)()>(context_.getProcAddress("glReleaseShaderCompiler")))
