@@ -4,6 +4,8 @@
 
 #include "platform/desktop/renderer/gpu_mesh.h"
 
+#include <QOpenGLTexture>
+
 #include <memory>
 #include <unordered_map>
 
@@ -11,25 +13,20 @@ class GpuStore {
 public:
   /// @param anisotropy  of texture filtering: 1 for none; below 1 mip-maps aren't blended either
   GpuStore(Gl &gl, float anisotropy) : gl_(gl), anisotropy_(anisotropy) {}
-  ~GpuStore();
-  GpuStore(const GpuStore &) = delete;
-  GpuStore &operator=(const GpuStore &) = delete;
 
   GpuMesh &Mesh(const Ref<Direct3DRMMeshBuilder3> &mesh);
   /// @param distant  whether it is seen only from afar; in a small view such a texture is uploaded at a lower
   ///                 resolution, because software OpenGL keeps it in the program's own memory
-  GLuint Texture(const Ref<Direct3DRMTexture> &texture, bool distant);
+  QOpenGLTexture &Texture(const Ref<Direct3DRMTexture> &texture, bool distant);
 
   /// @param height  of the frame, pixels
   void SetView(int height);
 
 private:
-  void DeleteTextures();
-
   Gl &gl_;
   float anisotropy_;
   bool smallView_ = false;
   // The references keep the keys alive, so that no address is reused.
   std::unordered_map<Ref<Direct3DRMMeshBuilder3>, std::unique_ptr<GpuMesh>> meshes_;
-  std::unordered_map<Ref<Direct3DRMTexture>, GLuint> textures_;
+  std::unordered_map<Ref<Direct3DRMTexture>, std::unique_ptr<QOpenGLTexture>> textures_;
 };

@@ -13,14 +13,10 @@ constexpr float FogDistance = 900.0f;  ///< scene units at which a third of a co
 
 /// Left-handed, with the view along +z, and upside down: rows are read back from the bottom.
 QMatrix4x4 Projection(float height, float aspect, float back) {
-  const float focus = 2.0f / height;
+  const float up = height * NearPlane / 2, right = up * aspect;
   QMatrix4x4 projection;
-  projection.fill(0);
-  projection(0, 0) = focus / aspect;
-  projection(1, 1) = -focus;
-  projection(2, 2) = (back + NearPlane) / (back - NearPlane);
-  projection(2, 3) = -2 * back * NearPlane / (back - NearPlane);
-  projection(3, 2) = 1;
+  projection.frustum(-right, right, up, -up, NearPlane, back);
+  projection.scale(1, 1, -1);
   return projection;
 }
 
@@ -143,7 +139,7 @@ void Painter::DrawItem(const Item &item) {
   };
   draw(false, texture ? GpuMesh::Faces::Plain : GpuMesh::Faces::All);
   if (texture) {
-    gl_.glBindTexture(GL_TEXTURE_2D, store_.Texture(texture, IsLarge(item)));
+    store_.Texture(texture, IsLarge(item)).bind();
     draw(true, GpuMesh::Faces::Textured);
   }
   if (paint) gl_.glDisable(GL_BLEND);

@@ -12,7 +12,6 @@
 #include <map>
 #include <memory>
 #include <span>
-#include <tuple>
 
 /// The settings of a quality level.
 struct PaintQuality {
@@ -47,9 +46,7 @@ private:
     bool Textured; ///< has a texture
     bool Paint;    ///< strokes of paint on the ground
     bool Specular; ///< has highlights
-    bool operator<(const SurfaceKind &other) const {
-      return std::tie(Textured, Paint, Specular) < std::tie(other.Textured, other.Paint, other.Specular);
-    }
+    auto operator<=>(const SurfaceKind &) const = default;
   };
   QOpenGLShaderProgram &SurfaceProgram(const SurfaceKind &kind);
   void SetScene(QOpenGLShaderProgram &surface);

@@ -18,15 +18,13 @@ constexpr float HaloPerRise = 0.02f;
 constexpr float LargestHalo = 3.0f;
 constexpr float Margin = 0.5f; ///< scene units around a shadow
 
+QVector3D Point(const Vector &v) { return {v.x, v.y, v.z}; }
+
 QMatrix4x4 ToLight() {
-  const Vector key = KeyLight();
-  const QVector3D z(-key.x, -key.y, -key.z);
-  const QVector3D x = QVector3D::crossProduct(QVector3D(0, 0, 1), z).normalized();
-  const QVector3D y = QVector3D::crossProduct(z, x);
-  const QMatrix4x4 turn(x.x(), x.y(), x.z(), 0, y.x(), y.y(), y.z(), 0, z.x(), z.y(), z.z(), 0, 0, 0, 0, 1);
-  QMatrix4x4 scale;
-  scale.scale(1.0f / Reach, 1.0f / Reach, 1.0f / (Reach + Height));
-  return scale * turn;
+  QMatrix4x4 toLight;
+  toLight.ortho(Reach, -Reach, -Reach, Reach, -Reach - Height, Reach + Height);
+  toLight.lookAt(Point(KeyLight()), {}, {0, 0, 1});
+  return toLight;
 }
 
 /// The bounds of a box's shadow on level ground.
@@ -53,8 +51,6 @@ QMatrix4x4 ToMap() {
 /// A length in the scene as a share of the map.
 float InMap(float length) { return length / (2.0f * Reach); }
 
-QVector3D Point(const Vector &v) { return {v.x, v.y, v.z}; }
-
 } // namespace
 
 Shadows::Shadows(Gl &gl, int size, int taps) : gl_(gl), size_(size) {
@@ -62,19 +58,16 @@ Shadows::Shadows(Gl &gl, int size, int taps) : gl_(gl), size_(size) {
   BuildProgram(shade_, ShadeVertexShader,
                "#version 330 core\n#define TAPS " + std::to_string(taps) + "\n" + ShadeFragmentShader);
   noVertices_.create();
-  gl_.glGenTextures(1, &map_);
-  gl_.glBindTexture(GL_TEXTURE_2D, map_);
-  gl_.glTexImage2D(GL_TEXTURE_2D, 0, GL_DEPTH_COMPONENT16, size, size, 0, GL_DEPTH_COMPONENT,
-                   GL_UNSIGNED_SHORT, nullptr);
-  gl_.glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MIN_FILTER, GL_LINEAR);
-  gl_.glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MAG_FILTER, GL_LINEAR);
-  gl_.glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_COMPARE_MODE, GL_COMPARE_REF_TO_TEXTURE);
-  gl_.glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_COMPARE_FUNC, GL_LEQUAL);
-  gl_.glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_WRAP_S, GL_CLAMP_TO_EDGE);
-  gl_.glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_WRAP_T, GL_CLAMP_TO_EDGE);
+  map_.setFormat(QOpenGLTexture::D16);
+  map_.setSize(size, size);
+  map_.allocateStorage();
+  map_.setMinMagFilters(QOpenGLTexture::Linear, QOpenGLTexture::Linear);
+  map_.setWrapMode(QOpenGLTexture::ClampToEdge);
+  map_.setComparisonMode(QOpenGLTexture::CompareRefToTexture);
+  map_.setComparisonFunction(QOpenGLTexture::CompareLessEqual);
   gl_.glGenFramebuffers(1, &buffer_);
   gl_.glBindFramebuffer(GL_FRAMEBUFFER, buffer_);
-  gl_.glFramebufferTexture2D(GL_FRAMEBUFFER, GL_DEPTH_ATTACHMENT, GL_TEXTURE_2D, map_, 0);
+  gl_.glFramebufferTexture2D(GL_FRAMEBUFFER, GL_DEPTH_ATTACHMENT, GL_TEXTURE_2D, map_.textureId(), 0);
   gl_.glDrawBuffer(GL_NONE);
   gl_.glReadBuffer(GL_NONE);
   if (gl_.glCheckFramebufferStatus(GL_FRAMEBUFFER) != GL_FRAMEBUFFER_COMPLETE) {
@@ -83,10 +76,7 @@ Shadows::Shadows(Gl &gl, int size, int taps) : gl_(gl), size_(size) {
   gl_.glClear(GL_DEPTH_BUFFER_BIT);
 }
 
-Shadows::~Shadows() {
-  gl_.glDeleteFramebuffers(1, &buffer_);
-  gl_.glDeleteTextures(1, &map_);
-}
+Shadows::~Shadows() { gl_.glDeleteFramebuffers(1, &buffer_); }
 
 bool Shadows::Update(std::span<const Item> items, std::span<const Item> grounds) {
   regions_.clear();
@@ -145,7 +135,7 @@ void Shadows::Draw(const QMatrix4x4 &toClip) {
   shade_.setUniformValue("toShadow", ToMap());
   shade_.setUniformValue("shade", Point(ShadeOnGround()));
   noVertices_.bind();
-  gl_.glBindTexture(GL_TEXTURE_2D, map_);
+  map_.bind();
   gl_.glDisable(GL_DEPTH_TEST);
   gl_.glEnable(GL_BLEND);
   gl_.glBlendFunc(GL_ZERO, GL_SRC_COLOR);

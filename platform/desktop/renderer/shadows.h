@@ -6,6 +6,7 @@
 #include "platform/desktop/renderer/item.h"
 
 #include <QOpenGLShaderProgram>
+#include <QOpenGLTexture>
 #include <QOpenGLVertexArrayObject>
 #include <QRect>
 
@@ -47,7 +48,8 @@ private:
 
   Gl &gl_;
   int size_;
-  GLuint buffer_ = 0, map_ = 0;
+  GLuint buffer_ = 0;
+  QOpenGLTexture map_{QOpenGLTexture::Target2D};
   QOpenGLShaderProgram toMap_, shade_;
   QOpenGLVertexArrayObject noVertices_;
   std::vector<Region> regions_;
