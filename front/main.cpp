@@ -23,7 +23,10 @@ int main(int argc, char **argv) {
       return RunProgram(machine, program);
     } catch (const std::exception &error) {
       machine.ShowCursor(-1);
-      machine.MsgBox({std::string("Snapwedge can't go on.\n\n") + error.what(), "Snapwedge", true});
+      try {
+        machine.MsgBox({std::string("Snapwedge can't go on.\n\n") + error.what(), "Snapwedge", true});
+      } catch (const ProgramEnd &) { // by a signal, while the box is up
+      }
       return Fail(error.what());
     }
   } catch (const std::exception &error) {

@@ -14,13 +14,18 @@ std::shared_ptr<void> Machine::OnPump(std::function<void()> poll) {
   return handle;
 }
 
+bool Machine::Delivers(const Event &event) const {
+  if (event.delivery == Delivery::UnderModal) return true;
+  return Receives(*event.window) && (inputOff_ == 0 || event.delivery == Delivery::CloseBox);
+}
+
 void Machine::Pump() {
   Collect();
   RunPolls();
   while (!events_.empty()) {
     const Event event = std::move(events_.front());
     events_.pop_front();
-    if (event.delivery == Delivery::UnderModal || Receives(*event.window)) event.call();
+    if (Delivers(event)) event.call();
   }
 }
 

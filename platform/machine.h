@@ -86,6 +86,18 @@ public:
     Window &window_;
   };
 
+  /// While it lives, no window gets input, but a close box still works.
+  class InputOff {
+  public:
+    explicit InputOff(Machine &machine) : machine_(machine) { ++machine_.inputOff_; }
+    ~InputOff() { --machine_.inputOff_; }
+    InputOff(const InputOff &) = delete;
+    InputOff &operator=(const InputOff &) = delete;
+
+  private:
+    Machine &machine_;
+  };
+
   /// While it lives, every modal window and box closes by itself once `happened` returns true, so that an
   /// open box doesn't delay the game. Called after each pump of a modal wait.
   class CloseModalsWhen {
@@ -171,7 +183,8 @@ protected:
   virtual std::uint32_t RandomSeed() = 0;
 
   enum class Delivery {
-    OnTop,     ///< dropped if another window is modal at delivery: user input
+    OnTop,     ///< dropped if another window is modal, or input is off, at delivery: user input
+    CloseBox,  ///< dropped if another window is modal
     UnderModal ///< always delivered: changes of the window itself
   };
 
@@ -204,11 +217,13 @@ private:
   };
 
   void RunPolls();
+  bool Delivers(const Event &event) const;
 
   std::function<bool()> modalsEnd_;
   std::deque<Event> events_;
   std::vector<std::weak_ptr<std::function<void()>>> polls_;
   std::mt19937 generator_;
+  int inputOff_ = 0; ///< nested
 };
 
 /// The action of a window's close box: its handler, or else `Hide`.

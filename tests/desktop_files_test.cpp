@@ -159,14 +159,19 @@ TEST_F(FilesTest, AnyPictureIsNamed) {
   }
 }
 
-TEST_F(FilesTest, AMissingOrInvalidTextOfAPictureIsNamed) {
+TEST_F(FilesTest, AMissingInvalidOrTruncatedTextOfAPictureIsNamed) {
   ASSERT_NO_THROW(Start());
   for (const std::string &name : Names("pictures", ".txt")) {
     SCOPED_TRACE(name);
     fs::remove(directory / "pictures" / name);
     ExpectNamed<FileError>(name, Start);
-    Put("pictures/" + name, "Turn\xff\xfeover");
-    ExpectNamed<FileError>(name, Start);
+    const std::string whole = Content(fs::path(SNAPWEDGE_GAME_DIR) / "pictures" / name);
+    for (const std::string &content :
+         {std::string("Turn\xff\xfeover\n"), std::string(), whole.substr(0, whole.size() / 3)}) {
+      SCOPED_TRACE(content);
+      Put("pictures/" + name, content);
+      ExpectNamed<FileError>(name, Start);
+    }
     Restore("pictures/" + name);
   }
 }

@@ -18,6 +18,8 @@
 #include <unistd.h>
 
 #include <chrono>
+#include <csignal>
+#include <cstring>
 #include <fstream>
 #include <numeric>
 #include <set>
@@ -289,6 +291,22 @@ TEST(DesktopMachineTest, HandlersRunInThePumpAndMayThrow) {
   form.machine.Pump();
   EXPECT_EQ(form.box.Text, "hi");
   EXPECT_EQ(lastKey, KeyCodes::Enter);
+}
+
+TEST(DesktopMachineTest, ASignalToEndPressesTheCloseBoxesUnderAnyBoxOnceOnly) {
+  for (const int signal : {SIGHUP, SIGINT, SIGTERM}) {
+    SCOPED_TRACE(strsignal(signal));
+    Form form(GameMachine::Get());
+    int closed = 0;
+    form.window.QueryClose = [&] { ++closed; };
+    bool raised = false;
+    const auto poll = form.machine.OnPump([&] {
+      if (QApplication::activeModalWidget() && !std::exchange(raised, true)) std::raise(signal);
+    });
+    EXPECT_THROW(form.machine.MsgBox({"text", "title"}), ProgramEnd);
+    EXPECT_EQ(closed, 1);
+    EXPECT_EQ(std::signal(signal, SIG_DFL), SIG_DFL) << "another one ends the process";
+  }
 }
 
 TEST(DesktopMachineTest, AModalWindowKeepsTheOthersWaiting) {

@@ -1,7 +1,9 @@
 // The scale of the windows for screens of different sizes.
 
+#include "platform/desktop/display.h"
 #include "platform/desktop/window_scale.h"
 
+#include <QByteArray>
 #include <gtest/gtest.h>
 
 TEST(WindowScaleTest, ThePlayWindowTakesUpToNineTenthsOfTheFreeArea) {
@@ -27,4 +29,35 @@ TEST(WindowScaleTest, ThePlayWindowTakesUpToNineTenthsOfTheFreeArea) {
       {"though ours may exceed it", {1920, 1080}, 1.25, 1.5},
   };
   for (const auto &row : rows) EXPECT_EQ(WindowScale(row.freeArea, row.ownFactor), row.scale) << row.screen;
+}
+
+TEST(WindowScaleTest, AChoiceOfTheUserStaysUnlessNoWindowCouldBeSeenWithIt) {
+  const struct {
+    const char *name, *value;
+    bool stays;
+  } rows[] = {
+      {"QT_SCALE_FACTOR", "1.5", true},
+      {"QT_SCALE_FACTOR", "0", false},
+      {"QT_SCALE_FACTOR", "-1", false},
+      {"QT_SCALE_FACTOR", "nan", false},
+      {"QT_SCALE_FACTOR", "inf", false},
+      {"QT_SCALE_FACTOR", "100", false},
+      {"QT_SCALE_FACTOR", "1e9", false},
+      {"QT_SCALE_FACTOR", "large", false},
+      {"QT_SCREEN_SCALE_FACTORS", "2", true},
+      {"QT_SCREEN_SCALE_FACTORS", "DP-1=2;1.5;", true},
+      {"QT_SCREEN_SCALE_FACTORS", "2;0", false},
+      {"QT_SCREEN_SCALE_FACTORS", "DP-1=100", false},
+      {"QT_FONT_DPI", "144", true},
+      {"QT_FONT_DPI", "5000", false},
+      {"QT_FONT_DPI", "1", false},
+  };
+  for (const auto &row : rows) {
+    for (const char *name : {"QT_SCALE_FACTOR", "QT_SCREEN_SCALE_FACTORS", "QT_FONT_DPI"}) qunsetenv(name);
+    qputenv(row.name, row.value);
+    testing::internal::CaptureStderr();
+    ChooseDisplay();
+    EXPECT_EQ(qgetenv(row.name) == row.value, row.stays) << row.name << '=' << row.value;
+    EXPECT_EQ(testing::internal::GetCapturedStderr().empty(), row.stays) << row.name << '=' << row.value;
+  }
 }

@@ -178,6 +178,39 @@ TEST(LobbyTest, AHostsSessionIsListedAndGoneAfterItsCancel) {
   EXPECT_EQ(lobby.Buttons(), "Connect");
 }
 
+TEST(LobbyTest, TheCloseBoxEndsTheProgramAlsoWhileItSearchesOrJoins) {
+  for (const bool joins : {false, true}) {
+    SCOPED_TRACE(joins ? "joins" : "searches");
+    Lobby lobby;
+    session::SessionDirectPlay host(lobby.machine, lobby.wire.Plug("10.0.0.2"));
+    host.InitializeConnection("internet");
+    DirectPlaySessionData data;
+    data.SetGuidApplication("{7AB2F242-475F-11D4-AF9B-00C04F361528}");
+    data.SetSessionName("SNWG77");
+    data.SetRounds(3);
+    data.SetMaxPlayers(2);
+    host.Open(data, DPOPEN_CREATE);
+    host.CreatePlayer("Bramble", "Player1", 0, 0);
+    if (joins) {
+      lobby.window.cmdConnect_Click();
+      ASSERT_EQ(lobby.window.lstSessions.List.size(), 1U);
+      lobby.window.lstSessions.ListIndex = 0;
+    } else {
+      lobby.window.lstConnections.ListIndex = 0; // which has no dialog
+    }
+    const std::int32_t begun = lobby.machine.Now();
+    lobby.wire.Line().Breaks = {{begun, begun + 60000}};
+    auto &button = joins ? lobby.window.cmdJoin : lobby.window.cmdConnect;
+    lobby.machine.After(100, [&] { lobby.machine.Press(lobby.window.Command3); });
+    lobby.machine.After(500, [&] {
+      EXPECT_FALSE(lobby.machine.FindWindow("frmControls")) << "buttons don't work";
+      lobby.machine.CloseBox(lobby.window);
+    });
+    EXPECT_THROW(button.Click(), ProgramEnd);
+    EXPECT_LE(lobby.machine.Now() - begun, 600);
+  }
+}
+
 TEST(LobbyTest, WhereNobodyAnswersThePlayerTriesAgainOrCloses) {
   Lobby lobby;
   const auto host = std::make_shared<session::SessionDirectPlay>(lobby.machine, lobby.wire.Plug("10.0.0.2"),

@@ -259,6 +259,22 @@ TEST(SessionHostileTest, AFloodOfMessagesEndsTheSessionAndNotTheMemory) {
   EXPECT_EQ(TakeAll(*lobby.host, lobby.player), std::vector<std::string>{"lost"});
 }
 
+TEST(SessionHostileTest, AFloodOfSmallMessagesEndsTheSessionInSeconds) {
+  Lobby lobby;
+  BadJoiner joiner(lobby.network, lobby.id);
+  joiner.MakePlayer();
+  std::uint32_t number = 2;
+  std::size_t most = 0;
+  for (; number < 5000 && !joiner.Closed(); ++number) {
+    joiner.Send(Frame(session::DataFrame{number, session::DataKind::Game, {}}));
+    most = std::max(most, lobby.host->Opened()->GetLink().Waiting());
+  }
+  EXPECT_TRUE(joiner.Closed());
+  constexpr std::size_t TakenInASecond = 40, Seconds = 15; // the game takes one message in each frame
+  EXPECT_LE(most, TakenInASecond * Seconds);
+  EXPECT_GE(most, 200U) << "a player who chats through a break of half a minute";
+}
+
 TEST(SessionHostileTest, APlayerThatNeverAcknowledgesIsGivenUp) {
   Lobby lobby;
   BadJoiner joiner(lobby.network, lobby.id);

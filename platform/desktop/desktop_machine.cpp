@@ -3,6 +3,7 @@
 #include "platform/desktop/accessible.h"
 #include "platform/desktop/desktop_direct_x.h"
 #include "platform/desktop/display.h"
+#include "platform/desktop/end_signals.h"
 #include "platform/desktop/files.h"
 #include "platform/desktop/opengl_test.h"
 #include "platform/desktop/plain_box.h"
@@ -67,12 +68,25 @@ DesktopMachine::DesktopMachine(int &argc, char **argv) : nextWake_(timeGetTime()
   application_->setDesktopFileName("org.snapwedge.Snapwedge");
   application_->setWindowIcon(
       QIcon(QString::fromStdString((DesktopMachine::AppPath() / "pictures" / "icon.png").string())));
+  endSignals_ = std::make_unique<EndSignals>([this] {
+    Post(
+        signalled_, [this] { EndBySignal(); }, Delivery::UnderModal);
+  });
 }
 
 DesktopMachine::~DesktopMachine() {
   pointer_.Release();
   openGLTest_.kill();
   openGLTest_.waitForFinished();
+}
+
+void DesktopMachine::EndBySignal() {
+  while (!views_.empty()) {
+    Window &top = views_.back()->Model();
+    if (top.QueryClose) top.QueryClose();
+    Hide(top);
+  }
+  throw ProgramEnd{};
 }
 
 void DesktopMachine::TryOpenGL() {

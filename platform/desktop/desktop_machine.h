@@ -16,6 +16,7 @@
 #include <memory>
 #include <vector>
 
+class EndSignals;
 class Renderer;
 class ScreenAwake;
 class WindowView;
@@ -67,6 +68,9 @@ private:
   static void AwaitFirstPaint(const WindowView &view);
   /// Copies changed properties to all widgets, and captures or releases the pointer.
   void Sync();
+  /// Presses the close boxes of all windows, so that a match says farewell to the other computer, and ends
+  /// the program.
+  [[noreturn]] void EndBySignal();
   /// Whether data on the watched sockets ends a sleep.
   void SetWatching(bool on);
 
@@ -79,6 +83,8 @@ private:
   std::vector<std::unique_ptr<WindowView>> leaving_;
   std::unique_ptr<Renderer> renderer_;
   std::unique_ptr<ScreenAwake> screenAwake_;
+  std::unique_ptr<EndSignals> endSignals_;
+  Window signalled_; ///< stands for the program: events after a signal are its
   QProcess openGLTest_;
   QTimer openGLTestDelay_;
   std::vector<std::weak_ptr<QSocketNotifier>> watches_;

@@ -7,10 +7,39 @@
 #include <QDir>
 
 #include <algorithm>
+#include <iostream>
 
 namespace {
 
+// Qt takes any number from these variables, even one that leaves no visible window.
+constexpr double LeastFactor = 0.5, MostFactor = 8.0;
+constexpr double DotsPerInch = 96.0; ///< at a factor of 1
+constexpr struct Setting {
+  const char *name;
+  double least, most;
+} Settings[] = {{"QT_SCALE_FACTOR", LeastFactor, MostFactor},
+                {"QT_SCREEN_SCALE_FACTORS", LeastFactor, MostFactor},
+                {"QT_FONT_DPI", LeastFactor *DotsPerInch, MostFactor *DotsPerInch}};
+
 bool IsSet(const char *name) { return !qEnvironmentVariableIsEmpty(name); }
+
+/// Whether a value is a number in range, or a list of such, with or without names of screens: "DP-1=2;1.5".
+bool IsUsable(const QByteArray &value, const Setting &setting) {
+  return std::ranges::all_of(value.split(';'), [&](const QByteArray &each) {
+    const double number = each.mid(each.lastIndexOf('=') + 1).toDouble();
+    return each.isEmpty() || (number >= setting.least && number <= setting.most);
+  });
+}
+
+void DropUnusableSettings() {
+  for (const Setting &setting : Settings) {
+    const QByteArray value = qgetenv(setting.name);
+    if (value.isEmpty() || IsUsable(value, setting)) continue;
+    std::cerr << "Snapwedge ignores " << setting.name << "=\"" << value.toStdString() << "\": not from "
+              << setting.least << " to " << setting.most << std::endl;
+    qunsetenv(setting.name);
+  }
+}
 
 /// Whether Qt's Wayland plugin is installed.
 bool QtKnowsWayland() {
@@ -40,6 +69,7 @@ std::optional<DisplayFacts> ChoosePlatform() {
 } // namespace
 
 void ChooseDisplay() {
+  DropUnusableSettings();
   const auto display = ChoosePlatform();
   if (!display || IsSet("QT_SCALE_FACTOR") || IsSet("QT_SCREEN_SCALE_FACTORS")) return;
   const double scale = WindowScale(display->freeArea.size(), display->ownFactor);

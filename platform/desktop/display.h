@@ -23,5 +23,6 @@ std::optional<DisplayFacts> AskWayland();
 
 /// Chooses Wayland if the compositor lets a program capture the pointer, else X. Chooses the scale
 /// (`WindowScale`) of all windows, fonts and boxes. A choice that the user has made in Qt's environment
-/// variables stays. Must be called before Qt starts.
+/// variables stays, unless it is no scale for a window: then it is dropped, and standard error says so. Must
+/// be called before Qt starts.
 void ChooseDisplay();

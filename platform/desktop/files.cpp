@@ -76,10 +76,16 @@ QSize CheckPng(const fs::path &file, const std::vector<char> &bytes) {
 QString ReadText(const fs::path &file) {
   const std::vector<char> bytes = ReadFile(file, LargestText);
   QStringDecoder decoder(QStringDecoder::Utf8);
-  const QString text =
-      QString(decoder(QByteArrayView(bytes.data(), static_cast<qsizetype>(bytes.size())))).trimmed();
+  const QString text = decoder(QByteArrayView(bytes.data(), static_cast<qsizetype>(bytes.size())));
   if (decoder.hasError() || text.contains(QChar::Null)) RefuseFile(file, "not a text file");
   return text;
+}
+
+/// Every line of the file ends in a line break, so the last one too.
+QString ReadPictureText(const fs::path &file) {
+  const QString text = ReadText(file);
+  if (!text.endsWith('\n')) RefuseFile(file, "the file is truncated");
+  return text.trimmed();
 }
 
 void CheckPictureFile(const fs::path &file, double density, const QSize &place) {
@@ -125,17 +131,17 @@ void CheckPicture(const fs::path &directory, const std::string &name, double den
 }
 
 QString LoadPictureText(const fs::path &directory, const std::string &picture) {
-  return ReadText(PathOf(directory, picture, TextSuffix));
+  return ReadPictureText(PathOf(directory, picture, TextSuffix));
 }
 
 void CheckPictureText(const fs::path &directory, const std::string &picture) {
   const fs::path file = PathOf(directory, picture, TextSuffix);
-  CheckOnce(file, [&] { ReadText(file); });
+  CheckOnce(file, [&] { ReadPictureText(file); });
 }
 
 void CheckDocument(const fs::path &file) {
   CheckOnce(file, [&] {
-    const QString text = ReadText(file);
+    const QString text = ReadText(file).trimmed();
     if (!text.startsWith("<!DOCTYPE html", Qt::CaseInsensitive) &&
         !text.startsWith("<html", Qt::CaseInsensitive))
       RefuseFile(file, "not an HTML document");

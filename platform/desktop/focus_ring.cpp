@@ -11,7 +11,7 @@ namespace {
 // Pixels.
 constexpr int RingWidth = 2;
 constexpr int EdgeWidth = 1;
-constexpr int Width = RingWidth + EdgeWidth;
+constexpr int WholeWidth = RingWidth + EdgeWidth;
 
 } // namespace
 
@@ -31,14 +31,14 @@ void FocusRing::Surround(const QWidget *focus) {
     hide();
     return;
   }
-  setGeometry(focus->geometry().adjusted(-Width, -Width, Width, Width));
+  setGeometry(focus->geometry().adjusted(-WholeWidth, -WholeWidth, WholeWidth, WholeWidth));
   raise();
   show();
 }
 
 void FocusRing::paintEvent(QPaintEvent *) {
   QPainter painter(this);
-  const QRect control = rect().adjusted(Width, Width, -Width, -Width);
+  const QRect control = rect().adjusted(WholeWidth, WholeWidth, -WholeWidth, -WholeWidth);
   painter.setClipRegion(QRegion(rect()) - QRegion(control));
   painter.fillRect(rect(), edge_);
   painter.fillRect(control.adjusted(-RingWidth, -RingWidth, RingWidth, RingWidth), color_);

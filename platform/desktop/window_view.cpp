@@ -201,7 +201,8 @@ void WindowView::keyPressEvent(QKeyEvent *event) {
 
 void WindowView::closeEvent(QCloseEvent *event) {
   event->ignore();
-  machine_.Post(window_, [this] { CloseByUser(machine_, window_); });
+  machine_.Post(
+      window_, [this] { CloseByUser(machine_, window_); }, DesktopMachine::Delivery::CloseBox);
 }
 
 void WindowView::changeEvent(QEvent *event) {

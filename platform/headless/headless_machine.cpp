@@ -216,7 +216,8 @@ void HeadlessMachine::ClickOn(Window &window) {
 }
 
 void HeadlessMachine::CloseBox(Window &window) {
-  Post(window, [this, &window] { CloseByUser(*this, window); });
+  Post(
+      window, [this, &window] { CloseByUser(*this, window); }, Delivery::CloseBox);
 }
 
 void HeadlessMachine::LoseFocus() {

@@ -66,14 +66,6 @@ template <class Thing> struct ResetAtEnd {
   ~ResetAtEnd() { thing.reset(); }
 };
 
-/// Keeps events from every window for its lifetime, so that a second press of a button can't start the same
-/// operation again.
-struct WindowsDisabled {
-  explicit WindowsDisabled(Machine &machine) : scope(machine, nobody) {}
-  Window nobody;
-  Machine::ModalScope scope;
-};
-
 } // namespace
 
 SessionDirectPlay::SessionDirectPlay(Machine &machine, std::shared_ptr<Transport> transport,
@@ -130,7 +122,7 @@ SessionDirectPlay::GetDPEnumSessions(const DirectPlaySessionData &wanted, std::i
   const Guid game = ExpectGuid(wanted);
   const ResetAtEnd<Search> end{search_};
   if (*reach_ == Reach::Network && makePrompt_) return std::make_shared<EnumSessions>(SearchByPrompt(game));
-  const WindowsDisabled disabled(machine_);
+  const Machine::InputOff off(machine_); // a second press must not start a second search
   RunSearch(std::nullopt, game, [](const Search &) { return true; });
   return std::make_shared<EnumSessions>(search_->Sessions());
 }
@@ -230,11 +222,12 @@ std::int32_t SessionDirectPlay::CreatePlayer(const std::string &, const std::str
   return player_;
 }
 
-/// Waits until `over` or `OpenMs`, with the windows disabled.
+/// Waits until `over` or `OpenMs`. Buttons don't work meanwhile, so that a second press can't start a second
+/// attempt.
 void SessionDirectPlay::Await(const std::function<bool()> &over) {
   const std::int32_t end = machine_.ClockIn(OpenMs);
   Poll();
-  const WindowsDisabled disabled(machine_);
+  const Machine::InputOff off(machine_);
   while (!over() && !machine_.ClockReached(end)) {
     machine_.WaitUntil(machine_.ClockIn(NetworkPollMs));
     if (!session_) throw DirectPlayError("session: closed while it was being joined");
