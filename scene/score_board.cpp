@@ -90,8 +90,10 @@ void frmSnapwedge::LayOutBoards() {
 }
 
 void frmSnapwedge::LightBoards() {
-  Light(HomeBoard, Player == 1);
-  Light(AwayBoard, Player == 2);
+  // By `MyTurn`, since `Player` is the other computer's number while its shot is replayed.
+  const bool started = Player != 0;
+  Light(HomeBoard, started && program.MyTurn);
+  Light(AwayBoard, started && !program.MyTurn);
 }
 
 void frmSnapwedge::ShowShots() {

@@ -40,6 +40,16 @@ TEST(ScoreBoardTest, TheSideOnTurnIsLitAndItsAttemptsAreLaidOut) {
   EXPECT_EQ(game.window.HomeBoard.Digits[0].Picture, "Digits");
 }
 
+TEST(ScoreBoardTest, TheOtherSideStaysLitWhileItsShotsAreReplayed) {
+  NetworkGame game(true);
+  game.PutPiece(0, -79, 3);
+  game.Receive(Shot("Flick", 0, -79)); // onto the circle: 3 points, and the score is written again
+  game.Frames(20);
+  ASSERT_EQ(game.window.AwayScore, 3);
+  EXPECT_TRUE(game.window.AwayBoard.Tile.Visible);
+  EXPECT_FALSE(game.window.HomeBoard.Tile.Visible);
+}
+
 TEST(ScoreBoardTest, PointsAreWrittenInTheMiddleAndFlashForAMoment) {
   Game game;
   game.SetUp();
