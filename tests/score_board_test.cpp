@@ -79,12 +79,12 @@ TEST(ScoreBoardTest, PointsAreWrittenInTheMiddleAndFlashForAMoment) {
   }
 }
 
-TEST(ScoreBoardTest, ThePaperForTheOthersVersionLiesInANetworkGameAlone) {
+TEST(ScoreBoardTest, TheOthersVersionAndTheKeyForMessagesAreShownInANetworkGameAlone) {
   Game game;
   game.SetUp();
-  EXPECT_FALSE(game.window.VersionSlip.Visible);
+  EXPECT_FALSE(game.window.VersionSlip.Visible || game.window.MessageKey.Visible);
   const NetworkGame network(false);
-  EXPECT_TRUE(network.window.VersionSlip.Visible);
+  EXPECT_TRUE(network.window.VersionSlip.Visible && network.window.MessageKey.Visible);
 }
 
 } // namespace
