@@ -264,6 +264,7 @@ public:
   SideBoard HomeBoard, AwayBoard;
   std::array<BackPicture, AttemptsInPossession> Tries; ///< a paper triangle for each attempt left
   BackPicture VersionSlip;                             ///< the paper behind `Label5`
+  BackPicture MessageKey;                              ///< the key that types to the other player
   PictureBox Picture1, Picture2, Picture3, Picture4, Picture5, Picture6, Picture7; ///< the result cards
 
   // ---- The other computer ------------------------------------------------------------------------
@@ -286,6 +287,12 @@ public:
 
   // net/message_pump.cpp
   void CheckMessages(); ///< handles one message of the queue, if there is one
+
+  /// Acts on a message. During this side's turn the other side can't shoot, but the result of its last shot
+  /// may still arrive.
+  /// @returns false if the message breaks a rule, which no correct program's does: it is as if it had not
+  /// come
+  bool TakeMessage(const std::string &tag, DirectPlayMessage &message);
 
   /// Replays a received flick, or queues it if another is being replayed.
   /// @returns false if the queue already holds a whole possession

@@ -44,7 +44,7 @@ void frmSnapwedge::SetUp() {
   Round = 0;
   Reset();
   if (program.GameMode == "INET") {
-    VersionSlip.Visible = true;
+    VersionSlip.Visible = MessageKey.Visible = true;
     Text1.Enabled = true;
     Text2.Enabled = true;
     LineWatch = machine.OnPump([this] { ShowLine(); });

@@ -7,6 +7,7 @@
 #include "net/received.h"
 #include "platform/network_times.h"
 
+#include <algorithm>
 #include <string>
 
 namespace {
@@ -62,51 +63,55 @@ void frmSnapwedge::CheckMessages() {
   const auto message = program.InMsg;
   if (message->GetKind() == DirectPlayMessage::Kind::ConnectionLost) OtherSideLeft();
 
-  // During this side's turn the other side can't shoot, but the result of its last shot may still arrive. Two
-  // correct programs never send a message that is dropped.
-  bool taken = true;
+  if (!TakeMessage(tag, *message)) ++DroppedMessages;
+}
+
+bool frmSnapwedge::TakeMessage(const std::string &tag, DirectPlayMessage &message) {
   if (tag == "Flick") {
-    const auto shot = ReadShot(*message);
-    taken = shot && !program.MyTurn && TakeFlick(*shot);
-  } else if (tag == "Goal") {
-    const auto shot = ReadShot(*message);
-    taken = shot && !program.MyTurn && KickMode && !ReplayingKick && shot->Force > 0.0f;
-    if (taken) ReplayKick(*shot);
-  } else if (tag == "MESSAGE") {
-    const auto line = ReadChat(*message);
-    taken = line.has_value();
-    if (taken) {
-      program.PlayOnce(program.SndWis1);
-      Text1.Text = *line;
-    }
-  } else if (tag == "Version") {
-    const auto version = ReadVersion(*message);
-    taken = version.has_value();
-    if (taken) Label5.Caption = "OV:" + version->Build + ":" + std::to_string(version->Number);
-  } else if (tag == "Score") {
-    const auto score = ReadScore(*message, Round);
-    taken = score.has_value();
-    if (taken) {
-      // The sender's Home Team is this side's Away Team. A score never falls.
-      if (score->Home > AwayScore) AwayScore = score->Home;
-      if (score->Away > HomeScore) HomeScore = score->Away;
-      PostScore();
-      // The host sends a score with the number of the last round only when it can't score any more: after its
-      // last good kick, or at the end of its last possession.
-      if (!program.IsHost && score->Round == program.Rounds) OtherSideOver = True;
-    }
-  } else if (tag == "RESULT") {
-    const auto result = ReadResult(*message);
-    taken = result && (!program.MyTurn || ResultDue);
-    if (taken) ShowOtherResult(*result);
-  } else if (tag == "OVER") {
-    taken = NothingFollows(*message);
-    if (taken && program.IsHost) OtherSideOver = True;
-  } else if (tag == "END") {
-    taken = NothingFollows(*message);
-    if (taken) OtherSideLeft();
+    const auto shot = ReadShot(message);
+    return shot && !program.MyTurn && TakeFlick(*shot);
   }
-  if (!taken) ++DroppedMessages;
+  if (tag == "Goal") {
+    const auto shot = ReadShot(message);
+    if (!shot || program.MyTurn || !KickMode || ReplayingKick || shot->Force <= 0.0f) return false;
+    ReplayKick(*shot);
+  }
+  if (tag == "MESSAGE") {
+    const auto line = ReadChat(message);
+    if (!line) return false;
+    program.PlayOnce(program.SndWis1);
+    Text1.Text = *line;
+  }
+  if (tag == "Version") {
+    const auto version = ReadVersion(message);
+    if (!version) return false;
+    Label5.Caption = "OV:" + version->Build + ":" + std::to_string(version->Number);
+  }
+  if (tag == "Score") {
+    const auto score = ReadScore(message, Round);
+    if (!score) return false;
+    // The sender's Home Team is this side's Away Team. A score never falls.
+    AwayScore = std::max(AwayScore, score->Home);
+    HomeScore = std::max(HomeScore, score->Away);
+    PostScore();
+    // The host sends a score with the number of the last round only when it can't score any more: after its
+    // last good kick, or at the end of its last possession.
+    if (!program.IsHost && score->Round == program.Rounds) OtherSideOver = True;
+  }
+  if (tag == "RESULT") {
+    const auto result = ReadResult(message);
+    if (!result || (program.MyTurn && !ResultDue)) return false;
+    ShowOtherResult(*result);
+  }
+  if (tag == "OVER") {
+    if (!NothingFollows(message)) return false;
+    if (program.IsHost) OtherSideOver = True;
+  }
+  if (tag == "END") {
+    if (!NothingFollows(message)) return false;
+    OtherSideLeft();
+  }
+  return true;
 }
 
 bool frmSnapwedge::TakeFlick(const ReceivedShot &shot) {

@@ -15,6 +15,7 @@ constexpr int HomeTileLeft = 4, AwayTileLeft = 51;
 constexpr int TileWidth = 46;
 constexpr int DigitsTop = 49;
 constexpr int DigitWidth = 14;
+constexpr int MessageKeyLeft = 536, MessageKeyTop = 467;
 constexpr int TriesTop = 82, TriesLeft = 6, TryWidth = 31;
 
 constexpr int Numerals = 10; ///< in the image of the digits
@@ -69,13 +70,14 @@ void frmSnapwedge::LayOutBoards() {
   LayOut(HomeBoard, 0, HomeLineLeft, HomeTileLeft);
   LayOut(AwayBoard, 1, AwayLineLeft, AwayTileLeft);
   VersionSlip = {"VersionSlip", 0, 0};
-  BackPictureFiles = {{"VersionSlip", 102, 22}, {"Try", 28, 23}};
+  MessageKey = {"MessageKey", MessageKeyLeft, MessageKeyTop};
+  BackPictureFiles = {{"VersionSlip", 102, 22}, {"MessageKey", 70, 12}, {"Try", 28, 23}};
   for (const char *name : {"ScoreLine", "ScoreLineFlash"}) BackPictureFiles.push_back({name, 174, 26});
   for (const char *name : {"ScoreTile", "ScoreTileFlash"})
     BackPictureFiles.push_back({name, Sides * TileWidth, 46});
   for (const char *name : {"Digits", "DigitsLit"})
     BackPictureFiles.push_back({name, Numerals * DigitWidth, 26});
-  BackPictures = {&VersionSlip};
+  BackPictures = {&VersionSlip, &MessageKey};
   for (SideBoard *board : {&HomeBoard, &AwayBoard}) {
     Write(*board);
     BackPictures.insert(BackPictures.end(), {&board->Line, &board->Tile});
@@ -90,8 +92,10 @@ void frmSnapwedge::LayOutBoards() {
 }
 
 void frmSnapwedge::LightBoards() {
-  Light(HomeBoard, Player == 1);
-  Light(AwayBoard, Player == 2);
+  // By `MyTurn`, since `Player` is the other computer's number while its shot is replayed.
+  const bool started = Player != 0;
+  Light(HomeBoard, started && program.MyTurn);
+  Light(AwayBoard, started && !program.MyTurn);
 }
 
 void frmSnapwedge::ShowShots() {

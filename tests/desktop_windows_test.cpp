@@ -71,6 +71,7 @@ TEST(DesktopWindowsTest, LabelsOfThePlayWindowCanBeRead) {
   machine.Show(window);
   for (const std::int16_t player : {std::int16_t{1}, std::int16_t{2}}) {
     window.Player = player;
+    program.MyTurn = player == 1 ? True : False;
     window.TurnColor();
     EXPECT_EQ(ExpectReadableLabels(machine, window), 7);
   }
@@ -185,6 +186,7 @@ TEST(DesktopWindowsTest, PicturesBehindTheControlsFollowTheGame) {
   frmSnapwedge window(machine, program);
   machine.Show(window);
   window.Player = 1;
+  program.MyTurn = True;
   window.TurnColor();
   machine.Pump();
   const auto look = [&](const BackPicture &picture) {
@@ -194,6 +196,7 @@ TEST(DesktopWindowsTest, PicturesBehindTheControlsFollowTheGame) {
   const QImage lit = look(window.HomeBoard.Tile), unlit = look(window.AwayBoard.Tile);
   const QImage three = look(window.Tries[2]);
   window.Player = 2;
+  program.MyTurn = False;
   window.Shots = 2;
   window.TurnColor();
   window.HomeScore = 8;

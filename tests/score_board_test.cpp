@@ -40,6 +40,16 @@ TEST(ScoreBoardTest, TheSideOnTurnIsLitAndItsAttemptsAreLaidOut) {
   EXPECT_EQ(game.window.HomeBoard.Digits[0].Picture, "Digits");
 }
 
+TEST(ScoreBoardTest, TheOtherSideStaysLitWhileItsShotsAreReplayed) {
+  NetworkGame game(true);
+  game.PutPiece(0, -79, 3);
+  game.Receive(Shot("Flick", 0, -79)); // onto the circle: 3 points, and the score is written again
+  game.Frames(20);
+  ASSERT_EQ(game.window.AwayScore, 3);
+  EXPECT_TRUE(game.window.AwayBoard.Tile.Visible);
+  EXPECT_FALSE(game.window.HomeBoard.Tile.Visible);
+}
+
 TEST(ScoreBoardTest, PointsAreWrittenInTheMiddleAndFlashForAMoment) {
   Game game;
   game.SetUp();
@@ -69,12 +79,12 @@ TEST(ScoreBoardTest, PointsAreWrittenInTheMiddleAndFlashForAMoment) {
   }
 }
 
-TEST(ScoreBoardTest, ThePaperForTheOthersVersionLiesInANetworkGameAlone) {
+TEST(ScoreBoardTest, TheOthersVersionAndTheKeyForMessagesAreShownInANetworkGameAlone) {
   Game game;
   game.SetUp();
-  EXPECT_FALSE(game.window.VersionSlip.Visible);
+  EXPECT_FALSE(game.window.VersionSlip.Visible || game.window.MessageKey.Visible);
   const NetworkGame network(false);
-  EXPECT_TRUE(network.window.VersionSlip.Visible);
+  EXPECT_TRUE(network.window.VersionSlip.Visible && network.window.MessageKey.Visible);
 }
 
 } // namespace

@@ -97,7 +97,8 @@ public:
   void Wait() {
     program_.GameMode = "INET";
     window.Reset();
-    window.VersionSlip.Visible = window.Text1.Enabled = window.Text2.Enabled = true;
+    window.VersionSlip.Visible = window.MessageKey.Visible = window.Text1.Enabled = window.Text2.Enabled =
+        true;
     window.Label5.Caption = "OV:SW:1";
     window.Text1.Text = "Bet you can't do that twice!";
   }

@@ -29,6 +29,7 @@ constexpr Paint LaneLine{0.76, 0.66, 0.64, 0.0};
 // The ground is at dusk, in colours unlike those of the table, so that the edge of the table is distinct.
 constexpr Paint LightGrass{0.17, 0.28, 0.36, 0.06};
 constexpr Paint DarkGrass{0.14, 0.24, 0.33, 0.06};
+constexpr Paint Chalk{0.36, 0.44, 0.52, 0.0};
 constexpr Paint Banner{0.10, 0.12, 0.36, 0.0};
 
 // The banner along the front of the upper tier hangs over the dark rear of the lower one.
@@ -202,6 +203,29 @@ void AddFloor(Mesh &mesh) {
   zone(TrackOut + LineWidth, 158.0, Concrete * 0.75);
 }
 
+/// The word beside the table that a piece falls on. Behind the start nothing falls, and it would be upside
+/// down for the camera.
+void AddOut(Mesh &mesh) {
+  constexpr double Baseline = 90.0, Cap = 17.0, Apart = 62.0;
+  Title word;
+  word.normal = {0.0, 1.0, 0.0};
+  word.cap = Cap;
+  word.head = Chalk;
+  word.foot = Chalk * 0.85;
+  struct Side {
+    double outX, outZ;
+  };
+  for (const Side side : {Side{0, -1}, Side{1, 0}, Side{-1, 0}}) {
+    word.up = {side.outX, 0.0, side.outZ};
+    word.right = {side.outZ, 0.0, -side.outX};
+    for (const double along : {-Apart, 0.0, Apart}) {
+      word.middle = {side.outX * Baseline + word.right.x * along, Floor,
+                     side.outZ * Baseline + word.right.z * along};
+      AddTitle(mesh, "OUT", word);
+    }
+  }
+}
+
 /// A floodlight mast that leans over the rim, with its bank of lamps turned to the table.
 void AddMast(Mesh &mesh, double turn) {
   const Station foot = At(turn, 287.0);
@@ -319,6 +343,7 @@ void AddPylons(Mesh &mesh) {
 Mesh MakeStadium() {
   Mesh mesh;
   AddFloor(mesh);
+  AddOut(mesh);
   AddUnderside(mesh);
   AddLegs(mesh);
 

@@ -14,11 +14,7 @@ constexpr float PointsToPixels = 96.0f / 72.0f; ///< the windows are designed fo
 
 QColor Convert(const Color &color) { return {color.Red, color.Green, color.Blue}; }
 
-/// Background of a disabled box: a fifth as bright as its colour.
-QColor Darkened(const Color &color) {
-  constexpr int Divisor = 5;
-  return {color.Red / Divisor, color.Green / Divisor, color.Blue / Divisor};
-}
+constexpr int DisabledDarkness = 500; ///< a disabled box is a fifth as bright, percent
 
 QFont FontOf(const Typeface &typeface) {
   const bool serif = typeface.Name == "Times New Roman";
@@ -94,7 +90,7 @@ void ControlView::Sync() {
       }
       // The toolkit draws the edge of a box in a shade of the window colour.
       for (const auto role : {QPalette::Base, QPalette::Window})
-        palette.setColor(QPalette::Disabled, role, Darkened(control_.BackColor));
+        palette.setColor(QPalette::Disabled, role, Convert(control_.BackColor).darker(DisabledDarkness));
       palette.setColor(QPalette::Disabled, QPalette::Text, Convert(control_.BackColor));
     }
     widget->setPalette(palette);

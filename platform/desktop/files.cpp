@@ -4,6 +4,7 @@
 #include "platform/files.h"
 
 #include <QStringDecoder>
+#include <QtEndian>
 
 #include <zlib.h>
 
@@ -44,11 +45,7 @@ QSize CheckPng(const fs::path &file, const std::vector<char> &bytes) {
   constexpr std::string_view Signature("\x89PNG\r\n\x1a\n", 8);
   constexpr std::size_t Number = 4, Type = 4, Sum = 4; // bytes
   constexpr std::size_t HeaderLength = 13;
-  const auto number = [&](std::size_t at) {
-    std::uint32_t value = 0;
-    for (std::size_t i = 0; i < Number; ++i) value = value << 8 | static_cast<unsigned char>(bytes[at + i]);
-    return value;
-  };
+  const auto number = [&](std::size_t at) { return qFromBigEndian<quint32>(&bytes[at]); };
   const std::string_view all(bytes.data(), bytes.size());
   if (!all.starts_with(Signature)) RefuseFile(file, "not a PNG file");
   QSize size;

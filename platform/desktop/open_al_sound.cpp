@@ -5,6 +5,7 @@
 #include <AL/al.h>
 #include <AL/alc.h>
 #include <AL/efx.h>
+#include <QtEndian>
 #include <sndfile.h>
 
 #include <algorithm>
@@ -93,11 +94,7 @@ void RequireWhole(const std::filesystem::path &path) {
   constexpr std::size_t Mark = 4, ChunkHeader = 8, FileHeader = 12; // bytes
   const std::vector<char> bytes = ReadFile(path, LargestFile);
   const auto mark = [&](std::size_t at) { return std::string_view(&bytes[at], Mark); };
-  const auto number = [&](std::size_t at) {
-    std::size_t value = 0;
-    for (std::size_t i = 4; i > 0; --i) value = value << 8 | static_cast<unsigned char>(bytes[at + i - 1]);
-    return value;
-  };
+  const auto number = [&](std::size_t at) { return qFromLittleEndian<quint32>(&bytes[at]); };
   if (bytes.size() < FileHeader || mark(0) != "RIFF" || mark(8) != "WAVE")
     RefuseFile(path, "not a wave file");
   for (std::size_t at = FileHeader; at + ChunkHeader <= bytes.size();) {

@@ -99,31 +99,7 @@ public:
     };
   }
 
-  void ScrollBy(QKeyEvent &event) override {
-    QScrollBar *bar = widget_->verticalScrollBar();
-    switch (event.key()) {
-    case Qt::Key_PageDown:
-      bar->triggerAction(QAbstractSlider::SliderPageStepAdd);
-      break;
-    case Qt::Key_PageUp:
-      bar->triggerAction(QAbstractSlider::SliderPageStepSub);
-      break;
-    case Qt::Key_Down:
-      bar->triggerAction(QAbstractSlider::SliderSingleStepAdd);
-      break;
-    case Qt::Key_Up:
-      bar->triggerAction(QAbstractSlider::SliderSingleStepSub);
-      break;
-    case Qt::Key_Home:
-      bar->triggerAction(QAbstractSlider::SliderToMinimum);
-      break;
-    case Qt::Key_End:
-      bar->triggerAction(QAbstractSlider::SliderToMaximum);
-      break;
-    default:
-      break;
-    }
-  }
+  void ScrollBy(QKeyEvent &event) override { widget_->verticalScrollBar()->event(&event); }
 
 protected:
   void SyncOwn() override {}

@@ -13,10 +13,13 @@ constexpr float NearDistance = 36.4f; ///< from the initial camera to the start 
 constexpr float LargestShare = 0.42f;
 constexpr float ShareRoot = 2.4f;
 
-// The target's height in the frame: the lower third if seen from the side, nearer to the centre from above.
+// The target's height in the frame: the lower third if seen from the side, nearer to the centre from above,
+// and above it for a kick high in the air, so that the stands below show its height.
 constexpr float LowPlace = -0.58f;  ///< at the camera's own level; -1 is the bottom of the frame, 1 the top
 constexpr float HighPlace = -0.22f; ///< `Steep` or more below the camera
 constexpr float Steep = 0.78f;      ///< radians
+constexpr float RisenPlace = 0.15f; ///< `Risen` or more above the camera
+constexpr float Risen = 0.35f;      ///< radians
 
 // Limits of the field of view.
 constexpr float WidestHalf = 0.70f;  ///< half of the horizontal angle, radians
@@ -26,7 +29,7 @@ constexpr float TallestHalf = 0.60f; ///< half of the vertical angle, radians
 constexpr float Margin = 0.06f;      ///< of every point that must be visible, radians
 constexpr float TargetMargin = 0.8f; ///< of the target's centre, target widths
 // A result card covers the right side of the frame. The target stays to the left of it.
-constexpr float CardSide = 0.42f; ///< largest x of the target; 0 is the centre of the frame, 1 the border
+constexpr float CardSide = 0.45f; ///< largest x of the target; 0 is the centre of the frame, 1 the border
 
 // Which points must be visible besides the target.
 constexpr float AtTarget = 6.0f;    ///< largest distance from the aim's origin to the target, scene units
@@ -282,7 +285,8 @@ Lens::Framing Lens::Wanted(const Transform &camera, const Seen &subject, std::sp
   }
   framing.Height = std::max(framing.Height, 2 * std::tan(std::min(up.Half(), TallestHalf)));
   aim();
-  const float place = LowPlace + (HighPlace - LowPlace) * std::clamp(-own.Pitch / Steep, 0.0f, 1.0f);
+  const float place = LowPlace + (HighPlace - LowPlace) * std::clamp(-own.Pitch / Steep, 0.0f, 1.0f) +
+                      (RisenPlace - LowPlace) * std::clamp(own.Pitch / Risen, 0.0f, 1.0f);
   const float centre = own.Pitch - std::atan(place * framing.Height / 2);
   framing.Pitch = CentreOf(up, std::atan(framing.Height / 2), centre, target) - PitchOf(camera);
   return framing;

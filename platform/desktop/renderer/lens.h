@@ -30,8 +30,8 @@ public:
   /// target jumps, it cuts to that framing.
   ///
   /// The target is the scene frame of the camera's last `LookAt`. It is always in the frame, in the lower
-  /// third, and appears smaller with distance, but by less than perspective alone makes it. The frame also
-  /// contains, as far as the widest field of view allows:
+  /// third unless it is high above the camera, and appears smaller with distance, but by less than
+  /// perspective alone makes it. The frame also contains, as far as the widest field of view allows:
   /// - the other meshes that move,
   /// - the aim, while it lies at the target,
   /// - the point where a sliding target will stop,

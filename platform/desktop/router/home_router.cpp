@@ -68,10 +68,7 @@ struct HomeRouter::State {
 /// The thread: makes the router match the wanted state, step by step.
 class HomeRouter::Worker {
 public:
-  explicit Worker(std::shared_ptr<State> state) : state_(std::move(state)) {
-    protocols_[0] = MakeNatPmp();
-    protocols_[1] = MakeUpnp();
-  }
+  explicit Worker(std::shared_ptr<State> state) : state_(std::move(state)) {}
 
   void Run() {
     std::unique_lock lock(state_->mutex);
@@ -135,7 +132,7 @@ private:
   }
 
   std::shared_ptr<State> state_;
-  std::array<std::unique_ptr<RouterProtocol>, 2> protocols_;
+  std::array<std::unique_ptr<RouterProtocol>, 2> protocols_{MakeNatPmp(), MakeUpnp()};
   std::optional<Opened> opened_;
 };
 
