@@ -13,6 +13,7 @@
 namespace {
 
 namespace fs = std::filesystem;
+using Clock = std::chrono::steady_clock;
 
 const std::vector<int> TouchdownPlan = {96, 24, 16}; ///< ends with a corner over the edge
 const std::vector<int> PenaltyPlan = {96, 32};       ///< crosses on the second attempt
@@ -41,7 +42,6 @@ public:
 
 private:
   void WaitUntilGone(const std::string &title) {
-    using Clock = std::chrono::steady_clock;
     for (const auto end = Clock::now() + Milliseconds(5000); Clock::now() < end; Pause(Milliseconds(20))) {
       if (!seat_.Find(title)) return;
     }
@@ -100,8 +100,11 @@ private:
 
   /// @returns the end card shown
   std::string End(GameProcess &game) {
-    const auto card = FindEndCard(seat_);
-    if (!card) throw GaveUp("the match has no end card");
+    std::optional<EndCard> card;
+    for (const auto end = Clock::now() + Milliseconds(5000); !card; card = FindEndCard(seat_)) {
+      if (Clock::now() > end) throw GaveUp("the match has no end card");
+      Pause(Milliseconds(20));
+    }
     Pause(TakesClicks);
     album_.Take(seat_, "end-card");
     CloseEndCard(seat_, *card);
