@@ -2,19 +2,16 @@
 
 // For tests of windows: the desktop machine with the built game's files, and helpers to look at the screen.
 
-#include "platform/desktop/desktop_machine.h"
+#include "tools/built_game.h"
 
-#include <QApplication>
 #include <QColor>
-#include <QWidget>
 
 #include <algorithm>
 #include <cmath>
 
-class GameMachine : public DesktopMachine {
+class GameMachine : public BuiltGameMachine {
 public:
-  using DesktopMachine::DesktopMachine;
-  std::filesystem::path AppPath() const override { return SNAPWEDGE_GAME_DIR; }
+  using BuiltGameMachine::BuiltGameMachine;
 
   /// One machine for all tests. It is never destroyed, because Qt's statics are destroyed before it.
   static GameMachine &Get() {
@@ -43,14 +40,6 @@ inline double Contrast(const QColor &one, const QColor &other) {
   };
   const auto [darker, lighter] = std::minmax({luminance(one), luminance(other)});
   return (lighter + 0.05) / (darker + 0.05);
-}
-
-/// The visible window with that name, or null.
-inline QWidget *ShownWindow(const std::string &name) {
-  for (QWidget *window : QApplication::topLevelWidgets()) {
-    if (window->isVisible() && window->objectName().toStdString() == name) return window;
-  }
-  return nullptr;
 }
 
 /// The control of that name in any window, or null.

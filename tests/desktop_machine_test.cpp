@@ -10,6 +10,7 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QListWidget>
+#include <QScrollBar>
 #include <QTest>
 #include <QTextBrowser>
 #include <QWindow>
@@ -347,6 +348,7 @@ TEST(DesktopMachineTest, TheReadMeStandsInItsWindowToTheLetterAndLeavesTheKeyboa
   DesktopMachine &machine = GameMachine::Get();
   std::string text, formats;
   bool buttonHasFocus = false;
+  std::vector<int> scrolled;
   const auto poll = machine.OnPump([&, looks = 0]() mutable {
     const auto *box = qobject_cast<QTextBrowser *>(WidgetOf("RichTextBox1"));
     if (!box) return;
@@ -361,7 +363,13 @@ TEST(DesktopMachineTest, TheReadMeStandsInItsWindowToTheLetterAndLeavesTheKeyboa
       }
       QTest::mouseClick(box->viewport(), Qt::LeftButton);
     }
-    if (looks == 10) buttonHasFocus = WidgetOf("Command1")->hasFocus();
+    if (looks == 10) {
+      buttonHasFocus = WidgetOf("Command1")->hasFocus();
+      for (const auto key : {Qt::Key_Down, Qt::Key_PageDown, Qt::Key_End, Qt::Key_Up, Qt::Key_Home}) {
+        QTest::keyClick(WidgetOf("Command1"), key);
+        scrolled.push_back(box->verticalScrollBar()->value());
+      }
+    }
     if (looks == 11) QTest::mouseClick(WidgetOf("Command1"), Qt::LeftButton);
   });
   ShowReadMe(machine);
@@ -372,6 +380,12 @@ TEST(DesktopMachineTest, TheReadMeStandsInItsWindowToTheLetterAndLeavesTheKeyboa
   for (std::size_t i = 0; i < shownLines.size(); ++i) EXPECT_EQ(shownLines[i], expectedLines[i]);
   EXPECT_EQ(formats, "#008080 20 bold\n#000000 12 bold\n#000000 10 bold\n#000000 12 bold\n#000000 12\n");
   EXPECT_TRUE(buttonHasFocus);
+  ASSERT_EQ(scrolled.size(), 5U);
+  EXPECT_LT(0, scrolled[0]);
+  EXPECT_LT(2 * scrolled[0], scrolled[1]) << "a page is more than a line";
+  EXPECT_LT(scrolled[1], scrolled[3]) << "a line above the end";
+  EXPECT_LT(scrolled[3], scrolled[2]);
+  EXPECT_EQ(scrolled[4], 0);
 }
 
 TEST(DesktopMachineTest, AMissingPictureIsNamed) {

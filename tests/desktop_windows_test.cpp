@@ -40,15 +40,13 @@ int ExpectReadableLabels(GameMachine &machine, const Window &window) {
   constexpr double LeastReadable = 4.5;
   machine.Pump();
   int labels = 0;
-  for (QWidget *shown : QApplication::topLevelWidgets()) {
-    if (shown->objectName().toStdString() != window.Name) continue;
-    for (QLabel *label : shown->findChildren<QLabel *>()) {
-      if (!label->isVisible() || label->text().isEmpty()) continue;
-      ++labels;
-      const auto contrast = LeastContrast(*shown, *label);
-      EXPECT_TRUE(contrast.has_value()) << label->objectName().toStdString() << " shows nothing";
-      EXPECT_GE(contrast.value_or(0), LeastReadable) << label->objectName().toStdString();
-    }
+  QWidget &shown = *ShownWindow(window.Name);
+  for (QLabel *label : shown.findChildren<QLabel *>()) {
+    if (!label->isVisible() || label->text().isEmpty()) continue;
+    ++labels;
+    const auto contrast = LeastContrast(shown, *label);
+    EXPECT_TRUE(contrast.has_value()) << label->objectName().toStdString() << " shows nothing";
+    EXPECT_GE(contrast.value_or(0), LeastReadable) << label->objectName().toStdString();
   }
   return labels;
 }
@@ -87,11 +85,8 @@ TEST(DesktopWindowsTest, LabelsOfThePlayWindowCanBeRead) {
 
 /// The widget of a control of the open window with that name.
 QWidget *WidgetOf(const Window &window, const char *control) {
-  for (QWidget *shown : QApplication::topLevelWidgets()) {
-    if (shown->isVisible() && shown->objectName().toStdString() == window.Name)
-      return shown->findChild<QWidget *>(control);
-  }
-  return nullptr;
+  QWidget *shown = ShownWindow(window.Name);
+  return shown ? shown->findChild<QWidget *>(control) : nullptr;
 }
 
 /// All texts of `lblHint`, with their longest names and numbers.

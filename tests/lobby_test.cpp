@@ -3,10 +3,7 @@
 #include "front/run_program.h"
 #include "net/address_lookup.h"
 #include "net/frm_new_net.h"
-#include "platform/headless/headless_machine.h"
-#include "platform/headless/wire.h"
-#include "platform/search_dialog.h"
-#include "platform/session/session_direct_play.h"
+#include "tests/session_kit.h"
 
 #include <gtest/gtest.h>
 
@@ -49,11 +46,23 @@ struct Lobby {
     while (!machine.ClockReached(end)) machine.WaitUntil(end);
   }
 
+  /// A program on another computer, which searches the local network.
+  std::shared_ptr<session::SessionDirectPlay> Other() {
+    auto other = std::make_shared<session::SessionDirectPlay>(machine, wire.Plug("10.0.0.2"));
+    other->InitializeConnection(kit::Internet);
+    return other;
+  }
+
   HeadlessMachine machine;
   Program program;
   FaultyWire wire;
   frmNewNet window;
 };
+
+/// The sessions that a program finds.
+std::shared_ptr<DirectPlayEnumSessions> Search(DirectPlay4 &program) {
+  return program.GetDPEnumSessions(kit::Description(""), 0, DPENUMSESSIONS_AVAILABLE);
+}
 
 constexpr const char *NetworkTitle = "Error initializing DirectPlay.";
 
@@ -86,11 +95,7 @@ TEST(LobbyTest, ConnectCreateCancelAndBackAgain) {
     EXPECT_TRUE(lobby.window.Command1.Enabled);
   }
   EXPECT_TRUE(lobby.machine.Boxes.empty());
-  session::SessionDirectPlay guest(lobby.machine, lobby.wire.Plug("10.0.0.2"));
-  guest.InitializeConnection(guest.GetDPEnumConnections("", 1)->GetAddress(2));
-  DirectPlaySessionData wanted;
-  wanted.SetGuidApplication("{7AB2F242-475F-11D4-AF9B-00C04F361528}");
-  EXPECT_EQ(guest.GetDPEnumSessions(wanted, 0, 1)->GetCount(), 0) << "a cancelled session is gone";
+  EXPECT_EQ(Search(*lobby.Other())->GetCount(), 0) << "a cancelled session is gone";
 }
 
 TEST(LobbyTest, AMatchKeepsTheLaunchWindowBehindItStill) {
@@ -154,14 +159,8 @@ TEST(LobbyTest, AHostsSessionIsListedAndGoneAfterItsCancel) {
   Lobby lobby;
   HeadlessMachine other(SNAPWEDGE_GAME_DIR);
   session::SessionDirectPlay host(other, lobby.wire.Plug("10.0.0.2"));
-  host.InitializeConnection(host.GetDPEnumConnections("", 1)->GetAddress(2));
-  DirectPlaySessionData data;
-  data.SetGuidApplication("{7AB2F242-475F-11D4-AF9B-00C04F361528}");
-  data.SetSessionName("SNWG77");
-  data.SetMaxPlayers(2);
-  data.SetRounds(3);
-  host.Open(data, DPOPEN_CREATE);
-  const std::int32_t me = host.CreatePlayer("Bramble", "Player1", 0, 0);
+  host.InitializeConnection(kit::Internet);
+  const std::int32_t me = kit::Host(host, "SNWG77", 3);
   // The program of the other computer runs in the same process.
   const auto beside = lobby.machine.OnPump([&] {
     other.SetNow(lobby.machine.Now());
@@ -213,9 +212,7 @@ TEST(LobbyTest, TheCloseBoxEndsTheProgramAlsoWhileItSearchesOrJoins) {
 
 TEST(LobbyTest, WhereNobodyAnswersThePlayerTriesAgainOrCloses) {
   Lobby lobby;
-  const auto host = std::make_shared<session::SessionDirectPlay>(lobby.machine, lobby.wire.Plug("10.0.0.2"),
-                                                                 ShowSearchDialog);
-  host->InitializeConnection(host->GetDPEnumConnections("", 1)->GetAddress(2));
+  const auto host = lobby.Other();
   const auto in = [&](const char *name) { return lobby.machine.Find("frmSearch", name); };
   const auto press = [&](const char *name, const char *caption) {
     auto &button = dynamic_cast<CommandButton &>(*in(name));
@@ -239,17 +236,12 @@ TEST(LobbyTest, WhereNobodyAnswersThePlayerTriesAgainOrCloses) {
   EXPECT_TRUE(lobby.window.lstSessions.List.empty());
 
   lobby.window.Command5_Click();
-  DirectPlaySessionData data;
-  data.SetGuidApplication("{7AB2F242-475F-11D4-AF9B-00C04F361528}");
-  data.SetSessionName("SNWG77");
-  data.SetMaxPlayers(2);
-  data.SetRounds(3);
   lobby.machine.After(100, [&] { press("Command1", "OK"); });
   lobby.machine.After(1500, [&] {
     EXPECT_EQ(dynamic_cast<TextBox &>(*in("Text1")).Text, "10.0.0.3") << "the last entry";
     EXPECT_TRUE(in("Text1")->Enabled);
     EXPECT_EQ(lobby.machine.Focus, in("Text1"));
-    host->Open(data, DPOPEN_CREATE);
+    host->Open(kit::Description("SNWG77"), DPOPEN_CREATE);
     enter("10.0.0.2");
     press("Command1", "Try again");
   });
@@ -265,18 +257,13 @@ TEST(LobbyTest, AJoinerThatHasLeftAgainStartsNoMatch) {
   for (const bool cancels : {false, true}) {
     SCOPED_TRACE(cancels ? "the host cancels" : "the host looks");
     Lobby lobby;
-    const auto guest = std::make_shared<session::SessionDirectPlay>(
-        lobby.machine, lobby.wire.Plug("10.0.0.2"), ShowSearchDialog);
-    guest->InitializeConnection(guest->GetDPEnumConnections("", 1)->GetAddress(2));
+    const auto guest = lobby.Other();
     lobby.window.cmdConnect_Click();
     // All of it happens between two polls of the host, as when a box is open.
     lobby.machine.After(500, [&] {
-      DirectPlaySessionData wanted;
-      wanted.SetGuidApplication("{7AB2F242-475F-11D4-AF9B-00C04F361528}");
-      const DirectPlaySessionData row = guest->GetDPEnumSessions(wanted, 0, 1)->GetItem(1);
+      const DirectPlaySessionData row = Search(*guest)->GetItem(1);
       EXPECT_EQ(row.GetFlags(), DPSESSION_MIGRATEHOST);
-      guest->Open(row, DPOPEN_JOIN);
-      const std::int32_t player = guest->CreatePlayer("Thicket", "Player2", 0, 0);
+      const std::int32_t player = kit::Join(*guest, row);
       const auto message = guest->CreateMessage();
       message->WriteString("END");
       guest->Send(player, DPID_ALLPLAYERS, DPSEND_GUARANTEED, *message);
@@ -306,20 +293,16 @@ TEST(LobbyTest, WhatTheHostReadsClosesWhenSomebodyJoins) {
     SCOPED_TRACE(row.window);
     Lobby lobby;
     lobby.machine.BoxMs = 1000000; // nobody presses OK
-    session::SessionDirectPlay guest(lobby.machine, lobby.wire.Plug("10.0.0.2"));
-    guest.InitializeConnection(guest.GetDPEnumConnections("", 1)->GetAddress(2));
+    const auto guest = lobby.Other();
     lobby.window.cmdConnect_Click();
     DirectPlaySessionData found;
     lobby.machine.After(500, [&] {
-      DirectPlaySessionData wanted;
-      wanted.SetGuidApplication("{7AB2F242-475F-11D4-AF9B-00C04F361528}");
-      found = guest.GetDPEnumSessions(wanted, 0, 1)->GetItem(1);
+      found = Search(*guest)->GetItem(1);
       lobby.machine.Player = nullptr;
       lobby.machine.Press(lobby.window.*row.opens);
       lobby.machine.After(1000, [&] {
         EXPECT_TRUE(lobby.machine.FindWindow(row.window));
-        guest.Open(found, DPOPEN_JOIN);
-        guest.CreatePlayer("Thicket", "Player2", 0, 0);
+        kit::Join(*guest, found);
         lobby.machine.After(200, [&] {
           EXPECT_TRUE(lobby.machine.FindWindow("frmSnapwedge"));
           EXPECT_FALSE(lobby.machine.FindWindow(row.window));
@@ -336,14 +319,10 @@ TEST(LobbyTest, CancelInTheLookThatFindsTheJoinerWins) {
   for (const int pump : {1, 2}) {
     SCOPED_TRACE(pump);
     Lobby lobby;
-    session::SessionDirectPlay guest(lobby.machine, lobby.wire.Plug("10.0.0.2"));
-    guest.InitializeConnection(guest.GetDPEnumConnections("", 1)->GetAddress(2));
+    const auto guest = lobby.Other();
     lobby.window.cmdConnect_Click();
     lobby.machine.After(500, [&] {
-      DirectPlaySessionData wanted;
-      wanted.SetGuidApplication("{7AB2F242-475F-11D4-AF9B-00C04F361528}");
-      guest.Open(guest.GetDPEnumSessions(wanted, 0, 1)->GetItem(1), DPOPEN_JOIN);
-      guest.CreatePlayer("Thicket", "Player2", 0, 0);
+      kit::Join(*guest, Search(*guest)->GetItem(1));
       lobby.machine.After(5000, [] { throw std::runtime_error("a match has begun"); });
       lobby.machine.Player = [&, pumps = 0]() mutable {
         if (!lobby.window.Polling && ++pumps == pump) lobby.machine.Press(lobby.window.Command5);

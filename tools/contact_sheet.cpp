@@ -5,10 +5,9 @@
 #include "front/information_windows.h"
 #include "match/frm_snapwedge.h"
 #include "net/frm_new_net.h"
-#include "platform/desktop/desktop_machine.h"
 #include "platform/desktop/renderer/renderer.h"
 #include "platform/headless/headless_machine.h"
-#include "tools/game_directory.h"
+#include "tools/built_game.h"
 #include "tools/played_windows.h"
 
 #include <QImage>
@@ -313,17 +312,10 @@ void RenderPictures(const std::string &directory, bool dense) {
   if (!dense) sheet({"icon", "icon-48"}, 2, "icon");
 }
 
-/// The desktop machine with the built game.
-class GameMachine : public DesktopMachine {
-public:
-  using DesktopMachine::DesktopMachine;
-  std::filesystem::path AppPath() const override { return GameDirectory(); }
-};
-
 /// The windows with their controls, at the screen's pixel density.
 class Windows {
 public:
-  explicit Windows(GameMachine &machine) : machine_(machine), program_(machine) {
+  explicit Windows(BuiltGameMachine &machine) : machine_(machine), program_(machine) {
     program_.GameMode = "Human";
     program_.SoundOn = False;
   }
@@ -361,22 +353,15 @@ private:
     }
   }
 
-  /// The open window of this name.
-  static QWidget *Find(const std::string &name) {
-    for (QWidget *widget : QApplication::topLevelWidgets())
-      if (widget->isVisible() && widget->objectName().toStdString() == name) return widget;
-    return nullptr;
-  }
-
   void Take(Window &window) {
     if (!window.Visible) machine_.Show(window);
     machine_.Pump();
-    images_.emplace_back(window.Name, Find(window.Name)->grab().toImage());
+    images_.emplace_back(window.Name, ShownWindow(window.Name)->grab().toImage());
   }
 
   void TakeModal(const std::string &name, const std::function<void(Machine &)> &show) {
     const auto poll = machine_.OnPump([&, taken = false]() mutable {
-      QWidget *widget = Find(name);
+      QWidget *widget = ShownWindow(name);
       if (!widget || taken) return;
       taken = true;
       images_.emplace_back(name, widget->grab().toImage());
@@ -385,7 +370,7 @@ private:
     show(machine_);
   }
 
-  GameMachine &machine_;
+  BuiltGameMachine &machine_;
   Program program_;
   Images images_;
 };
@@ -403,7 +388,7 @@ int main(int argc, char **argv) {
     std::filesystem::create_directories(directory);
     // A process has only one pixel density.
     qputenv("QT_SCALE_FACTOR", denseWindows ? "2" : "1");
-    GameMachine machine(argc, argv);
+    BuiltGameMachine machine(argc, argv);
     Windows(machine).Render(directory);
     if (denseWindows) return 0;
     Films(directory).Render();

@@ -3,9 +3,7 @@
 #include "match/frm_snapwedge.h"
 #include "match/results.h"
 #include "platform/headless/headless_machine.h"
-
-#include <QApplication>
-#include <QWidget>
+#include "tools/built_game.h"
 
 #include <functional>
 
@@ -85,10 +83,7 @@ public:
   void Take(const std::string &name) {
     window.Visible = false;
     screen_.Show(window);
-    for (QWidget *widget : QApplication::topLevelWidgets()) {
-      if (widget->objectName().toStdString() == window.Name)
-        images_.emplace_back(name, widget->grab().toImage());
-    }
+    images_.emplace_back(name, ShownWindow(window.Name)->grab().toImage());
     screen_.Hide(window);
     window.Visible = true;
   }

@@ -3,13 +3,10 @@
 //   window_films DIRECTORY
 
 #include "match/frm_snapwedge.h"
-#include "platform/desktop/desktop_machine.h"
-#include "tools/game_directory.h"
+#include "tools/built_game.h"
 
-#include <QApplication>
 #include <QImage>
 #include <QPainter>
-#include <QWidget>
 
 #include <algorithm>
 #include <cstdio>
@@ -24,11 +21,10 @@ constexpr std::size_t Kept = 3;         ///< every third frame is kept
 constexpr int Gap = 4;                  ///< pixels between frames
 constexpr int NoPress = -1;
 
-/// The desktop machine with the built game; reports new frames and cards.
-class FilmedMachine : public DesktopMachine {
+/// Reports new frames and cards.
+class FilmedMachine : public BuiltGameMachine {
 public:
-  using DesktopMachine::DesktopMachine;
-  std::filesystem::path AppPath() const override { return GameDirectory(); }
+  using BuiltGameMachine::BuiltGameMachine;
   void DrawCanvas(Canvas &canvas) override {
     DesktopMachine::DrawCanvas(canvas);
     if (OnFrame) OnFrame();
@@ -125,10 +121,7 @@ private:
   }
 
   void Take() {
-    for (QWidget *widget : QApplication::topLevelWidgets()) {
-      if (widget->isVisible() && widget->objectName().toStdString() == window_.Name)
-        film_.push_back(widget->grab().toImage());
-    }
+    if (QWidget *shown = ShownWindow(window_.Name)) film_.push_back(shown->grab().toImage());
   }
 
   FilmedMachine &machine_;

@@ -121,7 +121,9 @@ std::uint32_t DesktopMachine::RandomSeed() {
 }
 
 std::filesystem::path DesktopMachine::AppPath() const {
-  return std::filesystem::weakly_canonical("/proc/self/exe").parent_path();
+  // Found once, because an upgrade during a match replaces the file.
+  static const auto directory = std::filesystem::weakly_canonical("/proc/self/exe").parent_path();
+  return directory;
 }
 
 // The pump.

@@ -8,6 +8,7 @@
 #include <QKeyEvent>
 #include <QLabel>
 #include <QScrollBar>
+#include <QShortcut>
 #include <QTextBrowser>
 
 #include <functional>
@@ -89,6 +90,12 @@ public:
     widget_->setSource(QUrl::fromLocalFile(Text(file.string())));
     widget_->setTextInteractionFlags(Qt::NoTextInteraction);
     widget_->setFocusPolicy(Qt::NoFocus);
+    // A button with the focus takes these two keys, so `ScrollBy` doesn't get them.
+    for (const auto &[key, action] : {std::pair{Qt::Key_Up, QAbstractSlider::SliderSingleStepSub},
+                                      {Qt::Key_Down, QAbstractSlider::SliderSingleStepAdd}}) {
+      new QShortcut(key, &parent, // owned by the window
+                    [bar = widget_->verticalScrollBar(), action] { bar->triggerAction(action); });
+    }
     // The document never gets the focus, so screen readers get its text with the window.
     parent.setAccessibleDescription(widget_->toPlainText());
     widget_->viewport()->installEventFilter(&filter_);

@@ -4,9 +4,8 @@
 //   compare_delay [MESSAGES OF EACH KIND]
 
 #include "match/frm_snapwedge.h"
-#include "platform/desktop/desktop_machine.h"
 #include "platform/network_times.h"
-#include "tools/game_directory.h"
+#include "tools/built_game.h"
 
 #include <netinet/in.h>
 #include <netinet/tcp.h>
@@ -54,12 +53,6 @@ struct Shared {
   std::atomic<bool> Hosted;
   std::atomic<int> Awaited; ///< number of the message that its receiver is about to await
   std::array<std::atomic<std::int64_t>, Kinds * MostMessages> Sent, Seen;
-};
-
-class PlayMachine : public DesktopMachine {
-public:
-  using DesktopMachine::DesktopMachine;
-  std::filesystem::path AppPath() const override { return GameDirectory(); }
 };
 
 /// A sound that remembers when it was played: with the whistle, the game's handler shows a chat line.
@@ -172,7 +165,7 @@ private:
     shared_.Seen[static_cast<std::size_t>(number)] = seen;
   }
 
-  PlayMachine machine_;
+  BuiltGameMachine machine_;
   Program program_;
   frmSnapwedge window_;
   bool host_;

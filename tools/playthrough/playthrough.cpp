@@ -2,6 +2,7 @@
 // Fails if a station isn't reached.
 //   playthrough GAME PICTURES_DIRECTORY
 
+#include "tools/playthrough/launch.h"
 #include "tools/playthrough/table.h"
 
 #include <X11/keysym.h>
@@ -12,17 +13,13 @@
 namespace {
 
 namespace fs = std::filesystem;
+using Clock = std::chrono::steady_clock;
 
 const std::vector<int> TouchdownPlan = {96, 24, 16}; ///< ends with a corner over the edge
 const std::vector<int> PenaltyPlan = {96, 32};       ///< crosses on the second attempt
 const std::vector<int> OverchargePlan = {200};
 
 constexpr Milliseconds TakesClicks(600); ///< until a picture window accepts clicks
-
-// Buttons of the launch window, twips.
-constexpr int StartTop = 5700;
-constexpr int ComputerLeft = 1380;
-constexpr int HumanLeft = 3300;
 
 class Player {
 public:
@@ -33,9 +30,9 @@ public:
     LookAround();
     QuitInFlight();
     AgainstTheComputer();
-    TwoPeople("Home Team Wins!!", {TouchdownPlan, PenaltyPlan});
-    TwoPeople("It's All Tied Up!", {OverchargePlan, OverchargePlan});
-    TwoPeople("Away Team Wins!!", {OverchargePlan, TouchdownPlan});
+    TwoPeople(Won, {TouchdownPlan, PenaltyPlan});
+    TwoPeople(Tied, {OverchargePlan, OverchargePlan});
+    TwoPeople(Lost, {OverchargePlan, TouchdownPlan});
     for (const char *station :
          {"launch", "controls", "background", "readme", "aim", "meter", "flight", "point-after", "kick",
           "card-touchdown", "card-good", "card-no-good", "computer"}) {
@@ -45,7 +42,6 @@ public:
 
 private:
   void WaitUntilGone(const std::string &title) {
-    using Clock = std::chrono::steady_clock;
     for (const auto end = Clock::now() + Milliseconds(5000); Clock::now() < end; Pause(Milliseconds(20))) {
       if (!seat_.Find(title)) return;
     }
@@ -61,14 +57,14 @@ private:
     struct Row {
       const char *station;
       const char *title;
-      int x, y;           ///< of the button, twips
+      Spot button;
       int closeX, closeY; ///< where a click closes it, pixels
       bool escapes;       ///< Esc closes it too
     };
-    for (const Row &row : {Row{"controls", "Controls", 1380, 3780, 200, 200, true},
-                           Row{"background", "Background", 3300, 3780, 200, 200, true},
-                           Row{"readme", "ReadMe", 8400, 5700, 64, 396, false}}) {
-      ClickTwips(seat_, launch, row.x, row.y);
+    for (const Row &row : {Row{"controls", "Controls", Spots::Controls, 200, 200, true},
+                           Row{"background", "Background", Spots::Background, 200, 200, true},
+                           Row{"readme", "ReadMe", Spots::ReadMe, 64, 396, false}}) {
+      ClickSpot(seat_, launch, row.button);
       ::Window window = seat_.WaitFor(row.title);
       Pause(TakesClicks);
       album_.Take(seat_, row.station);
@@ -76,7 +72,7 @@ private:
       if (row.escapes) {
         WaitUntilGone(row.title);
         // The second click of a double-click must not close it.
-        for (int click = 0; click < 2; ++click) ClickTwips(seat_, launch, row.x, row.y);
+        for (int click = 0; click < 2; ++click) ClickSpot(seat_, launch, row.button);
         window = seat_.WaitFor(row.title);
       }
       Pause(TakesClicks);
@@ -85,37 +81,35 @@ private:
       WaitUntilGone(row.title);
     }
     EnterRounds(seat_, launch, "0");
-    ClickTwips(seat_, launch, HumanLeft, StartTop);
+    ClickSpot(seat_, launch, Spots::AgainstHuman);
     seat_.WaitFor("Rounds to Play:");
     Pause(Milliseconds(200));
     album_.Take(seat_, "rounds-refused");
     seat_.Press(XK_Return);
     WaitUntilGone("Rounds to Play:");
-    seat_.Key(XK_Alt_L, true);
-    seat_.Press(XK_F4);
-    seat_.Key(XK_Alt_L, false);
+    CloseLaunchWindow(seat_);
     game.WaitForEnd();
   }
 
-  Table Start(const std::string &rounds, int button) {
+  Table Start(const std::string &rounds, const Spot &button) {
     const ::Window launch = OpenLaunchWindow(seat_);
     EnterRounds(seat_, launch, rounds);
-    ClickTwips(seat_, launch, button, StartTop);
+    ClickSpot(seat_, launch, button);
     return Table(seat_, gamePictures_, album_);
   }
 
   /// @returns the end card shown
-  std::string CloseEndCard(GameProcess &game) {
-    for (const char *title : {"Home Team Wins!!", "Away Team Wins!!", "It's All Tied Up!"}) {
-      const auto card = seat_.Find(title);
-      if (!card) continue;
-      Pause(TakesClicks);
-      album_.Take(seat_, "end-card");
-      seat_.Click(*card, 150, 110);
-      game.WaitForEnd();
-      return title;
+  std::string End(GameProcess &game) {
+    std::optional<EndCard> card;
+    for (const auto end = Clock::now() + Milliseconds(5000); !card; card = FindEndCard(seat_)) {
+      if (Clock::now() > end) throw GaveUp("the match has no end card");
+      Pause(Milliseconds(20));
     }
-    throw GaveUp("the match has no end card");
+    Pause(TakesClicks);
+    album_.Take(seat_, "end-card");
+    CloseEndCard(seat_, *card);
+    game.WaitForEnd();
+    return card->Title;
   }
 
   /// Tries the mouse and every key, with a screenshot of each.
@@ -149,14 +143,14 @@ private:
 
   void AgainstTheComputer() {
     GameProcess game({program_});
-    Table table = Start("1", ComputerLeft);
+    Table table = Start("1", Spots::AgainstComputer);
     TryControls(table);
     Possess(table, TouchdownPlan, Table::Kick::Timed);
     PlayOut(table, true);
     table.WaitForTurn(false);
-    if (!EndCard(seat_)) table.Station("computer");
+    if (!FindEndCard(seat_)) table.Station("computer");
     table.WaitForTurn(true);
-    CloseEndCard(game);
+    End(game);
   }
 
   /// One possession. If it ends in a kick, the verdict must match the kick.
@@ -176,7 +170,7 @@ private:
     constexpr int Tries = 3;
     for (int time = 0; time < Tries; ++time) {
       GameProcess game({program_});
-      Table table = Start("1", HumanLeft);
+      Table table = Start("1", Spots::AgainstHuman);
       bool home = true;
       for (const auto &plan : plans) {
         table.WaitForTurn(home);
@@ -184,7 +178,7 @@ private:
         PlayOut(table, home);
         home = !home;
       }
-      if (CloseEndCard(game) == endCard) return;
+      if (End(game) == endCard) return;
     }
     throw GaveUp("no match ends with \"" + endCard + '"');
   }
@@ -193,14 +187,14 @@ private:
   void PlayOut(Table &table, bool home) {
     for (int attempt = 0; attempt < 3; ++attempt) {
       Pause(Milliseconds(500));
-      if (EndCard(seat_) || table.HomeOnTurn() != home) return;
+      if (FindEndCard(seat_) || table.HomeOnTurn() != home) return;
       table.Possess({8});
     }
   }
 
   void QuitInFlight() {
     GameProcess game({program_});
-    Table table = Start("1", HumanLeft);
+    Table table = Start("1", Spots::AgainstHuman);
     table.Shoot(88);
     Pause(Milliseconds(400));
     seat_.Press(XK_Escape);

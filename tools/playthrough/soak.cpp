@@ -4,6 +4,7 @@
 //   soak windows GAME DIRECTORY TIMES   all that the launch window opens, opened and closed so many times
 //   soak network GAME DIRECTORY ROUNDS HOST_DISPLAY JOINER_DISPLAY   a match between two programs on loopback
 
+#include "tools/playthrough/launch.h"
 #include "tools/playthrough/table.h"
 #include "tools/playthrough/usage.h"
 #include "tools/wires/writing.h"
@@ -23,24 +24,10 @@ using Clock = std::chrono::steady_clock;
 
 constexpr const char *MostRounds = "99";
 constexpr int MayStumble = 3;             ///< times in a row that something doesn't go as planned
-constexpr Milliseconds TakesClicks(600);  ///< until an end card accepts clicks
 constexpr Milliseconds SearchTakes(2000); ///< on this computer
 constexpr Milliseconds TurnPasses(500);   ///< with all its cards
 constexpr Milliseconds OtherSideTakes(120000);
 constexpr Milliseconds WindowTakes(5000); ///< to open or close
-
-constexpr const char *Won = "Home Team Wins!!";
-constexpr const char *Lost = "Away Team Wins!!";
-constexpr const char *Tied = "It's All Tied Up!";
-
-// Places on the launch window, twips.
-struct Spot {
-  int X, Y;
-};
-constexpr Spot Controls{1380, 3780}, Background{3300, 3780}, ReadMe{8400, 5700}, Address{6400, 5700};
-constexpr Spot AgainstComputer{1380, 5700}, AgainstHuman{3300, 5700};
-constexpr Spot ThisComputer{5700, 2020}, Connect{6060, 3240}, FirstGame{5700, 4920};
-constexpr Spot Join{6060, 3780}, Create{8040, 3780}, Cancel{8040, 4260};
 
 struct Plan {
   std::vector<int> Levels;
@@ -64,7 +51,7 @@ public:
         game_({program}, display), launch_(OpenLaunchWindow(seat_)),
         usage_(game_.Id(), display, directory / (name + ".tsv")) {}
 
-  void Press(const Spot &spot) { ClickTwips(seat_, launch_, spot.X, spot.Y); }
+  void Press(const Spot &spot) { ClickSpot(seat_, launch_, spot); }
   void Rounds(const std::string &rounds) { EnterRounds(seat_, launch_, rounds); }
 
   /// Presses a button until that window appears: a click while another window is closing counts for nothing.
@@ -116,15 +103,12 @@ public:
   void Leave() {
     usage_.Stop();
     SaveImage(seat_.Screen(), directory_ / (name_ + "-end.png"));
-    if (const auto card = EndCard(seat_)) {
-      Pause(TakesClicks);
-      seat_.Click(*card, 150, 110);
+    if (const auto card = FindEndCard(seat_)) {
+      CloseEndCard(seat_, *card);
     } else if (table_) {
       seat_.Press(XK_Escape);
     } else {
-      seat_.Key(XK_Alt_L, true);
-      seat_.Press(XK_F4);
-      seat_.Key(XK_Alt_L, false);
+      CloseLaunchWindow(seat_);
     }
     game_.WaitForEnd();
   }
@@ -143,15 +127,13 @@ public:
 
   Seat &AtSeat() { return seat_; }
   int Possessions() const { return possessions_; }
-  bool IsOver() { return EndCard(seat_).has_value(); }
+  bool IsOver() { return FindEndCard(seat_).has_value(); }
   const std::vector<int> &Cards() const { return table_->CardsSeen; }
   Image HomeScore() { return Score(104); }
   Image AwayScore() { return Score(394); }
   std::string Result() {
-    for (const char *title : {Won, Lost, Tied}) {
-      if (seat_.Find(title)) return title;
-    }
-    return {};
+    const auto card = FindEndCard(seat_);
+    return card ? card->Title : std::string();
   }
 
 private:
@@ -213,7 +195,7 @@ void LookAround(Seat &seat) {
 bool PlayMatch(const fs::path &program, const fs::path &directory, std::chrono::minutes time) {
   Player player(program, directory, "match", {});
   player.Rounds(MostRounds);
-  player.Press(AgainstComputer);
+  player.Press(Spots::AgainstComputer);
   player.SitDown();
   const auto start = Clock::now();
   // Spreads the rounds over the time.
@@ -232,11 +214,11 @@ bool OpenWindows(const fs::path &program, const fs::path &directory, int times) 
   Player player(program, directory, "windows", {});
   player.Rounds("0");
   for (int i = 0; i < times; ++i) {
-    player.OpenAndClose(Controls, "Controls", XK_Escape);
-    player.OpenAndClose(Background, "Background", XK_Escape);
-    player.OpenAndClose(ReadMe, "ReadMe", XK_Return);
-    player.OpenAndClose(AgainstHuman, "Rounds to Play:", XK_Return);
-    player.OpenAndClose(Address, "Error:", XK_Return); // there is no network
+    player.OpenAndClose(Spots::Controls, "Controls", XK_Escape);
+    player.OpenAndClose(Spots::Background, "Background", XK_Escape);
+    player.OpenAndClose(Spots::ReadMe, "ReadMe", XK_Return);
+    player.OpenAndClose(Spots::AgainstHuman, "Rounds to Play:", XK_Return);
+    player.OpenAndClose(Spots::Address, "Error:", XK_Return); // there is no network
   }
   player.Leave();
   return player.Report();
@@ -247,9 +229,9 @@ bool OpenLobby(const fs::path &program, const fs::path &directory, int times) {
   Player player(program, directory, "lobby", {});
   player.Rounds(MostRounds);
   for (int i = 0; i < times; ++i) {
-    player.OpenAndClose(Connect, "Locate Session", XK_Escape);
-    player.Open(Create, "Polling...");
-    player.Open(Cancel, "Snapwedge V1.0 -");
+    player.OpenAndClose(Spots::Connect, "Locate Session", XK_Escape);
+    player.Open(Spots::Create, "Polling...");
+    player.Open(Spots::Cancel, "Snapwedge V1.0 -");
   }
   player.Leave();
   return player.Report();
@@ -269,17 +251,17 @@ bool PlayNetwork(const fs::path &program, const fs::path &directory, const std::
   Player host(program, directory, "host", displays[0]);
   Player joiner(program, directory, "joiner", displays[1]);
   const auto connect = [](Player &side) {
-    side.Press(ThisComputer);
-    side.Press(Connect);
+    side.Press(Spots::ThisComputer);
+    side.Press(Spots::Connect);
     Pause(SearchTakes);
   };
   connect(host);
   host.Rounds(rounds);
-  host.Press(Create);
+  host.Press(Spots::Create);
   host.AtSeat().WaitFor("Polling...");
   connect(joiner);
-  joiner.Press(FirstGame);
-  joiner.Press(Join);
+  joiner.Press(Spots::FirstGame);
+  joiner.Press(Spots::Join);
   host.SitDown();
   joiner.SitDown();
   auto other = std::async(std::launch::async, [&] { PlaySide(joiner); });

@@ -1,6 +1,5 @@
 #include "tools/playthrough/table.h"
 
-#include <X11/keysym.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -39,9 +38,7 @@ constexpr Milliseconds FlightPatience(30000);
 constexpr Milliseconds CardPatience(30000);
 constexpr Milliseconds TurnPatience(120000);
 constexpr Milliseconds PostsPatience(20000);
-constexpr int TwipsPerPixel = 15;
 
-constexpr const char *EndCards[] = {"Home Team Wins!!", "Away Team Wins!!", "It's All Tied Up!"};
 constexpr const char *CardNames[] = {
     "",           "card-good",    "card-no-good", "card-touchdown", "card-turnover",
     "card-bonus", "card-penalty", "card-short"};
@@ -88,29 +85,17 @@ bool Album::Has(const std::string &station) const {
   return std::ranges::find(stations_, station) != stations_.end();
 }
 
-void ClickTwips(Seat &seat, ::Window launch, int x, int y) {
-  seat.Click(launch, x / TwipsPerPixel, y / TwipsPerPixel);
-}
-
-::Window OpenLaunchWindow(Seat &seat) {
-  const ::Window launch = seat.WaitFor("Snapwedge V1.0 -");
-  Pause(Milliseconds(400));
-  return launch;
-}
-
-void EnterRounds(Seat &seat, ::Window launch, const std::string &rounds) {
-  ClickTwips(seat, launch, 3120, 4450);
-  seat.Press(XK_End);
-  seat.Press(XK_BackSpace);
-  seat.Press(XK_BackSpace);
-  seat.Type(rounds);
-}
-
-std::optional<::Window> EndCard(Seat &seat) {
-  for (const char *title : EndCards) {
-    if (const auto card = seat.Find(title)) return card;
+std::optional<EndCard> FindEndCard(Seat &seat) {
+  for (const std::string &title : {Won, Lost, Tied}) {
+    if (const auto card = seat.Find(title)) return EndCard{title, *card};
   }
   return std::nullopt;
+}
+
+void CloseEndCard(Seat &seat, const EndCard &card) {
+  constexpr Milliseconds TakesClicks(600);
+  Pause(TakesClicks);
+  seat.Click(card.Shown, 150, 110);
 }
 
 Table::Table(Seat &seat, const std::filesystem::path &pictures, Album &album, std::string prefix)
@@ -263,7 +248,7 @@ void Table::Possess(const std::vector<int> &plan, Kick kick) {
 
 void Table::WaitForTurn(bool home) {
   for (const auto end = Clock::now() + TurnPatience; Clock::now() < end; Pause(LookAgain)) {
-    if (EndCard(seat_)) return;
+    if (FindEndCard(seat_)) return;
     if (const int card = CardUp()) {
       SeeCard(card);
     } else if (HomeOnTurn() == home) {

@@ -45,15 +45,16 @@ private:
   std::vector<std::string> stations_;
 };
 
-/// Clicks the launch window at a position in twips.
-void ClickTwips(Seat &seat, ::Window launch, int x, int y);
-
-/// Waits for the launch window.
-::Window OpenLaunchWindow(Seat &seat);
-void EnterRounds(Seat &seat, ::Window launch, const std::string &rounds);
+// Titles of the end cards.
+const std::string Won = "Home Team Wins!!", Lost = "Away Team Wins!!", Tied = "It's All Tied Up!";
 
 /// The end card, if one is shown.
-std::optional<::Window> EndCard(Seat &seat);
+struct EndCard {
+  std::string Title;
+  ::Window Shown;
+};
+std::optional<EndCard> FindEndCard(Seat &seat);
+void CloseEndCard(Seat &seat, const EndCard &card);
 
 class Table {
 public:

@@ -16,18 +16,6 @@ constexpr Milliseconds CardsPatience(90000);
 constexpr Milliseconds ChatPatience(60000);
 constexpr int Searches = 5; ///< before giving up
 
-// Buttons of the launch window and the first row of its list, twips.
-constexpr int LeftButtons = 6060;
-constexpr int RightButtons = 8040;
-constexpr int ConnectTop = 3240;
-constexpr int JoinTop = 3780;    ///< also of Create
-constexpr int RefreshTop = 4260; ///< also of Cancel
-constexpr int BottomButtons = 5700;
-constexpr int AddressLeft = 6400;
-constexpr int ReadMeLeft = 8400;
-constexpr int RowLeft = 5700;
-constexpr int RowTop = 4920;
-
 constexpr double Listed = 0.5; ///< mean difference per channel from an empty list
 
 } // namespace
@@ -42,8 +30,8 @@ void Computer::Start(const std::string &rounds) {
   connected_ = false;
 }
 
-void Computer::Search(int buttonX, int buttonY, const std::string &host) {
-  ClickTwips(seat_, launch_, buttonX, buttonY);
+void Computer::Search(const Spot &button, const std::string &host) {
+  ClickSpot(seat_, launch_, button);
   seat_.WaitFor("Locate Session");
   Pause(Milliseconds(300));
   seat_.Press(XK_Delete); // clears the previous entry
@@ -54,10 +42,10 @@ void Computer::Search(int buttonX, int buttonY, const std::string &host) {
   connected_ = true;
 }
 
-void Computer::Connect() { Search(LeftButtons, ConnectTop); }
+void Computer::Connect() { Search(Spots::Connect); }
 
 bool Computer::FindsGameAt(const std::string &host) {
-  Search(LeftButtons, connected_ ? RefreshTop : ConnectTop, host);
+  Search(connected_ ? Spots::Refresh : Spots::Connect, host);
   if (Sees("Locate Session")) {
     Picture("told");
     seat_.Press(XK_Escape);
@@ -67,24 +55,24 @@ bool Computer::FindsGameAt(const std::string &host) {
 }
 
 void Computer::AskAddress() {
-  ClickTwips(seat_, launch_, AddressLeft, BottomButtons);
+  ClickSpot(seat_, launch_, Spots::Address);
   AnswerBox("IP Address:", Milliseconds(5000));
 }
 
 void Computer::OpenReadMe() {
-  ClickTwips(seat_, launch_, ReadMeLeft, BottomButtons);
+  ClickSpot(seat_, launch_, Spots::ReadMe);
   seat_.WaitFor("ReadMe");
   Pause(Milliseconds(300));
   Picture("reads");
 }
 
 void Computer::Create() {
-  ClickTwips(seat_, launch_, RightButtons, JoinTop);
+  ClickSpot(seat_, launch_, Spots::Create);
   seat_.WaitFor("Polling...");
 }
 
 void Computer::Cancel() {
-  ClickTwips(seat_, launch_, RightButtons, RefreshTop);
+  ClickSpot(seat_, launch_, Spots::Cancel);
   OpenLaunchWindow(seat_);
 }
 
@@ -96,10 +84,10 @@ void Computer::FindGame() {
 }
 
 void Computer::Join() {
-  ClickTwips(seat_, launch_, RowLeft, RowTop);
+  ClickSpot(seat_, launch_, Spots::FirstGame);
   Pause(Milliseconds(200));
   Picture("found");
-  ClickTwips(seat_, launch_, LeftButtons, JoinTop);
+  ClickSpot(seat_, launch_, Spots::Join);
 }
 
 void Computer::SitDown() { table_.emplace(seat_, program_.parent_path() / "pictures", album_, who_); }

@@ -2,6 +2,7 @@
 
 // One of the computers on the wire: its display, a player in front of it, and the running game.
 
+#include "tools/playthrough/launch.h"
 #include "tools/playthrough/table.h"
 
 #include <atomic>
@@ -64,7 +65,7 @@ public:
   Table &AtTable() { return *table_; }
 
 private:
-  void Search(int buttonX, int buttonY, const std::string &host = {});
+  void Search(const Spot &button, const std::string &host = {});
   Image List() { return seat_.Look(launch_, 356, 324, 240, 36); }
   Image Line(int x, int y, int width, int height);
 

@@ -15,9 +15,6 @@ using Seconds = std::chrono::seconds;
 
 const std::vector<int> ShortPlan = {40, 40, 40}; ///< stays on the table
 
-const std::string Won = "Home Team Wins!!";
-const std::string Lost = "Away Team Wins!!";
-const std::string Tied = "It's All Tied Up!";
 const std::string NetworkError = "Error initializing DirectPlay.";
 
 constexpr Seconds LeavingTakes(15); ///< until the other player is told, on a working line
