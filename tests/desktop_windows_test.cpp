@@ -10,6 +10,7 @@
 
 #include <algorithm>
 #include <optional>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -202,6 +203,20 @@ TEST(DesktopWindowsTest, PicturesBehindTheControlsFollowTheGame) {
   EXPECT_NE(look(window.HomeBoard.Tile), lit);
   EXPECT_NE(look(window.AwayBoard.Tile), unlit);
   EXPECT_NE(look(window.Tries[2]), three);
+}
+
+TEST(DesktopWindowsTest, AWindowOpenedAgainFindsItsButtonsInTheToolkitsCache) {
+  GameMachine &machine = GameMachine::Get();
+  Program program(machine);
+  std::set<qint64> palettes; // part of a key in the cache
+  for (int time = 0; time < 2; ++time) {
+    frmNewNet window(machine, program);
+    machine.Show(window);
+    machine.Pump();
+    for (const char *button : {"Command1", "cmdConnect", "cmdJoin"})
+      palettes.insert(WidgetOf(window, button)->palette().cacheKey());
+  }
+  EXPECT_EQ(palettes.size(), 1u);
 }
 
 } // namespace

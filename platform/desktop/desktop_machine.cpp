@@ -15,6 +15,7 @@
 
 #include <QIcon>
 #include <QMessageBox>
+#include <QPalette>
 #include <QPixmapCache>
 #include <QScreen>
 #include <QTimer>
@@ -39,8 +40,7 @@ void RefuseDisplay(QtMsgType type, const QMessageLogContext &, const QString &) 
   std::_Exit(1);
 }
 
-// Qt's cache holds painted buttons. The entries of a closed window are never found again, because their keys
-// contain the palette of that window. The default is 10 MiB.
+// Qt's cache holds painted buttons. The default is 10 MiB.
 constexpr int PixmapCacheSize = 1024; ///< KiB
 
 // Freed blocks of at least this size, such as images and textures, go back to the system. By default the C
@@ -50,6 +50,19 @@ constexpr int LargeBlock = 256 * 1024; ///< bytes
 
 /// Whether the screen has too few colours for Qt, which then paints nothing.
 bool ScreenStaysDark() { return QGuiApplication::primaryScreen()->depth() < 15; }
+
+/// The toolkit's grey for disabled text on a button is too pale. All buttons share one palette: Qt keeps the
+/// keys of its cache even when the images are gone, and they contain the palette.
+void DarkenDisabledText() {
+  QPalette palette = QApplication::palette("QPushButton");
+  const QColor text = palette.color(QPalette::Active, QPalette::ButtonText),
+               back = palette.color(QPalette::Active, QPalette::Button);
+  palette.setColor(QPalette::Disabled, QPalette::ButtonText,
+                   QColor((text.red() + back.red()) / 2, (text.green() + back.green()) / 2,
+                          (text.blue() + back.blue()) / 2));
+  palette.setResolveMask(0); // with its own colours marked, each button would get a copy
+  QApplication::setPalette(palette, "QPushButton");
+}
 
 } // namespace
 
@@ -63,6 +76,7 @@ DesktopMachine::DesktopMachine(int &argc, char **argv) : nextWake_(timeGetTime()
   if (!ScreenStaysDark()) qInstallMessageHandler(before);
   InstallAccessibility();
   QPixmapCache::setCacheLimit(PixmapCacheSize);
+  DarkenDisabledText();
   application_->setQuitOnLastWindowClosed(false);
   application_->setApplicationDisplayName({});
   application_->setDesktopFileName("org.snapwedge.Snapwedge");

@@ -78,14 +78,6 @@ public:
   ButtonView(DesktopMachine &machine, Window &window, CommandButton &model, QWidget &parent)
       : View(machine, window, model, parent) {
     QObject::connect(widget_, &QPushButton::clicked, [this] { Press(); });
-    // The toolkit's grey for disabled text is too pale.
-    QPalette palette = widget_->palette();
-    const QColor text = palette.color(QPalette::Active, QPalette::ButtonText),
-                 back = palette.color(QPalette::Active, QPalette::Button);
-    palette.setColor(QPalette::Disabled, QPalette::ButtonText,
-                     QColor((text.red() + back.red()) / 2, (text.green() + back.green()) / 2,
-                            (text.blue() + back.blue()) / 2));
-    widget_->setPalette(palette);
   }
 
   void ChooseMnemonic(QString &taken) override {
