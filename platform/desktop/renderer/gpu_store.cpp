@@ -38,6 +38,6 @@ QOpenGLTexture &GpuStore::Texture(const Ref<Direct3DRMTexture> &texture, bool di
                                              : QOpenGLTexture::LinearMipMapNearest,
                           QOpenGLTexture::Linear);
   entry->setWrapMode(QOpenGLTexture::Repeat);
-  entry->setMaximumAnisotropy(anisotropy_);
+  if (anisotropy_ > 1.0f) entry->setMaximumAnisotropy(anisotropy_);
   return *entry;
 }
