@@ -13,13 +13,12 @@ namespace {
 
 // Qt takes any number from these variables, even one that leaves no visible window.
 constexpr double LeastFactor = 0.5, MostFactor = 8.0;
-constexpr double DotsPerInch = 96.0; ///< at a factor of 1
 constexpr struct Setting {
   const char *name;
   double least, most;
 } Settings[] = {{"QT_SCALE_FACTOR", LeastFactor, MostFactor},
                 {"QT_SCREEN_SCALE_FACTORS", LeastFactor, MostFactor},
-                {"QT_FONT_DPI", LeastFactor *DotsPerInch, MostFactor *DotsPerInch}};
+                {"QT_FONT_DPI", 96 * LeastFactor, 96 * MostFactor}};
 
 bool IsSet(const char *name) { return !qEnvironmentVariableIsEmpty(name); }
 

@@ -1,6 +1,6 @@
 #include "platform/desktop/end_signals.h"
 
-#include <fcntl.h>
+#include <sys/socket.h>
 #include <unistd.h>
 
 #include <array>
@@ -36,8 +36,8 @@ void SetHandler(int number, void (*handler)(int)) {
 
 EndSignals::EndSignals(std::function<void()> end) : end_(std::move(end)) {
   std::array<int, 2> ends{};
-  if (pipe2(ends.data(), O_CLOEXEC | O_NONBLOCK) != 0)
-    throw std::system_error(errno, std::generic_category(), "can't make a pipe");
+  if (socketpair(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC | SOCK_NONBLOCK, 0, ends.data()) != 0)
+    throw std::system_error(errno, std::generic_category(), "can't make a pair of sockets");
   readEnd_ = ends[0];
   writeEnd = ends[1];
   notifier_ = std::make_unique<QSocketNotifier>(readEnd_, QSocketNotifier::Read);

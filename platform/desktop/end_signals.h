@@ -19,6 +19,6 @@ public:
 
 private:
   std::function<void()> end_;
-  int readEnd_ = -1; ///< of a pipe, because a handler of signals may do little more than write
+  int readEnd_ = -1; ///< of a pair of sockets, because a handler of signals may do little more than write
   std::unique_ptr<QSocketNotifier> notifier_;
 };
