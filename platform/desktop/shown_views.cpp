@@ -94,7 +94,7 @@ public:
     for (const auto &[key, action] : {std::pair{Qt::Key_Up, QAbstractSlider::SliderSingleStepSub},
                                       {Qt::Key_Down, QAbstractSlider::SliderSingleStepAdd}}) {
       new QShortcut(key, &parent, // owned by the window
-                    [bar = widget_->verticalScrollBar(), action] { bar->triggerAction(action); });
+                    [bar = widget_->verticalScrollBar(), step = action] { bar->triggerAction(step); });
     }
     // The document never gets the focus, so screen readers get its text with the window.
     parent.setAccessibleDescription(widget_->toPlainText());
