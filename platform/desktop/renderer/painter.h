@@ -12,6 +12,7 @@
 #include <map>
 #include <memory>
 #include <span>
+#include <tuple>
 
 /// The settings of a quality level.
 struct PaintQuality {
@@ -46,7 +47,9 @@ private:
     bool Textured; ///< has a texture
     bool Paint;    ///< strokes of paint on the ground
     bool Specular; ///< has highlights
-    auto operator<=>(const SurfaceKind &) const = default;
+    bool operator<(const SurfaceKind &other) const {
+      return std::tie(Textured, Paint, Specular) < std::tie(other.Textured, other.Paint, other.Specular);
+    }
   };
   QOpenGLShaderProgram &SurfaceProgram(const SurfaceKind &kind);
   void SetScene(QOpenGLShaderProgram &surface);
