@@ -267,14 +267,15 @@ bool PlayNetwork(const fs::path &program, const fs::path &directory, const std::
   auto other = std::async(std::launch::async, [&] { PlaySide(joiner); });
   PlaySide(host);
   other.get();
-  const bool agree = host.Cards() == joiner.Cards() && SameLetters(host.HomeScore(), joiner.AwayScore()) &&
-                     SameLetters(host.AwayScore(), joiner.HomeScore());
+  // Cards aren't compared: a player who looks a few times a second misses some.
+  const bool agree =
+      SameLetters(host.HomeScore(), joiner.AwayScore()) && SameLetters(host.AwayScore(), joiner.HomeScore());
   const std::string result = host.Result(), otherResult = joiner.Result();
   const bool fit = result == Tied ? otherResult == Tied : otherResult == (result == Won ? Lost : Won);
   host.Leave();
   joiner.Leave();
   std::cout << "The host's card: " << result << " The joiner's: " << otherResult
-            << (agree && fit ? " Both saw the same cards and scores." : " THEY DISAGREE.") << std::endl;
+            << (agree && fit ? " Both have the same scores." : " THEY DISAGREE.") << std::endl;
   const bool hostFlat = host.Report(), joinerFlat = joiner.Report();
   return hostFlat && joinerFlat && agree && fit;
 }
