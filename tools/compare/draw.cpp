@@ -94,22 +94,69 @@ osg::ref_ptr<osg::MatrixTransform> NodeOf(const Placed &placed) {
   return node;
 }
 
-/// Reads the frame back, as the renderer does.
-struct ReadBack : osg::Camera::DrawCallback {
-  mutable std::vector<unsigned char> Pixels =
-      std::vector<unsigned char>(static_cast<std::size_t>(4 * CanvasSize.width() * CanvasSize.height()));
-  mutable GLint Samples = 0;
-  void operator()(osg::RenderInfo &) const override {
-    glGetIntegerv(GL_SAMPLES, &Samples);
-    glReadPixels(0, 0, CanvasSize.width(), CanvasSize.height(), GL_BGRA, GL_UNSIGNED_INT_8_8_8_8_REV,
-                 Pixels.data());
+/// A frame buffer with several samples a pixel, which OpenSceneGraph doesn't get from this OpenGL by itself.
+class Target {
+public:
+  explicit Target(int samples) : samples_(samples) {}
+
+  void Bind(osg::RenderInfo &info) {
+    gl_ = info.getState()->get<osg::GLExtensions>();
+    if (!drawn_) {
+      drawn_ = Buffer(samples_);
+      resolved_ = Buffer(0);
+    }
+    gl_->glBindFramebuffer(GL_FRAMEBUFFER, drawn_);
   }
+
+  /// Resolves the samples and reads the frame back, as the renderer does.
+  void Read() {
+    constexpr int Width = CanvasSize.width(), Height = CanvasSize.height();
+    gl_->glBindFramebuffer(GL_READ_FRAMEBUFFER, drawn_);
+    if (samples_ > 0) {
+      gl_->glBindFramebuffer(GL_DRAW_FRAMEBUFFER, resolved_);
+      gl_->glBlitFramebuffer(0, 0, Width, Height, 0, 0, Width, Height, GL_COLOR_BUFFER_BIT, GL_NEAREST);
+      gl_->glBindFramebuffer(GL_READ_FRAMEBUFFER, resolved_);
+    }
+    glReadPixels(0, 0, Width, Height, GL_RGBA, GL_UNSIGNED_BYTE, Pixels.data());
+  }
+
+  std::vector<unsigned char> Pixels =
+      std::vector<unsigned char>(static_cast<std::size_t>(4 * CanvasSize.width() * CanvasSize.height()));
+
+private:
+  GLuint Buffer(int samples) {
+    GLuint buffer = 0, parts[2] = {};
+    gl_->glGenFramebuffers(1, &buffer);
+    gl_->glBindFramebuffer(GL_FRAMEBUFFER, buffer);
+    gl_->glGenRenderbuffers(2, parts);
+    const auto attach = [&](GLuint part, GLenum format, GLenum where) {
+      gl_->glBindRenderbuffer(GL_RENDERBUFFER, part);
+      gl_->glRenderbufferStorageMultisample(GL_RENDERBUFFER, samples, format, CanvasSize.width(),
+                                            CanvasSize.height());
+      gl_->glFramebufferRenderbuffer(GL_FRAMEBUFFER, where, GL_RENDERBUFFER, part);
+    };
+    attach(parts[0], GL_RGBA8, GL_COLOR_ATTACHMENT0);
+    attach(parts[1], GL_DEPTH24_STENCIL8, GL_DEPTH_STENCIL_ATTACHMENT);
+    if (gl_->glCheckFramebufferStatus(GL_FRAMEBUFFER) != GL_FRAMEBUFFER_COMPLETE)
+      throw RendererError("OpenSceneGraph has no such frame buffer here.");
+    return buffer;
+  }
+
+  int samples_;
+  osg::GLExtensions *gl_ = nullptr;
+  GLuint drawn_ = 0, resolved_ = 0;
+};
+
+struct Callback : osg::Camera::DrawCallback {
+  explicit Callback(std::function<void(osg::RenderInfo &)> work) : Work(std::move(work)) {}
+  void operator()(osg::RenderInfo &info) const override { Work(info); }
+  std::function<void(osg::RenderInfo &)> Work;
 };
 
 /// OpenSceneGraph with the scene of a canvas. Its sky stands still.
 class Other {
 public:
-  explicit Other(unsigned samples) : read_(new ReadBack), scene_(new osg::Group) {
+  explicit Other(int samples) : target_(samples), scene_(new osg::Group) {
     osg::ref_ptr<osg::GraphicsContext::Traits> traits = new osg::GraphicsContext::Traits;
     traits->readDISPLAY();
     traits->setUndefinedScreenDetailsToDefaultScreen();
@@ -117,7 +164,6 @@ public:
     traits->height = CanvasSize.height();
     traits->pbuffer = true;
     traits->doubleBuffer = false;
-    traits->samples = samples;
     osg::ref_ptr<osg::GraphicsContext> context = osg::GraphicsContext::createGraphicsContext(traits);
     if (!context) throw RendererError("OpenSceneGraph has no off-screen context here.");
 
@@ -126,10 +172,11 @@ public:
     osg::Camera *camera = viewer_.getCamera();
     camera->setGraphicsContext(context);
     camera->setViewport(0, 0, CanvasSize.width(), CanvasSize.height());
-    camera->setDrawBuffer(GL_FRONT);
-    camera->setReadBuffer(GL_FRONT);
+    camera->setDrawBuffer(GL_COLOR_ATTACHMENT0);
+    camera->setReadBuffer(GL_COLOR_ATTACHMENT0);
     camera->setComputeNearFarMode(osg::Camera::DO_NOT_COMPUTE_NEAR_FAR);
-    camera->setFinalDrawCallback(read_);
+    camera->setPreDrawCallback(new Callback([this](osg::RenderInfo &info) { target_.Bind(info); }));
+    camera->setFinalDrawCallback(new Callback([this](osg::RenderInfo &) { target_.Read(); }));
     viewer_.setUseConfigureAffinity(false); // it would keep the threads of both drivers on one processor core
     viewer_.setThreadingModel(osgViewer::Viewer::SingleThreaded);
     viewer_.setLightingMode(osg::View::SKY_LIGHT);
@@ -178,13 +225,12 @@ public:
   void Draw() { viewer_.frame(); }
 
   QImage Frame() const {
-    return QImage(read_->Pixels.data(), CanvasSize.width(), CanvasSize.height(), QImage::Format_RGB32)
+    return QImage(target_.Pixels.data(), CanvasSize.width(), CanvasSize.height(), QImage::Format_RGBX8888)
         .mirrored();
   }
-  int Samples() const { return std::max(read_->Samples, 1); }
 
 private:
-  osg::ref_ptr<ReadBack> read_;
+  Target target_;
   osg::ref_ptr<osg::Group> scene_;
   osgViewer::Viewer viewer_;
   std::map<std::pair<const void *, const void *>, osg::ref_ptr<osg::MatrixTransform>> nodes_;
@@ -225,7 +271,7 @@ void Possess(const std::function<void(const RMCanvas &)> &draw) {
   }
 }
 
-void Compare(const char *name, Quality quality, unsigned samples) {
+void Compare(const char *name, Quality quality, int samples) {
   Other other(samples);
   Renderer renderer(quality);
   Times rests, moves;
@@ -246,7 +292,7 @@ void Compare(const char *name, Quality quality, unsigned samples) {
     times.Others.push_back(others);
   });
   const double own = Sum(rests.Own) + Sum(moves.Own), others = Sum(rests.Others) + Sum(moves.Others);
-  std::printf("%s, OpenSceneGraph with %d samples a pixel:\n", name, other.Samples());
+  std::printf("%s, samples a pixel: %d\n", name, std::max(samples, 1));
   rests.Report("camera rests");
   moves.Report("camera moves");
   std::printf("  possession: ours %.0f ms, OpenSceneGraph %.0f ms, ratio %.2f\n", own, others, own / others);
