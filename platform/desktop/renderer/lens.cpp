@@ -37,8 +37,10 @@ constexpr float AimAhead = 45.0f;   ///< part of the aim ahead of its origin, sc
 constexpr float AimBehind = 7.0f;   ///< part behind it, scene units
 constexpr float AimHalf = 5.0f;     ///< part on either side of it, scene units
 constexpr float EdgeReach = 32.0f;  ///< largest distance from the table's edge to the target, scene units
-constexpr float PointReach = 0.95f; ///< largest yaw from the target at which a point can be shown, radians
-constexpr float StopReach = 0.70f;  ///< the same for the point where the target will stop, radians
+constexpr float EdgeFar = 60.0f;    ///< smallest distance at which the edge has no effect, scene units
+constexpr float PointReach = 0.87f; ///< largest yaw from the target at which a point can be shown, radians
+constexpr float FarReach = 1.3f;    ///< smallest yaw from the target at which a point has no effect, radians
+constexpr float StopReach = 0.46f;  ///< largest yaw to the point where the target will stop, radians
 constexpr float StopStep = 0.95f;   ///< factor by which a farther stop is brought nearer, repeatedly
 constexpr float WidestYaw = 1.4f;   ///< from the frame's centre, radians; no frame is so wide
 
@@ -59,6 +61,13 @@ constexpr float HeightSlack = 0.15f; ///< logarithm of the height
 QVector3D V(const Vector &v) { return {v.x, v.y, v.z}; }
 Vector V(const QVector3D &v) { return {v.x(), v.y(), v.z()}; }
 float Distance(const Vector &a, const Vector &b) { return (V(a) - V(b)).length(); }
+
+/// A point brought nearer to the target, all the way if its distance or angle is `far` or more. A point that
+/// comes within reach thus widens the view smoothly.
+Vector Faded(const Vector &point, const Vector &target, float away, float reach, float far) {
+  const float part = std::clamp((far - away) / (far - reach), 0.0f, 1.0f);
+  return V(V(target) + (V(point) - V(target)) * part);
+}
 
 // The camera never rolls, so its right vector is horizontal. Yaw is computed from that vector because the
 // direction has no yaw when the camera looks straight down.
@@ -108,7 +117,7 @@ std::optional<Vector> StopOf(const Vector &target, const QVector3D &step, const 
   return V(V(target) + step * (speed / (2 * loss)));
 }
 
-/// The point of the table's edge nearest to the target; nothing if the target is farther than `EdgeReach`.
+/// The point of the table's edge nearest to the target, faded; nothing if there is no table.
 std::optional<Vector> EdgeNear(std::span<const Seen> scene, const Vector &target) {
   Bounds table;
   for (const Seen &seen : scene) {
@@ -121,8 +130,7 @@ std::optional<Vector> EdgeNear(std::span<const Seen> scene, const Vector &target
   if (std::min(toSide, toEnd) > 0.0f) { // over the table, where clamping leaves x and z as they are
     (toSide < toEnd ? edge.x : edge.z) = std::copysign(table.High.x, toSide < toEnd ? target.x : target.z);
   }
-  if (Distance(edge, target) > EdgeReach) return {};
-  return edge;
+  return Faded(edge, target, Distance(edge, target), EdgeReach, EdgeFar);
 }
 
 /// Moves a value toward another by `EaseShare` of the difference. Returns whether it has arrived.
@@ -162,7 +170,11 @@ View Lens::Next(const Direct3DRMFrame3 &camera, std::span<const Seen> scene, flo
   const auto points = PointsToShow(from, scene, *subject, cut ? QVector3D() : step);
   // The only meshes that move while the target rests are the posts. They go from side to side, so equal room
   // on both sides avoids a later change of the view.
-  const bool symmetric = (cut || step.length() == 0) && std::ranges::any_of(movers_, &Mover::Moves);
+  const float own = BearingOf(from, target).Yaw;
+  const bool symmetric =
+      (cut || step.length() == 0) && std::ranges::any_of(movers_, [&](const Mover &mover) {
+        return mover.Moves && std::abs(BearingOf(from, mover.Origin).Yaw - own) < PointReach;
+      });
   const Framing wanted = Wanted(from, *subject, points, symmetric, aspect);
   const bool still = started_ && from == from_ && step.length() == 0;
   if (!still || !Near(wanted, wanted_)) wanted_ = wanted;
@@ -218,8 +230,8 @@ std::vector<Vector> Lens::PointsToShow(const Transform &camera, std::span<const 
     for (int corner = 0; mover.Moves && corner < 8; ++corner) points.push_back(mover.Covered.Corner(corner));
   }
   const float own = BearingOf(camera, target).Yaw;
-  std::erase_if(
-      points, [&](const Vector &point) { return std::abs(BearingOf(camera, point).Yaw - own) > PointReach; });
+  for (Vector &point : points)
+    point = Faded(point, target, std::abs(BearingOf(camera, point).Yaw - own), PointReach, FarReach);
   for (const Seen &seen : scene) {
     // The aim is a mesh at the target that isn't ground. It is as long as the field, so only its near part
     // counts.
