@@ -132,6 +132,7 @@ void frmNewNet::cmdCreate_Click() {
     Command4.Enabled = false;
     Command1.Enabled = false;
     Command2.Enabled = false;
+    machine.SetFocus(Command5); // Create had it
     AwaitJoiner();
   } catch (const DirectPlayError &) {
     Polling = False;
@@ -199,4 +200,5 @@ void frmNewNet::Command5_Click() {
   program.MyTurn = False;
   program.DP->Close();
   ResetButtons();
+  machine.SetFocus(cmdConnect);
 }

@@ -166,6 +166,18 @@ TEST(DesktopAccessibleTest, TheLaunchWindowIsAccessible) {
   ExpectTree(Active(machine, window.Name), window.Name);
 }
 
+TEST(DesktopAccessibleTest, AButtonThatWasEnabledJustNowTakesTheFocus) {
+  GameMachine &machine = GameMachine::Get();
+  Program program(machine);
+  frmNewNet window(machine, program);
+  machine.Show(window);
+  const QWidget &shown = Active(machine, window.Name);
+  window.Command5.Enabled = true;
+  machine.SetFocus(window.Command5);
+  ASSERT_NE(shown.focusWidget(), nullptr);
+  EXPECT_EQ(shown.focusWidget()->objectName(), "Command5");
+}
+
 TEST(DesktopAccessibleTest, TheInformationWindowsAreAccessibleAndCloseByKey) {
   GameMachine &machine = GameMachine::Get();
   const struct {

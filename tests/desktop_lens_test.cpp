@@ -88,6 +88,9 @@ TEST(LensTest, EverySituationShowsWhatItIsAbout) {
   };
   const Row rows[] = {
       {"start of a possession", 0, 85, 0, 10, 120, 100, true, true, true},
+      {"second attempt after a very weak flick", 0, 68, 0, 10, 103, 100, true, true, true},
+      {"second attempt after a weak flick", 0, 55, 0, 10, 90, 100, true, true, true},
+      {"second attempt after a short flick", 0, 40, 0, 10, 75, 100, true, true, true},
       {"second attempt", 3, -40, 8, 12, -5, 100, false, true, true},
       {"far away, as a first flick of 96 ends", 0, -69.6f, 0, 10, 120, 60, true, true, true, false},
       {"half way", -6, 30, 0, 10, 120, 75, true, true, true, false},

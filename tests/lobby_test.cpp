@@ -79,6 +79,7 @@ TEST(LobbyTest, ConnectCreateCancelAndBackAgain) {
     EXPECT_EQ(lobby.Buttons(), "Refresh Create Join");
     lobby.machine.After(500, [&] {
       EXPECT_EQ(lobby.Buttons(), "Cancel");
+      EXPECT_EQ(lobby.machine.Focus, &lobby.window.Command5);
       EXPECT_EQ(lobby.window.Caption, "Polling...");
       EXPECT_FALSE(lobby.window.Command1.Enabled);
       EXPECT_EQ(lobby.program.IsHost, True);
@@ -88,6 +89,7 @@ TEST(LobbyTest, ConnectCreateCancelAndBackAgain) {
     lobby.window.cmdCreate_Click();
     EXPECT_TRUE(lobby.wire.RouterPorts().empty());
     EXPECT_EQ(lobby.Buttons(), "Connect");
+    EXPECT_EQ(lobby.machine.Focus, &lobby.window.cmdConnect);
     EXPECT_EQ(lobby.window.Caption, LaunchCaption);
     EXPECT_EQ(lobby.window.Cancelled, False);
     EXPECT_EQ(lobby.program.IsHost, False);

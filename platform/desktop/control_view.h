@@ -27,7 +27,10 @@ public:
   /// Copies the properties that have changed since the last call to the widget.
   void Sync();
 
-  virtual void TakeFocus() { Widget()->setFocus(); }
+  virtual void TakeFocus() {
+    Sync(); // a disabled widget takes no focus
+    Widget()->setFocus();
+  }
 
   /// Chooses the button's mnemonic: the first letter of its caption that isn't taken, and adds it to those.
   virtual void ChooseMnemonic(QString & /*taken*/) {}

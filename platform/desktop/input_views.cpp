@@ -52,8 +52,7 @@ public:
   }
 
   void TakeFocus() override {
-    Sync();
-    widget_->setFocus();
+    ControlView::TakeFocus();
     if (model_.SelLength > 0) widget_->setSelection(model_.SelStart, model_.SelLength);
   }
 

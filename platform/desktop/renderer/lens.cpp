@@ -38,6 +38,8 @@ constexpr float AimBehind = 7.0f;   ///< part behind it, scene units
 constexpr float AimHalf = 5.0f;     ///< part on either side of it, scene units
 constexpr float EdgeReach = 32.0f;  ///< largest distance from the table's edge to the target, scene units
 constexpr float EdgeFar = 60.0f;    ///< smallest distance at which the edge has no effect, scene units
+constexpr float EdgeDrop = 0.15f;   ///< largest pitch below the target at which the edge is shown, radians
+constexpr float EdgeDropFar = 0.3f; ///< smallest pitch below the target at which it has no effect, radians
 constexpr float PointReach = 0.87f; ///< largest yaw from the target at which a point can be shown, radians
 constexpr float FarReach = 1.3f;    ///< smallest yaw from the target at which a point has no effect, radians
 constexpr float StopReach = 0.46f;  ///< largest yaw to the point where the target will stop, radians
@@ -249,7 +251,11 @@ std::vector<Vector> Lens::PointsToShow(const Transform &camera, std::span<const 
       stop = V(V(target) + (V(*stop) - V(target)) * StopStep);
     points.push_back(*stop);
   }
-  if (const auto edge = EdgeNear(scene, target)) points.push_back(*edge);
+  if (const auto edge = EdgeNear(scene, target)) {
+    // The near edge would pull the view down to the feet of a player who has left it behind.
+    const float drop = BearingOf(camera, target).Pitch - BearingOf(camera, *edge).Pitch;
+    points.push_back(Faded(*edge, target, drop, EdgeDrop, EdgeDropFar));
+  }
   return points;
 }
 
