@@ -4,6 +4,7 @@
 #include "platform/desktop/window_scale.h"
 
 #include <QByteArray>
+#include <QProcess>
 #include <gtest/gtest.h>
 
 TEST(WindowScaleTest, ThePlayWindowTakesUpToNineTenthsOfTheFreeArea) {
@@ -60,4 +61,25 @@ TEST(WindowScaleTest, AChoiceOfTheUserStaysUnlessNoWindowCouldBeSeenWithIt) {
     EXPECT_EQ(qgetenv(row.name) == row.value, row.stays) << row.name << '=' << row.value;
     EXPECT_EQ(testing::internal::GetCapturedStderr().empty(), row.stays) << row.name << '=' << row.value;
   }
+}
+
+TEST(WindowScaleTest, AnAbsurdScaleOfTheDesktopIsIgnoredForWindowsAndFonts) {
+  if (!AskX()) GTEST_SKIP() << "no X display";
+  const struct {
+    const char *dpi, *fontDpi;
+    bool reported;
+  } rows[] = {{"96", "", false},    {"9600", "96", true}, {"1e9", "96", true}, {"1", "96", true},
+              {"large", "", false}, {"0", "", false},     {"-5", "", false},   {"nan", "", false}};
+  for (const auto &row : rows) {
+    QProcess::execute("xprop", {"-root", "-f", "RESOURCE_MANAGER", "8s", "-set", "RESOURCE_MANAGER",
+                                QByteArray("Xft.dpi:\t") + row.dpi + "\n"});
+    for (const char *name : {"QT_SCALE_FACTOR", "QT_SCREEN_SCALE_FACTORS", "QT_FONT_DPI"}) qunsetenv(name);
+    qputenv("QT_QPA_PLATFORM", "xcb");
+    testing::internal::CaptureStderr();
+    ChooseDisplay();
+    EXPECT_NE(testing::internal::GetCapturedStderr().empty(), row.reported) << row.dpi;
+    EXPECT_LE(qgetenv("QT_SCREEN_SCALE_FACTORS").toDouble(), 4.0) << row.dpi;
+    EXPECT_EQ(qgetenv("QT_FONT_DPI"), row.fontDpi) << row.dpi;
+  }
+  QProcess::execute("xprop", {"-root", "-remove", "RESOURCE_MANAGER"});
 }

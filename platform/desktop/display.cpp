@@ -40,6 +40,15 @@ void DropUnusableSettings() {
   }
 }
 
+/// Qt derives the size of fonts from the desktop's factor, whatever the scale of the windows.
+void DropUnusableFactor(DisplayFacts &display) {
+  if (display.ownFactor >= LeastFactor && display.ownFactor <= MostFactor) return;
+  std::cerr << "Snapwedge ignores the desktop's scale of " << display.ownFactor << ": not from "
+            << LeastFactor << " to " << MostFactor << std::endl;
+  display.ownFactor = 1.0;
+  if (!IsSet("QT_FONT_DPI")) qputenv("QT_FONT_DPI", "96");
+}
+
 /// Whether Qt's Wayland plugin is installed.
 bool QtKnowsWayland() {
   const auto paths = QCoreApplication::libraryPaths();
@@ -69,9 +78,11 @@ std::optional<DisplayFacts> ChoosePlatform() {
 
 void ChooseDisplay() {
   DropUnusableSettings();
-  const auto display = ChoosePlatform();
-  if (!display || IsSet("QT_SCALE_FACTOR") || IsSet("QT_SCREEN_SCALE_FACTORS")) return;
-  const double scale = WindowScale(display->freeArea.size(), display->ownFactor);
+  auto display = ChoosePlatform();
+  if (!display) return;
+  DropUnusableFactor(*display);
+  if (IsSet("QT_SCALE_FACTOR") || IsSet("QT_SCREEN_SCALE_FACTORS")) return;
+  const double scale = WindowScale(display->freeArea.size(), std::max(display->ownFactor, 1.0));
   if (display->scalesItself) {
     qputenv("QT_SCALE_FACTOR", QByteArray::number(scale / display->ownFactor));
   } else {

@@ -32,7 +32,8 @@ double OwnFactor(xcb_connection_t *x, xcb_window_t root) {
       '\n' + std::string(static_cast<const char *>(xcb_get_property_value(property.get())), length);
   const auto found = resources.find(Name);
   if (found == std::string::npos) return 1.0;
-  return std::max(std::atof(resources.c_str() + found + Name.size()) / DotsPerInch, 1.0);
+  const double factor = std::atof(resources.c_str() + found + Name.size()) / DotsPerInch;
+  return factor > 0.0 ? factor : 1.0; // Qt, too, ignores what isn't a positive number
 }
 
 /// The area free of panels, over all screens.
