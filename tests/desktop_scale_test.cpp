@@ -26,7 +26,9 @@ TEST(WindowScaleTest, ThePlayWindowTakesUpToNineTenthsOfTheFreeArea) {
       {"4K with a panel", {3840, 2112}, 1, 3.5},
       {"4K at twice the size", {3840, 2160}, 2, 3.5},
       {"the desktop's own factor is the larger one", {1920, 1080}, 2, 2},
-      {"and need not be one of ours", {1366, 768}, 1.25, 1.25},
+      {"and need not be one of ours", {1366, 768}, 1.3, 1.3},
+      {"unless the window wouldn't fit", {1366, 768}, 2, 1.25},
+      {"at all", {800, 600}, 4, 1},
       {"though ours may exceed it", {1920, 1080}, 1.25, 1.5},
   };
   for (const auto &row : rows) EXPECT_EQ(WindowScale(row.freeArea, row.ownFactor), row.scale) << row.screen;

@@ -10,12 +10,20 @@ constexpr QSizeF PlayWindow(639, 478); // client area, design pixels
 // factor.
 constexpr QSizeF Frame(10, 40);
 constexpr double ShareOfFreeArea = 0.9;
-constexpr double Step = 0.5;
+constexpr double Step = 0.5, SmallStep = 0.25;
+
+/// The largest factor at which the window fits.
+double Fits(QSizeF room) {
+  return std::min(room.width() / PlayWindow.width(), room.height() / PlayWindow.height());
+}
+
+double RoundedDown(double factor, double step) { return std::floor(factor / step) * step; }
 
 } // namespace
 
 double WindowScale(QSizeF freeArea, double ownFactor) {
-  const QSizeF room = freeArea * ShareOfFreeArea - Frame * ownFactor;
-  const double fits = std::min(room.width() / PlayWindow.width(), room.height() / PlayWindow.height());
-  return std::max(ownFactor, std::floor(fits / Step) * Step);
+  const QSizeF frame = Frame * ownFactor;
+  const double most = Fits(freeArea - frame);
+  const double own = ownFactor <= most ? ownFactor : RoundedDown(most, SmallStep);
+  return std::max({1.0, own, RoundedDown(Fits(freeArea * ShareOfFreeArea - frame), Step)});
 }
