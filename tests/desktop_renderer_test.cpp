@@ -382,6 +382,7 @@ TEST(RendererTest, FlickerOfTwoSurfacesInOnePlaneWouldBeSeen) {
 } // namespace
 
 TEST(RendererTest, TheDriverCachesNothingOnAFullDisk) {
+  RenderedGame::Application();
   const struct {
     const char *cache, *disabled;
   } rows[] = {{"/tmp/not/there", ""}, {"/proc", "true"}}; // the latter has no space at all
