@@ -230,6 +230,31 @@ TEST(DesktopMachineTest, WordsOfButtonsAndDropDownListsAreNeverCutOff) {
   }
 }
 
+TEST(DesktopMachineTest, ADisabledButtonIsReadableWhenTheDesktopTurnsDark) {
+  Window window;
+  CommandButton button;
+  window.Width = window.Height = 200;
+  button.Name = "button";
+  button.Caption = "Join";
+  button.Place = {0, 0, 70, 24};
+  button.Enabled = false;
+  window.Controls = {&button};
+  GameMachine &machine = GameMachine::Get();
+  machine.Show(window);
+  const QPalette before = QGuiApplication::palette();
+  for (const QColor &ground : {QColor(30, 30, 30), QColor(240, 240, 240)}) {
+    QGuiApplication::setPalette(QPalette(ground));
+    PumpFor(machine, 50);
+    const QPalette shown = WidgetOf("button")->palette();
+    EXPECT_GT(Contrast(shown.color(QPalette::Disabled, QPalette::ButtonText),
+                       shown.color(QPalette::Disabled, QPalette::Button)),
+              2.5)
+        << ground.name().toStdString();
+  }
+  QGuiApplication::setPalette(before);
+  machine.Hide(window);
+}
+
 TEST(DesktopMachineTest, AStretchedWindowHasItsContentInTheMiddleOfBlack) {
   Form form(GameMachine::Get());
   QWidget &window = *WidgetOf("label")->window();

@@ -380,3 +380,19 @@ TEST(RendererTest, FlickerOfTwoSurfacesInOnePlaneWouldBeSeen) {
 }
 
 } // namespace
+
+TEST(RendererTest, TheDriverCachesNothingOnAFullDisk) {
+  RenderedGame::Application();
+  const struct {
+    const char *cache, *disabled;
+  } rows[] = {{"/tmp/not/there", ""}, {"/proc", "true"}}; // the latter has no space at all
+  const QByteArray before = qgetenv("XDG_CACHE_HOME");
+  for (const auto &row : rows) {
+    qunsetenv("MESA_SHADER_CACHE_DISABLE");
+    qputenv("XDG_CACHE_HOME", row.cache);
+    const Renderer renderer(Quality::Low);
+    EXPECT_EQ(qgetenv("MESA_SHADER_CACHE_DISABLE"), row.disabled) << row.cache;
+  }
+  qunsetenv("MESA_SHADER_CACHE_DISABLE");
+  before.isNull() ? qunsetenv("XDG_CACHE_HOME") : qputenv("XDG_CACHE_HOME", before);
+}

@@ -54,7 +54,7 @@ bool ScreenStaysDark() { return QGuiApplication::primaryScreen()->depth() < 15; 
 /// The toolkit's grey for disabled text on a button is too pale. All buttons share one palette: Qt keeps the
 /// keys of its cache even when the images are gone, and they contain the palette.
 void DarkenDisabledText() {
-  QPalette palette = QApplication::palette("QPushButton");
+  QPalette palette = QApplication::palette();
   const QColor text = palette.color(QPalette::Active, QPalette::ButtonText),
                back = palette.color(QPalette::Active, QPalette::Button);
   palette.setColor(QPalette::Disabled, QPalette::ButtonText,
@@ -63,6 +63,22 @@ void DarkenDisabledText() {
   palette.setResolveMask(0); // with its own colours marked, each button would get a copy
   QApplication::setPalette(palette, "QPushButton");
 }
+
+/// Darkens it again when the desktop changes its colours.
+class PaletteWatch : public QObject {
+public:
+  using QObject::QObject;
+  bool eventFilter(QObject *, QEvent *event) override {
+    if (event->type() == QEvent::ApplicationPaletteChange && seen_ != QApplication::palette().cacheKey()) {
+      seen_ = QApplication::palette().cacheKey();
+      DarkenDisabledText();
+    }
+    return false;
+  }
+
+private:
+  qint64 seen_ = QApplication::palette().cacheKey();
+};
 
 } // namespace
 
@@ -77,6 +93,7 @@ DesktopMachine::DesktopMachine(int &argc, char **argv) : nextWake_(timeGetTime()
   InstallAccessibility();
   QPixmapCache::setCacheLimit(PixmapCacheSize);
   DarkenDisabledText();
+  application_->installEventFilter(new PaletteWatch(application_.get()));
   application_->setQuitOnLastWindowClosed(false);
   application_->setApplicationDisplayName({});
   application_->setDesktopFileName("org.snapwedge.Snapwedge");

@@ -6,11 +6,13 @@
 #include <QOffscreenSurface>
 #include <QOpenGLContext>
 #include <QOpenGLVersionFunctionsFactory>
+#include <QStandardPaths>
 
 #include <malloc.h>
 
 #include <algorithm>
 #include <ctime>
+#include <filesystem>
 #include <string_view>
 
 namespace {
@@ -24,12 +26,25 @@ constexpr std::size_t ReleaseInterval = 500; ///< frames between releases of the
 constexpr double SlowFrame = 8.0;  ///< slower than this at the full level: low is chosen
 constexpr double QuickFrame = 2.0; ///< no slower than this at the low level: full is chosen
 
+/// Mesa maps the index of its shader cache into memory without reserving its space. On a full disk, the first
+/// write to it ends the program.
+void SpareFullDisk() {
+  constexpr std::uintmax_t Enough = 8 << 20; ///< bytes
+  std::filesystem::path cache =
+      QStandardPaths::writableLocation(QStandardPaths::GenericCacheLocation).toStdString();
+  std::error_code error;
+  while (!std::filesystem::exists(cache, error) && cache.has_relative_path()) cache = cache.parent_path();
+  if (const auto space = std::filesystem::space(cache, error); !error && space.available < Enough)
+    qputenv("MESA_SHADER_CACHE_DISABLE", "true");
+}
+
 } // namespace
 
 class Renderer::Drawing {
 public:
   explicit Drawing(Quality quality)
       : asked_(quality), level_(quality == Quality::Low ? Quality::Low : Quality::Full) {
+    SpareFullDisk();
     OpenContext();
     if (asked_ == Quality::Measured && DrawsInSoftware()) level_ = Quality::Low;
     painter_ = std::make_unique<Painter>(*gl_, Paint(), lens_);
