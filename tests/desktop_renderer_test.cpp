@@ -379,8 +379,6 @@ TEST(RendererTest, FlickerOfTwoSurfacesInOnePlaneWouldBeSeen) {
   EXPECT_GT(Flips(rendered, move.camera), 10000);
 }
 
-} // namespace
-
 TEST(RendererTest, TheDriverCachesNothingOnAFullDisk) {
   RenderedGame::Application();
   const struct {
@@ -396,3 +394,5 @@ TEST(RendererTest, TheDriverCachesNothingOnAFullDisk) {
   qunsetenv("MESA_SHADER_CACHE_DISABLE");
   before.isNull() ? qunsetenv("XDG_CACHE_HOME") : qputenv("XDG_CACHE_HOME", before);
 }
+
+} // namespace

@@ -267,7 +267,7 @@ bool PlayNetwork(const fs::path &program, const fs::path &directory, const std::
   auto other = std::async(std::launch::async, [&] { PlaySide(joiner); });
   PlaySide(host);
   other.get();
-  // Cards aren't compared: a player who looks a few times a second misses some.
+  // Cards aren't compared: on a busy computer a player who looks a few times a second may miss one.
   const bool agree =
       SameLetters(host.HomeScore(), joiner.AwayScore()) && SameLetters(host.AwayScore(), joiner.HomeScore());
   const std::string result = host.Result(), otherResult = joiner.Result();

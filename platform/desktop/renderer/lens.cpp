@@ -91,6 +91,11 @@ Bearing BearingOf(const Transform &camera, const Vector &point) {
           std::atan2(way.y(), level)};
 }
 
+/// The yaw between two points as seen by the camera, radians, at least 0.
+float Apart(const Transform &camera, const Vector &a, const Vector &b) {
+  return std::abs(BearingOf(camera, a).Yaw - BearingOf(camera, b).Yaw);
+}
+
 /// A range of angles, radians.
 struct Range {
   float Low, High;
@@ -172,11 +177,9 @@ View Lens::Next(const Direct3DRMFrame3 &camera, std::span<const Seen> scene, flo
   const auto points = PointsToShow(from, scene, *subject, cut ? QVector3D() : step);
   // The only meshes that move while the target rests are the posts. They go from side to side, so equal room
   // on both sides avoids a later change of the view.
-  const float own = BearingOf(from, target).Yaw;
-  const bool symmetric =
-      (cut || step.length() == 0) && std::ranges::any_of(movers_, [&](const Mover &mover) {
-        return mover.Moves && std::abs(BearingOf(from, mover.Origin).Yaw - own) < PointReach;
-      });
+  const bool symmetric = (cut || step.length() == 0) && std::ranges::any_of(movers_, [&](const Mover &mover) {
+                           return mover.Moves && Apart(from, mover.Origin, target) < PointReach;
+                         });
   const Framing wanted = Wanted(from, *subject, points, symmetric, aspect);
   const bool still = started_ && from == from_ && step.length() == 0;
   if (!still || !Near(wanted, wanted_)) wanted_ = wanted;
@@ -231,9 +234,8 @@ std::vector<Vector> Lens::PointsToShow(const Transform &camera, std::span<const 
   for (const Mover &mover : movers_) {
     for (int corner = 0; mover.Moves && corner < 8; ++corner) points.push_back(mover.Covered.Corner(corner));
   }
-  const float own = BearingOf(camera, target).Yaw;
   for (Vector &point : points)
-    point = Faded(point, target, std::abs(BearingOf(camera, point).Yaw - own), PointReach, FarReach);
+    point = Faded(point, target, Apart(camera, point, target), PointReach, FarReach);
   for (const Seen &seen : scene) {
     // The aim is a mesh at the target that isn't ground. It is as long as the field, so only its near part
     // counts.
@@ -247,8 +249,7 @@ std::vector<Vector> Lens::PointsToShow(const Transform &camera, std::span<const 
     for (int corner = 0; corner < 8; ++corner) points.push_back(ToScene(seen.Place, aim.Corner(corner)));
   }
   if (auto stop = StopOf(target, step, step_)) {
-    while (std::abs(BearingOf(camera, *stop).Yaw - own) > StopReach)
-      stop = V(V(target) + (V(*stop) - V(target)) * StopStep);
+    while (Apart(camera, *stop, target) > StopReach) stop = V(V(target) + (V(*stop) - V(target)) * StopStep);
     points.push_back(*stop);
   }
   if (const auto edge = EdgeNear(scene, target)) {
