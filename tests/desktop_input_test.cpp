@@ -148,6 +148,38 @@ TEST(DesktopInputTest, NoButtonCountsAcrossALossOfTheKeyboard) {
   form.machine.ShowCursor(-1);
 }
 
+TEST(DesktopInputTest, AHeldEnterPressesNoButtonThatGetsTheFocusMeanwhile) {
+  GameMachine &machine = GameMachine::Get();
+  Window window;
+  CommandButton create, cancel;
+  create.Name = "create";
+  cancel.Name = "cancel";
+  create.Place = {0, 0, 70, 24};
+  cancel.Place = {0, 40, 70, 24};
+  window.Width = window.Height = 200;
+  window.Controls = {&create, &cancel};
+  int created = 0, cancelled = 0;
+  create.Click = [&] {
+    ++created;
+    machine.SetFocus(cancel);
+  };
+  cancel.Click = [&] { ++cancelled; };
+  machine.Show(window);
+  machine.SetFocus(create);
+  const auto enter = [&](bool repeated) {
+    QKeyEvent event(QEvent::KeyPress, Qt::Key_Return, Qt::NoModifier, "\r", repeated);
+    QApplication::sendEvent(WidgetOf("create")->window()->focusWidget(), &event);
+    machine.Pump();
+  };
+  enter(false);
+  for (int repeat = 0; repeat < 3; ++repeat) enter(true);
+  EXPECT_EQ(created, 1);
+  EXPECT_EQ(cancelled, 0);
+  enter(false);
+  EXPECT_EQ(cancelled, 1);
+  machine.Hide(window);
+}
+
 TEST(DesktopInputTest, AKeyOfTheCanvasCountsOnceHoweverLongItIsHeldAndOnEveryLayout) {
   CanvasForm form;
   std::vector<std::int16_t> keys;

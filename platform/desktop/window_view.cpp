@@ -186,8 +186,10 @@ void WindowView::mousePressEvent(QMouseEvent *) {
 }
 
 void WindowView::keyPressEvent(QKeyEvent *event) {
-  const bool enter = event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter;
-  const bool escape = event->key() == Qt::Key_Escape;
+  // A key that stays down presses one button, not also the one that gets the focus then.
+  const bool pressed = !event->isAutoRepeat();
+  const bool enter = pressed && (event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter);
+  const bool escape = pressed && event->key() == Qt::Key_Escape;
   for (const auto &view : views_) {
     // Enter presses the focused button, or else the window's default button.
     if (view->PressedBy(enter, escape)) return;
