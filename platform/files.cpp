@@ -1,6 +1,5 @@
 #include "platform/files.h"
 
-#include <fstream>
 #include <map>
 #include <system_error>
 
@@ -20,7 +19,7 @@ FileStamp StampOf(const std::filesystem::path &file) {
   return stamp;
 }
 
-std::vector<char> ReadFile(const std::filesystem::path &file, std::uintmax_t largest) {
+std::ifstream OpenFile(const std::filesystem::path &file, std::uintmax_t largest) {
   const std::uintmax_t size = StampOf(file).Size;
   if (size == 0) RefuseFile(file, "is empty");
   if (size > largest) {
@@ -28,8 +27,14 @@ std::vector<char> ReadFile(const std::filesystem::path &file, std::uintmax_t lar
   }
   std::ifstream stream(file, std::ios::binary);
   if (!stream) RefuseFile(file, "can't be opened");
-  std::vector<char> bytes(size);
-  if (!stream.read(bytes.data(), static_cast<std::streamsize>(size))) RefuseFile(file, "can't be read");
+  return stream;
+}
+
+std::vector<char> ReadFile(const std::filesystem::path &file, std::uintmax_t largest) {
+  std::ifstream stream = OpenFile(file, largest);
+  std::vector<char> bytes(StampOf(file).Size);
+  if (!stream.read(bytes.data(), static_cast<std::streamsize>(bytes.size())))
+    RefuseFile(file, "can't be read");
   return bytes;
 }
 

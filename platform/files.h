@@ -4,6 +4,7 @@
 
 #include <cstdint>
 #include <filesystem>
+#include <fstream>
 #include <functional>
 #include <stdexcept>
 #include <string>
@@ -18,9 +19,14 @@ public:
 /// @throws FileError  always: names the file and says why
 [[noreturn]] void RefuseFile(const std::filesystem::path &file, const std::string &why);
 
+/// Opens a file to read from its beginning.
+/// @param largest  maximum size, bytes
+/// @throws FileError  if it is missing, empty, too large, not a regular file or can't be opened
+std::ifstream OpenFile(const std::filesystem::path &file, std::uintmax_t largest);
+
 /// All bytes of a file.
 /// @param largest  maximum size, bytes
-/// @throws FileError  if it is missing, empty, too large, not a regular file or can't be read
+/// @throws FileError  if it can't be opened or read
 std::vector<char> ReadFile(const std::filesystem::path &file, std::uintmax_t largest);
 
 /// Time and size of a file, to detect a change.

@@ -9,6 +9,7 @@
 #include <sndfile.h>
 
 #include <algorithm>
+#include <array>
 #include <chrono>
 #include <condition_variable>
 #include <cstdint>
@@ -88,21 +89,23 @@ void Check(const std::string &what) {
 }
 
 /// Checks the declared size of a wave file against its real size, because the library accepts truncated
-/// files.
+/// files. Reads the headers only.
 /// @throws FileError
 void RequireWhole(const std::filesystem::path &path) {
   constexpr std::size_t Mark = 4, ChunkHeader = 8, FileHeader = 12; // bytes
-  const std::vector<char> bytes = ReadFile(path, LargestFile);
-  const auto mark = [&](std::size_t at) { return std::string_view(&bytes[at], Mark); };
-  const auto number = [&](std::size_t at) { return qFromLittleEndian<quint32>(&bytes[at]); };
-  if (bytes.size() < FileHeader || mark(0) != "RIFF" || mark(8) != "WAVE")
+  std::ifstream file = OpenFile(path, LargestFile);
+  const std::uintmax_t size = StampOf(path).Size;
+  std::array<char, FileHeader> header{};
+  const auto mark = [&](std::size_t at) { return std::string_view(&header[at], Mark); };
+  if (!file.read(header.data(), FileHeader) || mark(0) != "RIFF" || mark(8) != "WAVE")
     RefuseFile(path, "not a wave file");
-  for (std::size_t at = FileHeader; at + ChunkHeader <= bytes.size();) {
-    const std::size_t length = number(at + Mark);
-    const bool sound = mark(at) == "data";
+  for (std::uintmax_t at = FileHeader; at + ChunkHeader <= size;) {
+    if (!file.seekg(static_cast<std::streamoff>(at)).read(header.data(), ChunkHeader))
+      RefuseFile(path, "can't be read");
+    const std::uintmax_t length = qFromLittleEndian<quint32>(&header[Mark]);
     at += ChunkHeader + length;
-    if (at > bytes.size()) RefuseFile(path, "the file is truncated");
-    if (sound) return;
+    if (at > size) RefuseFile(path, "the file is truncated");
+    if (mark(0) == "data") return;
     at += length % 2; // padded to an even length
   }
   RefuseFile(path, "the wave file has no samples");
