@@ -127,12 +127,11 @@ TEST_F(DesktopSoundTest, StopKeepsThePositionAndPlayDoesNotRestart) {
   sound_->Play(DSBPLAY_LOOPING);
   Listen(1.0);
   sound_->Stop();
-  auto heard = Heard();
+  const auto heard = Heard();
   ExpectUnbroken(heard);
-  heard.erase(heard.begin(), std::ranges::find(heard, 0));
-  const auto stopped = std::ranges::find(heard, -1);
-  EXPECT_GT(std::find_if(stopped, heard.end(), [](int place) { return place >= 0; }) - stopped, Rate / 10)
-      << "it must be silent in between";
+  const auto sounds = [](int place) { return place >= 0; };
+  const auto stopped = std::find(std::ranges::find_if(heard, sounds), heard.end(), -1);
+  EXPECT_GT(std::find_if(stopped, heard.end(), sounds) - stopped, Rate / 10) << "it must be silent in between";
 }
 
 TEST_F(DesktopSoundTest, ASoundEndsAndStartsAgain) {
