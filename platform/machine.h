@@ -20,7 +20,7 @@
 #include <utility>
 #include <vector>
 
-/// Thrown to end the program, from any depth of the stack; caught in `main`.
+/// Thrown to end the program, from any depth of the stack; caught in `RunProgram`.
 struct ProgramEnd {
   int Status = 0; ///< exit status of the process
 };

@@ -12,7 +12,7 @@ constexpr std::int32_t GiveUpMs = 30000; ///< a peer that doesn't reconnect or a
 constexpr std::int32_t RedialMs = 1000;  ///< between two attempts to connect
 constexpr std::int32_t DialMs = 4000;    ///< one attempt, from connect to the end of the handshake
 constexpr std::int32_t PendingMs = 5000; ///< a new connection's time to send its first frame
-constexpr std::int32_t OpenMs = 5000;    ///< joining a session, in all
+constexpr std::int32_t OpenMs = 5000; ///< joining: until the host answers, and again until it has our player
 constexpr std::int32_t FarewellMs = 300; ///< at the end, for sending what is still queued
 
 // The search.

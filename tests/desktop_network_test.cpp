@@ -224,7 +224,7 @@ TEST(DesktopNetworkTest, TheAddressToldIsThatOfTheWayToTheInternet) {
   };
   const Row rows[] = {
       {"nothing", "ip link set lo up", "127.0.0.1"},
-      {"a bridge alone", Bridge("br0", "172.17.0.1/16"), "127.0.0.1"},
+      {"a bridge alone", Bridge("br0", "172.17.0.1/16"), "172.17.0.1"},
       {"a card behind a bridge", Bridge("br0", "172.17.0.1/16") + Card("eth0", "192.168.1.7/24"),
        "192.168.1.7"},
       {"a card behind one that isn't plugged in",

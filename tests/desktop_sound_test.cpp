@@ -131,7 +131,8 @@ TEST_F(DesktopSoundTest, StopKeepsThePositionAndPlayDoesNotRestart) {
   ExpectUnbroken(heard);
   const auto sounds = [](int place) { return place >= 0; };
   const auto stopped = std::find(std::ranges::find_if(heard, sounds), heard.end(), -1);
-  EXPECT_GT(std::find_if(stopped, heard.end(), sounds) - stopped, Rate / 10) << "it must be silent in between";
+  EXPECT_GT(std::find_if(stopped, heard.end(), sounds) - stopped, Rate / 10)
+      << "it must be silent in between";
 }
 
 TEST_F(DesktopSoundTest, ASoundEndsAndStartsAgain) {

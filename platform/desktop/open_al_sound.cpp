@@ -26,8 +26,7 @@ namespace {
 constexpr sf_count_t LongestSound = 60L * 48000;   ///< frames
 constexpr std::uintmax_t LargestFile = 16UL << 20; ///< bytes
 
-// Sounds are streamed from their files. Three of them last for half a minute, and in memory they would take
-// more than the rest of the launch window.
+// Sounds are streamed from their files. In memory they would take 6 MiB, a third of the launch window's.
 constexpr int ChunksPerSecond = 2; ///< sets the length of a chunk
 constexpr int ChunksAhead = 3;     ///< queued chunks of a playing sound
 

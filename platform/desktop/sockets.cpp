@@ -35,7 +35,7 @@ Interfaces ReadInterfaces() {
   return {list, freeifaddrs};
 }
 
-/// Bridges connect containers and virtual machines; their addresses are unreachable from outside.
+/// Bridges mostly connect containers and virtual machines; those addresses are unreachable from outside.
 bool IsBridge(const char *interface) {
   const int socket = ::socket(AF_INET, SOCK_DGRAM | SOCK_CLOEXEC, 0);
   if (socket < 0) return false;
@@ -66,12 +66,12 @@ bool Works(const ifaddrs &interface) {
          !(interface.ifa_flags & IFF_LOOPBACK);
 }
 
-/// Raw addresses of a family that others may reach.
-std::vector<std::string> AddressesOf(const Interfaces &interfaces, int family) {
+/// Raw addresses of a family on bridges, or on all other interfaces that others may reach.
+std::vector<std::string> AddressesOf(const Interfaces &interfaces, int family, bool bridges = false) {
   std::vector<std::string> addresses;
   for (const ifaddrs *each = interfaces.get(); each; each = each->ifa_next) {
     const std::string bytes = BytesOf(each->ifa_addr, family);
-    if (bytes.empty() || !Works(*each) || IsBridge(each->ifa_name)) continue;
+    if (bytes.empty() || !Works(*each) || IsBridge(each->ifa_name) != bridges) continue;
     // Link-local addresses are useless without the interface.
     if (family == AF_INET6 &&
         IN6_IS_ADDR_LINKLOCAL(&reinterpret_cast<const sockaddr_in6 *>(each->ifa_addr)->sin6_addr)) {
@@ -143,7 +143,8 @@ const hostent_record *DesktopSockets::gethostbyname(const std::string &) {
   const bool found = answer(BytesOfIPv4, {AddressTowards(FarIPv4, AF_INET, interfaces)}) ||
                      answer(BytesOfIPv6, {AddressTowards(FarIPv6, AF_INET6, interfaces)}) ||
                      answer(BytesOfIPv4, AddressesOf(interfaces, AF_INET)) ||
-                     answer(BytesOfIPv6, AddressesOf(interfaces, AF_INET6));
+                     answer(BytesOfIPv6, AddressesOf(interfaces, AF_INET6)) ||
+                     answer(BytesOfIPv4, AddressesOf(interfaces, AF_INET, true));
   if (!found) entry_ = {BytesOfIPv4, {std::string("\x7F\x00\x00\x01", BytesOfIPv4)}};
   return &entry_;
 }
