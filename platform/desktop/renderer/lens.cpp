@@ -153,6 +153,14 @@ Vector EdgeNear(const Bounds &table, const Vector &target) {
   return Faded(edge, target, Distance(edge, target), EdgeReach, EdgeFar);
 }
 
+/// A box widened by its path over the table from side to side.
+Bounds Swept(Bounds box, const Bounds &table) {
+  const float half = (box.High.x - box.Low.x) / 2;
+  box.Low.x = std::min(box.Low.x, table.Low.x - half);
+  box.High.x = std::max(box.High.x, table.High.x + half);
+  return box;
+}
+
 /// Moves a value toward another by `EaseShare` of the difference. Returns whether it has arrived.
 bool Approach(float &value, float to, float still) {
   value = std::abs(to - value) <= still ? to : value + (to - value) * EaseShare;
@@ -187,13 +195,19 @@ View Lens::Next(const Direct3DRMFrame3 &camera, std::span<const Seen> scene, flo
   const QVector3D step = V(target) - V(target_);
   const bool cut = !started_ || Distance(from.Origin, from_.Origin) > Jump || step.length() > Jump;
   FollowMovers(scene, looked.get(), cut, step.length() > 0);
-  const auto points = PointsToShow(from, scene, *subject, cut ? QVector3D() : step);
-  // The only meshes that move while the target rests are the posts. They go from side to side, so equal room
-  // on both sides avoids a later change of the view.
+  // The only meshes that move while the target rests are the posts. They go from side to side over the whole
+  // table, so room for that on both sides avoids a later change of the view.
   const bool symmetric = (cut || step.length() == 0) && std::ranges::any_of(movers_, [&](const Mover &mover) {
                            return mover.Moves && Apart(from, mover.Origin, target) < PointReach;
                          });
   const auto table = TableOf(scene);
+  for (Mover &mover : movers_) {
+    if (!symmetric || !table || !mover.Moves) continue;
+    const Bounds path = Swept(mover.Covered, *table);
+    if (Apart(from, path.Low, target) < PointReach && Apart(from, path.High, target) < PointReach)
+      mover.Covered = path;
+  }
+  const auto points = PointsToShow(from, scene, *subject, cut ? QVector3D() : step);
   const bool falls = table && from.Origin.y < table->High.y;
   const Framing wanted = Wanted(from, *subject, points, symmetric, falls, aspect);
   const bool still = started_ && from == from_ && step.length() == 0;
@@ -217,8 +231,7 @@ View Lens::Next(const Direct3DRMFrame3 &camera, std::span<const Seen> scene, flo
           framing_.Height};
 }
 
-/// Updates the meshes other than the target. While the target rests, the box of a moving mesh covers its
-/// whole path since the last cut, so that the view doesn't follow the posts from side to side.
+/// Updates the meshes other than the target.
 void Lens::FollowMovers(std::span<const Seen> scene, const Direct3DRMFrame3 *target, bool cut,
                         bool targetMoves) {
   std::vector<Mover> now;
@@ -233,10 +246,6 @@ void Lens::FollowMovers(std::span<const Seen> scene, const Direct3DRMFrame3 *tar
     // foot.
     covered.Low.y = std::clamp(seen.Place.Origin.y, covered.Low.y, covered.High.y);
     if (targetMoves) covered.High.y = covered.Low.y; // the bar, above or below which the target passes
-    if (known && last->Moves && !cut && !targetMoves) {
-      covered.Widen(last->Covered.Low);
-      covered.Widen(last->Covered.High);
-    }
     now.push_back({seen.Frame, seen.Place.Origin, moves, covered});
   }
   movers_ = std::move(now);

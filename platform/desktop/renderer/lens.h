@@ -55,7 +55,7 @@ private:
     const Direct3DRMFrame3 *Frame;
     Vector Origin;  ///< in the previous frame
     bool Moves;     ///< has moved since the last cut
-    Bounds Covered; ///< its bounding box in the scene; while the target rests, the union since the last cut
+    Bounds Covered; ///< its bounding box in the scene; while the target rests, all that it may pass
   };
 
   /// Whether two framings differ so little that the view stays.
