@@ -128,6 +128,7 @@ TEST(LensTest, ThePieceIsFoundInEveryFrameOfAShot) {
   struct Row {
     const char *name, *mode;
     float leastPixels; ///< width of the piece in every frame
+    float highest;     ///< place of its centre
     std::function<void(Shot &)> play;
   };
   const auto flick = [](float power, float turn) {
@@ -158,15 +159,15 @@ TEST(LensTest, ThePieceIsFoundInEveryFrameOfAShot) {
     };
   };
   const Row rows[] = {
-      {"a long flick", "Human", 70, flick(96, 0)},
-      {"a flick to the side", "Human", 70, flick(64, 0.5f)},
-      {"an overcharge, with its fall", "Human", 50, flick(120, 0)},
-      {"from the sideline, a long flick", "Human", 40, fromSide(flick(96, 0))},
-      {"from the sideline, a flick askew", "Human", 40, fromSide(flick(64, 0.1f))},
-      {"a kick", "Human", 22, kick(96, 0, 0)},
-      {"a weak kick", "Human", 22, kick(72, 0, 180)},
-      {"a kick wide of the posts", "Human", 22, kick(72, 0.3f, 200)},
-      {"the computer's possession", "Computer", 40,
+      {"a long flick", "Human", 70, -0.4f, flick(96, 0)},
+      {"a flick to the side", "Human", 70, -0.4f, flick(64, 0.5f)},
+      {"an overcharge, with its fall", "Human", 50, 0.7f, flick(120, 0)},
+      {"from the sideline, a long flick", "Human", 40, -0.4f, fromSide(flick(96, 0))},
+      {"from the sideline, a flick askew", "Human", 40, -0.4f, fromSide(flick(64, 0.1f))},
+      {"a kick", "Human", 22, 0.9f, kick(96, 0, 0)},
+      {"a weak kick", "Human", 22, 0.9f, kick(72, 0, 180)},
+      {"a kick wide of the posts", "Human", 22, 0.9f, kick(72, 0.3f, 200)},
+      {"the computer's possession", "Computer", 40, 0.7f,
        [](Shot &shot) {
          shot.game.program.MyTurn = False;
          for (int attempt = 0; attempt < 3; ++attempt) shot.game.window.CompShot1();
@@ -175,7 +176,7 @@ TEST(LensTest, ThePieceIsFoundInEveryFrameOfAShot) {
   for (const Row &row : rows) {
     SCOPED_TRACE(row.name);
     Shot shot(row.mode);
-    int frames = 0, sinceCut = 0, lost = 0, tiny = 0, jerks = 0, sways = 0;
+    int frames = 0, sinceCut = 0, lost = 0, tiny = 0, high = 0, jerks = 0, sways = 0;
     Vector camera;
     View last;
     QVector3D place, step; // of the piece in the frame
@@ -183,6 +184,7 @@ TEST(LensTest, ThePieceIsFoundInEveryFrameOfAShot) {
       const QVector3D at = shot.At(shot.Piece()), moved = at - place;
       lost += !shot.Shows(shot.Piece()) || std::abs(at.x()) > 0.9f;
       tiny += shot.PiecePixels() < row.leastPixels;
+      high += at.y() > row.highest;
       const Vector now = shot.game.window.CameraFrame->World().Origin;
       const float change = shot.view.Height / last.Height;
       jerks += camera == now && frames > 0 && (change > LargestZoom || change < 1 / LargestZoom);
@@ -198,12 +200,14 @@ TEST(LensTest, ThePieceIsFoundInEveryFrameOfAShot) {
     EXPECT_GT(frames, 50);
     EXPECT_EQ(lost, 0);
     EXPECT_EQ(tiny, 0);
+    EXPECT_EQ(high, 0);
     EXPECT_LE(jerks, 1) << "a turnover may leave the camera where it is";
     EXPECT_LE(sways, 0) << "the piece's path in the frame has bends";
   }
 }
 
-TEST(LensTest, AKickEndsWithPieceAndPostsInTheFrame) {
+TEST(LensTest, AKickFliesOverTheFieldAndEndsWithPieceAndPostsInTheFrame) {
+  constexpr float CardLeft = 0.53f; // of the result cards, in the frame
   for (const int after : {0, 100, 180, 260}) {
     for (const float power : {72.0f, 96.0f}) {
       SCOPED_TRACE(testing::Message() << "power " << power << ", after " << after << " steps of the posts");
@@ -211,15 +215,57 @@ TEST(LensTest, AKickEndsWithPieceAndPostsInTheFrame) {
       auto &window = shot.game.window;
       for (int i = 0; i < after; ++i) window.MoveGoal();
       float force = power;
-      bool shown = false;
+      bool shown = false, covered = false;
+      int skies = 0;
       shot.onFrame = [&] {
-        if (window.KickRise != 0) shown = shot.PostsShow() && shot.Shows(shot.Piece());
+        if (window.KickRise == 0) return;
+        const Vector piece = shot.Piece(), bar = window.GoalFrame->World().Origin;
+        skies += shot.At({-88, -0.5f, std::clamp(piece.z, -88.0f, 88.0f)}).y() < -1;
+        shown = shot.PostsShow() && shot.Shows(piece);
+        covered = std::abs(bar.x) < 14 && shot.At({bar.x - 14, bar.y, bar.z}).x() > CardLeft;
       };
       window.GetFmain();
       window.KickFB(window.KickFrameX, window.KickFrameY, window.KickFrameZ, force, window.KickX1,
                     window.KickY1, window.KickZ1, window.KickX2, window.KickY2, window.KickZ2);
       EXPECT_TRUE(shown);
+      EXPECT_FALSE(covered) << "the piece is between posts of which one is under the card";
+      EXPECT_EQ(skies, 0) << "the field beyond the piece is below the frame";
     }
+  }
+}
+
+TEST(LensTest, AFallComesOutBelowTheTable) {
+  constexpr float LowestEdge = 0.33f; // in the frame: the table's underside covers at most a third
+  struct Row {
+    const char *name;
+    float x, z, power, turn;
+    Vector edge; ///< lower edge of the table, where the piece falls
+  };
+  for (const Row &row : {Row{"over the far edge, from far away", 0, 85, 120, 0, {0, -3.9f, -86}},
+                         Row{"over the far edge", 0, -40, 80, 0, {0, -3.9f, -86}},
+                         Row{"over the side", 0, 20, 88, 1.2f, {-86, -3.9f, -14}}}) {
+    SCOPED_TRACE(row.name);
+    Shot shot;
+    auto &window = shot.game.window;
+    shot.Put(row.x, row.z);
+    shot.Camera(row.x, 10, row.z + 35);
+    shot.Settle();
+    int falls = 0, lost = 0, boards = 0;
+    shot.onFrame = [&] {
+      if (window.CameraFrame->World().Origin.y > 0) return;
+      ++falls;
+      lost += std::abs(shot.At(shot.Piece()).y()) > 0.8f;
+      boards += shot.At(row.edge).y() < LowestEdge;
+    };
+    window.AimFrame->AddRotation(D3DRMCOMBINE_BEFORE, 0, 1, 0, row.turn);
+    window.ReadAim();
+    window.ReadShotPlace();
+    float power = row.power;
+    window.Flick(window.FrameX, window.FrameY, window.FrameZ, power, window.X1, window.Y1, window.Z1,
+                 window.X2, window.Y2, window.Z2, window.Player);
+    EXPECT_EQ(falls, 50);
+    EXPECT_EQ(lost, 0);
+    EXPECT_EQ(boards, 0) << "the table's underside fills the frame";
   }
 }
 
@@ -237,12 +283,12 @@ TEST(LensTest, TheViewStaysWhileSomebodyAimsAndSettlesUnderMovingPosts) {
   EXPECT_EQ(shot.view.Camera, before.Camera);
 
   shot.Camera(0, 15, 119);
-  constexpr int ThereAndBack = 360;
-  for (int frame = 0; frame < 2 * ThereAndBack; ++frame) {
+  constexpr int ThereAndBack = 360, UntilSettled = 45;
+  for (int frame = 0; frame < ThereAndBack; ++frame) {
     window.MoveGoal();
     shot.Take();
     EXPECT_TRUE(frame < 2 || shot.PostsShow()) << "frame " << frame;
-    EXPECT_TRUE(frame < ThereAndBack || shot.lens.Settled()) << "frame " << frame;
+    EXPECT_TRUE(frame < UntilSettled || shot.lens.Settled()) << "frame " << frame;
   }
 }
 

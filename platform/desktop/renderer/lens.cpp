@@ -14,12 +14,14 @@ constexpr float LargestShare = 0.42f;
 constexpr float ShareRoot = 2.4f;
 
 // The target's height in the frame: the lower third if seen from the side, nearer to the centre from above,
-// and above it for a kick high in the air, so that the stands below show its height.
+// and above it for a kick high in the air, so that the field below shows its height. In a fall, which is seen
+// from below the table, it is in the upper third, where it comes out behind the table's edge.
 constexpr float LowPlace = -0.58f;  ///< at the camera's own level; -1 is the bottom of the frame, 1 the top
 constexpr float HighPlace = -0.22f; ///< `Steep` or more below the camera
 constexpr float Steep = 0.78f;      ///< radians
-constexpr float RisenPlace = 0.15f; ///< `Risen` or more above the camera
-constexpr float Risen = 0.35f;      ///< radians
+constexpr float RisenPlace = 0.45f; ///< `Risen` or more above the camera
+constexpr float Risen = 0.25f;      ///< radians
+constexpr float FallPlace = 0.6f;   ///< in a fall, at the camera's own level or above it
 
 // Limits of the field of view.
 constexpr float WidestHalf = 0.70f;  ///< half of the horizontal angle, radians
@@ -40,6 +42,7 @@ constexpr float EdgeReach = 32.0f;  ///< largest distance from the table's edge 
 constexpr float EdgeFar = 60.0f;    ///< smallest distance at which the edge has no effect, scene units
 constexpr float EdgeDrop = 0.15f;   ///< largest pitch below the target at which the edge is shown, radians
 constexpr float EdgeDropFar = 0.3f; ///< smallest pitch below the target at which it has no effect, radians
+constexpr float ShadowPart = 0.9f;  ///< of the way down to the target's shadow, the margin shows the rest
 constexpr float PointReach = 0.87f; ///< largest yaw from the target at which a point can be shown, radians
 constexpr float FarReach = 1.3f;    ///< smallest yaw from the target at which a point has no effect, radians
 constexpr float StopReach = 0.46f;  ///< largest yaw to the point where the target will stop, radians
@@ -124,20 +127,38 @@ std::optional<Vector> StopOf(const Vector &target, const QVector3D &step, const 
   return V(V(target) + step * (speed / (2 * loss)));
 }
 
-/// The point of the table's edge nearest to the target, faded; nothing if there is no table.
-std::optional<Vector> EdgeNear(std::span<const Seen> scene, const Vector &target) {
+/// The largest box of ground; nothing if there is none.
+std::optional<Bounds> TableOf(std::span<const Seen> scene) {
   Bounds table;
   for (const Seen &seen : scene) {
     if (IsWide(seen.Box) && seen.Box.Extent() > table.Extent()) table = Moved(seen.Box, seen.Place);
   }
   if (table.Extent() == 0.0f) return {};
-  Vector edge{std::clamp(target.x, table.Low.x, table.High.x), table.High.y,
-              std::clamp(target.z, table.Low.z, table.High.z)};
+  return table;
+}
+
+/// The point of the table's top below a place, or nearest to that point.
+Vector Below(const Bounds &table, const Vector &place) {
+  return {std::clamp(place.x, table.Low.x, table.High.x), table.High.y,
+          std::clamp(place.z, table.Low.z, table.High.z)};
+}
+
+/// The point of the table's edge nearest to the target, faded.
+Vector EdgeNear(const Bounds &table, const Vector &target) {
+  Vector edge = Below(table, target);
   const float toSide = table.High.x - std::abs(target.x), toEnd = table.High.z - std::abs(target.z);
   if (std::min(toSide, toEnd) > 0.0f) { // over the table, where clamping leaves x and z as they are
     (toSide < toEnd ? edge.x : edge.z) = std::copysign(table.High.x, toSide < toEnd ? target.x : target.z);
   }
   return Faded(edge, target, Distance(edge, target), EdgeReach, EdgeFar);
+}
+
+/// A box widened by its path over the table from side to side.
+Bounds Swept(Bounds box, const Bounds &table) {
+  const float half = (box.High.x - box.Low.x) / 2;
+  box.Low.x = std::min(box.Low.x, table.Low.x - half);
+  box.High.x = std::max(box.High.x, table.High.x + half);
+  return box;
 }
 
 /// Moves a value toward another by `EaseShare` of the difference. Returns whether it has arrived.
@@ -174,13 +195,21 @@ View Lens::Next(const Direct3DRMFrame3 &camera, std::span<const Seen> scene, flo
   const QVector3D step = V(target) - V(target_);
   const bool cut = !started_ || Distance(from.Origin, from_.Origin) > Jump || step.length() > Jump;
   FollowMovers(scene, looked.get(), cut, step.length() > 0);
-  const auto points = PointsToShow(from, scene, *subject, cut ? QVector3D() : step);
-  // The only meshes that move while the target rests are the posts. They go from side to side, so equal room
-  // on both sides avoids a later change of the view.
+  // The only meshes that move while the target rests are the posts. They go from side to side over the whole
+  // table, so room for that on both sides avoids a later change of the view.
   const bool symmetric = (cut || step.length() == 0) && std::ranges::any_of(movers_, [&](const Mover &mover) {
                            return mover.Moves && Apart(from, mover.Origin, target) < PointReach;
                          });
-  const Framing wanted = Wanted(from, *subject, points, symmetric, aspect);
+  const auto table = TableOf(scene);
+  for (Mover &mover : movers_) {
+    if (!symmetric || !table || !mover.Moves) continue;
+    const Bounds path = Swept(mover.Covered, *table);
+    if (Apart(from, path.Low, target) < PointReach && Apart(from, path.High, target) < PointReach)
+      mover.Covered = path;
+  }
+  const auto points = PointsToShow(from, scene, *subject, cut ? QVector3D() : step);
+  const bool falls = table && from.Origin.y < table->High.y;
+  const Framing wanted = Wanted(from, *subject, points, symmetric, falls, aspect);
   const bool still = started_ && from == from_ && step.length() == 0;
   if (!still || !Near(wanted, wanted_)) wanted_ = wanted;
 
@@ -202,8 +231,7 @@ View Lens::Next(const Direct3DRMFrame3 &camera, std::span<const Seen> scene, flo
           framing_.Height};
 }
 
-/// Updates the meshes other than the target. While the target rests, the box of a moving mesh covers its
-/// whole path since the last cut, so that the view doesn't follow the posts from side to side.
+/// Updates the meshes other than the target.
 void Lens::FollowMovers(std::span<const Seen> scene, const Direct3DRMFrame3 *target, bool cut,
                         bool targetMoves) {
   std::vector<Mover> now;
@@ -217,25 +245,28 @@ void Lens::FollowMovers(std::span<const Seen> scene, const Direct3DRMFrame3 *tar
     // Only the part above the origin has to be visible: of the posts, whose origin is at the bar, not the
     // foot.
     covered.Low.y = std::clamp(seen.Place.Origin.y, covered.Low.y, covered.High.y);
-    if (known && last->Moves && !cut && !targetMoves) {
-      covered.Widen(last->Covered.Low);
-      covered.Widen(last->Covered.High);
-    }
+    if (targetMoves) covered.High.y = covered.Low.y; // the bar, above or below which the target passes
     now.push_back({seen.Frame, seen.Place.Origin, moves, covered});
   }
   movers_ = std::move(now);
 }
 
-/// The points that the frame should contain besides the target.
-std::vector<Vector> Lens::PointsToShow(const Transform &camera, std::span<const Seen> scene,
-                                       const Seen &subject, const QVector3D &step) const {
-  const Vector &target = subject.Place.Origin;
+/// The corners of the moving meshes, faded.
+std::vector<Vector> Lens::MoverPoints(const Transform &camera, const Vector &target) const {
   std::vector<Vector> points;
   for (const Mover &mover : movers_) {
     for (int corner = 0; mover.Moves && corner < 8; ++corner) points.push_back(mover.Covered.Corner(corner));
   }
   for (Vector &point : points)
     point = Faded(point, target, Apart(camera, point, target), PointReach, FarReach);
+  return points;
+}
+
+/// The points that the frame should contain besides the target.
+std::vector<Vector> Lens::PointsToShow(const Transform &camera, std::span<const Seen> scene,
+                                       const Seen &subject, const QVector3D &step) const {
+  const Vector &target = subject.Place.Origin;
+  std::vector<Vector> points = MoverPoints(camera, target);
   for (const Seen &seen : scene) {
     // The aim is a mesh at the target that isn't ground. It is as long as the field, so only its near part
     // counts.
@@ -252,10 +283,16 @@ std::vector<Vector> Lens::PointsToShow(const Transform &camera, std::span<const 
     while (Apart(camera, *stop, target) > StopReach) stop = V(V(target) + (V(*stop) - V(target)) * StopStep);
     points.push_back(*stop);
   }
-  if (const auto edge = EdgeNear(scene, target)) {
+  if (const auto table = TableOf(scene)) {
+    const Vector edge = EdgeNear(*table, target);
     // The near edge would pull the view down to the feet of a player who has left it behind.
-    const float drop = BearingOf(camera, target).Pitch - BearingOf(camera, *edge).Pitch;
-    points.push_back(Faded(*edge, target, drop, EdgeDrop, EdgeDropFar));
+    const float drop = BearingOf(camera, target).Pitch - BearingOf(camera, edge).Pitch;
+    // An edge that the target leaves would pull the view back.
+    const bool leaves = QVector3D::dotProduct(V(edge) - V(target), step) < 0;
+    if (!leaves) points.push_back(Faded(edge, target, drop, EdgeDrop, EdgeDropFar));
+    // The shadow of a flying target shows its height.
+    const Vector shadow = Below(*table, target);
+    if (target.y > shadow.y) points.push_back(V(V(target) + (V(shadow) - V(target)) * ShadowPart));
   }
   return points;
 }
@@ -264,8 +301,9 @@ std::vector<Vector> Lens::PointsToShow(const Transform &camera, std::span<const 
 /// other, except for the effect of perspective on the height of a point at the side.
 ///
 /// @param symmetric  whether to leave equal room on both sides of the target
+/// @param falls  whether the camera is below the table
 Lens::Framing Lens::Wanted(const Transform &camera, const Seen &subject, std::span<const Vector> points,
-                           bool symmetric, float aspect) const {
+                           bool symmetric, bool falls, float aspect) const {
   const float width = subject.Box.Extent();
   const float distance = std::max(Distance(camera.Origin, subject.Place.Origin), NearPlane);
   const float share = NearShare * std::pow(NearDistance / distance, 1 / ShareRoot);
@@ -282,10 +320,14 @@ Lens::Framing Lens::Wanted(const Transform &camera, const Seen &subject, std::sp
   }
   const float farther = std::max(own.Yaw - across.Low, across.High - own.Yaw);
   if (symmetric && farther <= WidestHalf) across = {own.Yaw - farther, own.Yaw + farther};
-  // If the target is at x = CardSide, (1 + CardSide) halves of the frame are to its left, (1 - CardSide) to
-  // its right.
-  const float left = own.Yaw - across.Low;
-  across.High = std::max(across.High, own.Yaw + left * (1 - CardSide) / (1 + CardSide));
+  // A card covers the frame from x = CardSide to the right. The posts stay to the left of it too while a kick
+  // flies at them.
+  float right = own.Yaw;
+  for (const Vector &point : MoverPoints(camera, subject.Place.Origin)) {
+    if (!symmetric) right = std::max(right, std::min(BearingOf(camera, point).Yaw, own.Yaw + PointReach));
+  }
+  // (1 + CardSide) halves of the frame are to the left of x = CardSide, (1 - CardSide) to its right.
+  across.High = std::max(across.High, right + (right - across.Low) * (1 - CardSide) / (1 + CardSide));
   framing.Height = std::max(framing.Height, 2 * std::tan(std::min(across.Half(), WidestHalf)) / aspect);
   const auto aim = [&] {
     const float half = std::atan(framing.Height * aspect / 2);
@@ -304,8 +346,9 @@ Lens::Framing Lens::Wanted(const Transform &camera, const Seen &subject, std::sp
   }
   framing.Height = std::max(framing.Height, 2 * std::tan(std::min(up.Half(), TallestHalf)));
   aim();
-  const float place = LowPlace + (HighPlace - LowPlace) * std::clamp(-own.Pitch / Steep, 0.0f, 1.0f) +
-                      (RisenPlace - LowPlace) * std::clamp(own.Pitch / Risen, 0.0f, 1.0f);
+  const float level = falls ? FallPlace : LowPlace;
+  const float place = level + (HighPlace - level) * std::clamp(-own.Pitch / Steep, 0.0f, 1.0f) +
+                      (std::max(RisenPlace, level) - level) * std::clamp(own.Pitch / Risen, 0.0f, 1.0f);
   const float centre = own.Pitch - std::atan(place * framing.Height / 2);
   framing.Pitch = CentreOf(up, std::atan(framing.Height / 2), centre, target) - PitchOf(camera);
   return framing;

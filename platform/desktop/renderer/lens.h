@@ -30,12 +30,13 @@ public:
   /// target jumps, it cuts to that framing.
   ///
   /// The target is the scene frame of the camera's last `LookAt`. It is always in the frame, in the lower
-  /// third unless it is high above the camera, and appears smaller with distance, but by less than
+  /// third unless it is high above the camera or falls, and appears smaller with distance, but by less than
   /// perspective alone makes it. The frame also contains, as far as the widest field of view allows:
   /// - the other meshes that move,
   /// - the aim, while it lies at the target,
   /// - the point where a sliding target will stop,
-  /// - the nearest point of the table's edge, if the target is close to it.
+  /// - the nearest point of the table's edge, if the target is close to it and doesn't move away from it,
+  /// - the shadow of a flying target.
   ///
   /// @param aspect  width / height of the frame
   View Next(const Direct3DRMFrame3 &camera, std::span<const Seen> scene, float aspect);
@@ -54,7 +55,7 @@ private:
     const Direct3DRMFrame3 *Frame;
     Vector Origin;  ///< in the previous frame
     bool Moves;     ///< has moved since the last cut
-    Bounds Covered; ///< its bounding box in the scene; while the target rests, the union since the last cut
+    Bounds Covered; ///< its bounding box in the scene; while the target rests, all that it may pass
   };
 
   /// Whether two framings differ so little that the view stays.
@@ -62,10 +63,11 @@ private:
   /// Moves a framing one step toward another. Returns whether it has arrived.
   static bool Ease(Framing &framing, const Framing &to);
   void FollowMovers(std::span<const Seen> scene, const Direct3DRMFrame3 *target, bool cut, bool targetMoves);
+  std::vector<Vector> MoverPoints(const Transform &camera, const Vector &target) const;
   std::vector<Vector> PointsToShow(const Transform &camera, std::span<const Seen> scene, const Seen &subject,
                                    const QVector3D &step) const;
   Framing Wanted(const Transform &camera, const Seen &subject, std::span<const Vector> points, bool symmetric,
-                 float aspect) const;
+                 bool falls, float aspect) const;
 
   bool started_ = false;
   bool settled_ = false;
