@@ -20,6 +20,7 @@ constexpr Paint Crease{0.70, 0.30, 0.0, 0.0};
 constexpr Paint Ink{0.16, 0.08, 0.0, 0.0};
 
 constexpr double InkWidth = 0.17;
+constexpr double Lift = 0.10; ///< holds the ink below the finger above the turf
 
 // From the tip to the knuckle. From the initial camera position the tip hides only the middle of the piece's
 // near edge.
@@ -119,12 +120,17 @@ Mesh Sleeve() {
 } // namespace
 
 void AddHand(Mesh &mesh) {
+  Mesh hand;
   for (const Mesh &part : {Skins(), Sleeve()}) {
-    Outline(mesh, part, InkWidth, Ink);
-    mesh.Append(part, [](const Vertex &vertex) { return vertex; });
+    Outline(hand, part, InkWidth, Ink);
+    hand.Append(part, [](const Vertex &vertex) { return vertex; });
   }
   const Joint &tip = PointingFinger[0], &middle = PointingFinger[1], &bent = PointingFinger[2];
-  AddOval(mesh, tip, middle, 0.20, 0.46, 0.86, 0.02, Crease);
-  AddOval(mesh, tip, middle, 0.18, 0.38, 0.74, 0.05, Nail);
-  for (const double along : {0.86, 0.98, 1.10}) AddCrease(mesh, middle, bent, along);
+  AddOval(hand, tip, middle, 0.20, 0.46, 0.86, 0.02, Crease);
+  AddOval(hand, tip, middle, 0.18, 0.38, 0.74, 0.05, Nail);
+  for (const double along : {0.86, 0.98, 1.10}) AddCrease(hand, middle, bent, along);
+  mesh.Append(hand, [](Vertex vertex) {
+    vertex.at.y += Lift;
+    return vertex;
+  });
 }
