@@ -9,8 +9,6 @@
 #include <QOpenGLBuffer>
 #include <QOpenGLVertexArrayObject>
 
-#include <vector>
-
 /// One mesh as drawn.
 class GpuMesh {
 public:
@@ -30,22 +28,13 @@ public:
   const Bounds &Box() const { return box_; }
 
 private:
-  /// A vertex of the file in one face colour. A vertex between faces of several colours is uploaded once for
-  /// each.
-  struct Corner {
-    std::uint32_t Index;
-    FaceColor Color;
-  };
-
   void UploadGeometry(const MeshData &data);
   void UploadWaysAcross(const MeshData &data);
-  void UploadCoordinates(const MeshData &data);
   void UploadLight(const Direct3DRMMeshBuilder3 &mesh, const Transform &place);
 
   Gl &gl_;
   QOpenGLVertexArrayObject array_;
-  QOpenGLBuffer positions_, coordinates_, light_, across_, indices_{QOpenGLBuffer::IndexBuffer};
-  std::vector<Corner> corners_;
+  QOpenGLBuffer positions_, normals_, coordinates_, light_, across_, indices_{QOpenGLBuffer::IndexBuffer};
   GLsizei indexCount_ = 0;
   GLsizei plainCount_ = 0; ///< indices of plain faces
   Bounds box_;
