@@ -5,7 +5,7 @@
 
 namespace {
 
-constexpr GLuint PositionSlot = 0, NormalSlot = 1, CoordinateSlot = 2, LightSlot = 3, AcrossSlot = 4;
+constexpr GLuint PositionSlot = 0, NormalSlot = 1, CoordinateSlot = 2, LightSlot = 3;
 
 /// Replaces what a buffer holds.
 template <class T> void Fill(QOpenGLBuffer &buffer, const std::vector<T> &values) {
@@ -14,43 +14,6 @@ template <class T> void Fill(QOpenGLBuffer &buffer, const std::vector<T> &values
 }
 
 const void *Offset(std::size_t bytes) { return reinterpret_cast<const void *>(bytes); }
-
-/// The vector from each vertex of a painted stroke to the opposite side of the stroke.
-///
-/// A stroke is a strip of quads. Inside the strip a vertex has more than three edges, and the vector is the
-/// shortest edge that two faces share. At an end, and in a single quad, it is the shortest edge.
-std::vector<Vector> WaysAcross(const MeshData &data) {
-  struct Edge {
-    std::uint32_t To;
-    bool Shared;
-  };
-  std::vector<std::vector<Edge>> edges(data.Positions.size());
-  for (std::size_t i = 0; i < data.Indices.size(); ++i) {
-    const std::size_t next = i % 3 == 2 ? i - 2 : i + 1;
-    for (const auto &[from, to] :
-         {std::pair(data.Indices[i], data.Indices[next]), std::pair(data.Indices[next], data.Indices[i])}) {
-      const auto known = std::ranges::find(edges[from], to, &Edge::To);
-      if (known == edges[from].end()) {
-        edges[from].push_back({to, false});
-      } else {
-        known->Shared = true;
-      }
-    }
-  }
-  std::vector<Vector> across(data.Positions.size());
-  for (std::size_t vertex = 0; vertex < edges.size(); ++vertex) {
-    const Vector &at = data.Positions[vertex];
-    const bool inside = edges[vertex].size() > 3;
-    QVector3D shortest;
-    for (const Edge &edge : edges[vertex]) {
-      const Vector &to = data.Positions[edge.To];
-      const QVector3D way(to.x - at.x, to.y - at.y, to.z - at.z);
-      if ((edge.Shared || !inside) && (shortest.isNull() || way.length() < shortest.length())) shortest = way;
-    }
-    across[vertex] = {shortest.x(), shortest.y(), shortest.z()};
-  }
-  return across;
-}
 
 FaceColor ColorOf(const MeshData &data, std::size_t vertex) {
   const FaceColor &color = data.FaceColors[vertex];
@@ -63,8 +26,7 @@ FaceColor ColorOf(const MeshData &data, std::size_t vertex) {
 
 GpuMesh::GpuMesh(Gl &gl) : gl_(gl) {
   array_.create();
-  for (QOpenGLBuffer *buffer : {&positions_, &normals_, &coordinates_, &light_, &across_, &indices_})
-    buffer->create();
+  for (QOpenGLBuffer *buffer : {&positions_, &normals_, &coordinates_, &light_, &indices_}) buffer->create();
   array_.bind();
   const auto attribute = [&](QOpenGLBuffer &buffer, GLuint slot, GLint size) {
     buffer.bind();
@@ -83,7 +45,6 @@ void GpuMesh::Upload(const Direct3DRMMeshBuilder3 &mesh, const Transform &place)
   if (reshaped) {
     geometryRevision_ = mesh.GeometryRevision();
     UploadGeometry(mesh.Data());
-    if (IsPaint(mesh)) UploadWaysAcross(mesh.Data());
   }
   if (reshaped || coordinateRevision_ != mesh.TextureCoordinateRevision()) {
     coordinateRevision_ = mesh.TextureCoordinateRevision();
@@ -117,13 +78,6 @@ void GpuMesh::UploadGeometry(const MeshData &data) {
 }
 
 bool GpuMesh::IsPaint(const Direct3DRMMeshBuilder3 &mesh) const { return !mesh.Texture() && IsWide(box_); }
-
-void GpuMesh::UploadWaysAcross(const MeshData &data) {
-  array_.bind();
-  Fill(across_, WaysAcross(data));
-  gl_.glVertexAttribPointer(AcrossSlot, 3, GL_FLOAT, GL_FALSE, 0, nullptr);
-  gl_.glEnableVertexAttribArray(AcrossSlot);
-}
 
 void GpuMesh::UploadLight(const Direct3DRMMeshBuilder3 &mesh, const Transform &place) {
   const MeshData &data = mesh.Data();

@@ -18,7 +18,7 @@ public:
   void Upload(const Direct3DRMMeshBuilder3 &mesh, const Transform &place);
 
   /// Whether the mesh is paint on the ground, whose strokes must not break where they are thinner than a
-  /// pixel.
+  /// pixel. Its texture coordinates are the strokes' widths.
   bool IsPaint(const Direct3DRMMeshBuilder3 &mesh) const;
 
   /// `Plain` faces show nothing of the texture and are drawn without it. They come first in the index buffer.
@@ -29,12 +29,11 @@ public:
 
 private:
   void UploadGeometry(const MeshData &data);
-  void UploadWaysAcross(const MeshData &data);
   void UploadLight(const Direct3DRMMeshBuilder3 &mesh, const Transform &place);
 
   Gl &gl_;
   QOpenGLVertexArrayObject array_;
-  QOpenGLBuffer positions_, normals_, coordinates_, light_, across_, indices_{QOpenGLBuffer::IndexBuffer};
+  QOpenGLBuffer positions_, normals_, coordinates_, light_, indices_{QOpenGLBuffer::IndexBuffer};
   GLsizei indexCount_ = 0;
   GLsizei plainCount_ = 0; ///< indices of plain faces
   Bounds box_;

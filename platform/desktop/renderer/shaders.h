@@ -15,7 +15,8 @@
 void BuildProgram(QOpenGLShaderProgram &program, const std::string &vertex, const std::string &fragment);
 
 // PAINT is 1 for strokes on the ground. A stroke thinner than a pixel would break up, so it is drawn a pixel
-// thick, with a coverage equal to its real thickness.
+// thick, with a coverage equal to its real thickness. The texture coordinates are x and z of the vector from
+// a vertex to the other side of its stroke.
 inline constexpr const char *SurfaceVertexShader = R"(
 layout(location = 0) in vec3 position;
 layout(location = 1) in vec3 normal;
@@ -28,8 +29,7 @@ out vec2 surfaceCoordinate;
 out float textureShare;
 #endif
 #if PAINT
-layout(location = 4) in vec3 across; // to the other side of the stroke
-uniform vec2 halfFrame;              // pixels
+uniform vec2 halfFrame; // pixels
 out float coverage;
 #endif
 uniform mat4 toWorld;
@@ -57,11 +57,11 @@ void main() {
   fog = 1.0 - exp(-depth * depth);
   gl_Position = toClip * place;
 #if PAINT
-  vec3 way = mat3(toWorld) * across;
+  vec3 way = mat3(toWorld) * vec3(coordinate.x, 0.0, coordinate.y);
   vec4 otherSide = toClip * (place + vec4(way, 0.0));
   vec4 ahead = toClip * (place + vec4(cross(normalize(mat3(toWorld) * normal), way), 0.0));
   coverage = 1.0;
-  if (min(gl_Position.w, min(otherSide.w, ahead.w)) > 1.0) {
+  if (way != vec3(0.0) && min(gl_Position.w, min(otherSide.w, ahead.w)) > 1.0) {
     vec2 here = gl_Position.xy / gl_Position.w * halfFrame;
     vec2 thick = otherSide.xy / otherSide.w * halfFrame - here;
     vec2 along = normalize(ahead.xy / ahead.w * halfFrame - here);
