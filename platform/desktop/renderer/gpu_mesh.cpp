@@ -55,6 +55,7 @@ void GpuMesh::Upload(const Direct3DRMMeshBuilder3 &mesh, const Transform &place)
     litWith_ = mesh.Material().get();
     UploadLight(mesh, place);
   }
+  paint_ = !mesh.Texture() && IsWide(box_);
 }
 
 void GpuMesh::UploadGeometry(const MeshData &data) {
@@ -76,8 +77,6 @@ void GpuMesh::UploadGeometry(const MeshData &data) {
   Fill(normals_, data.Normals);
   Fill(indices_, indices);
 }
-
-bool GpuMesh::IsPaint(const Direct3DRMMeshBuilder3 &mesh) const { return !mesh.Texture() && IsWide(box_); }
 
 void GpuMesh::UploadLight(const Direct3DRMMeshBuilder3 &mesh, const Transform &place) {
   const MeshData &data = mesh.Data();

@@ -19,7 +19,7 @@ public:
 
   /// Whether the mesh is paint on the ground, whose strokes must not break where they are thinner than a
   /// pixel. Its texture coordinates are the strokes' widths.
-  bool IsPaint(const Direct3DRMMeshBuilder3 &mesh) const;
+  bool IsPaint() const { return paint_; }
 
   /// `Plain` faces show nothing of the texture and are drawn without it. They come first in the index buffer.
   enum class Faces { All, Plain, Textured };
@@ -37,6 +37,7 @@ private:
   GLsizei indexCount_ = 0;
   GLsizei plainCount_ = 0; ///< indices of plain faces
   Bounds box_;
+  bool paint_ = false;
   std::uint64_t geometryRevision_ = ~0ULL;
   std::uint64_t coordinateRevision_ = ~0ULL;
   Transform litAt_;

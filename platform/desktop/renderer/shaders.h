@@ -37,8 +37,8 @@ uniform mat4 toClip;
 uniform vec3 camera;
 uniform vec3 keyDirection;
 uniform vec3 specular;
-uniform float fogDensity;
 const float Sharpness = 24.0;
+const float FogDistance = 900.0; // scene units at which a third of a colour is left
 void main() {
   vec4 place = toWorld * vec4(position, 1.0);
   vec3 toEye = camera - place.xyz;
@@ -53,7 +53,7 @@ void main() {
   surfaceCoordinate = coordinate;
   textureShare = light.a;
 #endif
-  float depth = distance * fogDensity;
+  float depth = distance * (1.0 / FogDistance);
   fog = 1.0 - exp(-depth * depth);
   gl_Position = toClip * place;
 #if PAINT
@@ -85,6 +85,8 @@ in float textureShare;
 #endif
 #if PAINT
 in float coverage;
+#else
+const float coverage = 1.0;
 #endif
 out vec4 result;
 const vec3 FogColor = vec3(0.84, 0.71, 0.81);
@@ -93,11 +95,7 @@ void main() {
 #if TEXTURED
   light *= mix(vec3(1.0), texture(surfaceTexture, surfaceCoordinate).rgb, textureShare);
 #endif
-#if PAINT
   result = vec4(mix(light, FogColor, fog).bgr, coverage);
-#else
-  result = vec4(mix(light, FogColor, fog).bgr, 1.0);
-#endif
 }
 )";
 
