@@ -1,6 +1,8 @@
 #include "platform/desktop/renderer/gpu_mesh.h"
 
 #include <algorithm>
+#include <span>
+#include <utility>
 #include <vector>
 
 namespace {
@@ -40,22 +42,19 @@ GpuMesh::GpuMesh(Gl &gl) : gl_(gl) {
   attribute(light_, LightSlot, 4);
 }
 
-void GpuMesh::Upload(const Direct3DRMMeshBuilder3 &mesh, const Transform &place) {
-  const bool reshaped = geometryRevision_ != mesh.GeometryRevision();
-  if (reshaped) {
-    geometryRevision_ = mesh.GeometryRevision();
-    UploadGeometry(mesh.Data());
-  }
-  if (reshaped || coordinateRevision_ != mesh.TextureCoordinateRevision()) {
-    coordinateRevision_ = mesh.TextureCoordinateRevision();
-    Fill(coordinates_, mesh.Data().TextureCoordinates);
-  }
-  if (reshaped || litWith_ != mesh.Material().get() || litAt_ != place) {
-    litAt_ = place;
-    litWith_ = mesh.Material().get();
-    UploadLight(mesh, place);
-  }
+bool GpuMesh::Upload(const Direct3DRMMeshBuilder3 &mesh, const Transform &place) {
+  const State now{mesh.GeometryRevision(), mesh.TextureCoordinateRevision(), mesh.Texture().get(),
+                  mesh.Material().get(), place};
+  const State before = std::exchange(uploaded_, now);
+  if (now == before) return false;
+  const bool reshaped = now.Geometry != before.Geometry;
+  if (reshaped) UploadGeometry(mesh.Data());
+  if (reshaped || now.Coordinates != before.Coordinates) Fill(coordinates_, mesh.Data().TextureCoordinates);
+  State remapped = before;
+  remapped.Coordinates = now.Coordinates;
+  if (now != remapped) UploadLight(mesh, place);
   paint_ = !mesh.Texture() && IsWide(box_);
+  return true;
 }
 
 void GpuMesh::UploadGeometry(const MeshData &data) {

@@ -14,8 +14,9 @@ class GpuMesh {
 public:
   explicit GpuMesh(Gl &gl);
 
-  /// Uploads what has changed. @param place  of the mesh in the scene, for its light
-  void Upload(const Direct3DRMMeshBuilder3 &mesh, const Transform &place);
+  /// Uploads what has changed. Returns whether the mesh looks different now.
+  /// @param place  of the mesh in the scene, for its light
+  bool Upload(const Direct3DRMMeshBuilder3 &mesh, const Transform &place);
 
   /// Whether the mesh is paint on the ground, whose strokes must not break where they are thinner than a
   /// pixel. Its texture coordinates are the strokes' widths.
@@ -28,6 +29,15 @@ public:
   const Bounds &Box() const { return box_; }
 
 private:
+  /// Everything that decides how the mesh looks.
+  struct State {
+    std::uint64_t Geometry = ~0ULL, Coordinates = 0; ///< revisions
+    const Direct3DRMTexture *Texture = nullptr;
+    const Direct3DRMMaterial2 *Material = nullptr;
+    Transform Place;
+    bool operator==(const State &) const = default;
+  };
+
   void UploadGeometry(const MeshData &data);
   void UploadLight(const Direct3DRMMeshBuilder3 &mesh, const Transform &place);
 
@@ -38,8 +48,5 @@ private:
   GLsizei plainCount_ = 0; ///< indices of plain faces
   Bounds box_;
   bool paint_ = false;
-  std::uint64_t geometryRevision_ = ~0ULL;
-  std::uint64_t coordinateRevision_ = ~0ULL;
-  Transform litAt_;
-  const Direct3DRMMaterial2 *litWith_ = nullptr;
+  State uploaded_;
 };

@@ -55,8 +55,8 @@ bool Painter::Paint(std::span<const Placed> placed, const Direct3DRMFrame3 &came
   std::vector<Seen> seen;
   for (const Placed &each : placed) {
     GpuMesh &mesh = store_.Mesh(*each.Mesh);
-    mesh.Upload(**each.Mesh, each.Place);
-    items.push_back({each, &mesh, Moved(mesh.Box(), each.Place)});
+    const bool changed = mesh.Upload(**each.Mesh, each.Place);
+    items.push_back({each, &mesh, Moved(mesh.Box(), each.Place), changed});
     seen.push_back({each.Frame, each.Place, mesh.Box()});
   }
   MarkGround(items);

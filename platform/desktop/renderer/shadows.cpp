@@ -4,6 +4,7 @@
 #include "platform/desktop/renderer/shaders.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace {
 
@@ -80,7 +81,7 @@ Shadows::~Shadows() { gl_.glDeleteFramebuffers(1, &buffer_); }
 
 bool Shadows::Update(std::span<const Item> items, std::span<const Item> grounds) {
   regions_.clear();
-  std::vector<Caster> casters;
+  std::vector<const Item *> casters;
   if (!grounds.empty()) {
     const Bounds &ground =
         std::ranges::max(grounds, {}, [](const Item &item) { return item.Box.Extent(); }).Box;
@@ -97,16 +98,17 @@ bool Shadows::Update(std::span<const Item> items, std::span<const Item> grounds)
       shadow.High.z = std::min(shadow.High.z + around, ground.High.z);
       if (shadow.Low.x >= shadow.High.x || shadow.Low.z >= shadow.High.z) continue;
       regions_.push_back({shadow, softness, halo});
-      casters.push_back({item.Mesh, item.Where.ToWorld, (*item.Where.Mesh)->GeometryRevision()});
+      casters.push_back(&item);
     }
   }
-  const bool moved = casters != drawn_;
+  std::vector<const GpuMesh *> meshes;
+  for (const Item *caster : casters) meshes.push_back(caster->Mesh);
+  const bool moved = std::exchange(drawn_, meshes) != meshes || std::ranges::any_of(casters, &Item::Changed);
   if (moved) DrawMap(casters);
-  drawn_ = std::move(casters);
   return moved;
 }
 
-void Shadows::DrawMap(const std::vector<Caster> &casters) {
+void Shadows::DrawMap(std::span<const Item *const> casters) {
   gl_.glBindFramebuffer(GL_FRAMEBUFFER, buffer_);
   gl_.glViewport(0, 0, size_, size_);
   gl_.glEnable(GL_SCISSOR_TEST);
@@ -122,9 +124,9 @@ void Shadows::DrawMap(const std::vector<Caster> &casters) {
   gl_.glDepthFunc(GL_LESS);
   toMap_.bind();
   toMap_.setUniformValue("toShadow", ToLight());
-  for (const Caster &caster : casters) {
-    toMap_.setUniformValue("toWorld", caster.ToWorld);
-    caster.Mesh->Draw(GpuMesh::Faces::All);
+  for (const Item *caster : casters) {
+    toMap_.setUniformValue("toWorld", caster->Where.ToWorld);
+    caster->Mesh->Draw(GpuMesh::Faces::All);
   }
   gl_.glDisable(GL_DEPTH_CLAMP);
 }
