@@ -82,15 +82,11 @@ void GpuMesh::UploadLight(const Direct3DRMMeshBuilder3 &mesh, const Transform &p
   const ColorValue emissive = mesh.Material() ? mesh.Material()->Emissive : ColorValue{};
   const bool textured = mesh.Texture() != nullptr;
   const QMatrix4x4 toWorld = MatrixOf(place);
-  const auto turned = [&](const Vector &v) {
-    const QVector3D to = toWorld.mapVector(QVector3D(v.x, v.y, v.z));
-    return Vector{to.x(), to.y(), to.z()};
-  };
-  std::vector<VertexLight> light;
+  std::vector<QVector4D> light;
   for (std::size_t vertex = 0; vertex < data.Positions.size(); ++vertex) {
-    const Vector from = turned(data.Positions[vertex]);
-    const Vector at{from.x + place.Origin.x, from.y + place.Origin.y, from.z + place.Origin.z};
-    light.push_back(LightOf(at, turned(data.Normals[vertex]), ColorOf(data, vertex), emissive, textured));
+    light.push_back(LightOf(toWorld.map(ToQt(data.Positions[vertex])),
+                            toWorld.mapVector(ToQt(data.Normals[vertex])), ColorOf(data, vertex), emissive,
+                            textured));
   }
   Fill(light_, light);
 }

@@ -137,7 +137,7 @@ void Painter::DrawItem(const Item &item) {
     surface.setUniformValue(
         "halfFrame", QVector2D(static_cast<float>(size.width()), static_cast<float>(size.height())) / 2);
     surface.setUniformValue("camera", camera_);
-    surface.setUniformValue("keyDirection", ToQt(KeyLight()));
+    surface.setUniformValue("keyDirection", KeyLight());
     surface.setUniformValue("specular", QVector3D(specular.Red, specular.Green, specular.Blue));
     item.Mesh->Draw(faces);
   };
