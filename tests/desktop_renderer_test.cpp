@@ -382,17 +382,19 @@ TEST(RendererTest, FlickerOfTwoSurfacesInOnePlaneWouldBeSeen) {
 TEST(RendererTest, TheDriverCachesNothingOnAFullDisk) {
   RenderedGame::Application();
   const struct {
-    const char *cache, *disabled;
-  } rows[] = {{"/tmp/not/there", ""}, {"/proc", "true"}}; // the latter has no space at all
-  const QByteArray before = qgetenv("XDG_CACHE_HOME");
+    const char *variable, *cache, *disabled;
+  } rows[] = {{"XDG_CACHE_HOME", "/tmp/not/there", ""},
+              {"XDG_CACHE_HOME", "/proc", "true"}, // has no space at all
+              {"MESA_SHADER_CACHE_DIR", "/proc", "true"}};
   for (const auto &row : rows) {
+    const QByteArray before = qgetenv(row.variable);
     qunsetenv("MESA_SHADER_CACHE_DISABLE");
-    qputenv("XDG_CACHE_HOME", row.cache);
+    qputenv(row.variable, row.cache);
     const Renderer renderer(Quality::Low);
-    EXPECT_EQ(qgetenv("MESA_SHADER_CACHE_DISABLE"), row.disabled) << row.cache;
+    EXPECT_EQ(qgetenv("MESA_SHADER_CACHE_DISABLE"), row.disabled) << row.variable << " " << row.cache;
+    before.isNull() ? qunsetenv(row.variable) : qputenv(row.variable, before);
   }
   qunsetenv("MESA_SHADER_CACHE_DISABLE");
-  before.isNull() ? qunsetenv("XDG_CACHE_HOME") : qputenv("XDG_CACHE_HOME", before);
 }
 
 } // namespace

@@ -102,7 +102,7 @@ void AddSlant(Mesh &flat, const Line &line, const LetterBox &box, double stroke,
     return Point{box.left + bend.x * (wide - cut) + share * cut, 0.0, bend.y * high};
   };
   const Bend &from = line.bends.front(), &to = line.bends.back();
-  flat.FlatQuad(end(from, 0), end(from, 1), end(to, 1), end(to, 0), {0.0, 1.0, 0.0}, paint);
+  flat.StrokeQuad(end(from, 0), end(from, 1), end(to, 1), end(to, 0), {0.0, 1.0, 0.0}, paint);
 }
 
 } // namespace
@@ -138,9 +138,9 @@ void AddLetters(Mesh &mesh, std::string_view text, const Lettering &lettering, c
         }
         Stroke(flat, path, line.kind == Kind::Closed, lettering.stroke, 0.0, paint);
       }
+      const auto stood = [&](const Point &flat) { return lettering.right * flat.x + lettering.up * flat.z; };
       mesh.Append(flat, [&](const Vertex &vertex) {
-        return Vertex{lettering.origin + lettering.right * vertex.at.x + lettering.up * vertex.at.z, normal,
-                      vertex.paint};
+        return Vertex{lettering.origin + stood(vertex.at), normal, vertex.paint, stood(vertex.across)};
       });
     }
     box.left += lettering.width + lettering.gap;

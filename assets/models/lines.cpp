@@ -18,8 +18,8 @@ constexpr Paint Yellow{1.0, 0.92, 1.0, 0.0};
 constexpr Paint Ink{0.30, 0.16, 1.0, 0.0};
 
 void Band(Mesh &mesh, double x0, double x1, double z0, double z1) {
-  mesh.FlatQuad({x0, PaintY, z0}, {x1, PaintY, z0}, {x1, PaintY, z1}, {x0, PaintY, z1}, {0.0, 1.0, 0.0},
-                Yellow);
+  mesh.StrokeQuad({x0, PaintY, z0}, {x1, PaintY, z0}, {x1, PaintY, z1}, {x0, PaintY, z1}, {0.0, 1.0, 0.0},
+                  Yellow);
 }
 
 /// Width of a line across the field, increasing with the distance so that it stays visible.
@@ -40,8 +40,8 @@ void AddRuler(Mesh &mesh) {
   for (int x = -86; x <= 86; x += 2) {
     const bool isLong = x % 10 == 0;
     const double half = isLong ? 0.10 : 0.07, depth = isLong ? 0.62 : 0.36;
-    mesh.FlatQuad({x - half, TopY, EdgeZ}, {x + half, TopY, EdgeZ}, {x + half, TopY - depth, EdgeZ},
-                  {x - half, TopY - depth, EdgeZ}, {0.0, 0.0, 1.0}, Ink);
+    mesh.StrokeQuad({x - half, TopY, EdgeZ}, {x + half, TopY, EdgeZ}, {x + half, TopY - depth, EdgeZ},
+                    {x - half, TopY - depth, EdgeZ}, {0.0, 0.0, 1.0}, Ink);
   }
 }
 

@@ -1,5 +1,6 @@
 #include "mesh.h"
 
+#include <algorithm>
 #include <cmath>
 #include <cstdio>
 #include <fstream>
@@ -89,6 +90,15 @@ void Mesh::FlatQuad(const Point &a, const Point &b, const Point &c, const Point 
        Vertex{d, normal, paint});
 }
 
+void Mesh::StrokeQuad(const Point &a, const Point &b, const Point &c, const Point &d, const Point &normal,
+                      const Paint &paint) {
+  const bool alongBC = Length(b - a) < Length(d - a);
+  const auto corner = [&](const Point &at, const Point &ifAlongBC, const Point &ifAlongAB) {
+    return Vertex{at, normal, paint, (alongBC ? ifAlongBC : ifAlongAB) - at};
+  };
+  Quad(corner(a, b, d), corner(b, a, c), corner(c, d, b), corner(d, c, a));
+}
+
 void Mesh::FlatTriangle(const Point &a, const Point &b, const Point &c, const Point &normal,
                         const Paint &paint) {
   const int first = Add({a, normal, paint}), second = Add({b, normal, paint}),
@@ -123,7 +133,16 @@ void Mesh::Write(const std::filesystem::path &path, const std::string &name,
          << ending(i, vertices_.size());
   }
   writeFaces();
-  file << "}\nMeshVertexColors {\n" << vertices_.size() << ";\n";
+  file << "}\n";
+  if (std::ranges::any_of(vertices_,
+                          [](const Vertex &vertex) { return Dot(vertex.across, vertex.across) > 0.0; })) {
+    file << "MeshTextureCoords {\n" << vertices_.size() << ";\n";
+    for (std::size_t i = 0; i < vertices_.size(); ++i)
+      file << Number(vertices_[i].across.x) << ";" << Number(vertices_[i].across.z) << ";"
+           << ending(i, vertices_.size());
+    file << "}\n";
+  }
+  file << "MeshVertexColors {\n" << vertices_.size() << ";\n";
   for (std::size_t i = 0; i < vertices_.size(); ++i) {
     const Paint &paint = vertices_[i].paint;
     file << i << ";" << Triple({paint.r, paint.g, paint.b}) << Number(paint.texture) << ";"

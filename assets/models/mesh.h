@@ -34,6 +34,7 @@ struct Vertex {
   Point at;
   Point normal;
   Paint paint;
+  Point across{}; ///< to the other side of the stroke of paint that it belongs to, horizontal; 0 for none
 };
 
 /// Placement of a model by the game: scene = file * scale + offset, per axis.
@@ -53,6 +54,9 @@ public:
   /// A flat face with its own vertices, oriented by `normal`.
   void FlatQuad(const Point &a, const Point &b, const Point &c, const Point &d, const Point &normal,
                 const Paint &paint);
+  /// The same for a stroke of paint.
+  void StrokeQuad(const Point &a, const Point &b, const Point &c, const Point &d, const Point &normal,
+                  const Paint &paint);
   void FlatTriangle(const Point &a, const Point &b, const Point &c, const Point &normal, const Paint &paint);
 
   /// Adds another mesh with every vertex transformed by `place`.
@@ -64,7 +68,8 @@ public:
 
   std::size_t Faces() const { return faces_.size(); }
 
-  /// Writes the mesh such that the game's `placement` restores the current positions.
+  /// Writes the mesh such that the game's `placement` restores the current positions. If it has strokes, the
+  /// texture coordinates of a vertex are x and z of its vector across.
   /// @throws std::runtime_error  if the file can't be written
   void Write(const std::filesystem::path &path, const std::string &name, const Placement &placement) const;
 

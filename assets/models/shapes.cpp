@@ -167,7 +167,7 @@ void Stroke(Mesh &mesh, const std::vector<Point> &path, bool closed, double widt
     const double reach = width / 2.0 * std::min(MitreLimit, 1.0 / std::max(0.1, Dot(middle, after)));
     const auto vertex = [&](double sign) {
       const Point at = path[i] + middle * (reach * sign);
-      return mesh.Add({{at.x, y, at.z}, {0.0, 1.0, 0.0}, paint});
+      return mesh.Add({{at.x, y, at.z}, {0.0, 1.0, 0.0}, paint, middle * (-2.0 * reach * sign)});
     };
     left.push_back(vertex(1.0));
     right.push_back(vertex(-1.0));

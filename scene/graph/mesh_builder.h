@@ -51,8 +51,8 @@ struct MeshData {
   std::vector<Vector> Normals;                       ///< unit length, one per vertex
   std::vector<TextureCoordinate> TextureCoordinates; ///< one per vertex
   std::vector<FaceColor> VertexColors;               ///< one per vertex, or none
+  std::vector<FaceColor> FaceColors;                 ///< of the faces around a vertex, one per vertex
   std::vector<std::uint32_t> Indices;                ///< three per face
-  std::vector<FaceColor> FaceColors;                 ///< one per face
 };
 
 /// Reads a DirectX mesh file. Cached until `ClearFileCache`.

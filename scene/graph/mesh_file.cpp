@@ -18,8 +18,14 @@ Vector Convert(const aiVector3D &v) { return {v.x, v.y, v.z}; }
 
 bool Bounded(float value) { return std::abs(value) <= FarthestVertex; } // false for NaN
 
+/// Appends a mesh, all of whose faces have one material.
 void Append(const aiMesh &mesh, const aiScene &scene, bool colored, MeshData &data) {
   const auto base = static_cast<std::uint32_t>(data.Positions.size());
+  // Vertex colours replace face colours.
+  aiColor4D diffuse(1, 1, 1, 1);
+  if (!colored && mesh.mMaterialIndex < scene.mNumMaterials) {
+    scene.mMaterials[mesh.mMaterialIndex]->Get(AI_MATKEY_COLOR_DIFFUSE, diffuse);
+  }
   for (unsigned i = 0; i < mesh.mNumVertices; ++i) {
     const Vector v = Convert(mesh.mVertices[i]);
     if (!Bounded(v.x) || !Bounded(v.y) || !Bounded(v.z)) {
@@ -34,16 +40,12 @@ void Append(const aiMesh &mesh, const aiScene &scene, bool colored, MeshData &da
     const aiVector3D *coordinates = mesh.mTextureCoords[0];
     data.TextureCoordinates.push_back(coordinates ? TextureCoordinate{coordinates[i].x, coordinates[i].y}
                                                   : TextureCoordinate{});
+    data.FaceColors.push_back({diffuse.r, diffuse.g, diffuse.b});
     if (colored) {
       const aiColor4D *colors = mesh.mColors[0];
       data.VertexColors.push_back(colors ? FaceColor{colors[i].r, colors[i].g, colors[i].b, colors[i].a}
                                          : FaceColor{});
     }
-  }
-  // Vertex colours replace face colours.
-  aiColor4D diffuse(1, 1, 1, 1);
-  if (!colored && mesh.mMaterialIndex < scene.mNumMaterials) {
-    scene.mMaterials[mesh.mMaterialIndex]->Get(AI_MATKEY_COLOR_DIFFUSE, diffuse);
   }
   for (unsigned i = 0; i < mesh.mNumFaces; ++i) {
     const aiFace &face = mesh.mFaces[i];
@@ -53,7 +55,6 @@ void Append(const aiMesh &mesh, const aiScene &scene, bool colored, MeshData &da
         throw SceneError("not a mesh file: a face refers to a missing vertex");
       data.Indices.push_back(base + face.mIndices[corner]);
     }
-    data.FaceColors.push_back({diffuse.r, diffuse.g, diffuse.b});
   }
 }
 

@@ -29,7 +29,8 @@ bool ReadModel(session::ByteView bytes) {
   Require(mesh.TextureCoordinates.size() == vertices, "one texture coordinate per vertex");
   Require(mesh.VertexColors.empty() || mesh.VertexColors.size() == vertices,
           "one colour per vertex, or none");
-  Require(!mesh.Indices.empty() && mesh.Indices.size() == 3 * mesh.FaceColors.size(),
+  Require(mesh.FaceColors.size() == vertices, "one face colour per vertex");
+  Require(!mesh.Indices.empty() && mesh.Indices.size() % 3 == 0,
           "three indices per face, and at least one face");
   Require(std::ranges::all_of(mesh.Indices, [&](std::uint32_t index) { return index < vertices; }),
           "every index is below the number of vertices");

@@ -68,15 +68,13 @@ osg::ref_ptr<osg::MatrixTransform> NodeOf(const Placed &placed) {
   const MeshData &data = mesh.Data();
   osg::ref_ptr<osg::Vec3Array> positions = new osg::Vec3Array, normals = new osg::Vec3Array;
   osg::ref_ptr<osg::Vec2Array> coordinates = new osg::Vec2Array;
-  osg::ref_ptr<osg::Vec4Array> colors = new osg::Vec4Array(static_cast<unsigned>(data.Positions.size()));
+  osg::ref_ptr<osg::Vec4Array> colors = new osg::Vec4Array;
   for (std::size_t i = 0; i < data.Positions.size(); ++i) {
     positions->push_back({data.Positions[i].x, data.Positions[i].y, data.Positions[i].z});
     normals->push_back({data.Normals[i].x, data.Normals[i].y, data.Normals[i].z});
     coordinates->push_back({data.TextureCoordinates[i].u, data.TextureCoordinates[i].v});
-  }
-  for (std::size_t i = 0; i < data.Indices.size(); ++i) {
-    const FaceColor &color = data.FaceColors[i / 3];
-    (*colors)[data.Indices[i]] = {color.Red, color.Green, color.Blue, 1.0f};
+    const FaceColor &color = data.FaceColors[i];
+    colors->push_back({color.Red, color.Green, color.Blue, 1.0f});
   }
   osg::ref_ptr<osg::Geometry> geometry = new osg::Geometry;
   geometry->setUseVertexBufferObjects(true);

@@ -1,17 +1,13 @@
 #include "platform/desktop/renderer/gpu_mesh.h"
 
 #include <algorithm>
-#include <map>
-#include <tuple>
+#include <span>
+#include <utility>
+#include <vector>
 
 namespace {
 
-constexpr GLuint PositionSlot = 0, NormalSlot = 1, CoordinateSlot = 2, LightSlot = 3, AcrossSlot = 4;
-
-struct GpuVertex {
-  Vector Position;
-  Vector Normal;
-};
+constexpr GLuint PositionSlot = 0, NormalSlot = 1, CoordinateSlot = 2, LightSlot = 3;
 
 /// Replaces what a buffer holds.
 template <class T> void Fill(QOpenGLBuffer &buffer, const std::vector<T> &values) {
@@ -21,129 +17,64 @@ template <class T> void Fill(QOpenGLBuffer &buffer, const std::vector<T> &values
 
 const void *Offset(std::size_t bytes) { return reinterpret_cast<const void *>(bytes); }
 
-/// The vector from each vertex of a painted stroke to the opposite side of the stroke.
-///
-/// A stroke is a strip of quads. Inside the strip a vertex has more than three edges, and the vector is the
-/// shortest edge that two faces share. At an end, and in a single quad, it is the shortest edge.
-std::vector<Vector> WaysAcross(const MeshData &data) {
-  struct Edge {
-    std::uint32_t To;
-    bool Shared;
-  };
-  std::vector<std::vector<Edge>> edges(data.Positions.size());
-  for (std::size_t i = 0; i < data.Indices.size(); ++i) {
-    const std::size_t next = i % 3 == 2 ? i - 2 : i + 1;
-    for (const auto &[from, to] :
-         {std::pair(data.Indices[i], data.Indices[next]), std::pair(data.Indices[next], data.Indices[i])}) {
-      const auto known = std::ranges::find(edges[from], to, &Edge::To);
-      if (known == edges[from].end()) {
-        edges[from].push_back({to, false});
-      } else {
-        known->Shared = true;
-      }
-    }
-  }
-  std::vector<Vector> across(data.Positions.size());
-  for (std::size_t vertex = 0; vertex < edges.size(); ++vertex) {
-    const Vector &at = data.Positions[vertex];
-    const bool inside = edges[vertex].size() > 3;
-    QVector3D shortest;
-    for (const Edge &edge : edges[vertex]) {
-      const Vector &to = data.Positions[edge.To];
-      const QVector3D way(to.x - at.x, to.y - at.y, to.z - at.z);
-      if ((edge.Shared || !inside) && (shortest.isNull() || way.length() < shortest.length())) shortest = way;
-    }
-    across[vertex] = {shortest.x(), shortest.y(), shortest.z()};
-  }
-  return across;
+FaceColor ColorOf(const MeshData &data, std::size_t vertex) {
+  const FaceColor &color = data.FaceColors[vertex];
+  if (data.VertexColors.empty()) return color;
+  const FaceColor &own = data.VertexColors[vertex];
+  return {color.Red * own.Red, color.Green * own.Green, color.Blue * own.Blue, own.Alpha};
 }
 
 } // namespace
 
 GpuMesh::GpuMesh(Gl &gl) : gl_(gl) {
   array_.create();
-  for (QOpenGLBuffer *buffer : {&positions_, &coordinates_, &light_, &across_, &indices_}) buffer->create();
+  for (QOpenGLBuffer *buffer : {&positions_, &normals_, &coordinates_, &light_, &indices_}) buffer->create();
   array_.bind();
-  const auto attribute = [&](GLuint slot, GLint size, std::size_t stride, std::size_t offset) {
-    gl_.glVertexAttribPointer(slot, size, GL_FLOAT, GL_FALSE, static_cast<GLsizei>(stride), Offset(offset));
+  const auto attribute = [&](QOpenGLBuffer &buffer, GLuint slot, GLint size) {
+    buffer.bind();
+    gl_.glVertexAttribPointer(slot, size, GL_FLOAT, GL_FALSE, 0, nullptr);
     gl_.glEnableVertexAttribArray(slot);
   };
   indices_.bind();
-  positions_.bind();
-  attribute(PositionSlot, 3, sizeof(GpuVertex), offsetof(GpuVertex, Position));
-  attribute(NormalSlot, 3, sizeof(GpuVertex), offsetof(GpuVertex, Normal));
-  coordinates_.bind();
-  attribute(CoordinateSlot, 2, sizeof(TextureCoordinate), 0);
-  light_.bind();
-  attribute(LightSlot, 4, sizeof(VertexLight), 0);
+  attribute(positions_, PositionSlot, 3);
+  attribute(normals_, NormalSlot, 3);
+  attribute(coordinates_, CoordinateSlot, 2);
+  attribute(light_, LightSlot, 4);
 }
 
-void GpuMesh::Upload(const Direct3DRMMeshBuilder3 &mesh, const Transform &place) {
-  const bool reshaped = geometryRevision_ != mesh.GeometryRevision();
-  if (reshaped) {
-    geometryRevision_ = mesh.GeometryRevision();
-    UploadGeometry(mesh.Data());
-    if (IsPaint(mesh)) UploadWaysAcross(mesh.Data());
-  }
-  if (reshaped || coordinateRevision_ != mesh.TextureCoordinateRevision()) {
-    coordinateRevision_ = mesh.TextureCoordinateRevision();
-    UploadCoordinates(mesh.Data());
-  }
-  if (reshaped || litWith_ != mesh.Material().get() || litAt_ != place) {
-    litAt_ = place;
-    litWith_ = mesh.Material().get();
-    UploadLight(mesh, place);
-  }
+bool GpuMesh::Upload(const Direct3DRMMeshBuilder3 &mesh, const Transform &place) {
+  const State now{mesh.GeometryRevision(), mesh.TextureCoordinateRevision(), mesh.Texture().get(),
+                  mesh.Material().get(), place};
+  const State before = std::exchange(uploaded_, now);
+  if (now == before) return false;
+  const bool reshaped = now.Geometry != before.Geometry;
+  if (reshaped) UploadGeometry(mesh.Data());
+  if (reshaped || now.Coordinates != before.Coordinates) Fill(coordinates_, mesh.Data().TextureCoordinates);
+  State remapped = before;
+  remapped.Coordinates = now.Coordinates;
+  if (now != remapped) UploadLight(mesh, place);
+  paint_ = !mesh.Texture() && IsWide(box_);
+  return true;
 }
 
 void GpuMesh::UploadGeometry(const MeshData &data) {
-  corners_.clear();
-  std::map<std::tuple<std::uint32_t, float, float, float>, std::uint32_t> known;
-  std::vector<GpuVertex> vertices;
   std::vector<std::uint32_t> plain, indices;
   box_ = Bounds(data.Positions[data.Indices.front()]);
-  const auto isPlain = [&](std::size_t face) {
-    return std::all_of(&data.Indices[3 * face], &data.Indices[3 * face] + 3, [&](std::uint32_t index) {
-      return (data.VertexColors.empty() ? data.FaceColors[face] : data.VertexColors[index]).Alpha == 0.0f;
-    });
-  };
-  for (std::size_t i = 0; i < data.Indices.size(); ++i) {
-    const std::uint32_t index = data.Indices[i];
-    const FaceColor &color = data.FaceColors[i / 3];
-    const auto [entry, isNew] = known.try_emplace({index, color.Red, color.Green, color.Blue},
-                                                  static_cast<std::uint32_t>(vertices.size()));
-    if (isNew) {
-      corners_.push_back({index, color});
-      vertices.push_back({data.Positions[index], data.Normals[index]});
-    }
-    (isPlain(i / 3) ? plain : indices).push_back(entry->second);
-    box_.Widen(data.Positions[index]);
+  for (std::size_t i = 0; i < data.Indices.size(); i += 3) {
+    const std::span face(&data.Indices[i], 3);
+    const bool isPlain =
+        std::ranges::all_of(face, [&](std::uint32_t index) { return ColorOf(data, index).Alpha == 0.0f; });
+    std::vector<std::uint32_t> &to = isPlain ? plain : indices;
+    to.insert(to.end(), face.begin(), face.end());
+    for (const std::uint32_t index : face) box_.Widen(data.Positions[index]);
   }
   plainCount_ = static_cast<GLsizei>(plain.size());
   indices.insert(indices.begin(), plain.begin(), plain.end());
   indexCount_ = static_cast<GLsizei>(indices.size());
   array_.bind(); // stores the index buffer's binding
-  Fill(positions_, vertices);
+  Fill(positions_, data.Positions);
+  Fill(normals_, data.Normals);
   Fill(indices_, indices);
-}
-
-bool GpuMesh::IsPaint(const Direct3DRMMeshBuilder3 &mesh) const { return !mesh.Texture() && IsWide(box_); }
-
-void GpuMesh::UploadWaysAcross(const MeshData &data) {
-  const std::vector<Vector> all = WaysAcross(data);
-  std::vector<Vector> across;
-  for (const Corner &corner : corners_) across.push_back(all[corner.Index]);
-  array_.bind();
-  Fill(across_, across);
-  gl_.glVertexAttribPointer(AcrossSlot, 3, GL_FLOAT, GL_FALSE, 0, nullptr);
-  gl_.glEnableVertexAttribArray(AcrossSlot);
-}
-
-void GpuMesh::UploadCoordinates(const MeshData &data) {
-  std::vector<TextureCoordinate> coordinates;
-  coordinates.reserve(corners_.size());
-  for (const Corner &corner : corners_) coordinates.push_back(data.TextureCoordinates[corner.Index]);
-  Fill(coordinates_, coordinates);
 }
 
 void GpuMesh::UploadLight(const Direct3DRMMeshBuilder3 &mesh, const Transform &place) {
@@ -151,21 +82,11 @@ void GpuMesh::UploadLight(const Direct3DRMMeshBuilder3 &mesh, const Transform &p
   const ColorValue emissive = mesh.Material() ? mesh.Material()->Emissive : ColorValue{};
   const bool textured = mesh.Texture() != nullptr;
   const QMatrix4x4 toWorld = MatrixOf(place);
-  const auto turned = [&](const Vector &v) {
-    const QVector3D to = toWorld.mapVector(QVector3D(v.x, v.y, v.z));
-    return Vector{to.x(), to.y(), to.z()};
-  };
-  std::vector<VertexLight> light;
-  light.reserve(corners_.size());
-  for (const Corner &corner : corners_) {
-    FaceColor color = corner.Color;
-    if (!data.VertexColors.empty()) {
-      const FaceColor &own = data.VertexColors[corner.Index];
-      color = {color.Red * own.Red, color.Green * own.Green, color.Blue * own.Blue, own.Alpha};
-    }
-    const Vector from = turned(data.Positions[corner.Index]);
-    const Vector at{from.x + place.Origin.x, from.y + place.Origin.y, from.z + place.Origin.z};
-    light.push_back(LightOf(at, turned(data.Normals[corner.Index]), color, emissive, textured));
+  std::vector<QVector4D> light;
+  for (std::size_t vertex = 0; vertex < data.Positions.size(); ++vertex) {
+    light.push_back(LightOf(toWorld.map(ToQt(data.Positions[vertex])),
+                            toWorld.mapVector(ToQt(data.Normals[vertex])), ColorOf(data, vertex), emissive,
+                            textured));
   }
   Fill(light_, light);
 }

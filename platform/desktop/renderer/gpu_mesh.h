@@ -9,19 +9,18 @@
 #include <QOpenGLBuffer>
 #include <QOpenGLVertexArrayObject>
 
-#include <vector>
-
 /// One mesh as drawn.
 class GpuMesh {
 public:
   explicit GpuMesh(Gl &gl);
 
-  /// Uploads what has changed. @param place  of the mesh in the scene, for its light
-  void Upload(const Direct3DRMMeshBuilder3 &mesh, const Transform &place);
+  /// Uploads what has changed. Returns whether the mesh looks different now.
+  /// @param place  of the mesh in the scene, for its light
+  bool Upload(const Direct3DRMMeshBuilder3 &mesh, const Transform &place);
 
   /// Whether the mesh is paint on the ground, whose strokes must not break where they are thinner than a
-  /// pixel.
-  bool IsPaint(const Direct3DRMMeshBuilder3 &mesh) const;
+  /// pixel. Its texture coordinates are the strokes' widths.
+  bool IsPaint() const { return paint_; }
 
   /// `Plain` faces show nothing of the texture and are drawn without it. They come first in the index buffer.
   enum class Faces { All, Plain, Textured };
@@ -30,27 +29,24 @@ public:
   const Bounds &Box() const { return box_; }
 
 private:
-  /// A vertex of the file in one face colour. A vertex between faces of several colours is uploaded once for
-  /// each.
-  struct Corner {
-    std::uint32_t Index;
-    FaceColor Color;
+  /// Everything that decides how the mesh looks.
+  struct State {
+    std::uint64_t Geometry = ~0ULL, Coordinates = 0; ///< revisions
+    const Direct3DRMTexture *Texture = nullptr;
+    const Direct3DRMMaterial2 *Material = nullptr;
+    Transform Place;
+    bool operator==(const State &) const = default;
   };
 
   void UploadGeometry(const MeshData &data);
-  void UploadWaysAcross(const MeshData &data);
-  void UploadCoordinates(const MeshData &data);
   void UploadLight(const Direct3DRMMeshBuilder3 &mesh, const Transform &place);
 
   Gl &gl_;
   QOpenGLVertexArrayObject array_;
-  QOpenGLBuffer positions_, coordinates_, light_, across_, indices_{QOpenGLBuffer::IndexBuffer};
-  std::vector<Corner> corners_;
+  QOpenGLBuffer positions_, normals_, coordinates_, light_, indices_{QOpenGLBuffer::IndexBuffer};
   GLsizei indexCount_ = 0;
   GLsizei plainCount_ = 0; ///< indices of plain faces
   Bounds box_;
-  std::uint64_t geometryRevision_ = ~0ULL;
-  std::uint64_t coordinateRevision_ = ~0ULL;
-  Transform litAt_;
-  const Direct3DRMMaterial2 *litWith_ = nullptr;
+  bool paint_ = false;
+  State uploaded_;
 };

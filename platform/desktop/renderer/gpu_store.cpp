@@ -18,12 +18,6 @@ void GpuStore::SetView(int height) {
   smallView_ = small;
 }
 
-GpuMesh &GpuStore::Mesh(const Ref<Direct3DRMMeshBuilder3> &mesh) {
-  auto &entry = meshes_[mesh];
-  if (!entry) entry = std::make_unique<GpuMesh>(gl_);
-  return *entry;
-}
-
 QOpenGLTexture &GpuStore::Texture(const Ref<Direct3DRMTexture> &texture, bool distant) {
   auto &entry = textures_[texture];
   if (entry) return *entry;

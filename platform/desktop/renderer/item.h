@@ -12,6 +12,7 @@ struct Item {
   Placed Where;
   GpuMesh *Mesh;
   Bounds Box;          ///< in the scene
+  bool Changed;        ///< since the last frame
   bool Ground = false; ///< takes shadows
   bool Moves = true;   ///< drawn in every frame, even while the camera rests
 };

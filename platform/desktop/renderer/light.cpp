@@ -5,9 +5,10 @@
 
 namespace {
 
-constexpr float KeyColor[] = {1.26f, 1.06f, 0.80f};
-constexpr float SkyColor[] = {0.44f, 0.46f, 0.62f};
-constexpr float GroundColor[] = {0.28f, 0.26f, 0.26f};
+constexpr QVector3D KeyColor(1.26f, 1.06f, 0.80f);
+constexpr QVector3D SkyColor(0.44f, 0.46f, 0.62f);
+constexpr QVector3D GroundColor(0.28f, 0.26f, 0.26f);
+constexpr QVector3D Luma(0.3f, 0.6f, 0.1f); ///< weights of the channels in brightness
 
 /// Share of the fill light in the key light's shadow: what blocks one light also blocks part of the other.
 constexpr float FillInShade = 0.66f;
@@ -30,8 +31,8 @@ constexpr float Crosstalk = 0.05f;
 constexpr float GlareCrosstalk = 0.30f;
 constexpr float Glare = 1.5f;
 
-float Pool(const Vector &place) {
-  const float distance = std::sqrt(place.x * place.x + place.z * place.z);
+float Pool(const QVector3D &place) {
+  const float distance = std::sqrt(place.x() * place.x() + place.z() * place.z());
   const float share = std::clamp((distance - PoolRadius) / (PoolEnd - PoolRadius), 0.0f, 1.0f);
   return 1.0f - (1.0f - PoolEdge) * share * share * (3.0f - 2.0f * share);
 }
@@ -44,51 +45,42 @@ float Compressed(float brightness) {
 }
 
 /// Converts light to a stored colour.
-void Store(const float (&light)[3], bool textured, float (&stored)[3]) {
-  const float brightness = 0.3f * light[0] + 0.6f * light[1] + 0.1f * light[2];
+QVector3D Stored(const QVector3D &light, bool textured) {
+  const float brightness = QVector3D::dotProduct(Luma, light);
   const float crosstalk = Crosstalk + GlareCrosstalk * std::clamp(brightness - Glare, 0.0f, 1.0f);
+  QVector3D stored;
   for (int channel = 0; channel < 3; ++channel) {
     const float own = light[channel];
     stored[channel] =
         std::sqrt(textured ? own : Compressed(own + crosstalk * std::max(brightness - own, 0.0f)));
   }
+  return stored;
 }
 
 } // namespace
 
-Vector KeyLight() {
-  constexpr float x = -0.42f, y = 1.0f, z = 0.55f;
-  const float length = std::sqrt(x * x + y * y + z * z);
-  return {x / length, y / length, z / length};
+QVector3D KeyLight() {
+  constexpr QVector3D Way(-0.42f, 1.0f, 0.55f);
+  return Way / std::sqrt(Way.lengthSquared());
 }
 
-VertexLight LightOf(const Vector &place, const Vector &normal, const FaceColor &color,
-                    const ColorValue &emissive, bool textured) {
-  const Vector key = KeyLight();
-  const float facing = std::max(normal.x * key.x + normal.y * key.y + normal.z * key.z, 0.0f);
-  const float upward = 0.5f + 0.5f * normal.y;
+QVector4D LightOf(const QVector3D &place, const QVector3D &normal, const FaceColor &color,
+                  const ColorValue &emissive, bool textured) {
+  const float facing = std::max(QVector3D::dotProduct(normal, KeyLight()), 0.0f);
+  const float upward = 0.5f + 0.5f * normal.y();
   const float pool = Pool(place);
-  const float glow = std::max({emissive.Red, emissive.Green, emissive.Blue});
-  const float own[] = {emissive.Red, emissive.Green, emissive.Blue};
-  const float stored[] = {color.Red, color.Green, color.Blue};
-  float lit[3];
-  for (int channel = 0; channel < 3; ++channel) {
-    float base = stored[channel] * stored[channel];
-    if (glow > 0.0f) base *= own[channel];
-    const float fill = (GroundColor[channel] + (SkyColor[channel] - GroundColor[channel]) * upward) * pool;
-    const float constant = fill * (1.0f - GlowTakesFill * glow) + GlowLight * glow;
-    lit[channel] = base * (constant + KeyColor[channel] * pool * facing * (1.0f - GlowTakesKey * glow));
-  }
-  VertexLight light{};
-  light.TextureShare = color.Alpha;
-  Store(lit, textured, light.Color);
-  return light;
+  const QVector3D stored(color.Red, color.Green, color.Blue);
+  const QVector3D own(emissive.Red, emissive.Green, emissive.Blue);
+  const float glow = std::max({own.x(), own.y(), own.z()});
+  const QVector3D base = glow > 0.0f ? stored * stored * own : stored * stored;
+  const QVector3D fill = (GroundColor + (SkyColor - GroundColor) * upward) * pool;
+  const QVector3D constant = fill * (1.0f - GlowTakesFill * glow) + QVector3D(1, 1, 1) * (GlowLight * glow);
+  const QVector3D key = KeyColor * pool * facing * (1.0f - GlowTakesKey * glow);
+  return {Stored(base * (constant + key), textured), color.Alpha};
 }
 
-Vector ShadeOnGround() {
-  const auto factor = [](int channel) {
-    const float fill = SkyColor[channel];
-    return std::sqrt(fill * FillInShade / (fill + KeyColor[channel] * KeyLight().y));
-  };
-  return {factor(0), factor(1), factor(2)};
+QVector3D ShadeOnGround() {
+  QVector3D factor = SkyColor * FillInShade / (SkyColor + KeyColor * KeyLight().y());
+  for (int channel = 0; channel < 3; ++channel) factor[channel] = std::sqrt(factor[channel]);
+  return factor;
 }

@@ -3,22 +3,10 @@
 #include <algorithm>
 #include <utility>
 
-const Motion::Seen *Motion::Last(const Seen &now) const {
-  const auto last = std::ranges::find_if(
-      last_, [&](const Seen &each) { return each.Mesh == now.Mesh && each.Frame == now.Frame; });
-  return last == last_.end() ? nullptr : &*last;
-}
-
 Motion::Change Motion::Next(std::span<Item> items, bool shadowsMoved, const QMatrix4x4 &toClip) {
-  std::vector<Seen> now;
-  for (const Item &item : items) {
-    const Direct3DRMMeshBuilder3 &mesh = **item.Where.Mesh;
-    now.push_back({&mesh, item.Where.Frame, mesh.GeometryRevision(), mesh.TextureCoordinateRevision(),
-                   mesh.Texture().get(), mesh.Material().get(), item.Where.ToWorld});
-  }
-  const bool cameraRests = toClip == toClip_ && now.size() == last_.size() &&
-                           std::ranges::all_of(now, [&](const Seen &each) { return Last(each); });
-  if (!cameraRests) {
+  std::vector<const GpuMesh *> now;
+  for (const Item &item : items) now.push_back(item.Mesh);
+  if (toClip != toClip_ || !std::ranges::is_permutation(now, last_)) {
     for (Item &item : items) item.Moves = true;
     moving_.clear();
     last_ = std::move(now);
@@ -26,24 +14,16 @@ Motion::Change Motion::Next(std::span<Item> items, bool shadowsMoved, const QMat
     return Change::Still;
   }
 
-  bool groundMoved = shadowsMoved;
-  for (std::size_t i = 0; i < items.size(); ++i) {
-    items[i].Moves = now[i] != *Last(now[i]);
-    groundMoved = groundMoved || (items[i].Moves && items[i].Ground);
-  }
+  // Paint is blended with the ground under it, so grounds move together.
+  const bool groundMoved = shadowsMoved || std::ranges::any_of(items, [](const Item &item) {
+                             return item.Ground && item.Changed;
+                           });
   bool any = false, others = false;
   for (Item &item : items) {
-    // Paint is blended with the ground under it, so grounds move together.
-    item.Moves = item.Moves || (groundMoved && item.Ground);
-    any = any || item.Moves;
-    const Direct3DRMMeshBuilder3 *mesh = item.Where.Mesh->get();
-    const bool known = std::ranges::find(moving_, mesh) != moving_.end();
-    if (item.Moves && !known) {
-      others = true;
-      moving_.push_back(mesh);
-    }
-    item.Moves = item.Moves || known;
+    const bool moves = item.Changed || (groundMoved && item.Ground);
+    any = any || moves;
+    if (moves && moving_.insert(item.Mesh).second) others = true;
+    item.Moves = moving_.contains(item.Mesh);
   }
-  last_ = std::move(now);
   return !any ? Change::None : others ? Change::Still : Change::Moving;
 }

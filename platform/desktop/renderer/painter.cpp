@@ -9,7 +9,9 @@
 namespace {
 
 constexpr float SmallestSky = 1000.0f; ///< scene units: a mesh of that size leaves no background visible
-constexpr float FogDistance = 900.0f;  ///< scene units at which a third of a colour is left
+
+/// Kinds of surfaces, a set of these: has a texture, is strokes of paint on the ground, has highlights.
+enum : unsigned { Textured = 1, Stroked = 2, Gleaming = 4 };
 
 /// Left-handed, with the view along +z, and upside down: rows are read back from the bottom.
 QMatrix4x4 Projection(float height, float aspect, float back) {
@@ -28,17 +30,17 @@ bool IsLarge(const Item &item) { return !item.Ground && item.Box.Extent() > Larg
 /// large, comes after the ground, also in a full redraw: at equal depth the mesh drawn first is visible, and
 /// while aiming the hand is drawn on the kept ground.
 auto DrawingOrder(const Item &item) {
-  return std::tuple(IsLarge(item), item.Ground, item.Ground && item.Mesh->IsPaint(**item.Where.Mesh),
-                    item.Box.Extent());
+  return std::tuple(IsLarge(item), item.Ground, item.Ground && item.Mesh->IsPaint(), item.Box.Extent());
 }
 
 } // namespace
 
 Painter::Painter(Gl &gl, const PaintQuality &quality, Lens &lens)
     : gl_(gl), lens_(lens), samples_(quality.Samples), store_(gl, quality.Anisotropy),
-      shadows_(gl, quality.ShadowSize, quality.ShadowTaps), backdrop_(gl) {}
-
-Painter::~Painter() = default;
+      shadows_(gl, quality.ShadowSize, quality.ShadowTaps) {
+  BuildProgram(backdrop_, BackdropVertexShader, BackdropFragmentShader);
+  noVertices_.create();
+}
 
 bool Painter::Paint(std::span<const Placed> placed, const Direct3DRMFrame3 &camera, float back,
                     QImage &image) {
@@ -53,8 +55,8 @@ bool Painter::Paint(std::span<const Placed> placed, const Direct3DRMFrame3 &came
   std::vector<Seen> seen;
   for (const Placed &each : placed) {
     GpuMesh &mesh = store_.Mesh(*each.Mesh);
-    mesh.Upload(**each.Mesh, each.Place);
-    items.push_back({each, &mesh, Moved(mesh.Box(), each.Place)});
+    const bool changed = mesh.Upload(**each.Mesh, each.Place);
+    items.push_back({each, &mesh, Moved(mesh.Box(), each.Place), changed});
     seen.push_back({each.Frame, each.Place, mesh.Box()});
   }
   MarkGround(items);
@@ -70,7 +72,7 @@ bool Painter::Paint(std::span<const Placed> placed, const Direct3DRMFrame3 &came
   const float aspect = static_cast<float>(size.width()) / static_cast<float>(size.height());
   const View view = lens_.Next(camera, seen, aspect);
   toClip_ = Projection(view.Height, aspect, back) * MatrixOf(view.Camera).inverted();
-  camera_ = QVector3D(view.Camera.Origin.x, view.Camera.Origin.y, view.Camera.Origin.z);
+  camera_ = ToQt(view.Camera.Origin);
   const Motion::Change change = motion_.Next(items, shadowsMoved, toClip_);
   if (change == Motion::Change::None) return false;
   const bool allMove = std::ranges::all_of(items, &Item::Moves);
@@ -79,14 +81,14 @@ bool Painter::Paint(std::span<const Placed> placed, const Direct3DRMFrame3 &came
     target_->Begin();
     if (!allMove) {
       Draw(items, grounds, false);
-      if (open) backdrop_.Draw(toClip_, camera_);
+      if (open) DrawBackdrop();
       target_->Keep();
     }
   } else {
     target_->BeginOnKept();
   }
   Draw(items, grounds, true);
-  if (allMove && open) backdrop_.Draw(toClip_, camera_);
+  if (allMove && open) DrawBackdrop();
   return target_->Read(image);
 }
 
@@ -94,7 +96,6 @@ bool Painter::Paint(std::span<const Placed> placed, const Direct3DRMFrame3 &came
 /// on the other cores while the next is prepared on this one.
 void Painter::Draw(std::span<const Item> items, std::span<const Item> grounds, bool moving) {
   const auto draw = [&](auto first, auto end) {
-    bound_ = nullptr;
     for (; first != end; ++first) {
       if (first->Moves == moving) DrawItem(*first);
     }
@@ -121,19 +122,22 @@ void Painter::DrawItem(const Item &item) {
   const auto &texture = (*item.Where.Mesh)->Texture();
   const ColorValue specular = material ? material->Specular : ColorValue{};
   const bool gleams = specular.Red + specular.Green + specular.Blue > 0.0f;
-  const bool paint = item.Mesh->IsPaint(**item.Where.Mesh);
+  const bool paint = item.Mesh->IsPaint();
+  const QSize size = target_->Size();
   if (paint) {
     gl_.glEnable(GL_BLEND);
     gl_.glBlendFunc(GL_SRC_ALPHA, GL_ONE_MINUS_SRC_ALPHA);
   }
   const auto draw = [&](bool textured, GpuMesh::Faces faces) {
-    QOpenGLShaderProgram &surface = SurfaceProgram({textured, paint, gleams});
-    if (bound_ != &surface) {
-      bound_ = &surface;
-      surface.bind();
-      SetScene(surface);
-    }
+    QOpenGLShaderProgram &surface =
+        SurfaceProgram((textured ? Textured : 0U) | (paint ? Stroked : 0U) | (gleams ? Gleaming : 0U));
+    surface.bind();
     surface.setUniformValue("toWorld", item.Where.ToWorld);
+    surface.setUniformValue("toClip", toClip_);
+    surface.setUniformValue(
+        "halfFrame", QVector2D(static_cast<float>(size.width()), static_cast<float>(size.height())) / 2);
+    surface.setUniformValue("camera", camera_);
+    surface.setUniformValue("keyDirection", KeyLight());
     surface.setUniformValue("specular", QVector3D(specular.Red, specular.Green, specular.Blue));
     item.Mesh->Draw(faces);
   };
@@ -146,26 +150,24 @@ void Painter::DrawItem(const Item &item) {
 }
 
 /// The shader variant for a kind of surface, so that no fragment tests what never changes.
-QOpenGLShaderProgram &Painter::SurfaceProgram(const SurfaceKind &kind) {
+QOpenGLShaderProgram &Painter::SurfaceProgram(unsigned kind) {
   auto &program = surfaces_[kind];
   if (!program) {
     program = std::make_unique<QOpenGLShaderProgram>();
-    const std::string definitions = "#version 330 core\n#define TEXTURED " + std::to_string(kind.Textured) +
-                                    "\n#define PAINT " + std::to_string(kind.Paint) + "\n#define SPECULAR " +
-                                    std::to_string(kind.Specular) + "\n";
+    const auto flag = [kind](unsigned bit) { return kind & bit ? "1\n" : "0\n"; };
+    const std::string definitions = std::string("#version 330 core\n#define TEXTURED ") + flag(Textured) +
+                                    "#define PAINT " + flag(Stroked) + "#define SPECULAR " + flag(Gleaming);
     BuildProgram(*program, definitions + SurfaceVertexShader, definitions + SurfaceFragmentShader);
   }
   return *program;
 }
 
-/// Sets the uniforms that are the same for every mesh of a frame.
-void Painter::SetScene(QOpenGLShaderProgram &surface) {
-  const Vector key = KeyLight();
-  const QSize size = target_->Size();
-  surface.setUniformValue("toClip", toClip_);
-  surface.setUniformValue("halfFrame",
-                          QVector2D(static_cast<float>(size.width()), static_cast<float>(size.height())) / 2);
-  surface.setUniformValue("camera", camera_);
-  surface.setUniformValue("keyDirection", QVector3D(key.x, key.y, key.z));
-  surface.setUniformValue("fogDensity", 1.0f / FogDistance);
+/// Fills the pixels that no mesh covers.
+void Painter::DrawBackdrop() {
+  backdrop_.bind();
+  backdrop_.setUniformValue("toScene", toClip_.inverted());
+  backdrop_.setUniformValue("camera", camera_);
+  noVertices_.bind();
+  gl_.glDepthFunc(GL_LEQUAL);
+  gl_.glDrawArrays(GL_TRIANGLES, 0, 3);
 }

@@ -2,17 +2,15 @@
 
 // Draws the meshes of a graph front to back, with shadows on the ground.
 
-#include "platform/desktop/renderer/backdrop.h"
 #include "platform/desktop/renderer/frame_buffer.h"
 #include "platform/desktop/renderer/gpu_store.h"
 #include "platform/desktop/renderer/lens.h"
 #include "platform/desktop/renderer/motion.h"
 #include "platform/desktop/renderer/shadows.h"
 
-#include <map>
+#include <array>
 #include <memory>
 #include <span>
-#include <tuple>
 
 /// The settings of a quality level.
 struct PaintQuality {
@@ -26,9 +24,6 @@ class Painter {
 public:
   /// @param lens  chooses the view of every frame; outlives the painter
   Painter(Gl &gl, const PaintQuality &quality, Lens &lens);
-  ~Painter();
-  Painter(const Painter &) = delete;
-  Painter &operator=(const Painter &) = delete;
 
   /// @param camera  its place; the lens chooses the view
   /// @param back    distance of the far clipping plane, scene units
@@ -42,28 +37,19 @@ public:
 private:
   void Draw(std::span<const Item> items, std::span<const Item> grounds, bool moving);
   void DrawItem(const Item &item);
-  /// The variants of the surface shader.
-  struct SurfaceKind {
-    bool Textured; ///< has a texture
-    bool Paint;    ///< strokes of paint on the ground
-    bool Specular; ///< has highlights
-    bool operator<(const SurfaceKind &other) const {
-      return std::tie(Textured, Paint, Specular) < std::tie(other.Textured, other.Paint, other.Specular);
-    }
-  };
-  QOpenGLShaderProgram &SurfaceProgram(const SurfaceKind &kind);
-  void SetScene(QOpenGLShaderProgram &surface);
+  QOpenGLShaderProgram &SurfaceProgram(unsigned kind);
+  void DrawBackdrop();
 
   Gl &gl_;
   Lens &lens_;
   int samples_; ///< per pixel, 0 for one
   GpuStore store_;
   Shadows shadows_;
-  Backdrop backdrop_;
   Motion motion_;
   std::unique_ptr<FrameBuffer> target_;
-  std::map<SurfaceKind, std::unique_ptr<QOpenGLShaderProgram>> surfaces_;
-  QOpenGLShaderProgram *bound_ = nullptr;
+  std::array<std::unique_ptr<QOpenGLShaderProgram>, 8> surfaces_; ///< by kind
+  QOpenGLShaderProgram backdrop_;
+  QOpenGLVertexArrayObject noVertices_;
   QMatrix4x4 toClip_;
   QVector3D camera_;
 };

@@ -40,8 +40,7 @@ QMatrix4x4 MatrixOf(const Transform &t) {
 Bounds Moved(const Bounds &box, const Transform &t) {
   const QMatrix4x4 matrix = MatrixOf(t);
   const auto moved = [&](int corner) {
-    const Vector from = box.Corner(corner);
-    const QVector3D to = matrix.map(QVector3D(from.x, from.y, from.z));
+    const QVector3D to = matrix.map(ToQt(box.Corner(corner)));
     return Vector{to.x(), to.y(), to.z()};
   };
   Bounds around(moved(0));
@@ -58,12 +57,10 @@ bool IsWide(const Bounds &box) {
 bool Outside(const Bounds &box, const QMatrix4x4 &toClip) {
   int beyond[6] = {};
   for (int corner = 0; corner < 8; ++corner) {
-    const Vector v = box.Corner(corner);
-    const QVector4D p = toClip * QVector4D(v.x, v.y, v.z, 1.0f);
-    const float coordinates[] = {p.x(), p.y(), p.z()};
+    const QVector4D p = toClip * QVector4D(ToQt(box.Corner(corner)), 1.0f);
     for (int axis = 0; axis < 3; ++axis) {
-      if (coordinates[axis] < -p.w()) ++beyond[2 * axis];
-      if (coordinates[axis] > p.w()) ++beyond[2 * axis + 1];
+      if (p[axis] < -p.w()) ++beyond[2 * axis];
+      if (p[axis] > p.w()) ++beyond[2 * axis + 1];
     }
   }
   return std::ranges::find(beyond, 8) != std::end(beyond);

@@ -5,6 +5,7 @@
 #include "scene/graph/frame.h"
 
 #include <QMatrix4x4>
+#include <QVector3D>
 
 #include <vector>
 
@@ -34,6 +35,7 @@ struct Placed {
 /// Every mesh below a frame.
 std::vector<Placed> Collect(const Direct3DRMFrame3 &frame);
 
+inline QVector3D ToQt(const Vector &v) { return {v.x, v.y, v.z}; }
 QMatrix4x4 MatrixOf(const Transform &t);
 
 /// The bounding box of a transformed box.

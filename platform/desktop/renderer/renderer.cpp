@@ -31,7 +31,9 @@ constexpr double QuickFrame = 2.0; ///< no slower than this at the low level: fu
 void SpareFullDisk() {
   constexpr std::uintmax_t Enough = 8 << 20; ///< bytes
   std::filesystem::path cache =
-      QStandardPaths::writableLocation(QStandardPaths::GenericCacheLocation).toStdString();
+      qEnvironmentVariable("MESA_SHADER_CACHE_DIR",
+                           QStandardPaths::writableLocation(QStandardPaths::GenericCacheLocation))
+          .toStdString();
   std::error_code error;
   while (!std::filesystem::exists(cache, error) && cache.has_relative_path()) cache = cache.parent_path();
   if (const auto space = std::filesystem::space(cache, error); !error && space.available < Enough)

@@ -15,7 +15,8 @@
 void BuildProgram(QOpenGLShaderProgram &program, const std::string &vertex, const std::string &fragment);
 
 // PAINT is 1 for strokes on the ground. A stroke thinner than a pixel would break up, so it is drawn a pixel
-// thick, with a coverage equal to its real thickness.
+// thick, with a coverage equal to its real thickness. The texture coordinates are x and z of the vector from
+// a vertex to the other side of its stroke.
 inline constexpr const char *SurfaceVertexShader = R"(
 layout(location = 0) in vec3 position;
 layout(location = 1) in vec3 normal;
@@ -28,8 +29,7 @@ out vec2 surfaceCoordinate;
 out float textureShare;
 #endif
 #if PAINT
-layout(location = 4) in vec3 across; // to the other side of the stroke
-uniform vec2 halfFrame;              // pixels
+uniform vec2 halfFrame; // pixels
 out float coverage;
 #endif
 uniform mat4 toWorld;
@@ -37,8 +37,8 @@ uniform mat4 toClip;
 uniform vec3 camera;
 uniform vec3 keyDirection;
 uniform vec3 specular;
-uniform float fogDensity;
 const float Sharpness = 24.0;
+const float FogDistance = 900.0; // scene units at which a third of a colour is left
 void main() {
   vec4 place = toWorld * vec4(position, 1.0);
   vec3 toEye = camera - place.xyz;
@@ -53,15 +53,15 @@ void main() {
   surfaceCoordinate = coordinate;
   textureShare = light.a;
 #endif
-  float depth = distance * fogDensity;
+  float depth = distance * (1.0 / FogDistance);
   fog = 1.0 - exp(-depth * depth);
   gl_Position = toClip * place;
 #if PAINT
-  vec3 way = mat3(toWorld) * across;
+  vec3 way = mat3(toWorld) * vec3(coordinate.x, 0.0, coordinate.y);
   vec4 otherSide = toClip * (place + vec4(way, 0.0));
   vec4 ahead = toClip * (place + vec4(cross(normalize(mat3(toWorld) * normal), way), 0.0));
   coverage = 1.0;
-  if (min(gl_Position.w, min(otherSide.w, ahead.w)) > 1.0) {
+  if (way != vec3(0.0) && min(gl_Position.w, min(otherSide.w, ahead.w)) > 1.0) {
     vec2 here = gl_Position.xy / gl_Position.w * halfFrame;
     vec2 thick = otherSide.xy / otherSide.w * halfFrame - here;
     vec2 along = normalize(ahead.xy / ahead.w * halfFrame - here);
@@ -85,6 +85,8 @@ in float textureShare;
 #endif
 #if PAINT
 in float coverage;
+#else
+const float coverage = 1.0;
 #endif
 out vec4 result;
 const vec3 FogColor = vec3(0.84, 0.71, 0.81);
@@ -93,11 +95,7 @@ void main() {
 #if TEXTURED
   light *= mix(vec3(1.0), texture(surfaceTexture, surfaceCoordinate).rgb, textureShare);
 #endif
-#if PAINT
   result = vec4(mix(light, FogColor, fog).bgr, coverage);
-#else
-  result = vec4(mix(light, FogColor, fog).bgr, 1.0);
-#endif
 }
 )";
 

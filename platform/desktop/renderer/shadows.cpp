@@ -4,6 +4,7 @@
 #include "platform/desktop/renderer/shaders.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace {
 
@@ -18,22 +19,20 @@ constexpr float HaloPerRise = 0.02f;
 constexpr float LargestHalo = 3.0f;
 constexpr float Margin = 0.5f; ///< scene units around a shadow
 
-QVector3D Point(const Vector &v) { return {v.x, v.y, v.z}; }
-
 QMatrix4x4 ToLight() {
   QMatrix4x4 toLight;
   toLight.ortho(Reach, -Reach, -Reach, Reach, -Reach - Height, Reach + Height);
-  toLight.lookAt(Point(KeyLight()), {}, {0, 0, 1});
+  toLight.lookAt(KeyLight(), {}, {0, 0, 1});
   return toLight;
 }
 
 /// The bounds of a box's shadow on level ground.
 Bounds ShadowOf(const Bounds &box, float ground) {
-  const Vector key = KeyLight();
+  const QVector3D key = KeyLight();
   const auto projected = [&](int number) {
     const Vector corner = box.Corner(number);
-    const float distance = std::max(corner.y - ground, 0.0f) / key.y;
-    return Vector{corner.x - key.x * distance, ground, corner.z - key.z * distance};
+    const float distance = std::max(corner.y - ground, 0.0f) / key.y();
+    return Vector{corner.x - key.x() * distance, ground, corner.z - key.z() * distance};
   };
   Bounds around(projected(0));
   for (int corner = 1; corner < 8; ++corner) around.Widen(projected(corner));
@@ -80,7 +79,7 @@ Shadows::~Shadows() { gl_.glDeleteFramebuffers(1, &buffer_); }
 
 bool Shadows::Update(std::span<const Item> items, std::span<const Item> grounds) {
   regions_.clear();
-  std::vector<Caster> casters;
+  std::vector<const Item *> casters;
   if (!grounds.empty()) {
     const Bounds &ground =
         std::ranges::max(grounds, {}, [](const Item &item) { return item.Box.Extent(); }).Box;
@@ -97,16 +96,17 @@ bool Shadows::Update(std::span<const Item> items, std::span<const Item> grounds)
       shadow.High.z = std::min(shadow.High.z + around, ground.High.z);
       if (shadow.Low.x >= shadow.High.x || shadow.Low.z >= shadow.High.z) continue;
       regions_.push_back({shadow, softness, halo});
-      casters.push_back({item.Mesh, item.Where.ToWorld, (*item.Where.Mesh)->GeometryRevision()});
+      casters.push_back(&item);
     }
   }
-  const bool moved = casters != drawn_;
+  std::vector<const GpuMesh *> meshes;
+  for (const Item *caster : casters) meshes.push_back(caster->Mesh);
+  const bool moved = std::exchange(drawn_, meshes) != meshes || std::ranges::any_of(casters, &Item::Changed);
   if (moved) DrawMap(casters);
-  drawn_ = std::move(casters);
   return moved;
 }
 
-void Shadows::DrawMap(const std::vector<Caster> &casters) {
+void Shadows::DrawMap(std::span<const Item *const> casters) {
   gl_.glBindFramebuffer(GL_FRAMEBUFFER, buffer_);
   gl_.glViewport(0, 0, size_, size_);
   gl_.glEnable(GL_SCISSOR_TEST);
@@ -122,9 +122,9 @@ void Shadows::DrawMap(const std::vector<Caster> &casters) {
   gl_.glDepthFunc(GL_LESS);
   toMap_.bind();
   toMap_.setUniformValue("toShadow", ToLight());
-  for (const Caster &caster : casters) {
-    toMap_.setUniformValue("toWorld", caster.ToWorld);
-    caster.Mesh->Draw(GpuMesh::Faces::All);
+  for (const Item *caster : casters) {
+    toMap_.setUniformValue("toWorld", caster->Where.ToWorld);
+    caster->Mesh->Draw(GpuMesh::Faces::All);
   }
   gl_.glDisable(GL_DEPTH_CLAMP);
 }
@@ -133,7 +133,7 @@ void Shadows::Draw(const QMatrix4x4 &toClip) {
   shade_.bind();
   shade_.setUniformValue("toClip", toClip);
   shade_.setUniformValue("toShadow", ToMap());
-  shade_.setUniformValue("shade", Point(ShadeOnGround()));
+  shade_.setUniformValue("shade", ShadeOnGround());
   noVertices_.bind();
   map_.bind();
   gl_.glDisable(GL_DEPTH_TEST);
@@ -143,8 +143,8 @@ void Shadows::Draw(const QMatrix4x4 &toClip) {
   gl_.glStencilFunc(GL_EQUAL, 1, 0xff);
   gl_.glStencilOp(GL_KEEP, GL_KEEP, GL_INCR); // only the first of overlapping regions shades a pixel
   for (const Region &region : regions_) {
-    shade_.setUniformValue("low", Point(region.Ground.Low));
-    shade_.setUniformValue("high", Point(region.Ground.High));
+    shade_.setUniformValue("low", ToQt(region.Ground.Low));
+    shade_.setUniformValue("high", ToQt(region.Ground.High));
     shade_.setUniformValue("softness", InMap(region.Softness));
     shade_.setUniformValue("halo", InMap(region.Halo));
     gl_.glDrawArrays(GL_TRIANGLE_STRIP, 0, 4);
@@ -158,8 +158,7 @@ QRect Shadows::InPixels(const Bounds &ground) const {
   const QMatrix4x4 toMap = ToMap();
   QRectF around;
   for (int corner = 0; corner < 8; ++corner) {
-    const Vector v = ground.Corner(corner);
-    const QVector3D p = toMap.map(QVector3D(v.x, v.y, v.z)) * static_cast<float>(size_);
+    const QVector3D p = toMap.map(ToQt(ground.Corner(corner))) * static_cast<float>(size_);
     const QRectF pixel(static_cast<qreal>(p.x()) - 1.0, static_cast<qreal>(p.y()) - 1.0, 2.0, 2.0);
     around = corner == 0 ? pixel : around.united(pixel);
   }

@@ -37,13 +37,7 @@ private:
     float Softness; ///< radius of the penumbra, scene units; grows with the height of the mesh
     float Halo;     ///< radius of the ambient occlusion around the shadow, scene units
   };
-  struct Caster {
-    GpuMesh *Mesh;
-    QMatrix4x4 ToWorld;
-    std::uint64_t Geometry; ///< its revision
-    bool operator==(const Caster &) const = default;
-  };
-  void DrawMap(const std::vector<Caster> &casters);
+  void DrawMap(std::span<const Item *const> casters);
   QRect InPixels(const Bounds &ground) const;
 
   Gl &gl_;
@@ -53,6 +47,6 @@ private:
   QOpenGLShaderProgram toMap_, shade_;
   QOpenGLVertexArrayObject noVertices_;
   std::vector<Region> regions_;
-  std::vector<Caster> drawn_;
-  std::vector<QRect> used_; ///< parts of the map that aren't clear
+  std::vector<const GpuMesh *> drawn_; ///< casters in the map
+  std::vector<QRect> used_;            ///< parts of the map that aren't clear
 };
