@@ -461,7 +461,7 @@ TEST(DesktopMachineTest, DataEndsASleep) {
   EXPECT_FALSE(machine.ClockReached(end));
 }
 
-TEST(DesktopMachineTest, DataThatNobodyReadsWakesNoMoreOftenThanTheNetworkIsLookedAt) {
+TEST(DesktopMachineTest, UnreadDataWakesAtMostOncePerPoll) {
   DesktopMachine &machine = GameMachine::Get();
   const Ends ends;
   ASSERT_EQ(write(ends.at[1], "x", 1), 1);

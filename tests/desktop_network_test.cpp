@@ -216,7 +216,7 @@ std::string Bridge(const std::string &name, const std::string &address) {
          "-port\nip link set " + name + "-port master " + name + "\n" + UntilUp(name);
 }
 
-TEST(DesktopNetworkTest, TheAddressToldIsThatOfTheWayToTheInternet) {
+TEST(DesktopNetworkTest, TheAddressIsThatOfTheDefaultRoute) {
   struct Row {
     const char *name;
     std::string commands;

@@ -237,7 +237,7 @@ TEST(RendererTest, NinePixelsOfMouseAreSeenBehindThePieceAndFarAhead) {
   }
 }
 
-TEST(RendererTest, ThePieceThrowsItsShadowWhileSomebodyAims) {
+TEST(RendererTest, ThePieceCastsItsShadowWhileSomebodyAims) {
   RenderedGame rendered(Quality::Low);
   auto &window = rendered.game.window;
   window.PieceFrame->SetPosition(window.RMCanvas1.SceneFrame, 0, 3, 20);

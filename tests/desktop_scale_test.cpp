@@ -66,7 +66,7 @@ TEST(WindowScaleTest, AChoiceOfTheUserStaysUnlessNoWindowCouldBeSeenWithIt) {
 }
 
 TEST(WindowScaleTest, AnAbsurdScaleOfTheDesktopIsIgnoredForWindowsAndFonts) {
-  ASSERT_TRUE(AskX()) << "no X display";
+  ASSERT_TRUE(QueryX()) << "no X display";
   const struct {
     const char *dpi, *fontDpi;
     bool reported;

@@ -23,9 +23,9 @@ namespace fs = std::filesystem;
 
 constexpr int Rate = 44100;
 constexpr int Length =
-    Rate * 6 / 5; ///< samples of the test's sound: not a whole number of what is read at once
+    Rate * 6 / 5; ///< samples of the test's sound: not a multiple of the length read at once
 
-// Each sample of the sound tells its place in it.
+// Each sample of the sound encodes its position.
 constexpr int FirstLevel = 1000, PlacesPerLevel = 2;
 constexpr int LastLevel = FirstLevel + (Length - 1) / PlacesPerLevel;
 constexpr int Inexact = 16; ///< places, by the recording's dither

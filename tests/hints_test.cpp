@@ -246,7 +246,7 @@ TEST(HintsTest, AKickWithoutPowerSaysSoAndCanBeTriedAgain) {
   EXPECT_EQ(after, "No kick: let go before the meter rose. Hold the left button a little longer.");
 }
 
-TEST(HintsTest, WhoeverSharesTheMouseOrPlaysAgainstTheComputerIsToldWhoseShotItIs) {
+TEST(HintsTest, ASharedMouseOrTheComputerShowsWhoseShotItIs) {
   Told told("Computer");
   Game &game = told.game;
   EXPECT_EQ(game.window.lblHint.Caption,
@@ -274,7 +274,7 @@ TEST(HintsTest, TheEndOfAMatchIsTold) {
   EXPECT_EQ(atEnd, "The match is over. A click on the front page ends the game.");
 }
 
-TEST(HintsTest, WhoWaitsAtTheOtherComputerIsToldNoMoreThanCameOverTheLine) {
+TEST(HintsTest, TheWaitingSideShowsOnlyWhatItReceived) {
   NetworkGame game(true);
   std::vector<std::string> seen;
   const auto look = [&] {

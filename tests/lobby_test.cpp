@@ -316,7 +316,7 @@ TEST(LobbyTest, WhatTheHostReadsClosesWhenSomebodyJoins) {
   }
 }
 
-TEST(LobbyTest, CancelInTheLookThatFindsTheJoinerWins) {
+TEST(LobbyTest, CancelInThePollThatFindsTheJoinerWins) {
   // The press arrives in the first or second pump after the joiner was found.
   for (const int pump : {1, 2}) {
     SCOPED_TRACE(pump);

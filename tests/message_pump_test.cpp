@@ -150,7 +150,7 @@ TEST(MessagePumpTest, ACardThatComesLateFiresNoShot) {
   }
 }
 
-TEST(MessagePumpTest, AMessageThatBreaksARuleIsAsIfItHadNeverCome) {
+TEST(MessagePumpTest, AnInvalidMessageHasNoEffect) {
   constexpr float NotANumber = std::numeric_limits<float>::quiet_NaN();
   const auto changed = [](std::size_t index, Field value) {
     auto fields = Shot("Flick", 40);
@@ -299,7 +299,7 @@ TEST(MessagePumpTest, ChatGoesBothWaysAsPlainText) {
   }
 }
 
-TEST(MessagePumpTest, AChatLineUnderThisSidesCardGoesOutBehindIt) {
+TEST(MessagePumpTest, AChatLineTypedUnderACardIsSentAfterIt) {
   NetworkGame game(false);
   std::size_t flying = 0, underTheCard = 0;
   const auto say = [&] {
@@ -363,7 +363,7 @@ TEST(MessagePumpTest, TheOtherSidesLeavingEndsTheProgramWithABox) {
   }
 }
 
-TEST(MessagePumpTest, AShotBeginsBehindTheVerdictOfTheOneBefore) {
+TEST(MessagePumpTest, AShotStartsAfterThePreviousVerdict) {
   struct Row {
     const char *name;
     std::vector<Field> first;

@@ -26,8 +26,8 @@ TEST(NetworkSimulationTest, BothSidesAgreeWhateverLineComputersAndPlayersDo) {
       for (const SeenMatch *side : {&match.Host, &match.Joiner}) {
         told += side->ToldOfBreak ? 1 : 0;
         lines += side->LinesHeard;
-        cardsInCharge += side->CardsInCharge;
-        leftInCharge += side->LeftInCharge;
+        cardsInCharge += side->CardsWhileCharging;
+        leftInCharge += side->SwitchesWhileCharging;
       }
       if (match.Host.Quit || match.Joiner.Quit) {
         ++quits;
@@ -49,7 +49,7 @@ TEST(NetworkSimulationTest, BothSidesAgreeWhateverLineComputersAndPlayersDo) {
     SCOPED_TRACE(seed);
     const SimulatedMatch match = Simulate(SNAPWEDGE_GAME_DIR, seed, 1);
     EXPECT_EQ(match.Disagreement, "");
-    cardsInCharge += match.Host.CardsInCharge + match.Joiner.CardsInCharge;
+    cardsInCharge += match.Host.CardsWhileCharging + match.Joiner.CardsWhileCharging;
   }
   EXPECT_GT(cardsInCharge, 0) << "or hold it when a card comes";
   EXPECT_GT(quits, 0) << "and some have enough";

@@ -284,7 +284,7 @@ TEST_F(GraphTest, NoRaySlipsThroughASheetOfManyFaces) {
   }
 }
 
-TEST_F(GraphTest, ThePickIsTheNearestOfAllThatHangsUnderTheFrame) {
+TEST_F(GraphTest, ThePickIsTheNearestMeshBelowTheFrame) {
   const auto frame = Frame(scene, {0, -0.5f, 0}, 0);
   const auto child = Frame(frame, {0, 0.2f, 0}, 0.4f);
   const auto other = Frame(scene, {0, 0.4f, 0}, 0);
@@ -344,7 +344,7 @@ TEST_F(GraphTest, ChangesOfAMeshThatHangsAlreadyCountAtOnce) {
   EXPECT_FALSE(shows()) << "a mesh without a frame is invisible";
 }
 
-TEST_F(GraphTest, AWrapTellsCoordinatesInItsOwnSystemOnce) {
+TEST_F(GraphTest, AWrapComputesCoordinatesOnceInItsOwnSystem) {
   const auto mesh = Sheet(2, "sheet", [](int x, int) { return static_cast<float>(x); }); // y = x + 1
   const auto at = [&](float x, float z) {
     const auto &places = mesh->Data().Positions;

@@ -99,7 +99,7 @@ TEST(SessionBreakTest, ASilentLineIsGivenUpAfterFortySeconds) {
   EXPECT_EQ(TakeAll(*pair.joiner, pair.joinerPlayer), std::vector<std::string>{"lost"});
 }
 
-TEST(SessionBreakTest, ASessionKnowsWhenToBeLookedAtNext) {
+TEST(SessionBreakTest, TheNextDeadlineIsNeverInThePast) {
   Pair pair;
   const std::int32_t begun = pair.network.machine.Now();
   pair.network.wire.Line().Breaks = {{begun + 1000, begun + 25000}};
@@ -151,7 +151,7 @@ TEST(SessionBreakTest, AnIdleSessionStaysUp) {
   EXPECT_TRUE(pair.host->Opened()->GetLink().IsUp()) << "the time-out counts from the message";
 }
 
-TEST(SessionBreakTest, WhoLeavesSaysSoBehindAllThatItSent) {
+TEST(SessionBreakTest, ByeArrivesAfterEveryMessage) {
   for (const bool hostLeaves : {true, false}) {
     SCOPED_TRACE(hostLeaves ? "the host leaves" : "the joiner leaves");
     Pair pair;

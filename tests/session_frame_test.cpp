@@ -56,7 +56,7 @@ std::vector<Golden> AllFrames() {
   };
 }
 
-TEST(SessionFrameTest, EveryFrameHasItsBytesAndComesBackFromThem) {
+TEST(SessionFrameTest, EveryFrameRoundTripsThroughItsBytes) {
   for (const Golden &golden : AllFrames()) {
     SCOPED_TRACE(golden.name);
     const Bytes bytes = session::EncodeFrame(golden.frame);
@@ -144,7 +144,7 @@ TEST(SessionFrameTest, NamesAreCutBetweenCharacters) {
   EXPECT_EQ(session::CutText("Bramble", 7), "Bramble");
 }
 
-TEST(SessionFrameTest, AGuidComesBackAsItsText) {
+TEST(SessionFrameTest, AGuidRoundTripsThroughItsText) {
   EXPECT_EQ(session::GuidText(Game), GameGuid);
   for (const char *none :
        {"", "7AB2F242-475F-11D4-AF9B-00C04F361528", "{7AB2F242-475F-11D4-AF9B-00C04F36152G}",

@@ -16,7 +16,7 @@ std::vector<std::string> Names(const std::vector<DirectPlaySessionData> &rows) {
   return names;
 }
 
-TEST(SessionLobbyTest, MethodsComeInTheOrderThatPlayersKnow) {
+TEST(SessionLobbyTest, MethodsAreListedInTheFamiliarOrder) {
   Network network;
   const auto program = std::make_shared<session::SessionDirectPlay>(
       network.machine, network.wire.Plug("10.0.0.1"), ShowSearchDialog);

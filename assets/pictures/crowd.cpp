@@ -11,7 +11,7 @@ constexpr std::array Faces = {"#f6cfa6", "#e3a877", "#b97a4d", "#8a5433", "#f9dc
 constexpr std::array Hairs = {"#3a2a24", "#6b4128", "#d9a441", "#20232b", "#a5502b"};
 // In widths of a figure.
 constexpr double RowHeight = 1.0, HeadRadius = 0.33, Jitter = 0.12;
-// One figure in so many raises both arms.
+// One figure in this many raises both arms.
 constexpr unsigned Cheering = 6;
 
 } // namespace

@@ -82,7 +82,7 @@ void ControlView::Sync() {
   if (first || foreColor_ != control_.ForeColor) {
     foreColor_ = control_.ForeColor;
     QPalette palette = widget->palette();
-    if (OwnColor()) palette.setColor(QPalette::WindowText, Convert(foreColor_));
+    if (UsesOwnColor()) palette.setColor(QPalette::WindowText, Convert(foreColor_));
     if (control_.HasBackColor) {
       for (const auto group : {QPalette::Active, QPalette::Inactive}) {
         palette.setColor(group, QPalette::Base, Convert(control_.BackColor));

@@ -59,7 +59,7 @@ protected:
   virtual QString SpokenText() const { return Widget()->accessibleName(); }
 
   /// Whether the text has the control's colour rather than the toolkit's.
-  virtual bool OwnColor() const { return false; }
+  virtual bool UsesOwnColor() const { return false; }
 
 private:
   Control &control_;

@@ -62,10 +62,10 @@ std::optional<DisplayFacts> ChoosePlatform() {
   constexpr const char *Choice = "QT_QPA_PLATFORM";
   if (IsSet(Choice)) {
     const QByteArray chosen = qgetenv(Choice);
-    return chosen.startsWith("wayland") ? AskWayland() : chosen.startsWith("xcb") ? AskX() : std::nullopt;
+    return chosen.startsWith("wayland") ? QueryWayland() : chosen.startsWith("xcb") ? QueryX() : std::nullopt;
   }
-  const auto wayland = IsSet("WAYLAND_DISPLAY") && QtKnowsWayland() ? AskWayland() : std::nullopt;
-  const auto x = wayland && wayland->holdsPointer ? std::nullopt : AskX();
+  const auto wayland = IsSet("WAYLAND_DISPLAY") && QtKnowsWayland() ? QueryWayland() : std::nullopt;
+  const auto x = wayland && wayland->holdsPointer ? std::nullopt : QueryX();
   if (x) {
     qputenv(Choice, "xcb");
     return x;

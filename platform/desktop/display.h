@@ -16,13 +16,13 @@ struct DisplayFacts {
 };
 
 /// Queries the X display; nothing if there is none.
-std::optional<DisplayFacts> AskX();
+std::optional<DisplayFacts> QueryX();
 
 /// Queries the Wayland compositor; nothing if there is none or the game was built without Wayland.
-std::optional<DisplayFacts> AskWayland();
+std::optional<DisplayFacts> QueryWayland();
 
 /// Chooses Wayland if the compositor lets a program capture the pointer, else X. Chooses the scale
-/// (`WindowScale`) of all windows, fonts and boxes. A choice that the user has made in Qt's environment
-/// variables stays, unless it is no scale for a window: then it is dropped, and standard error says so. Must
-/// be called before Qt starts.
+/// (`WindowScale`) of all windows, fonts and boxes. A scale that the user has set in Qt's environment
+/// variables is kept. If it is unusable, it is dropped with a message on standard error. Must be called
+/// before Qt starts.
 void ChooseDisplay();

@@ -8,8 +8,8 @@
 #include <memory>
 
 /// While it lives, the first of each of these signals calls `end` from Qt's event loop. Another one of the
-/// same kind ends the process at once. A signal that is ignored from the start stays so, as `nohup` wants it.
-/// One object at a time.
+/// same kind ends the process at once. A signal that is ignored from the start stays ignored, as under
+/// `nohup`. One object at a time.
 class EndSignals {
 public:
   explicit EndSignals(std::function<void()> end);
@@ -19,6 +19,6 @@ public:
 
 private:
   std::function<void()> end_;
-  int readEnd_ = -1; ///< of a pair of sockets, because a handler of signals may do little more than write
+  int readEnd_ = -1; ///< of a pair of sockets, since a signal handler may do little more than write
   std::unique_ptr<QSocketNotifier> notifier_;
 };

@@ -90,7 +90,7 @@ void Check(const std::string &what) {
 /// Checks the declared size of a wave file against its real size, because the library accepts truncated
 /// files. Reads the headers only.
 /// @throws FileError
-void RequireWhole(const std::filesystem::path &path) {
+void RequireComplete(const std::filesystem::path &path) {
   constexpr std::size_t Mark = 4, ChunkHeader = 8, FileHeader = 12; // bytes
   std::ifstream file = OpenFile(path, LargestFile);
   const std::uintmax_t size = StampOf(path).Size;
@@ -117,7 +117,7 @@ public:
   explicit Wave(const std::filesystem::path &path) {
     const std::string name = '"' + path.filename().string() + '"';
     try {
-      RequireWhole(path);
+      RequireComplete(path);
     } catch (const FileError &error) {
       throw SoundError(error.what());
     }

@@ -56,7 +56,7 @@ protected:
     return Text(model_.AccessibleName.empty() ? model_.Caption : model_.AccessibleName);
   }
   /// On the toolkit's background, which is dark on some desktops, the toolkit chooses a readable colour.
-  bool OwnColor() const override {
+  bool UsesOwnColor() const override {
     return !model_.Border && (window_.HasBackColor || !window_.Picture.empty());
   }
 
@@ -152,7 +152,7 @@ public:
 
 protected:
   void SyncOwn() override {}
-  bool OwnColor() const override { return true; }
+  bool UsesOwnColor() const override { return true; }
 };
 
 class ShapeView : public View<Shape, ShapeWidget> {
@@ -161,7 +161,7 @@ public:
 
 protected:
   void SyncOwn() override {}
-  bool OwnColor() const override { return true; }
+  bool UsesOwnColor() const override { return true; }
 };
 
 } // namespace

@@ -51,7 +51,7 @@ QRect WorkArea(xcb_connection_t *x, xcb_window_t root, const QRect &all) {
 
 } // namespace
 
-std::optional<DisplayFacts> AskX() {
+std::optional<DisplayFacts> QueryX() {
   int number = 0;
   const std::unique_ptr<xcb_connection_t, decltype(&xcb_disconnect)> x(xcb_connect(nullptr, &number),
                                                                        xcb_disconnect);

@@ -62,7 +62,7 @@ public:
     }
     pipe.last = std::max(pipe.last, *arrival);
     if (circuit_->ended[1 - side_]) {
-      // The other side is gone, and its system says so.
+      // The other side is gone, and its system resets the connection.
       auto &closedAt = circuit_->to[side_].closedAt;
       if (!closedAt) closedAt = state_->Transit(pipe.last, same, SendAgainMs);
       return count;

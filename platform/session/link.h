@@ -41,7 +41,7 @@ public:
   /// Receives and sends what is due, keeps the connection alive and detects when it breaks.
   void Poll(std::int32_t now);
 
-  /// Gives up the other side. The game is told after all messages that arrived before.
+  /// Gives up the other side. The game learns of it after all messages that arrived earlier.
   void Lose();
 
   /// Tells the other side that this program leaves, on this connection or on the next one.

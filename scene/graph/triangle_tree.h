@@ -17,8 +17,8 @@ public:
   void Build(std::span<const Vector> positions, std::span<const std::uint32_t> indices);
 
   /// Distance to the nearest face hit from either side, in lengths of the ray's direction, 0 or more.
-  /// Watertight: a ray through a shared edge or corner hits one of the faces. The distance is to the bit the
-  /// least of those to the single faces, whatever the tree looks like.
+  /// Watertight: a ray through a shared edge or corner hits one of the faces. The distance is
+  /// bit-identical to the least of those to the single faces, whatever the tree looks like.
   std::optional<double> Intersect(std::span<const Vector> positions, const D3DRMRAY &ray) const;
 
 private:

@@ -29,9 +29,9 @@ namespace {
 constexpr int UsualMessages = 300;
 constexpr int MostMessages = 5000;
 constexpr double ShortestPauseMs = 20.0; ///< before a message, so that the other side is at rest
-constexpr double LongestPauseMs = 70.0;  ///< covers several looks at the network and two frames
+constexpr double LongestPauseMs = 70.0;  ///< covers several polls and two frames
 constexpr std::size_t BareBytes = 32;    ///< about the size of a message
-constexpr double LookMs = NetworkPollMs; ///< what our delay may add to the bare one
+constexpr double PollMs = NetworkPollMs; ///< what our delay may add to the bare one
 
 /// What a message is, and who waits for it.
 enum class Kind {
@@ -246,5 +246,5 @@ int main(int argc, char **argv) {
   const auto card = Report(shared, Kind::Card, count, "wait under a card");
   const auto frame = Report(shared, Kind::Frame, count, "frames of a wait");
   std::printf("over bare TCP: under a card %.3f and %.3f ms, goal %.0f; in frames %.3f and %.3f ms\n",
-              card[0] - plain[0], card[1] - plain[1], LookMs, frame[0] - plain[0], frame[1] - plain[1]);
+              card[0] - plain[0], card[1] - plain[1], PollMs, frame[0] - plain[0], frame[1] - plain[1]);
 }

@@ -21,7 +21,7 @@ struct Tally {
   long Loss = 0, Breaks = 0, Cuts = 0, Reconnects = 0, Told = 0, NeverMet = 0;
   long Quits = 0, AtOnce = 0, TenTimesApart = 0;
   long Flicks = 0, Kicks = 0, Points = 0, Lines = 0;
-  long ShotsSent = 0, WithoutHand = 0, Dropped = 0, CardsInCharge = 0, LeftInCharge = 0;
+  long ShotsSent = 0, WithoutHand = 0, Dropped = 0, CardsWhileCharging = 0, SwitchesWhileCharging = 0;
   double VirtualSeconds = 0;
   std::vector<std::int32_t> Latencies, Jitters, Draws; ///< ms
   std::uint64_t Digest = 0;
@@ -42,10 +42,10 @@ struct Tally {
     for (const SeenMatch *side : {&match.Host, &match.Joiner}) {
       Lines += side->LinesHeard;
       ShotsSent += side->ShotsSent;
-      WithoutHand += side->ShotsWithoutHand;
+      WithoutHand += side->ShotsNotReleased;
       Dropped += side->Dropped;
-      CardsInCharge += side->CardsInCharge;
-      LeftInCharge += side->LeftInCharge;
+      CardsWhileCharging += side->CardsWhileCharging;
+      SwitchesWhileCharging += side->SwitchesWhileCharging;
     }
     VirtualSeconds += match.VirtualMs / 1000.0;
     Latencies.push_back(match.Under.LatencyMs);
@@ -64,7 +64,7 @@ struct Tally {
     std::printf(
         "shots:     %ld sent, %ld without a hand; %ld times a card came and %ld times the player went "
         "to another window with a hand on the button\n",
-        ShotsSent, WithoutHand, CardsInCharge, LeftInCharge);
+        ShotsSent, WithoutHand, CardsWhileCharging, SwitchesWhileCharging);
     std::printf("messages:  %ld dropped; %ld chat lines read\n", Dropped, Lines);
     std::printf("play:      %ld flicks, %ld kicks, %ld points; Esc in %.1f %%, by both at once in %.1f %%\n",
                 Flicks, Kicks, Points, Share(Quits), Share(AtOnce));

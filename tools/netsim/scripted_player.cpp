@@ -106,7 +106,7 @@ void ScriptedPlayer::Hold(frmSnapwedge &table) {
     if (!machine_.ClockReached(*releaseAt_)) return;
   } else if (table.MouseMode == 1) {
     if (leaveAt_ && table.ProgressBar1.Value >= *leaveAt_) {
-      ++seen_.LeftInCharge;
+      ++seen_.SwitchesWhileCharging;
       machine_.LoseFocus();
       hand_ = Between(0, 1) == 1 ? Hand::Stale : Hand::Open; // released here later, or in the other window
       return;
@@ -122,14 +122,14 @@ void ScriptedPlayer::Hold(frmSnapwedge &table) {
 void ScriptedPlayer::SeeShotSent(float force) {
   ++seen_.ShotsSent;
   const bool overcharged = force == OverchargedFlick || force == OverchargedKick;
-  if (!releasing_ && !(overcharged && hand_ == Hand::Pressing)) ++seen_.ShotsWithoutHand;
+  if (!releasing_ && !(overcharged && hand_ == Hand::Pressing)) ++seen_.ShotsNotReleased;
 }
 
 /// Called when the window is repainted, which means that a card is up.
 void ScriptedPlayer::SeeCard() {
   const auto *table = dynamic_cast<frmSnapwedge *>(machine_.FindWindow("frmSnapwedge"));
   if (!table || table->ResultSent || hand_ != Hand::Pressing) return;
-  if (!releaseAt_) ++seen_.CardsInCharge;
+  if (!releaseAt_) ++seen_.CardsWhileCharging;
   hand_ = Hand::Stale;
 }
 
@@ -225,7 +225,7 @@ void ScriptedPlayer::Aim(const frmSnapwedge &table) {
   MoveMouse(reach, 20);
 }
 
-/// Moves the mouse by a random offset of up to so many pixels.
+/// Moves the mouse by a random offset within these limits, in pixels.
 void ScriptedPlayer::MoveMouse(int reachX, int reachY) {
   // Two statements, since the order of evaluation of arguments is unspecified.
   const int dx = Between(-reachX, reachX);

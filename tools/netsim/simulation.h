@@ -21,15 +21,15 @@ struct SeenMatch {
   bool Quit = false; ///< this player pressed Esc
   std::string Box;   ///< text of the box that ended the match, if any
 
-  int Dropped = 0;          ///< messages dropped by the program
-  int ShotsSent = 0;        ///< flicks and kicks
-  int ShotsWithoutHand = 0; ///< of those, not released by the player
-  int CardsInCharge = 0;    ///< cards of the other side during a charge
-  int LeftInCharge = 0;     ///< switches to another window during a charge
-  int LinesSaid = 0;        ///< chat, numbered from 1
-  int LinesHeard = 0;       ///< number of the last line received
-  bool LineMissing = false; ///< an earlier line was never shown
-  bool ToldOfBreak = false; ///< the title has reported a broken line
+  int Dropped = 0;               ///< messages dropped by the program
+  int ShotsSent = 0;             ///< flicks and kicks
+  int ShotsNotReleased = 0;      ///< of those, not released by the player
+  int CardsWhileCharging = 0;    ///< cards of the other side during a charge
+  int SwitchesWhileCharging = 0; ///< switches to another window during a charge
+  int LinesSaid = 0;             ///< chat, numbered from 1
+  int LinesHeard = 0;            ///< number of the last line received
+  bool LineMissing = false;      ///< an earlier line was never shown
+  bool ToldOfBreak = false;      ///< the title has reported a broken line
 };
 
 /// Speed of the two computers and quality of the line.

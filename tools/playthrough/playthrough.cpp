@@ -1,6 +1,6 @@
 // Plays the real program as a player would, by what is on the screen, and takes a screenshot at each station.
 // Fails if a station isn't reached.
-//   playthrough GAME PICTURES_DIRECTORY
+//   playthrough GAME SCREENSHOTS_DIRECTORY
 
 #include "tools/playthrough/launch.h"
 #include "tools/playthrough/table.h"
@@ -211,7 +211,7 @@ private:
 
 int main(int argc, char **argv) {
   if (argc != 3) {
-    std::cerr << "usage: playthrough GAME PICTURES_DIRECTORY" << std::endl;
+    std::cerr << "usage: playthrough GAME SCREENSHOTS_DIRECTORY" << std::endl;
     return 2;
   }
   try {

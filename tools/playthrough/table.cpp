@@ -21,7 +21,7 @@ struct Box {
 constexpr Box Meter{536, 32, 17, 409};
 constexpr Box HomeArrow{248, 6, 17, 17};
 constexpr Box Uprights{112, 134, 417, 54}; ///< the posts above the crossbar, from the kicker's view
-constexpr Box Field{112, 250, 318, 168};  ///< the part of the canvas without sky and cards
+constexpr Box Field{112, 250, 318, 168};   ///< the part of the canvas without sky and cards
 constexpr int CardLeft = 432;
 constexpr int CardWidth = 200;
 constexpr int CardHeight = 173;

@@ -53,12 +53,14 @@ double EntriesOf(const fs::path &directory) {
   return static_cast<double>(std::distance(begin(entries), end(entries)));
 }
 
-/// Adds up what the X server keeps for the process, on all its connections.
-void AskServer(Display *display, pid_t process, double &resources, double &kibibytes) {
+using Server = std::unique_ptr<Display, int (*)(Display *)>;
+
+/// Adds up what the X server keeps for the process, on all its connections. Returns whether it knows.
+bool AskServer(Display *display, pid_t process, double &resources, double &kibibytes) {
   XResClientIdSpec all{None, XRES_CLIENT_ID_PID_MASK};
   long count = 0;
   XResClientIdValue *clients = nullptr;
-  if (XResQueryClientIds(display, 1, &all, &count, &clients) != Success) throw GaveUp("no X resources");
+  if (XResQueryClientIds(display, 1, &all, &count, &clients) != Success) return false;
   for (long i = 0; i < count; ++i) {
     if (XResGetClientPid(&clients[i]) != process) continue;
     int kinds = 0;
@@ -71,14 +73,15 @@ void AskServer(Display *display, pid_t process, double &resources, double &kibib
     kibibytes += static_cast<double>(bytes) / 1024;
   }
   XResClientIdsDestroy(count, clients);
+  return true;
 }
 
 } // namespace
 
 Usage::Usage(pid_t process, const std::string &display, const fs::path &record) {
-  sampler_ = std::jthread([this, process, display, record](const std::stop_token &stop) {
-    const std::unique_ptr<Display, int (*)(Display *)> server(
-        XOpenDisplay(display.empty() ? nullptr : display.c_str()), XCloseDisplay);
+  Server opened(XOpenDisplay(display.empty() ? nullptr : display.c_str()), XCloseDisplay);
+  if (!opened) throw GaveUp("no display to ask for X resources");
+  sampler_ = std::jthread([this, process, record, server = std::move(opened)](const std::stop_token &stop) {
     const fs::path files = fs::path("/proc") / std::to_string(process);
     std::ofstream out(record);
     std::mutex mutex;
@@ -87,7 +90,7 @@ Usage::Usage(pid_t process, const std::string &display, const fs::path &record) 
     const auto start = Clock::now();
     do {
       Sample sample{MemoryOf(files), EntriesOf(files / "fd"), EntriesOf(files / "task")};
-      AskServer(server.get(), process, sample[3], sample[4]);
+      if (!AskServer(server.get(), process, sample[3], sample[4])) return;
       samples_.push_back(sample);
       out << std::chrono::duration_cast<std::chrono::seconds>(Clock::now() - start).count();
       for (const double figure : sample) out << '\t' << figure;

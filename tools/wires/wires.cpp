@@ -1,7 +1,7 @@
 // Plays the real program on two computers against each other, by mouse and keys on their displays, over a
 // wire between the network namespaces "host" and "joiner", or between home networks. On the wire there is a
 // third player beside the joiner. Fails if the two screens disagree.
-//   wires SCENE GAME PICTURES_DIRECTORY HOST_DISPLAY JOINER_DISPLAY THIRD_DISPLAY
+//   wires SCENE GAME SCREENSHOTS_DIRECTORY HOST_DISPLAY JOINER_DISPLAY THIRD_DISPLAY
 
 #include "tools/wires/home_scenes.h"
 #include "tools/wires/writing.h"
@@ -209,7 +209,7 @@ private:
 
 int main(int argc, char **argv) {
   if (argc != 7) {
-    std::cerr << "usage: wires SCENE GAME PICTURES_DIRECTORY HOST_DISPLAY JOINER_DISPLAY THIRD_DISPLAY"
+    std::cerr << "usage: wires SCENE GAME SCREENSHOTS_DIRECTORY HOST_DISPLAY JOINER_DISPLAY THIRD_DISPLAY"
               << std::endl;
     return 2;
   }

@@ -16,7 +16,7 @@ public:
   /// The buffer for the next frame as drawn, Format_RGB32.
   QImage &Drawn() { return drawn_; }
 
-  /// Smooths the pixels that have changed since the last call. A border of `Reach` pixels stays as drawn.
+  /// Smooths the pixels that have changed since the last call. A border of `Reach` pixels isn't smoothed.
   /// @param smooth  of the same size and format, without padding; holds the last frame, smoothed
   /// @return whether anything has changed
   bool Update(QImage &smooth);

@@ -28,7 +28,7 @@ constexpr double QuickFrame = 2.0; ///< no slower than this at the low level: fu
 
 /// Mesa maps the index of its shader cache into memory without reserving its space. On a full disk, the first
 /// write to it ends the program.
-void SpareFullDisk() {
+void DisableShaderCacheOnFullDisk() {
   constexpr std::uintmax_t Enough = 8 << 20; ///< bytes
   std::filesystem::path cache =
       qEnvironmentVariable("MESA_SHADER_CACHE_DIR",
@@ -46,7 +46,7 @@ class Renderer::Drawing {
 public:
   explicit Drawing(Quality quality)
       : asked_(quality), level_(quality == Quality::Low ? Quality::Low : Quality::Full) {
-    SpareFullDisk();
+    DisableShaderCacheOnFullDisk();
     OpenContext();
     if (asked_ == Quality::Measured && DrawsInSoftware()) level_ = Quality::Low;
     painter_ = std::make_unique<Painter>(*gl_, Paint(), lens_);

@@ -99,7 +99,7 @@ void main() {
 }
 )";
 
-// The map of the shadows.
+// The shadow map.
 inline constexpr const char *ShadowVertexShader = R"(#version 330 core
 layout(location = 0) in vec3 position;
 uniform mat4 toWorld;
@@ -111,7 +111,7 @@ inline constexpr const char *ShadowFragmentShader = R"(#version 330 core
 void main() {}
 )";
 
-// The shadow on a part of the ground, a factor on the colours there.
+// Multiplies the colours in a part of the ground by the shadow's factor.
 inline constexpr const char *ShadeVertexShader = R"(#version 330 core
 uniform vec3 low, high; // corners of the part
 uniform mat4 toClip;
@@ -132,13 +132,13 @@ uniform float halo;     // radius of the ambient occlusion, as a share of the ma
 uniform vec3 shade;     // in the core
 in vec3 shadowPlace;
 out vec4 result;
-float Look(vec2 away) { return texture(shadows, shadowPlace + vec3(away, 0.0)); }
+float LitAt(vec2 offset) { return texture(shadows, shadowPlace + vec3(offset, 0.0)); }
 void main() {
 #if TAPS > 4
-  float core = 0.25 * (Look(softness * vec2(0.6, 0.3)) + Look(softness * vec2(-0.3, 0.6)) +
-                       Look(softness * vec2(-0.6, -0.3)) + Look(softness * vec2(0.3, -0.6)));
+  float core = 0.25 * (LitAt(softness * vec2(0.6, 0.3)) + LitAt(softness * vec2(-0.3, 0.6)) +
+                       LitAt(softness * vec2(-0.6, -0.3)) + LitAt(softness * vec2(0.3, -0.6)));
 #else
-  float core = Look(vec2(0.0));
+  float core = LitAt(vec2(0.0));
 #endif
   // Samples on a spiral, at steps of the golden angle.
   const mat2 turn = mat2(-0.737369, 0.675490, -0.675490, -0.737369);
@@ -146,7 +146,7 @@ void main() {
   float around = 0.0;
   for (int i = 0; i < TAPS; ++i) {
     way = turn * way;
-    around += Look(way * sqrt((float(i) + 0.5) / float(TAPS)));
+    around += LitAt(way * sqrt((float(i) + 0.5) / float(TAPS)));
   }
   around /= float(TAPS);
   result = vec4(mix(shade, vec3(1.0), core * around * around).bgr, 1.0);

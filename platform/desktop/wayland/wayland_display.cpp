@@ -77,7 +77,7 @@ const wl_registry_listener OutputsListener = {
 
 } // namespace
 
-std::optional<DisplayFacts> AskWayland() {
+std::optional<DisplayFacts> QueryWayland() {
   const Owned<wl_display> compositor(wl_display_connect(nullptr), wl_display_disconnect);
   if (!compositor) return std::nullopt;
   Answers answers;

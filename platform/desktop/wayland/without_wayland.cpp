@@ -3,6 +3,6 @@
 #include "platform/desktop/display.h"
 #include "platform/desktop/pointer_hold.h"
 
-std::optional<DisplayFacts> AskWayland() { return std::nullopt; }
+std::optional<DisplayFacts> QueryWayland() { return std::nullopt; }
 
 std::unique_ptr<PointerHold> HoldPointerOnWayland(QWidget &, const PointerHold::Moved &) { return nullptr; }
