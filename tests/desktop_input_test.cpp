@@ -4,8 +4,10 @@
 #include "tests/hand.h"
 
 #include <QCursor>
+#include <QScreen>
 #include <QTest>
 #include <gtest/gtest.h>
+#include <qpa/qwindowsysteminterface.h>
 
 #include <functional>
 #include <optional>
@@ -93,6 +95,31 @@ struct CanvasForm {
   Window window;
   Canvas canvas;
 };
+
+TEST(DesktopInputTest, AScreenThatChangesItsSizeTurnsNoAim) {
+  CanvasForm form;
+  form.machine.Show(form.window);
+  QScreen *screen = QGuiApplication::primaryScreen();
+  const QSize size = screen->size();
+  // As the display reports it when the resolution changes. The real screen stays as it is.
+  const auto report = [&](QSize now) {
+    const QRect area(QPoint(), now * screen->devicePixelRatio());
+    QWindowSystemInterface::handleScreenGeometryChange(screen, area, area);
+    PumpFor(form.machine, 5);
+  };
+  const auto home = [&] {
+    std::int32_t x = 0, y = 0;
+    form.machine.mouse_event(-1, 30000, 30000, 1, 1);
+    form.machine.GetCursorPos(x, y);
+    return QPoint(x, y);
+  };
+  const QPoint measured = home();
+  report(size / 2);
+  EXPECT_EQ(screen->size(), size / 2);
+  EXPECT_EQ(home(), measured) << "every frame of a match counts the difference as a motion of the hand";
+  report(size);
+  form.machine.Hide(form.window);
+}
 
 TEST(DesktopInputTest, NoButtonCountsAcrossALossOfTheKeyboard) {
   CanvasForm form;

@@ -10,6 +10,7 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QListWidget>
+#include <QScreen>
 #include <QScrollBar>
 #include <QTest>
 #include <QTextBrowser>
@@ -278,6 +279,20 @@ TEST(DesktopMachineTest, AStretchedWindowHasItsContentInTheMiddleOfBlack) {
   QTest::mouseClick(window.childAt(100 + 20, 35 + 90), Qt::LeftButton);
   form.machine.Pump();
   EXPECT_EQ(clicks, 1);
+}
+
+TEST(DesktopMachineTest, ATitleBarIsOnTheScreenHoweverSmallThatIs) {
+  DesktopMachine &machine = GameMachine::Get();
+  const QRect area = QGuiApplication::primaryScreen()->availableGeometry();
+  Window window;
+  Label label;
+  label.Name = "in a large window";
+  window.Controls = {&label};
+  window.Width = 2 * area.width();
+  window.Height = 2 * area.height();
+  machine.Show(window);
+  EXPECT_EQ(WidgetOf("in a large window")->window()->pos(), area.topLeft());
+  machine.Hide(window);
 }
 
 TEST(DesktopMachineTest, AWindowIsOnTheScreenWhenShowReturns) {

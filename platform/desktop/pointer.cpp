@@ -12,9 +12,9 @@ constexpr double PointerGrid = 65536.0; ///< steps of the absolute pointer grid 
 void Pointer::MoveHome(int gridX, int gridY) {
   // The game reads whole pixels. The fraction is kept for the next reading.
   const QPointF fraction = place_ - Place();
-  const QRect screen = QGuiApplication::primaryScreen()->geometry();
-  home_ = QPointF(screen.left() + static_cast<int>(gridX * screen.width() / PointerGrid),
-                  screen.top() + static_cast<int>(gridY * screen.height() / PointerGrid));
+  if (screen_.isEmpty()) screen_ = QGuiApplication::primaryScreen()->geometry();
+  home_ = QPointF(screen_.left() + static_cast<int>(gridX * screen_.width() / PointerGrid),
+                  screen_.top() + static_cast<int>(gridY * screen_.height() / PointerGrid));
   place_ = home_ + fraction;
 }
 

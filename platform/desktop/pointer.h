@@ -7,6 +7,7 @@
 
 #include <QPoint>
 #include <QPointer>
+#include <QRect>
 #include <QWidget>
 
 #include <memory>
@@ -33,6 +34,9 @@ private:
   QPointer<QWidget> widget_;
   std::unique_ptr<PointerHold> hold_;
   bool hidden_ = false;
+  /// The screen under the grid, as it was at first. The game measures its home only once, so a screen that
+  /// changes later, by another resolution or another monitor, must not move it.
+  QRect screen_;
   QPointF place_; ///< the game's pointer
   QPointF home_;
 };

@@ -11,6 +11,7 @@
 #include <QScreen>
 #include <QWindow>
 
+#include <algorithm>
 #include <utility>
 
 namespace {
@@ -109,7 +110,10 @@ void WindowView::SetOwner(const WindowView &owner) {
 
 void WindowView::Open() {
   const QRect area = screen()->availableGeometry();
-  move(area.center() - QPoint(window_.Width / 2, window_.Height / 2));
+  // A window larger than the area would have its title bar, and with it its close box, beyond the edge. So
+  // would every window while all monitors are off: the area is then a single pixel.
+  const QPoint middle = area.center() - QPoint(window_.Width / 2, window_.Height / 2);
+  move(std::max(middle.x(), area.left()), std::max(middle.y(), area.top()));
   show();
   raise();
   activateWindow();
