@@ -19,21 +19,21 @@ FileStamp StampOf(const std::filesystem::path &file) {
   return stamp;
 }
 
-std::ifstream OpenFile(const std::filesystem::path &file, std::uintmax_t largest) {
+OpenedFile OpenFile(const std::filesystem::path &file, std::uintmax_t largest) {
   const std::uintmax_t size = StampOf(file).Size;
   if (size == 0) RefuseFile(file, "is empty");
   if (size > largest) {
     RefuseFile(file, std::to_string(size) + " bytes is too large, the limit is " + std::to_string(largest));
   }
-  std::ifstream stream(file, std::ios::binary);
-  if (!stream) RefuseFile(file, "can't be opened");
-  return stream;
+  OpenedFile opened{size, std::ifstream(file, std::ios::binary)};
+  if (!opened.Stream) RefuseFile(file, "can't be opened");
+  return opened;
 }
 
 std::vector<char> ReadFile(const std::filesystem::path &file, std::uintmax_t largest) {
-  std::ifstream stream = OpenFile(file, largest);
-  std::vector<char> bytes(StampOf(file).Size);
-  if (!stream.read(bytes.data(), static_cast<std::streamsize>(bytes.size())))
+  OpenedFile opened = OpenFile(file, largest);
+  std::vector<char> bytes(opened.Size);
+  if (!opened.Stream.read(bytes.data(), static_cast<std::streamsize>(bytes.size())))
     RefuseFile(file, "can't be read");
   return bytes;
 }

@@ -19,10 +19,15 @@ public:
 /// @throws FileError  always: names the file and says why
 [[noreturn]] void RefuseFile(const std::filesystem::path &file, const std::string &why);
 
-/// Opens a file to read from its beginning.
+/// A file to read from its beginning.
+struct OpenedFile {
+  std::uintmax_t Size; ///< bytes, when it was opened
+  std::ifstream Stream;
+};
+
 /// @param largest  maximum size, bytes
 /// @throws FileError  if it is missing, empty, too large, not a regular file or can't be opened
-std::ifstream OpenFile(const std::filesystem::path &file, std::uintmax_t largest);
+OpenedFile OpenFile(const std::filesystem::path &file, std::uintmax_t largest);
 
 /// All bytes of a file.
 /// @param largest  maximum size, bytes

@@ -22,7 +22,7 @@ std::optional<DisplayFacts> QueryX();
 std::optional<DisplayFacts> QueryWayland();
 
 /// Chooses Wayland if the compositor lets a program capture the pointer, else X. Chooses the scale
-/// (`WindowScale`) of all windows, fonts and boxes. A scale that the user has set in Qt's environment
-/// variables is kept. If it is unusable, it is dropped with a message on standard error. Must be called
-/// before Qt starts.
+/// (`WindowScale`) of all windows, fonts and boxes. What the user has chosen in Qt's environment
+/// variables is kept; an unusable scale is dropped with a message on standard error. Must be called before
+/// Qt starts.
 void ChooseDisplay();

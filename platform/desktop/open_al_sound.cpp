@@ -92,8 +92,7 @@ void Check(const std::string &what) {
 /// @throws FileError
 void RequireComplete(const std::filesystem::path &path) {
   constexpr std::size_t Mark = 4, ChunkHeader = 8, FileHeader = 12; // bytes
-  std::ifstream file = OpenFile(path, LargestFile);
-  const std::uintmax_t size = StampOf(path).Size;
+  auto [size, file] = OpenFile(path, LargestFile);
   std::array<char, FileHeader> header{};
   const auto mark = [&](std::size_t at) { return std::string_view(&header[at], Mark); };
   if (!file.read(header.data(), FileHeader) || mark(0) != "RIFF" || mark(8) != "WAVE")

@@ -1,7 +1,7 @@
 // Plays the real program for a long time and checks that what it holds doesn't grow. Beside the samples it
 // writes a screenshot wherever play doesn't go as planned.
 //   soak match GAME DIRECTORY MINUTES   a match of 99 rounds against the computer, left after that time
-//   soak windows GAME DIRECTORY TIMES   opens and closes everything of the launch window
+//   soak windows GAME DIRECTORY TIMES   opens and closes all of the launch window so many times
 //   soak network GAME DIRECTORY ROUNDS HOST_DISPLAY JOINER_DISPLAY   a match between two programs on loopback
 
 #include "tools/playthrough/launch.h"

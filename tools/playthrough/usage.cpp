@@ -90,7 +90,8 @@ Usage::Usage(pid_t process, const std::string &display, const fs::path &record) 
     const auto start = Clock::now();
     do {
       Sample sample{MemoryOf(files), EntriesOf(files / "fd"), EntriesOf(files / "task")};
-      if (!AskServer(server.get(), process, sample[3], sample[4])) return;
+      lost_ = !AskServer(server.get(), process, sample[3], sample[4]);
+      if (lost_) return;
       samples_.push_back(sample);
       out << std::chrono::duration_cast<std::chrono::seconds>(Clock::now() - start).count();
       for (const double figure : sample) out << '\t' << figure;
@@ -102,6 +103,12 @@ Usage::Usage(pid_t process, const std::string &display, const fs::path &record) 
 bool Usage::Report() const {
   const std::size_t begin = std::min(WarmUp, samples_.size() / 4);
   const std::size_t quarter = samples_.size() / 4;
+  if (lost_ || quarter == 0) {
+    std::printf("%zu samples%s: too few to tell whether anything grows\n", samples_.size(),
+                lost_ ? ", then the display no longer answered" : "");
+    std::fflush(stdout);
+    return false;
+  }
   bool flat = true;
   std::printf("%zu samples, %zu of them warm-up\n%-32s%10s%10s%10s%10s%10s%10s\n", samples_.size(), begin, "",
               "first", "least", "most", "end", "2nd q.", "4th q.");
@@ -110,7 +117,7 @@ bool Usage::Report() const {
     for (const Sample &sample : samples_) figures.push_back(sample[kind]);
     const auto leastFrom = [&](std::size_t from) {
       const auto start = figures.begin() + static_cast<std::ptrdiff_t>(from);
-      return quarter == 0 ? 0.0 : *std::min_element(start, start + static_cast<std::ptrdiff_t>(quarter));
+      return *std::min_element(start, start + static_cast<std::ptrdiff_t>(quarter));
     };
     const auto [least, most] =
         std::minmax_element(figures.begin() + static_cast<std::ptrdiff_t>(begin), figures.end());

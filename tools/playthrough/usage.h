@@ -19,12 +19,14 @@ public:
   void Stop() { sampler_ = {}; } ///< must come before the process ends
 
   /// Prints a table of the samples after a warm-up.
-  /// @returns false if something has grown
+  /// @returns false if something has grown, or if there are too few samples to tell
   bool Report() const;
 
 private:
   using Sample = std::array<double, 5>; ///< one figure of each kind
 
-  std::vector<Sample> samples_; ///< the sampler's until it is stopped
+  // The sampler's until it is stopped.
+  std::vector<Sample> samples_;
+  bool lost_ = false; ///< the display no longer answers
   std::jthread sampler_;
 };

@@ -207,7 +207,7 @@ View Lens::Next(const Direct3DRMFrame3 &camera, std::span<const Seen> scene, flo
     if (Apart(from, path.Low, target) < PointReach && Apart(from, path.High, target) < PointReach)
       mover.Covered = path;
   }
-  const auto points = PointsToShow(from, scene, *subject, cut ? QVector3D() : step);
+  const auto points = PointsToShow(from, scene, *subject, table, cut ? QVector3D() : step);
   const bool falls = table && from.Origin.y < table->High.y;
   const Framing wanted = Wanted(from, *subject, points, symmetric, falls, aspect);
   const bool still = started_ && from == from_ && step.length() == 0;
@@ -264,7 +264,8 @@ std::vector<Vector> Lens::MoverPoints(const Transform &camera, const Vector &tar
 
 /// The points that the frame should contain besides the target.
 std::vector<Vector> Lens::PointsToShow(const Transform &camera, std::span<const Seen> scene,
-                                       const Seen &subject, const QVector3D &step) const {
+                                       const Seen &subject, const std::optional<Bounds> &table,
+                                       const QVector3D &step) const {
   const Vector &target = subject.Place.Origin;
   std::vector<Vector> points = MoverPoints(camera, target);
   for (const Seen &seen : scene) {
@@ -283,7 +284,7 @@ std::vector<Vector> Lens::PointsToShow(const Transform &camera, std::span<const 
     while (Apart(camera, *stop, target) > StopReach) stop = V(V(target) + (V(*stop) - V(target)) * StopStep);
     points.push_back(*stop);
   }
-  if (const auto table = TableOf(scene)) {
+  if (table) {
     const Vector edge = EdgeNear(*table, target);
     // The near edge would pull the view down to the feet of a player who has left it behind.
     const float drop = BearingOf(camera, target).Pitch - BearingOf(camera, edge).Pitch;

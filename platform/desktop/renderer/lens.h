@@ -8,6 +8,7 @@
 
 #include <QVector3D>
 
+#include <optional>
 #include <span>
 #include <vector>
 
@@ -65,7 +66,7 @@ private:
   void FollowMovers(std::span<const Seen> scene, const Direct3DRMFrame3 *target, bool cut, bool targetMoves);
   std::vector<Vector> MoverPoints(const Transform &camera, const Vector &target) const;
   std::vector<Vector> PointsToShow(const Transform &camera, std::span<const Seen> scene, const Seen &subject,
-                                   const QVector3D &step) const;
+                                   const std::optional<Bounds> &table, const QVector3D &step) const;
   Framing Wanted(const Transform &camera, const Seen &subject, std::span<const Vector> points, bool symmetric,
                  bool falls, float aspect) const;
 
