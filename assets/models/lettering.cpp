@@ -138,7 +138,7 @@ void AddLetters(Mesh &mesh, std::string_view text, const Lettering &lettering, c
         }
         Stroke(flat, path, line.kind == Kind::Closed, lettering.stroke, 0.0, paint);
       }
-      const auto stood = [&](const Point &flat) { return lettering.right * flat.x + lettering.up * flat.z; };
+      const auto stood = [&](const Point &laid) { return lettering.right * laid.x + lettering.up * laid.z; };
       mesh.Append(flat, [&](const Vertex &vertex) {
         return Vertex{lettering.origin + stood(vertex.at), normal, vertex.paint, stood(vertex.across)};
       });
