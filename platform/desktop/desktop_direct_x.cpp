@@ -2,7 +2,6 @@
 
 #include "platform/desktop/asio/asio_network.h"
 #include "platform/desktop/desktop_machine.h"
-#include "platform/desktop/open_al_sound.h"
 
 #include <QGuiApplication>
 #include <QScreen>
@@ -10,7 +9,7 @@
 #include <algorithm>
 
 std::shared_ptr<DirectSound> DesktopDirectX::DirectSoundCreate(const std::string &) {
-  return OpenDefaultSound();
+  return machine_.TakeSound();
 }
 
 std::shared_ptr<DirectPlay4> DesktopDirectX::DirectPlayCreate(const std::string &) {

@@ -5,6 +5,7 @@
 #include "platform/desktop/display.h"
 #include "platform/desktop/end_signals.h"
 #include "platform/desktop/files.h"
+#include "platform/desktop/open_al_sound.h"
 #include "platform/desktop/opengl_test.h"
 #include "platform/desktop/plain_box.h"
 #include "platform/desktop/renderer/renderer.h"
@@ -136,6 +137,10 @@ void DesktopMachine::TryOpenGL() {
   });
   openGLTestDelay_.setSingleShot(true);
   openGLTestDelay_.start(AfterFirstPaintMs);
+}
+
+std::shared_ptr<DirectSound> DesktopMachine::TakeSound() {
+  return sound_.valid() ? sound_.get() : OpenDefaultSound();
 }
 
 std::int32_t DesktopMachine::timeGetTime() {

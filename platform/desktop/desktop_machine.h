@@ -13,9 +13,12 @@
 #include <QSocketNotifier>
 #include <QTimer>
 
+#include <future>
 #include <memory>
+#include <utility>
 #include <vector>
 
+class DirectSound;
 class EndSignals;
 class Renderer;
 class ScreenAwake;
@@ -30,6 +33,12 @@ public:
   /// Tests in the background whether OpenGL works. If it doesn't, a later pump throws the error that
   /// `DrawCanvas` would.
   void TryOpenGL();
+
+  /// Hands over a sound device that is being opened.
+  void UseSound(std::future<std::shared_ptr<DirectSound>> sound) { sound_ = std::move(sound); }
+  /// The device that was handed over, or one that is opened now.
+  /// @throws SoundError
+  std::shared_ptr<DirectSound> TakeSound();
 
   std::int32_t timeGetTime() override;
   void Show(Window &window) override;
@@ -74,6 +83,7 @@ private:
   /// Whether data on the watched sockets ends a sleep.
   void SetWatching(bool on);
 
+  std::future<std::shared_ptr<DirectSound>> sound_;
   std::unique_ptr<QApplication> application_;
   Pointer pointer_;
   HomeRouter router_;
