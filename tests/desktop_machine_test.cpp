@@ -139,6 +139,34 @@ TEST(DesktopMachineTest, EveryKindOfControlWorks) {
   EXPECT_EQ(half, lowerHalf);
 }
 
+TEST(DesktopMachineTest, TheRowOfAListIsTheOneThatIsSeenSelected) {
+  Form form(GameMachine::Get());
+  int clicks = 0;
+  form.list.Click = [&] { ++clicks; };
+  auto *list = qobject_cast<QListWidget *>(WidgetOf("list"));
+  const auto expectSelected = [&](int row, const char *after) {
+    form.machine.Pump();
+    EXPECT_EQ(form.list.ListIndex, row) << after;
+    const QModelIndexList seen = list->selectionModel()->selectedIndexes();
+    EXPECT_EQ(seen.isEmpty() ? -1 : seen.front().row(), row) << after;
+  };
+  list->setFocus(Qt::TabFocusReason);
+  expectSelected(-1, "Tab");
+  EXPECT_EQ(clicks, 0);
+  QTest::keyClick(list, Qt::Key_Down);
+  expectSelected(0, "Down");
+  const QPoint first = list->visualItemRect(list->item(0)).center();
+  QTest::mouseClick(list->viewport(), Qt::LeftButton, Qt::ControlModifier, first);
+  expectSelected(0, "a click with Ctrl on it");
+  QTest::keyClick(list, Qt::Key_Space, Qt::ControlModifier);
+  expectSelected(0, "Ctrl and the space bar");
+  QTest::keyClick(list, Qt::Key_Down, Qt::ControlModifier);
+  expectSelected(1, "Ctrl and Down");
+  form.list.ListIndex = -1;
+  expectSelected(-1, "the game");
+  EXPECT_EQ(clicks, 2);
+}
+
 TEST(DesktopMachineTest, RandomNumbersDiffer) {
   constexpr int Draws = 100;
   std::set<float> numbers;

@@ -146,6 +146,27 @@ private:
   int shownValue_ = -1;
 };
 
+/// A list with at most one selected row. Qt would make a row current without selecting it, which no player
+/// sees: when the list gets the focus, and when Ctrl deselects the row.
+class RowList : public QListWidget {
+public:
+  using QListWidget::QListWidget;
+
+  int SelectedRow() const { return selectedItems().isEmpty() ? -1 : row(selectedItems().front()); }
+
+protected:
+  void focusInEvent(QFocusEvent *event) override {
+    QListWidget::focusInEvent(event);
+    if (SelectedRow() < 0) selectionModel()->clearCurrentIndex();
+  }
+
+  QItemSelectionModel::SelectionFlags selectionCommand(const QModelIndex &index,
+                                                       const QEvent *event) const override {
+    const auto command = QListWidget::selectionCommand(index, event);
+    return command.testFlag(QItemSelectionModel::Deselect) ? QItemSelectionModel::NoUpdate : command;
+  }
+};
+
 /// A list box or a drop-down list.
 template <class Record, class QtWidget> class RowsView : public Field<Record, QtWidget> {
 public:
@@ -159,8 +180,9 @@ public:
         if (this->model_.Click) this->model_.Click();
       });
     };
-    if constexpr (std::is_same_v<QtWidget, QListWidget>) {
-      QObject::connect(this->widget_, &QListWidget::currentRowChanged, chosen);
+    if constexpr (std::is_same_v<QtWidget, RowList>) {
+      QObject::connect(this->widget_, &QListWidget::itemSelectionChanged,
+                       [this, chosen] { chosen(this->widget_->SelectedRow()); });
     } else {
       SetAccessibleRole(*this->widget_, QAccessible::ComboBox);
       QObject::connect(this->widget_, &QComboBox::currentIndexChanged, chosen);
@@ -194,7 +216,7 @@ protected:
     }
     if (shownRow_ != this->model_.ListIndex) {
       shownRow_ = this->model_.ListIndex;
-      if constexpr (std::is_same_v<QtWidget, QListWidget>) {
+      if constexpr (std::is_same_v<QtWidget, RowList>) {
         this->widget_->setCurrentRow(shownRow_);
       } else {
         this->widget_->setCurrentIndex(shownRow_);
@@ -220,6 +242,6 @@ std::unique_ptr<ControlView> ViewMaker::MakeInput(Control &control) const {
   if (auto view = Try<TextBox, TextBoxView>(control)) return view;
   if (auto view = Try<CommandButton, ButtonView>(control)) return view;
   if (auto view = Try<CheckBox, CheckBoxView>(control)) return view;
-  if (auto view = Try<ListBox, RowsView<ListBox, QListWidget>>(control)) return view;
+  if (auto view = Try<ListBox, RowsView<ListBox, RowList>>(control)) return view;
   return Try<ComboBox, RowsView<ComboBox, QComboBox>>(control);
 }
