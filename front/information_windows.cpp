@@ -62,8 +62,7 @@ PictureWindow::PictureWindow(Machine &machine, const std::string &name, const st
 }
 
 void PictureWindow::ShowModal() {
-  clicksFrom_ = machine_.ClockIn(DeafMs);
-  machine_.ShowModal(*this);
+  machine_.ShowModal(*this, [this] { clicksFrom_ = machine_.ClockIn(DeafMs); });
 }
 
 void ShowControls(Machine &machine) {

@@ -39,7 +39,7 @@ void Machine::Wait() {
   Pump();
 }
 
-void Machine::ShowModal(Window &window) {
+void Machine::ShowModal(Window &window, const std::function<void()> &opened) {
   struct Shown {
     Machine &machine;
     Window &window;
@@ -48,6 +48,7 @@ void Machine::ShowModal(Window &window) {
   const ModalScope scope(*this, window);
   const Shown shown{*this, window};
   Show(window);
+  if (opened) opened();
   while (window.Visible && !ModalsEnd()) Wait();
 }
 

@@ -114,7 +114,8 @@ public:
   };
 
   /// Opens a window and pumps until it is closed. No other window gets events meanwhile.
-  void ShowModal(Window &window);
+  /// @param opened  called once the window is on the screen, before its first event
+  void ShowModal(Window &window, const std::function<void()> &opened = {});
 
   /// Checks, before they are needed, that the files which a window shows are readable.
   /// @throws FileError  that names the file and says why

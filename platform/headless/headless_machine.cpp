@@ -63,6 +63,7 @@ void HeadlessMachine::Show(Window &window) {
   for (Control *control : window.Controls) {
     if (dynamic_cast<Canvas *>(control)) Focus = control;
   }
+  now_ += ShowMs;
 }
 
 void HeadlessMachine::Hide(Window &window) {

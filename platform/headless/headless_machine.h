@@ -67,6 +67,7 @@ public:
   std::set<std::string> BrokenPlays;  ///< files whose buffer fails to play
   int Bpp = 16;
   std::int32_t DrawMs = 0;     ///< virtual time to draw a frame: a slow computer
+  std::int32_t ShowMs = 0;     ///< the same to open a window
   std::int32_t BoxMs = 500;    ///< virtual time after which OK is pressed
   std::function<void()> OnBox; ///< called when a box is shown
   std::function<std::shared_ptr<DirectPlay4>()> MakeDirectPlay; ///< empty: the computer has no network
