@@ -238,6 +238,7 @@ public:
   void ShowShots();   ///< shows the attempts left, as text and as paper triangles
   void CountScores(); ///< updates both boards; one whose score has risen flashes
   void StepBoards();  ///< one step of the flashing
+  void CloseBoards(); ///< at the end: ends the flashing, lights the winner's board (both after a tie)
 
   RMCanvas RMCanvas1;
   Ref<Direct3DRMFrame3> CameraFrame, PieceFrame, AimFrame, ArrowFrame, CornerA, CornerB, CornerC, TableFrame,

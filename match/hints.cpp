@@ -94,7 +94,7 @@ void frmSnapwedge::HintAim() {
     return;
   case Shooter::Other:
     lblHint.Caption = KickMode ? "The other player kicks for 1 point."
-                               : "The other player's turn. Press ~ to write a message.";
+                               : "The other player's turn. Press ~ to write a message, Enter to send it.";
     return;
   case Shooter::Here:
     break;

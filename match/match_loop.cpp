@@ -95,6 +95,7 @@ void frmSnapwedge::EndMatch() {
   program.PlayOnce(program.SndWis3);
   NoShot = True;
   HintOver();
+  CloseBoards();
   machine.ShowCursor(-1);
   program.PlayOnce(program.SndGuit2);
   program.PlayLoop(program.SndTheme);

@@ -113,3 +113,10 @@ void frmSnapwedge::StepBoards() {
   const bool home = Step(HomeBoard), away = Step(AwayBoard);
   if (home || away) LightBoards();
 }
+
+void frmSnapwedge::CloseBoards() {
+  // The end card stops the frames, so a flash would stay as it is.
+  HomeBoard.FlashSteps = AwayBoard.FlashSteps = 0;
+  Light(HomeBoard, HomeScore >= AwayScore);
+  Light(AwayBoard, AwayScore >= HomeScore);
+}

@@ -228,6 +228,34 @@ TEST(DesktopMachineTest, ALabelIsNeverCutOffAndIsReadableOnTheDesktopsOwnGround)
   }
 }
 
+TEST(DesktopMachineTest, ALongTextThatCantBeScrolledIsShownInTwoLines) {
+  Window window;
+  TextBox box;
+  window.Width = window.Height = 430;
+  box.Name = "received";
+  box.Place = {0, 0, 417, 27};
+  box.Locked = true;
+  window.Controls = {&box};
+  GameMachine &machine = GameMachine::Get();
+  machine.Show(window);
+  const auto look = [&](const std::string &text) {
+    box.Text = text;
+    machine.Pump();
+    return WidgetOf("received")->grab().toImage();
+  };
+  // Texts that differ near their end only, up to what the smallest font holds.
+  const std::string word = "words ";
+  for (const int words : {1, 8, 16, 24}) {
+    SCOPED_TRACE(words);
+    std::string text;
+    for (int i = 0; i < words; ++i) text += word;
+    EXPECT_NE(look(text + "here"), look(text + "home"));
+  }
+  const std::string unbroken(100, 'n');
+  EXPECT_NE(look(unbroken + "i"), look(unbroken + "o"));
+  machine.Hide(window);
+}
+
 TEST(DesktopMachineTest, WordsOfButtonsAndDropDownListsAreNeverCutOff) {
   struct Row {
     const char *words;

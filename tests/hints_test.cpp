@@ -283,7 +283,7 @@ TEST(HintsTest, TheWaitingSideShowsOnlyWhatItReceived) {
   };
   game.machine.OnDraw = [&](Canvas &) { look(); };
   game.machine.OnRepaint = look;
-  const std::string waits = "The other player's turn. Press ~ to write a message.";
+  const std::string waits = "The other player's turn. Press ~ to write a message, Enter to send it.";
   EXPECT_EQ(game.window.lblHint.Caption, waits);
   look();
   // A Touchdown, and a kick that misses in the replay but was good on the other computer.

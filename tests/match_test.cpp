@@ -65,9 +65,15 @@ TEST(MatchTest, TheEndCardAndItsSoundsFitTheScore) {
     game.SoundsSince();
     game.window.HomeScore = row.home;
     game.window.AwayScore = row.away;
+    game.window.PostScore(); // the boards begin to flash
     const auto endCard = PlayByMouse(game, 1);
     EXPECT_THROW(game.window.EndMatch(), ProgramEnd);
     EXPECT_EQ(*endCard, row.card);
+    const auto lit = [](const SideBoard &board) {
+      return board.Tile.Visible && board.Tile.Picture == "ScoreTile";
+    };
+    EXPECT_EQ(lit(game.window.HomeBoard), row.home >= row.away);
+    EXPECT_EQ(lit(game.window.AwayBoard), row.away >= row.home);
     EXPECT_EQ(game.SoundsSince(), std::string("play wis3.daw, play guit2.daw, loop theme.daw, ") + row.sound);
   }
 }

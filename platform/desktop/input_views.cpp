@@ -1,11 +1,11 @@
 // The interactive controls: text boxes, buttons, check boxes and lists.
 
 #include "platform/desktop/accessible.h"
+#include "platform/desktop/painted_views.h"
 #include "platform/desktop/typed_view.h"
 
 #include <QCheckBox>
 #include <QComboBox>
-#include <QLineEdit>
 #include <QListWidget>
 #include <QPushButton>
 #include <QStyle>
@@ -29,7 +29,7 @@ public:
   }
 };
 
-class TextBoxView : public Field<TextBox, QLineEdit> {
+class TextBoxView : public Field<TextBox, TextLine> {
 public:
   TextBoxView(DesktopMachine &machine, Window &window, TextBox &model, QWidget &parent)
       : Field(machine, window, model, parent) {

@@ -5,6 +5,9 @@
 #include <QLinearGradient>
 #include <QPaintEvent>
 #include <QPainter>
+#include <QStyle>
+#include <QStyleOptionFrame>
+#include <QTextLayout>
 
 #include <algorithm>
 #include <cmath>
@@ -19,6 +22,21 @@ const QColor TextColor(244, 250, 236);
 const QColor GhostColor(255, 225, 77);
 const QColor WarningColor(255, 138, 122);
 const QColor LitRed(255, 36, 24);
+
+constexpr int TextMargin = 2;   ///< on the left and right of a text box, pixels
+constexpr int SmallestText = 9; ///< of a text in two lines, pixels
+
+/// Breaks a text into two lines. Returns whether it fits.
+bool BreakInTwo(QTextLayout &layout, int width) {
+  layout.beginLayout();
+  int lines = 0;
+  for (QTextLine line = layout.createLine(); line.isValid(); line = layout.createLine()) {
+    line.setLineWidth(width);
+    ++lines;
+  }
+  layout.endLayout();
+  return lines <= 2;
+}
 
 } // namespace
 
@@ -127,6 +145,42 @@ void MeterWidget::PaintScale(QPainter &painter) const {
     painter.setPen(ink);
     painter.drawText(place, Qt::AlignLeft | Qt::AlignVCenter, words);
   }
+}
+
+void TextLine::paintEvent(QPaintEvent *event) {
+  QStyleOptionFrame frame;
+  initStyleOption(&frame);
+  const QRect place = style()
+                          ->subElementRect(QStyle::SE_LineEditContents, &frame, this)
+                          .adjusted(TextMargin, 0, -TextMargin, 0);
+  if (!isReadOnly() || fontMetrics().horizontalAdvance(text()) <= place.width()) {
+    QLineEdit::paintEvent(event);
+    return;
+  }
+  QPainter painter(this);
+  style()->drawPrimitive(QStyle::PE_PanelLineEdit, &frame, &painter, this);
+  painter.setPen(palette().color(QPalette::Text));
+
+  QTextOption wrap(alignment());
+  wrap.setWrapMode(QTextOption::WrapAtWordBoundaryOrAnywhere);
+  QFont small = font();
+  QTextLayout layout(text(), small);
+  layout.setTextOption(wrap);
+  while (!BreakInTwo(layout, place.width()) && small.pixelSize() > SmallestText) {
+    small.setPixelSize(small.pixelSize() - 1);
+    layout.setFont(small);
+  }
+  const QTextLine first = layout.lineAt(0), second = layout.lineAt(1);
+  const QString rest = text().mid(second.textStart());
+  painter.setFont(small);
+  const int middle = place.center().y() + 1;
+  const int pitch = place.height() / 2;
+  const QFontMetrics metrics(small);
+  const auto write = [&](const QString &words, int lineMiddle) {
+    painter.drawText(place.left(), lineMiddle + (metrics.ascent() - metrics.descent()) / 2, words);
+  };
+  write(text().mid(first.textStart(), first.textLength()), middle - pitch / 2);
+  write(metrics.elidedText(rest, Qt::ElideRight, place.width()), middle + (pitch + 1) / 2);
 }
 
 LineWidget::LineWidget(QWidget *parent) : QWidget(parent) { SetAccessibleRole(*this, QAccessible::NoRole); }

@@ -1,9 +1,11 @@
 #pragma once
 
-// Widgets that the toolkit doesn't have: the power meter, a line, an empty rectangle.
+// Widgets that the toolkit doesn't have: the power meter, a text box of two lines, a line, an empty
+// rectangle.
 
 #include "platform/controls.h"
 
+#include <QLineEdit>
 #include <QWidget>
 
 #include <optional>
@@ -39,6 +41,17 @@ private:
 
   int barWidth_ = 0;
   Face face_;
+};
+
+/// A text box whose text, if it can't be edited and is too long for one line, takes two. It can't be
+/// scrolled: the play window captures the pointer. What two lines of the smallest font don't hold ends with
+/// an ellipsis.
+class TextLine : public QLineEdit {
+public:
+  using QLineEdit::QLineEdit;
+
+protected:
+  void paintEvent(QPaintEvent *event) override;
 };
 
 class LineWidget : public QWidget {
