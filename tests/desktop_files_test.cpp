@@ -4,9 +4,9 @@
 #include "front/check_files.h"
 #include "match/frm_snapwedge.h"
 #include "net/frm_new_net.h"
-#include "platform/desktop/desktop_machine.h"
 #include "platform/desktop/open_al_sound.h"
 #include "platform/files.h"
+#include "tests/desktop_kit.h"
 
 #include <gtest/gtest.h>
 
@@ -28,13 +28,7 @@ public:
   fs::path AppPath() const override { return directory; }
   fs::path directory;
 
-  static CopyMachine &Get() {
-    static int count = 1;
-    static char name[] = "test";
-    static char *arguments[] = {name, nullptr};
-    static CopyMachine machine(count, arguments);
-    return machine;
-  }
+  static CopyMachine &Get() { return TheOnly<CopyMachine>(); }
 };
 
 std::string Content(const fs::path &file) {

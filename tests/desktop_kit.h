@@ -9,18 +9,21 @@
 #include <algorithm>
 #include <cmath>
 
+/// The one application or machine of all tests. It is never destroyed, because Qt's statics are destroyed
+/// before it.
+template <class T> T &TheOnly() {
+  static int count = 1;
+  static char name[] = "test";
+  static char *arguments[] = {name, nullptr};
+  static auto *object = new T(count, arguments);
+  return *object;
+}
+
 class GameMachine : public BuiltGameMachine {
 public:
   using BuiltGameMachine::BuiltGameMachine;
 
-  /// One machine for all tests. It is never destroyed, because Qt's statics are destroyed before it.
-  static GameMachine &Get() {
-    static int count = 1;
-    static char name[] = "test";
-    static char *arguments[] = {name, nullptr};
-    static auto *machine = new GameMachine(count, arguments);
-    return *machine;
-  }
+  static GameMachine &Get() { return TheOnly<GameMachine>(); }
 
   std::shared_ptr<void> Watch(int socket) override {
     auto watch = DesktopMachine::Watch(socket);

@@ -24,15 +24,14 @@ struct Shot {
 
   void Take() {
     const auto &scene = *game.window.RMCanvas1.SceneFrame;
-    std::vector<Seen> seen;
-    for (const Placed &placed : Collect(scene)) {
-      const auto &mesh = *placed.Mesh;
-      auto [box, isNew] = boxes.try_emplace(mesh.get(), Bounds(mesh->Data().Positions.front()));
-      for (std::size_t i = 0; isNew && i < mesh->Data().Positions.size(); ++i)
-        box->second.Widen(mesh->Data().Positions[i]);
-      seen.push_back({placed.Frame, placed.Place, box->second});
+    std::vector<Item> items = Collect(scene);
+    for (Item &item : items) {
+      const auto &mesh = *item.Mesh;
+      const auto [box, isNew] = boxes.try_emplace(mesh.get());
+      if (isNew) box->second = Bounds::Of(mesh->Data());
+      item.SetBounds(box->second);
     }
-    view = lens.Next(*game.window.CameraFrame, seen, FrameWidth / FrameHeight);
+    view = lens.Next(*game.window.CameraFrame, items, FrameWidth / FrameHeight);
     if (onFrame) onFrame();
   }
 
@@ -72,7 +71,7 @@ struct Shot {
 
   Game game;
   Lens lens;
-  View view;
+  CameraView view;
   std::map<const Direct3DRMMeshBuilder3 *, Bounds> boxes;
   std::function<void()> onFrame;
 };
@@ -178,7 +177,7 @@ TEST(LensTest, ThePieceIsFoundInEveryFrameOfAShot) {
     Shot shot(row.mode);
     int frames = 0, sinceCut = 0, lost = 0, tiny = 0, high = 0, jerks = 0, sways = 0;
     Vector camera;
-    View last;
+    CameraView last;
     QVector3D place, step; // of the piece in the frame
     shot.onFrame = [&] {
       const QVector3D at = shot.At(shot.Piece()), moved = at - place;
@@ -273,7 +272,7 @@ TEST(LensTest, TheViewStaysWhileSomebodyAimsAndSettlesUnderMovingPosts) {
   Shot shot;
   auto &window = shot.game.window;
   shot.Settle();
-  const View before = shot.view;
+  const CameraView before = shot.view;
   for (int frame = 0; frame < 20; ++frame) {
     window.AimFrame->AddRotation(D3DRMCOMBINE_BEFORE, 0, 1, 0, frame % 2 ? 0.01f : -0.01f);
     window.LookCam();

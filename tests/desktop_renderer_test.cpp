@@ -2,6 +2,7 @@
 // needs.
 
 #include "platform/desktop/renderer/renderer.h"
+#include "tests/desktop_kit.h"
 #include "tests/game_kit.h"
 
 #include <QGuiApplication>
@@ -28,15 +29,7 @@ struct RenderedGame {
     return renderer.Frame().copy();
   }
 
-  static QGuiApplication &Application() {
-    static int count = 1;
-    static char name[] = "test";
-    static char *arguments[] = {name, nullptr};
-    static QGuiApplication application(count, arguments);
-    return application;
-  }
-
-  QGuiApplication &application = Application();
+  QGuiApplication &application = TheOnly<QGuiApplication>();
   Game game;
   Renderer renderer;
 };
@@ -380,7 +373,7 @@ TEST(RendererTest, FlickerOfTwoSurfacesInOnePlaneWouldBeSeen) {
 }
 
 TEST(RendererTest, TheDriverCachesNothingOnAFullDisk) {
-  RenderedGame::Application();
+  TheOnly<QGuiApplication>();
   const struct {
     const char *variable, *cache, *disabled;
   } rows[] = {{"XDG_CACHE_HOME", "/tmp/not/there", ""},

@@ -1,6 +1,6 @@
 // Inhibiting screen blanking during a network match, on a private message bus.
 
-#include "platform/desktop/desktop_machine.h"
+#include "tests/desktop_kit.h"
 
 #include <QDBusConnection>
 #include <QDBusMessage>
@@ -66,21 +66,13 @@ protected:
                  {"--session", "--nofork", "--nopidfile", "--print-address", "--address=" + address});
     ASSERT_TRUE(daemon.waitForReadyRead()) << "dbus-daemon is missing";
     qputenv("DBUS_SESSION_BUS_ADDRESS", address.toUtf8());
-    static int count = 1;
-    static char name[] = "test";
-    static char *arguments[] = {name, nullptr};
-    machine = new DesktopMachine(count, arguments);
+    machine = &GameMachine::Get();
   }
 
   static bool PumpUntil(const std::function<bool()> &reached) {
     const std::int32_t end = machine->ClockIn(5000);
     while (!reached() && !machine->ClockReached(end)) machine->WaitUntil(machine->ClockIn(10));
     return reached();
-  }
-
-  static void PumpFor(std::int32_t milliseconds) {
-    const std::int32_t end = machine->ClockIn(milliseconds);
-    while (!machine->ClockReached(end)) machine->WaitUntil(end);
   }
 
   static inline DesktopMachine *machine = nullptr;
@@ -101,11 +93,11 @@ TEST_F(ScreenAwakeTest, StaysAwakeWhileAWindowAsksForIt) {
     Window quiet, awake;
     awake.KeepsScreenAwake = true;
     machine->Show(quiet);
-    PumpFor(100);
+    PumpFor(*machine, 100);
     EXPECT_EQ(desktop.log, QStringList());
     machine->Show(awake);
     EXPECT_TRUE(PumpUntil([&] { return desktop.log.size() == 1; }));
-    PumpFor(100);
+    PumpFor(*machine, 100);
     machine->Hide(awake);
     EXPECT_TRUE(PumpUntil([&] { return desktop.log.size() == 2; }));
     EXPECT_EQ(desktop.log, row.log);
@@ -119,9 +111,9 @@ TEST_F(ScreenAwakeTest, ADesktopWithoutTheInterfaceIsNoFault) {
   Window awake;
   awake.KeepsScreenAwake = true;
   machine->Show(awake);
-  PumpFor(200);
+  PumpFor(*machine, 200);
   machine->Hide(awake);
-  PumpFor(50);
+  PumpFor(*machine, 50);
 }
 
 } // namespace

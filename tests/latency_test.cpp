@@ -1,9 +1,7 @@
 // The delay from the release on one computer to the replay on the other.
 
-#include "platform/headless/wire.h"
-#include "platform/search_dialog.h"
-#include "platform/session/session_direct_play.h"
 #include "tests/game_kit.h"
+#include "tests/session_kit.h"
 #include "tools/netsim/fibre.h"
 
 #include <gtest/gtest.h>
@@ -70,7 +68,6 @@ TEST(LatencyTest, AReplayBeginsWithinAFrameOfTheShotsArrival) {
   wire.Line().LatencyMs = WireMs;
   Computer host(wire, "10.0.0.1", 1);
   Computer joiner(wire, "10.0.0.2", 2);
-  const std::string guid = "{7AB2F242-475F-11D4-AF9B-00C04F361528}";
   const auto play = [](Computer &side) {
     try {
       side.game.window.PlayRounds();
@@ -80,7 +77,7 @@ TEST(LatencyTest, AReplayBeginsWithinAFrameOfTheShotsArrival) {
   };
   host.fibre.emplace([&] {
     DirectPlaySessionData data;
-    data.SetGuidApplication(guid);
+    data.SetGuidApplication(kit::GameGuid);
     data.SetMaxPlayers(2);
     data.SetRounds(Rounds);
     host.play->Open(data, DPOPEN_CREATE);
@@ -97,7 +94,7 @@ TEST(LatencyTest, AReplayBeginsWithinAFrameOfTheShotsArrival) {
       joiner.game.machine.Press(*button);
     });
     DirectPlaySessionData wanted;
-    wanted.SetGuidApplication(guid);
+    wanted.SetGuidApplication(kit::GameGuid);
     joiner.play->Open(joiner.play->GetDPEnumSessions(wanted, 0, 1)->GetItem(1), DPOPEN_JOIN);
     joiner.Begin(joiner.play->CreatePlayer("Thicket", "Player2", 0, 0), false);
     joiner.game.window.SetUp();

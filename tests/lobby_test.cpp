@@ -186,7 +186,7 @@ TEST(LobbyTest, TheCloseBoxEndsTheProgramAlsoWhileItSearchesOrJoins) {
     session::SessionDirectPlay host(lobby.machine, lobby.wire.Plug("10.0.0.2"));
     host.InitializeConnection("internet");
     DirectPlaySessionData data;
-    data.SetGuidApplication("{7AB2F242-475F-11D4-AF9B-00C04F361528}");
+    data.SetGuidApplication(kit::GameGuid);
     data.SetSessionName("SNWG77");
     data.SetRounds(3);
     data.SetMaxPlayers(2);

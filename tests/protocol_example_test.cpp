@@ -1,9 +1,7 @@
 // The worked example of docs/protocol.md: a joiner sends the bytes of the document to the game.
 
-#include "platform/headless/wire.h"
-#include "platform/search_dialog.h"
-#include "platform/session/session_direct_play.h"
 #include "tests/game_kit.h"
+#include "tests/session_kit.h"
 
 #include <gtest/gtest.h>
 
@@ -75,7 +73,7 @@ struct Played {
     game.program.IsHost = True;
     play->InitializeConnection("internet");
     DirectPlaySessionData data;
-    data.SetGuidApplication("{7AB2F242-475F-11D4-AF9B-00C04F361528}");
+    data.SetGuidApplication(kit::GameGuid);
     data.SetSessionName("SNWG7");
     data.SetMaxPlayers(2);
     data.SetFlags(DPSESSION_MIGRATEHOST);

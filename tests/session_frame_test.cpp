@@ -2,6 +2,7 @@
 
 #include "platform/session/frame.h"
 #include "platform/session/session_message.h"
+#include "tests/session_kit.h"
 
 #include <gtest/gtest.h>
 
@@ -12,8 +13,7 @@ using session::Bytes;
 
 namespace {
 
-const std::string GameGuid = "{7AB2F242-475F-11D4-AF9B-00C04F361528}";
-const session::Guid Game = *session::ParseGuid(GameGuid);
+const session::Guid Game = *session::ParseGuid(kit::GameGuid);
 
 std::string Hex(const Bytes &bytes) {
   constexpr const char *Digits = "0123456789abcdef";
@@ -145,7 +145,7 @@ TEST(SessionFrameTest, NamesAreCutBetweenCharacters) {
 }
 
 TEST(SessionFrameTest, AGuidRoundTripsThroughItsText) {
-  EXPECT_EQ(session::GuidText(Game), GameGuid);
+  EXPECT_EQ(session::GuidText(Game), kit::GameGuid);
   for (const char *none :
        {"", "7AB2F242-475F-11D4-AF9B-00C04F361528", "{7AB2F242-475F-11D4-AF9B-00C04F36152G}",
         "{7AB2F242+475F-11D4-AF9B-00C04F361528}"}) {

@@ -117,27 +117,15 @@ public:
 
   std::unique_ptr<session::Listener> Listen(Reach reach, std::uint16_t port) override {
     if (Killed()) return nullptr;
-    for (const auto &weak : state_->listeners) {
-      const auto other = weak.lock();
-      if (other && other->address == plug_->address && other->port == port) return nullptr;
-    }
-    auto listener = std::make_shared<WireListener>(WireListener{plug_->address, reach, port, {}});
-    std::erase_if(state_->listeners, [](const auto &each) { return each.expired(); });
-    state_->listeners.push_back(listener);
-    return std::make_unique<ListenerEnd>(state_, std::move(listener));
+    auto listener = Open(state_->listeners, reach, port);
+    return listener ? std::make_unique<ListenerEnd>(state_, std::move(listener)) : nullptr;
   }
 
   std::unique_ptr<session::DatagramPort> OpenDatagrams(Reach reach, std::uint16_t port) override {
     if (Killed()) return nullptr;
     if (port == 0) port = state_->nextPort++;
-    for (const auto &weak : state_->datagrams) {
-      const auto other = weak.lock();
-      if (other && other->address == plug_->address && other->port == port) return nullptr;
-    }
-    auto opened = std::make_shared<WireDatagrams>(WireDatagrams{plug_->address, reach, port, {}});
-    std::erase_if(state_->datagrams, [](const auto &each) { return each.expired(); });
-    state_->datagrams.push_back(opened);
-    return std::make_unique<DatagramEnd>(state_, std::move(opened));
+    auto opened = Open(state_->datagrams, reach, port);
+    return opened ? std::make_unique<DatagramEnd>(state_, std::move(opened)) : nullptr;
   }
 
   std::unique_ptr<session::RouterPort> OpenRouterPort(std::uint16_t port) override {
@@ -178,6 +166,20 @@ public:
 
 private:
   bool Killed() const { return state_->killed.contains(plug_->address); }
+
+  /// Opens a port of this computer. Returns null if it is taken.
+  template <class Port>
+  std::shared_ptr<Port> Open(std::vector<std::weak_ptr<Port>> &ports, Reach reach, std::uint16_t number) {
+    for (const auto &weak : ports) {
+      const auto other = weak.lock();
+      if (other && other->address == plug_->address && other->port == number) return nullptr;
+    }
+    auto opened = std::make_shared<Port>(Port{plug_->address, reach, number, {}});
+    std::erase_if(ports, [](const auto &each) { return each.expired(); });
+    ports.push_back(opened);
+    return opened;
+  }
+
   std::unique_ptr<session::Lookup> Found(std::vector<std::string> addresses) {
     return std::make_unique<WireLookup>(state_, std::move(addresses));
   }

@@ -4,7 +4,6 @@
 
 #include "match/frm_snapwedge.h"
 #include "platform/desktop/renderer/lens.h"
-#include "platform/desktop/renderer/placed.h"
 #include "platform/desktop/renderer/renderer.h"
 #include "platform/headless/headless_machine.h"
 #include "tools/game_directory.h"
@@ -63,8 +62,7 @@ osg::ref_ptr<osg::Texture2D> TextureOf(const Direct3DRMTexture &texture) {
   return to;
 }
 
-osg::ref_ptr<osg::MatrixTransform> NodeOf(const Placed &placed) {
-  const Direct3DRMMeshBuilder3 &mesh = **placed.Mesh;
+osg::ref_ptr<osg::MatrixTransform> NodeOf(const Direct3DRMMeshBuilder3 &mesh) {
   const MeshData &data = mesh.Data();
   osg::ref_ptr<osg::Vec3Array> positions = new osg::Vec3Array, normals = new osg::Vec3Array;
   osg::ref_ptr<osg::Vec2Array> coordinates = new osg::Vec2Array;
@@ -187,23 +185,20 @@ public:
 
   /// Brings the scene up to date. @return whether the camera has moved
   bool Follow(const RMCanvas &canvas) {
-    std::vector<Seen> seen;
+    std::vector<Item> items = Collect(*canvas.SceneFrame);
     for (const auto &[key, node] : nodes_) node->setNodeMask(0);
-    for (const Placed &placed : Collect(*canvas.SceneFrame)) {
-      const MeshData &data = (*placed.Mesh)->Data();
-      Bounds box(data.Positions.front());
-      for (const Vector &position : data.Positions) box.Widen(position);
-      seen.push_back({placed.Frame, placed.Place, box});
-      auto &node = nodes_[{placed.Mesh->get(), placed.Frame}];
+    for (Item &item : items) {
+      item.SetBounds(Bounds::Of((*item.Mesh)->Data()));
+      auto &node = nodes_[{item.Mesh->get(), item.Frame}];
       if (!node) {
-        node = NodeOf(placed);
+        node = NodeOf(**item.Mesh);
         scene_->addChild(node);
       }
       node->setNodeMask(~0u);
-      node->setMatrix(Transposed(placed.ToWorld));
+      node->setMatrix(Transposed(item.ToWorld));
     }
     const float aspect = static_cast<float>(CanvasSize.width()) / static_cast<float>(CanvasSize.height());
-    const View view = lens_.Next(*canvas.CameraFrame, seen, aspect);
+    const CameraView view = lens_.Next(*canvas.CameraFrame, items, aspect);
     const float back = canvas.Viewport->GetBack();
     QMatrix4x4 projection; // left-handed, with the view along +z
     projection.fill(0);

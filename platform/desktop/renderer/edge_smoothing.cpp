@@ -10,11 +10,11 @@
 namespace {
 
 // Brightness is 0 to 255. Contrast is the range of brightness around a pixel.
-constexpr int LeastContrast = 21;   ///< of an edge
-constexpr int RelativeContrast = 3; ///< of an edge: at least the greatest brightness divided by this
-constexpr float Span = 4.0f;        ///< pixels along the edge from the first sample to the last
-constexpr int Whole = 256;          ///< fixed-point 1 of a blend factor
-constexpr int Strength = 179;       ///< blend factor of an edge: more would blur small lettering
+constexpr int LeastContrast = 21;    ///< of an edge
+constexpr int RelativeContrast = 3;  ///< of an edge: at least the greatest brightness divided by this
+constexpr float FilterLength = 4.0f; ///< pixels along the edge from the first sample to the last
+constexpr int Whole = 256;           ///< fixed-point 1 of a blend factor
+constexpr int Strength = 179;        ///< blend factor of an edge: more would blur small lettering
 
 std::uint8_t Brightness(std::uint32_t color) {
   return static_cast<std::uint8_t>(
@@ -54,7 +54,7 @@ std::uint32_t Smoothed(const std::uint32_t *pixel, qsizetype stride, const Neigh
   const float faint = std::max(static_cast<float>(sum) * 0.03f, 2.0f); // shortens the reach of faint edges
   const float shorter = std::min(std::abs(alongX), std::abs(alongY)) + faint;
   const float scale = static_cast<float>(Whole) / shorter;
-  constexpr float Longest = Span * static_cast<float>(Whole);
+  constexpr float Longest = FilterLength * static_cast<float>(Whole);
   alongX = std::clamp(alongX * scale, -Longest, Longest);
   alongY = std::clamp(alongY * scale, -Longest, Longest);
 

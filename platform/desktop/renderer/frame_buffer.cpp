@@ -1,7 +1,5 @@
 #include "platform/desktop/renderer/frame_buffer.h"
 
-#include "platform/desktop/renderer/renderer.h"
-
 namespace {
 
 constexpr GLbitfield Everything = GL_COLOR_BUFFER_BIT | GL_DEPTH_BUFFER_BIT | GL_STENCIL_BUFFER_BIT;
@@ -18,6 +16,10 @@ void Copy(QOpenGLFramebufferObject &to, QOpenGLFramebufferObject &from) {
   QOpenGLFramebufferObject::blitFramebuffer(&to, &from, Everything);
 }
 
+void Require(const QOpenGLFramebufferObject &buffer) {
+  if (!buffer.isValid()) throw RendererError("this OpenGL can't draw off the screen.");
+}
+
 } // namespace
 
 FrameBuffer::FrameBuffer(Gl &gl, QSize size, int samples) : gl_(gl), drawn_(size, Format(samples)) {
@@ -27,10 +29,6 @@ FrameBuffer::FrameBuffer(Gl &gl, QSize size, int samples) : gl_(gl), drawn_(size
   } else {
     smoothing_.emplace(size);
   }
-}
-
-void FrameBuffer::Require(const QOpenGLFramebufferObject &buffer) const {
-  if (!buffer.isValid()) throw RendererError("this OpenGL can't draw off the screen.");
 }
 
 void FrameBuffer::DrawInto() {

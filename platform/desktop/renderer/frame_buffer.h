@@ -28,7 +28,6 @@ public:
   QSize Size() const { return drawn_.size(); }
 
 private:
-  void Require(const QOpenGLFramebufferObject &buffer) const;
   void DrawInto();
 
   Gl &gl_;

@@ -1,5 +1,7 @@
 #include "platform/desktop/renderer/gpu_mesh.h"
 
+#include "platform/desktop/renderer/light.h"
+
 #include <algorithm>
 #include <span>
 #include <utility>
@@ -15,7 +17,10 @@ template <class T> void Fill(QOpenGLBuffer &buffer, const std::vector<T> &values
   buffer.allocate(values.data(), static_cast<int>(values.size() * sizeof(T)));
 }
 
-const void *Offset(std::size_t bytes) { return reinterpret_cast<const void *>(bytes); }
+/// Sets a variable and returns whether it has changed.
+template <class T> bool Replace(T &variable, const T &value) {
+  return std::exchange(variable, value) != value;
+}
 
 FaceColor ColorOf(const MeshData &data, std::size_t vertex) {
   const FaceColor &color = data.FaceColors[vertex];
@@ -42,31 +47,26 @@ GpuMesh::GpuMesh(Gl &gl) : gl_(gl) {
   attribute(light_, LightSlot, 4);
 }
 
-bool GpuMesh::Upload(const Direct3DRMMeshBuilder3 &mesh, const Transform &place) {
-  const State now{mesh.GeometryRevision(), mesh.TextureCoordinateRevision(), mesh.Texture().get(),
-                  mesh.Material().get(), place};
-  const State before = std::exchange(uploaded_, now);
-  if (now == before) return false;
-  const bool reshaped = now.Geometry != before.Geometry;
+bool GpuMesh::Upload(const Direct3DRMMeshBuilder3 &mesh, const QMatrix4x4 &toWorld) {
+  const bool reshaped = Replace(geometry_, mesh.GeometryRevision());
+  const bool remapped = Replace(mapping_, mesh.TextureCoordinateRevision()) || reshaped;
+  const bool relit = Replace(litBy_, {mesh.Texture().get(), mesh.Material().get(), toWorld}) || reshaped;
   if (reshaped) UploadGeometry(mesh.Data());
-  if (reshaped || now.Coordinates != before.Coordinates) Fill(coordinates_, mesh.Data().TextureCoordinates);
-  State remapped = before;
-  remapped.Coordinates = now.Coordinates;
-  if (now != remapped) UploadLight(mesh, place);
-  paint_ = !mesh.Texture() && IsWide(box_);
-  return true;
+  if (remapped) Fill(coordinates_, mesh.Data().TextureCoordinates);
+  if (relit) UploadLight(mesh, toWorld);
+  paint_ = !mesh.Texture() && box_.IsWide();
+  return remapped || relit;
 }
 
 void GpuMesh::UploadGeometry(const MeshData &data) {
+  box_ = Bounds::Of(data);
   std::vector<std::uint32_t> plain, indices;
-  box_ = Bounds(data.Positions[data.Indices.front()]);
   for (std::size_t i = 0; i < data.Indices.size(); i += 3) {
     const std::span face(&data.Indices[i], 3);
     const bool isPlain =
         std::ranges::all_of(face, [&](std::uint32_t index) { return ColorOf(data, index).Alpha == 0.0f; });
     std::vector<std::uint32_t> &to = isPlain ? plain : indices;
     to.insert(to.end(), face.begin(), face.end());
-    for (const std::uint32_t index : face) box_.Widen(data.Positions[index]);
   }
   plainCount_ = static_cast<GLsizei>(plain.size());
   indices.insert(indices.begin(), plain.begin(), plain.end());
@@ -77,11 +77,10 @@ void GpuMesh::UploadGeometry(const MeshData &data) {
   Fill(indices_, indices);
 }
 
-void GpuMesh::UploadLight(const Direct3DRMMeshBuilder3 &mesh, const Transform &place) {
+void GpuMesh::UploadLight(const Direct3DRMMeshBuilder3 &mesh, const QMatrix4x4 &toWorld) {
   const MeshData &data = mesh.Data();
   const ColorValue emissive = mesh.Material() ? mesh.Material()->Emissive : ColorValue{};
   const bool textured = mesh.Texture() != nullptr;
-  const QMatrix4x4 toWorld = MatrixOf(place);
   std::vector<QVector4D> light;
   for (std::size_t vertex = 0; vertex < data.Positions.size(); ++vertex) {
     light.push_back(LightOf(toWorld.map(ToQt(data.Positions[vertex])),
@@ -97,5 +96,5 @@ void GpuMesh::Draw(Faces faces) {
   if (first == end) return;
   array_.bind();
   gl_.glDrawElements(GL_TRIANGLES, end - first, GL_UNSIGNED_INT,
-                     Offset(static_cast<std::size_t>(first) * sizeof(std::uint32_t)));
+                     reinterpret_cast<const void *>(static_cast<std::size_t>(first) * sizeof(std::uint32_t)));
 }

@@ -2,12 +2,13 @@
 
 // A mesh on the graphics card, uploaded when it has changed and kept until then.
 
-#include "platform/desktop/renderer/light.h"
+#include "platform/desktop/renderer/draw_list.h"
 #include "platform/desktop/renderer/open_gl.h"
-#include "platform/desktop/renderer/placed.h"
 
 #include <QOpenGLBuffer>
 #include <QOpenGLVertexArrayObject>
+
+#include <tuple>
 
 /// One mesh as drawn.
 class GpuMesh {
@@ -15,8 +16,8 @@ public:
   explicit GpuMesh(Gl &gl);
 
   /// Uploads what has changed. Returns whether the mesh looks different now.
-  /// @param place  of the mesh in the scene, for its light
-  bool Upload(const Direct3DRMMeshBuilder3 &mesh, const Transform &place);
+  /// @param toWorld  from the mesh into the scene, for its light
+  bool Upload(const Direct3DRMMeshBuilder3 &mesh, const QMatrix4x4 &toWorld);
 
   /// Whether the mesh is paint on the ground, whose strokes must not break where they are thinner than a
   /// pixel. Its texture coordinates are the strokes' widths.
@@ -29,17 +30,8 @@ public:
   const Bounds &Box() const { return box_; }
 
 private:
-  /// Everything that decides how the mesh looks.
-  struct State {
-    std::uint64_t Geometry = ~0ULL, Coordinates = 0; ///< revisions
-    const Direct3DRMTexture *Texture = nullptr;
-    const Direct3DRMMaterial2 *Material = nullptr;
-    Transform Place;
-    bool operator==(const State &) const = default;
-  };
-
   void UploadGeometry(const MeshData &data);
-  void UploadLight(const Direct3DRMMeshBuilder3 &mesh, const Transform &place);
+  void UploadLight(const Direct3DRMMeshBuilder3 &mesh, const QMatrix4x4 &toWorld);
 
   Gl &gl_;
   QOpenGLVertexArrayObject array_;
@@ -48,5 +40,8 @@ private:
   GLsizei plainCount_ = 0; ///< indices of plain faces
   Bounds box_;
   bool paint_ = false;
-  State uploaded_;
+
+  // What is uploaded.
+  std::uint64_t geometry_ = ~0ULL, mapping_ = 0; ///< revisions of the geometry and the texture coordinates
+  std::tuple<const Direct3DRMTexture *, const Direct3DRMMaterial2 *, QMatrix4x4> litBy_;
 };

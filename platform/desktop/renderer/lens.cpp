@@ -63,15 +63,12 @@ constexpr float SteepestPitch = 1.5f; ///< of the view, radians
 constexpr float Slack = 0.05f;       ///< radians, less than `Margin`
 constexpr float HeightSlack = 0.15f; ///< logarithm of the height
 
-QVector3D V(const Vector &v) { return {v.x, v.y, v.z}; }
-Vector V(const QVector3D &v) { return {v.x(), v.y(), v.z()}; }
-float Distance(const Vector &a, const Vector &b) { return (V(a) - V(b)).length(); }
+Vector FromQt(const QVector3D &v) { return {v.x(), v.y(), v.z()}; }
 
 /// A point brought nearer to the target, all the way if its distance or angle is `far` or more. A point that
 /// comes within reach thus widens the view smoothly.
-Vector Faded(const Vector &point, const Vector &target, float away, float reach, float far) {
-  const float part = std::clamp((far - away) / (far - reach), 0.0f, 1.0f);
-  return V(V(target) + (V(point) - V(target)) * part);
+QVector3D Faded(const QVector3D &point, const QVector3D &target, float away, float reach, float far) {
+  return target + (point - target) * std::clamp((far - away) / (far - reach), 0.0f, 1.0f);
 }
 
 // The camera never rolls, so its right vector is horizontal. Yaw is computed from that vector because the
@@ -79,23 +76,21 @@ Vector Faded(const Vector &point, const Vector &target, float away, float reach,
 float YawOf(const Transform &camera) { return std::atan2(-camera.Right.z, camera.Right.x); }
 float PitchOf(const Transform &camera) { return std::asin(std::clamp(camera.Direction.y, -1.0f, 1.0f)); }
 
-Vector ToScene(const Transform &t, const Vector &v) { return V(MatrixOf(t).map(V(v))); }
-
 /// The direction from the camera to a point, radians.
 struct Bearing {
   float Yaw;   ///< to the right of the camera's direction
   float Pitch; ///< above the horizon
 };
 
-Bearing BearingOf(const Transform &camera, const Vector &point) {
-  const QVector3D way = V(point) - V(camera.Origin);
+Bearing BearingOf(const Transform &camera, const QVector3D &point) {
+  const QVector3D way = point - ToQt(camera.Origin);
   const float level = std::hypot(way.x(), way.z());
   return {std::remainder(std::atan2(way.x(), way.z()) - YawOf(camera), 6.2831853f),
           std::atan2(way.y(), level)};
 }
 
 /// The yaw between two points as seen by the camera, radians, at least 0.
-float Apart(const Transform &camera, const Vector &a, const Vector &b) {
+float Apart(const Transform &camera, const QVector3D &a, const QVector3D &b) {
   return std::abs(BearingOf(camera, a).Yaw - BearingOf(camera, b).Yaw);
 }
 
@@ -121,43 +116,43 @@ float CentreOf(const Range &range, float half, float wanted, const Range &must) 
 /// The point where a sliding target will stop; nothing if it isn't slowing down. It loses the same speed in
 /// every frame, so from speed v with the loss a it slides another v^2 / (2 a), as under constant
 /// deceleration.
-std::optional<Vector> StopOf(const Vector &target, const QVector3D &step, const QVector3D &lastStep) {
+std::optional<QVector3D> StopOf(const QVector3D &target, const QVector3D &step, const QVector3D &lastStep) {
   const float speed = step.length(), loss = lastStep.length() - speed;
   if (speed == 0.0f || loss < LeastLoss * speed || std::abs(step.y()) > LevelMotion) return {};
-  return V(V(target) + step * (speed / (2 * loss)));
+  return target + step * (speed / (2 * loss));
 }
 
 /// The largest box of ground; nothing if there is none.
-std::optional<Bounds> TableOf(std::span<const Seen> scene) {
-  Bounds table;
-  for (const Seen &seen : scene) {
-    if (IsWide(seen.Box) && seen.Box.Extent() > table.Extent()) table = Moved(seen.Box, seen.Place);
+std::optional<Bounds> TableOf(std::span<const Item> scene) {
+  std::optional<Bounds> table;
+  for (const Item &item : scene) {
+    if (item.Own.IsWide() && (!table || item.Box.Extent() > table->Extent())) table = item.Box;
   }
-  if (table.Extent() == 0.0f) return {};
   return table;
 }
 
 /// The point of the table's top below a place, or nearest to that point.
-Vector Below(const Bounds &table, const Vector &place) {
-  return {std::clamp(place.x, table.Low.x, table.High.x), table.High.y,
-          std::clamp(place.z, table.Low.z, table.High.z)};
+QVector3D Below(const Bounds &table, const QVector3D &place) {
+  return {std::clamp(place.x(), table.Low.x(), table.High.x()), table.High.y(),
+          std::clamp(place.z(), table.Low.z(), table.High.z())};
 }
 
 /// The point of the table's edge nearest to the target, faded.
-Vector EdgeNear(const Bounds &table, const Vector &target) {
-  Vector edge = Below(table, target);
-  const float toSide = table.High.x - std::abs(target.x), toEnd = table.High.z - std::abs(target.z);
+QVector3D EdgeNear(const Bounds &table, const QVector3D &target) {
+  QVector3D edge = Below(table, target);
+  const float toSide = table.High.x() - std::abs(target.x()), toEnd = table.High.z() - std::abs(target.z());
   if (std::min(toSide, toEnd) > 0.0f) { // over the table, where clamping leaves x and z as they are
-    (toSide < toEnd ? edge.x : edge.z) = std::copysign(table.High.x, toSide < toEnd ? target.x : target.z);
+    const int axis = toSide < toEnd ? 0 : 2;
+    edge[axis] = std::copysign(table.High[axis], target[axis]);
   }
-  return Faded(edge, target, Distance(edge, target), EdgeReach, EdgeFar);
+  return Faded(edge, target, edge.distanceToPoint(target), EdgeReach, EdgeFar);
 }
 
 /// A box widened by its path over the table from side to side.
 Bounds Swept(Bounds box, const Bounds &table) {
-  const float half = (box.High.x - box.Low.x) / 2;
-  box.Low.x = std::min(box.Low.x, table.Low.x - half);
-  box.High.x = std::max(box.High.x, table.High.x + half);
+  const float half = (box.High.x() - box.Low.x()) / 2;
+  box.Low.setX(std::min(box.Low.x(), table.Low.x() - half));
+  box.High.setX(std::max(box.High.x(), table.High.x() + half));
   return box;
 }
 
@@ -183,17 +178,17 @@ bool Lens::Ease(Framing &framing, const Framing &to) {
   return there && turned && raised;
 }
 
-View Lens::Next(const Direct3DRMFrame3 &camera, std::span<const Seen> scene, float aspect) {
+CameraView Lens::Next(const Direct3DRMFrame3 &camera, std::span<const Item> scene, float aspect) {
   const Transform from = camera.World();
   const auto looked = camera.LookedAt();
-  const auto subject = std::ranges::find(scene, looked.get(), &Seen::Frame);
+  const auto subject = std::ranges::find(scene, looked.get(), &Item::Frame);
   if (subject == scene.end()) {
     settled_ = true;
     return {from};
   }
-  const Vector target = subject->Place.Origin;
-  const QVector3D step = V(target) - V(target_);
-  const bool cut = !started_ || Distance(from.Origin, from_.Origin) > Jump || step.length() > Jump;
+  const QVector3D target = subject->Origin(), step = target - target_;
+  const bool cut =
+      !started_ || ToQt(from.Origin).distanceToPoint(ToQt(from_.Origin)) > Jump || step.length() > Jump;
   FollowMovers(scene, looked.get(), cut, step.length() > 0);
   // The only meshes that move while the target rests are the posts. They go from side to side over the whole
   // table, so room for that on both sides avoids a later change of the view.
@@ -208,7 +203,7 @@ View Lens::Next(const Direct3DRMFrame3 &camera, std::span<const Seen> scene, flo
       mover.Covered = path;
   }
   const auto points = PointsToShow(from, scene, *subject, table, cut ? QVector3D() : step);
-  const bool falls = table && from.Origin.y < table->High.y;
+  const bool falls = table && from.Origin.y < table->High.y();
   const Framing wanted = Wanted(from, *subject, points, symmetric, falls, aspect);
   const bool still = started_ && from == from_ && step.length() == 0;
   if (!still || !Near(wanted, wanted_)) wanted_ = wanted;
@@ -227,73 +222,72 @@ View Lens::Next(const Direct3DRMFrame3 &camera, std::span<const Seen> scene, flo
   const QVector3D right(std::cos(yaw), 0, -std::sin(yaw));
   const QVector3D direction(std::sin(yaw) * std::cos(pitch), std::sin(pitch),
                             std::cos(yaw) * std::cos(pitch));
-  return {{from.Origin, V(right), V(QVector3D::crossProduct(direction, right)), V(direction)},
+  return {{from.Origin, FromQt(right), FromQt(QVector3D::crossProduct(direction, right)), FromQt(direction)},
           framing_.Height};
 }
 
 /// Updates the meshes other than the target.
-void Lens::FollowMovers(std::span<const Seen> scene, const Direct3DRMFrame3 *target, bool cut,
+void Lens::FollowMovers(std::span<const Item> scene, const Direct3DRMFrame3 *target, bool cut,
                         bool targetMoves) {
   std::vector<Mover> now;
-  for (const Seen &seen : scene) {
-    if (seen.Frame == target) continue;
-    const auto last = std::ranges::find(movers_, seen.Frame, &Mover::Frame);
+  for (const Item &item : scene) {
+    if (item.Frame == target) continue;
+    const QVector3D origin = item.Origin();
+    const auto last = std::ranges::find(movers_, item.Frame, &Mover::Frame);
     const bool known = last != movers_.end();
-    const float moved = known ? Distance(seen.Place.Origin, last->Origin) : 0.0f;
+    const float moved = known ? origin.distanceToPoint(last->Origin) : 0.0f;
     const bool moves = (moved > 0.0f && moved <= Jump) || (known && last->Moves && !cut);
-    Bounds covered = Moved(seen.Box, seen.Place);
+    Bounds covered = item.Box;
     // Only the part above the origin has to be visible: of the posts, whose origin is at the bar, not the
     // foot.
-    covered.Low.y = std::clamp(seen.Place.Origin.y, covered.Low.y, covered.High.y);
-    if (targetMoves) covered.High.y = covered.Low.y; // the bar, above or below which the target passes
-    now.push_back({seen.Frame, seen.Place.Origin, moves, covered});
+    covered.Low.setY(std::clamp(origin.y(), covered.Low.y(), covered.High.y()));
+    if (targetMoves) covered.High.setY(covered.Low.y()); // the bar, above or below which the target passes
+    now.push_back({item.Frame, origin, moves, covered});
   }
   movers_ = std::move(now);
 }
 
 /// The corners of the moving meshes, faded.
-std::vector<Vector> Lens::MoverPoints(const Transform &camera, const Vector &target) const {
-  std::vector<Vector> points;
+std::vector<QVector3D> Lens::MoverPoints(const Transform &camera, const QVector3D &target) const {
+  std::vector<QVector3D> points;
   for (const Mover &mover : movers_) {
-    for (int corner = 0; mover.Moves && corner < 8; ++corner) points.push_back(mover.Covered.Corner(corner));
+    if (mover.Moves) std::ranges::copy(mover.Covered.Corners(), std::back_inserter(points));
   }
-  for (Vector &point : points)
+  for (QVector3D &point : points)
     point = Faded(point, target, Apart(camera, point, target), PointReach, FarReach);
   return points;
 }
 
 /// The points that the frame should contain besides the target.
-std::vector<Vector> Lens::PointsToShow(const Transform &camera, std::span<const Seen> scene,
-                                       const Seen &subject, const std::optional<Bounds> &table,
-                                       const QVector3D &step) const {
-  const Vector &target = subject.Place.Origin;
-  std::vector<Vector> points = MoverPoints(camera, target);
-  for (const Seen &seen : scene) {
+std::vector<QVector3D> Lens::PointsToShow(const Transform &camera, std::span<const Item> scene,
+                                          const Item &subject, const std::optional<Bounds> &table,
+                                          const QVector3D &step) const {
+  const QVector3D target = subject.Origin();
+  std::vector<QVector3D> points = MoverPoints(camera, target);
+  for (const Item &item : scene) {
     // The aim is a mesh at the target that isn't ground. It is as long as the field, so only its near part
     // counts.
-    if (seen.Frame == subject.Frame || IsWide(seen.Box) || Distance(seen.Place.Origin, target) > AtTarget)
+    if (item.Frame == subject.Frame || item.Own.IsWide() || item.Origin().distanceToPoint(target) > AtTarget)
       continue;
-    Bounds aim = seen.Box;
-    aim.Low.z = std::max(aim.Low.z, -AimAhead);
-    aim.High.z = std::min(aim.High.z, AimBehind);
-    aim.Low = {std::max(aim.Low.x, -AimHalf), 0, aim.Low.z};
-    aim.High = {std::min(aim.High.x, AimHalf), 0, aim.High.z};
-    for (int corner = 0; corner < 8; ++corner) points.push_back(ToScene(seen.Place, aim.Corner(corner)));
+    Bounds aim = item.Own;
+    aim.Low = {std::max(aim.Low.x(), -AimHalf), 0, std::max(aim.Low.z(), -AimAhead)};
+    aim.High = {std::min(aim.High.x(), AimHalf), 0, std::min(aim.High.z(), AimBehind)};
+    for (const QVector3D &corner : aim.Corners()) points.push_back(item.ToWorld.map(corner));
   }
   if (auto stop = StopOf(target, step, step_)) {
-    while (Apart(camera, *stop, target) > StopReach) stop = V(V(target) + (V(*stop) - V(target)) * StopStep);
+    while (Apart(camera, *stop, target) > StopReach) stop = target + (*stop - target) * StopStep;
     points.push_back(*stop);
   }
   if (table) {
-    const Vector edge = EdgeNear(*table, target);
+    const QVector3D edge = EdgeNear(*table, target);
     // The near edge would pull the view down to the feet of a player who has left it behind.
     const float drop = BearingOf(camera, target).Pitch - BearingOf(camera, edge).Pitch;
     // An edge that the target leaves would pull the view back.
-    const bool leaves = QVector3D::dotProduct(V(edge) - V(target), step) < 0;
+    const bool leaves = QVector3D::dotProduct(edge - target, step) < 0;
     if (!leaves) points.push_back(Faded(edge, target, drop, EdgeDrop, EdgeDropFar));
     // The shadow of a flying target shows its height.
-    const Vector shadow = Below(*table, target);
-    if (target.y > shadow.y) points.push_back(V(V(target) + (V(shadow) - V(target)) * ShadowPart));
+    const QVector3D shadow = Below(*table, target);
+    if (target.y() > shadow.y()) points.push_back(target + (shadow - target) * ShadowPart);
   }
   return points;
 }
@@ -303,19 +297,19 @@ std::vector<Vector> Lens::PointsToShow(const Transform &camera, std::span<const 
 ///
 /// @param symmetric  whether to leave equal room on both sides of the target
 /// @param falls  whether the camera is below the table
-Lens::Framing Lens::Wanted(const Transform &camera, const Seen &subject, std::span<const Vector> points,
+Lens::Framing Lens::Wanted(const Transform &camera, const Item &subject, std::span<const QVector3D> points,
                            bool symmetric, bool falls, float aspect) const {
-  const float width = subject.Box.Extent();
-  const float distance = std::max(Distance(camera.Origin, subject.Place.Origin), NearPlane);
+  const float width = subject.Own.Extent();
+  const float distance = std::max(ToQt(camera.Origin).distanceToPoint(subject.Origin()), NearPlane);
   const float share = NearShare * std::pow(NearDistance / distance, 1 / ShareRoot);
   const float margin = TargetMargin * width / distance;
-  const Bearing own = BearingOf(camera, subject.Place.Origin);
+  const Bearing own = BearingOf(camera, subject.Origin());
   Framing framing;
   // At this distance the frame is distance * Height * aspect wide, and the target is width wide.
   framing.Height = width / (distance * std::min(share, LargestShare) * aspect);
 
   Range across{own.Yaw - margin, own.Yaw + margin};
-  for (const Vector &point : points) {
+  for (const QVector3D &point : points) {
     across.Include(std::clamp(BearingOf(camera, point).Yaw, own.Yaw - PointReach, own.Yaw + PointReach),
                    Margin);
   }
@@ -324,7 +318,7 @@ Lens::Framing Lens::Wanted(const Transform &camera, const Seen &subject, std::sp
   // A card covers the frame from x = CardSide to the right. The posts stay to the left of it too while a kick
   // flies at them.
   float right = own.Yaw;
-  for (const Vector &point : MoverPoints(camera, subject.Place.Origin)) {
+  for (const QVector3D &point : MoverPoints(camera, subject.Origin())) {
     if (!symmetric) right = std::max(right, std::min(BearingOf(camera, point).Yaw, own.Yaw + PointReach));
   }
   // (1 + CardSide) halves of the frame are to the left of x = CardSide, (1 - CardSide) to its right.
@@ -339,7 +333,7 @@ Lens::Framing Lens::Wanted(const Transform &camera, const Seen &subject, std::sp
 
   const Range target{own.Pitch - margin / 2, own.Pitch + margin / 2};
   Range up = target;
-  for (const Vector &point : points) {
+  for (const QVector3D &point : points) {
     const Bearing bearing = BearingOf(camera, point);
     const float aside = std::abs(bearing.Yaw - framing.Yaw);
     // In perspective a point at this yaw from the frame's centre appears at the height tan(pitch) / cos(yaw).

@@ -4,25 +4,18 @@
 // view and which part of the view the frame shows, as a camera operator would. It reads the scene graph and
 // changes nothing in it.
 
-#include "platform/desktop/renderer/placed.h"
-
-#include <QVector3D>
+#include "platform/desktop/renderer/draw_list.h"
 
 #include <optional>
 #include <span>
 #include <vector>
 
+constexpr float NearPlane = 1.0f; ///< distance of the near clipping plane, scene units
+
 /// The view that a frame shows.
-struct View {
+struct CameraView {
   Transform Camera; ///< in the scene; looks along its +z
   float Height = 1; ///< height of the frame at distance 1: 2 tan(vertical field of view / 2)
-};
-
-/// A mesh of the scene.
-struct Seen {
-  const Direct3DRMFrame3 *Frame; ///< the scene frame that the mesh belongs to
-  Transform Place;               ///< of the scene frame, in the scene
-  Bounds Box;                    ///< of the mesh, in its scene frame
 };
 
 class Lens {
@@ -40,7 +33,7 @@ public:
   /// - the shadow of a flying target.
   ///
   /// @param aspect  width / height of the frame
-  View Next(const Direct3DRMFrame3 &camera, std::span<const Seen> scene, float aspect);
+  CameraView Next(const Direct3DRMFrame3 &camera, std::span<const Item> scene, float aspect);
 
   /// Whether the view stays the same until something in the scene moves.
   bool Settled() const { return settled_; }
@@ -49,32 +42,33 @@ private:
   /// A view relative to the direction of the camera.
   struct Framing {
     float Yaw = 0, Pitch = 0; ///< of the frame's centre, radians to the right and up
-    float Height = 1;         ///< as in `View`
+    float Height = 1;         ///< as in `CameraView`
   };
   /// A mesh other than the target.
   struct Mover {
     const Direct3DRMFrame3 *Frame;
-    Vector Origin;  ///< in the previous frame
-    bool Moves;     ///< has moved since the last cut
-    Bounds Covered; ///< its bounding box in the scene; while the target rests, all that it may pass
+    QVector3D Origin; ///< in the previous frame
+    bool Moves;       ///< has moved since the last cut
+    Bounds Covered;   ///< its bounding box in the scene; while the target rests, all that it may pass
   };
 
   /// Whether two framings differ so little that the view stays.
   static bool Near(const Framing &a, const Framing &b);
   /// Moves a framing one step toward another. Returns whether it has arrived.
   static bool Ease(Framing &framing, const Framing &to);
-  void FollowMovers(std::span<const Seen> scene, const Direct3DRMFrame3 *target, bool cut, bool targetMoves);
-  std::vector<Vector> MoverPoints(const Transform &camera, const Vector &target) const;
-  std::vector<Vector> PointsToShow(const Transform &camera, std::span<const Seen> scene, const Seen &subject,
-                                   const std::optional<Bounds> &table, const QVector3D &step) const;
-  Framing Wanted(const Transform &camera, const Seen &subject, std::span<const Vector> points, bool symmetric,
-                 bool falls, float aspect) const;
+  void FollowMovers(std::span<const Item> scene, const Direct3DRMFrame3 *target, bool cut, bool targetMoves);
+  std::vector<QVector3D> MoverPoints(const Transform &camera, const QVector3D &target) const;
+  std::vector<QVector3D> PointsToShow(const Transform &camera, std::span<const Item> scene,
+                                      const Item &subject, const std::optional<Bounds> &table,
+                                      const QVector3D &step) const;
+  Framing Wanted(const Transform &camera, const Item &subject, std::span<const QVector3D> points,
+                 bool symmetric, bool falls, float aspect) const;
 
   bool started_ = false;
   bool settled_ = false;
-  Transform from_; ///< the camera in the previous frame
-  Vector target_;  ///< position of the target in the previous frame
-  QVector3D step_; ///< motion of the target from the frame before that one
+  Transform from_;   ///< the camera in the previous frame
+  QVector3D target_; ///< position of the target in the previous frame
+  QVector3D step_;   ///< motion of the target from the frame before that one
   std::vector<Mover> movers_;
   Framing wanted_;
   Framing approached_; ///< eases to `wanted_`

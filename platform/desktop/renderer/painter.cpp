@@ -1,14 +1,20 @@
 #include "platform/desktop/renderer/painter.h"
 
+#include "platform/desktop/renderer/light.h"
 #include "platform/desktop/renderer/shaders.h"
 
 #include <algorithm>
 #include <string>
 #include <tuple>
+#include <utility>
 
 namespace {
 
 constexpr float SmallestSky = 1000.0f; ///< scene units: a mesh of that size leaves no background visible
+
+// In a view up to this height a distant texture never covers more pixels than this.
+constexpr int SmallView = 400; ///< pixels
+constexpr QSize LargestDistant(512, 512);
 
 /// Kinds of surfaces, a set of these: has a texture, is strokes of paint on the ground, has highlights.
 enum : unsigned { Textured = 1, Stroked = 2, Gleaming = 4 };
@@ -30,35 +36,44 @@ bool IsLarge(const Item &item) { return !item.Ground && item.Box.Extent() > Larg
 /// large, comes after the ground, also in a full redraw: at equal depth the mesh drawn first is visible, and
 /// while aiming the hand is drawn on the kept ground.
 auto DrawingOrder(const Item &item) {
-  return std::tuple(IsLarge(item), item.Ground, item.Ground && item.Mesh->IsPaint(), item.Box.Extent());
+  return std::tuple(IsLarge(item), item.Ground, item.Ground && item.Drawn->IsPaint(), item.Box.Extent());
+}
+
+/// Whether a box lies outside the view: all of its corners beyond one clipping plane.
+bool Outside(const Bounds &box, const QMatrix4x4 &toClip) {
+  const auto corners = box.Corners();
+  for (int plane = 0; plane < 6; ++plane) {
+    const QVector4D inward = toClip.row(3) + toClip.row(plane / 2) * (plane % 2 == 0 ? 1.0f : -1.0f);
+    const auto isBeyond = [&](const QVector3D &corner) {
+      return QVector4D::dotProduct(inward, QVector4D(corner, 1)) < 0;
+    };
+    if (std::ranges::all_of(corners, isBeyond)) return true;
+  }
+  return false;
 }
 
 } // namespace
 
 Painter::Painter(Gl &gl, const PaintQuality &quality, Lens &lens)
-    : gl_(gl), lens_(lens), samples_(quality.Samples), store_(gl, quality.Anisotropy),
-      shadows_(gl, quality.ShadowSize, quality.ShadowTaps) {
-  BuildProgram(backdrop_, BackdropVertexShader, BackdropFragmentShader);
+    : gl_(gl), lens_(lens), quality_(quality), shadows_(gl, quality.ShadowSize, quality.ShadowTaps) {
+  BuildProgram(backdrop_, "", BackdropVertexShader, BackdropFragmentShader);
   noVertices_.create();
 }
 
-bool Painter::Paint(std::span<const Placed> placed, const Direct3DRMFrame3 &camera, float back,
+bool Painter::Paint(const Direct3DRMFrame3 &scene, const Direct3DRMFrame3 &camera, float back,
                     QImage &image) {
-  const QSize size = image.size();
-  if (!target_ || target_->Size() != size) {
-    target_ = std::make_unique<FrameBuffer>(gl_, size, samples_);
-    store_.SetView(size.height());
-    motion_.Reset();
+  if (!target_ || target_->Size() != image.size()) Resize(image.size());
+  std::vector<Item> items = Collect(scene);
+  for (Item &item : items) {
+    item.Drawn = &meshes_.try_emplace(*item.Mesh, gl_).first->second;
+    item.Changed = item.Drawn->Upload(**item.Mesh, item.ToWorld);
+    item.SetBounds(item.Drawn->Box());
   }
+  const float aspect = static_cast<float>(image.width()) / static_cast<float>(image.height());
+  const CameraView view = lens_.Next(camera, items, aspect);
+  toClip_ = Projection(view.Height, aspect, back) * MatrixOf(view.Camera).inverted();
+  camera_ = ToQt(view.Camera.Origin);
 
-  std::vector<Item> items;
-  std::vector<Seen> seen;
-  for (const Placed &each : placed) {
-    GpuMesh &mesh = store_.Mesh(*each.Mesh);
-    const bool changed = mesh.Upload(**each.Mesh, each.Place);
-    items.push_back({each, &mesh, Moved(mesh.Box(), each.Place), changed});
-    seen.push_back({each.Frame, each.Place, mesh.Box()});
-  }
   MarkGround(items);
   std::ranges::stable_sort(items, {}, DrawingOrder);
   const auto firstGround = std::ranges::find(items, true, &Item::Ground);
@@ -69,10 +84,6 @@ bool Painter::Paint(std::span<const Placed> placed, const Direct3DRMFrame3 &came
   gl_.glDisable(GL_CULL_FACE);
   const bool shadowsMoved = shadows_.Update(items, grounds);
 
-  const float aspect = static_cast<float>(size.width()) / static_cast<float>(size.height());
-  const View view = lens_.Next(camera, seen, aspect);
-  toClip_ = Projection(view.Height, aspect, back) * MatrixOf(view.Camera).inverted();
-  camera_ = ToQt(view.Camera.Origin);
   const Motion::Change change = motion_.Next(items, shadowsMoved, toClip_);
   if (change == Motion::Change::None) return false;
   const bool allMove = std::ranges::all_of(items, &Item::Moves);
@@ -90,6 +101,13 @@ bool Painter::Paint(std::span<const Placed> placed, const Direct3DRMFrame3 &came
   Draw(items, grounds, true);
   if (allMove && open) DrawBackdrop();
   return target_->Read(image);
+}
+
+void Painter::Resize(QSize size) {
+  target_.emplace(gl_, size, quality_.Samples);
+  const bool isSmall = size.height() <= SmallView && quality_.Anisotropy <= 0.0f;
+  if (std::exchange(smallView_, isSmall) != isSmall) textures_.clear();
+  motion_.Reset();
 }
 
 /// Draws the items that move, or those that are still. Flushes between groups: software OpenGL draws a group
@@ -117,13 +135,12 @@ void Painter::Draw(std::span<const Item> items, std::span<const Item> grounds, b
 }
 
 void Painter::DrawItem(const Item &item) {
-  if (Outside(item.Mesh->Box(), toClip_ * item.Where.ToWorld)) return;
-  const auto &material = (*item.Where.Mesh)->Material();
-  const auto &texture = (*item.Where.Mesh)->Texture();
+  if (Outside(item.Own, toClip_ * item.ToWorld)) return;
+  const auto &material = (*item.Mesh)->Material();
+  const auto &texture = (*item.Mesh)->Texture();
   const ColorValue specular = material ? material->Specular : ColorValue{};
   const bool gleams = specular.Red + specular.Green + specular.Blue > 0.0f;
-  const bool paint = item.Mesh->IsPaint();
-  const QSize size = target_->Size();
+  const bool paint = item.Drawn->IsPaint();
   if (paint) {
     gl_.glEnable(GL_BLEND);
     gl_.glBlendFunc(GL_SRC_ALPHA, GL_ONE_MINUS_SRC_ALPHA);
@@ -132,21 +149,40 @@ void Painter::DrawItem(const Item &item) {
     QOpenGLShaderProgram &surface =
         SurfaceProgram((textured ? Textured : 0U) | (paint ? Stroked : 0U) | (gleams ? Gleaming : 0U));
     surface.bind();
-    surface.setUniformValue("toWorld", item.Where.ToWorld);
+    surface.setUniformValue("toWorld", item.ToWorld);
     surface.setUniformValue("toClip", toClip_);
-    surface.setUniformValue(
-        "halfFrame", QVector2D(static_cast<float>(size.width()), static_cast<float>(size.height())) / 2);
+    surface.setUniformValue("halfFrame", QSizeF(target_->Size()) / 2);
     surface.setUniformValue("camera", camera_);
     surface.setUniformValue("keyDirection", KeyLight());
     surface.setUniformValue("specular", QVector3D(specular.Red, specular.Green, specular.Blue));
-    item.Mesh->Draw(faces);
+    item.Drawn->Draw(faces);
   };
   draw(false, texture ? GpuMesh::Faces::Plain : GpuMesh::Faces::All);
   if (texture) {
-    store_.Texture(texture, IsLarge(item)).bind();
+    Texture(texture, IsLarge(item)).bind();
     draw(true, GpuMesh::Faces::Textured);
   }
   if (paint) gl_.glDisable(GL_BLEND);
+}
+
+/// @param distant  whether it is seen only from afar; in a small view such a texture is uploaded at a lower
+///                 resolution, because software OpenGL keeps it in the program's own memory
+QOpenGLTexture &Painter::Texture(const Ref<Direct3DRMTexture> &texture, bool distant) {
+  auto &entry = textures_[texture];
+  if (entry) return *entry;
+  const Ref<const ImageData> data = texture->Image();
+  QImage image(data->Pixels.data(), data->Width, data->Height, QImage::Format_RGBA8888);
+  if (distant && smallView_)
+    image =
+        image.scaled(image.size().boundedTo(LargestDistant), Qt::IgnoreAspectRatio, Qt::SmoothTransformation);
+  entry = std::make_unique<QOpenGLTexture>(image);
+  texture->ReleaseImage();
+  entry->setMinMagFilters(quality_.Anisotropy > 0.0f ? QOpenGLTexture::LinearMipMapLinear
+                                                     : QOpenGLTexture::LinearMipMapNearest,
+                          QOpenGLTexture::Linear);
+  entry->setWrapMode(QOpenGLTexture::Repeat);
+  if (quality_.Anisotropy > 1.0f) entry->setMaximumAnisotropy(quality_.Anisotropy);
+  return *entry;
 }
 
 /// The shader variant for a kind of surface, so that no fragment tests what never changes.
@@ -155,9 +191,9 @@ QOpenGLShaderProgram &Painter::SurfaceProgram(unsigned kind) {
   if (!program) {
     program = std::make_unique<QOpenGLShaderProgram>();
     const auto flag = [kind](unsigned bit) { return kind & bit ? "1\n" : "0\n"; };
-    const std::string definitions = std::string("#version 330 core\n#define TEXTURED ") + flag(Textured) +
-                                    "#define PAINT " + flag(Stroked) + "#define SPECULAR " + flag(Gleaming);
-    BuildProgram(*program, definitions + SurfaceVertexShader, definitions + SurfaceFragmentShader);
+    const std::string definitions = std::string("#define TEXTURED ") + flag(Textured) + "#define PAINT " +
+                                    flag(Stroked) + "#define SPECULAR " + flag(Gleaming);
+    BuildProgram(*program, definitions, SurfaceVertexShader, SurfaceFragmentShader);
   }
   return *program;
 }

@@ -1,11 +1,7 @@
 #include "platform/desktop/renderer/renderer.h"
 
-#include "platform/desktop/renderer/painter.h"
-
+#include <QByteArrayView>
 #include <QElapsedTimer>
-#include <QOffscreenSurface>
-#include <QOpenGLContext>
-#include <QOpenGLVersionFunctionsFactory>
 #include <QStandardPaths>
 
 #include <malloc.h>
@@ -13,7 +9,6 @@
 #include <algorithm>
 #include <ctime>
 #include <filesystem>
-#include <string_view>
 
 namespace {
 
@@ -40,142 +35,100 @@ void DisableShaderCacheOnFullDisk() {
     qputenv("MESA_SHADER_CACHE_DISABLE", "true");
 }
 
+bool DrawsInSoftware(Gl &gl) {
+  const QByteArrayView name(reinterpret_cast<const char *>(gl.glGetString(GL_RENDERER)));
+  for (const char *software : {"llvmpipe", "softpipe", "swrast", "SwiftShader", "Software Rasterizer"}) {
+    if (name.contains(software)) return true;
+  }
+  return false;
+}
+
 } // namespace
 
-class Renderer::Drawing {
-public:
-  explicit Drawing(Quality quality)
-      : asked_(quality), level_(quality == Quality::Low ? Quality::Low : Quality::Full) {
-    DisableShaderCacheOnFullDisk();
-    OpenContext();
-    if (asked_ == Quality::Measured && DrawsInSoftware()) level_ = Quality::Low;
-    painter_ = std::make_unique<Painter>(*gl_, Paint(), lens_);
+Renderer::Renderer(Quality quality) : level_(quality), measuring_(quality == Quality::Measured) {
+  DisableShaderCacheOnFullDisk();
+  QSurfaceFormat format;
+  format.setRenderableType(QSurfaceFormat::OpenGL);
+  format.setVersion(3, 3);
+  format.setProfile(QSurfaceFormat::CoreProfile);
+  context_.setFormat(format);
+  if (!context_.create()) throw RendererError("OpenGL 3.3 is needed, and this display gives none.");
+  surface_.setFormat(context_.format());
+  surface_.create();
+  if (!surface_.isValid() || !context_.makeCurrent(&surface_)) {
+    throw RendererError("OpenGL 3.3 is needed, and it can't draw off the screen here.");
   }
-
-  ~Drawing() {
-    context_.makeCurrent(&surface_);
-    painter_.reset();
-    context_.doneCurrent();
+  if (!gl_.initializeOpenGLFunctions()) {
+    throw RendererError("OpenGL 3.3 is needed, and this display gives an older one.");
   }
+  if (measuring_) level_ = DrawsInSoftware(gl_) ? Quality::Low : Quality::Full;
+  StartPainter();
+}
 
-  bool Draw(const RMCanvas &canvas, QSize size) {
-    if (size.isEmpty()) return false;
-    if (lens_.Settled() && frame_.size() == size && canvas.RootObject->Revision() == drawnRevision_ &&
-        drawnRoot_ == canvas.RootObject) {
-      return false;
-    }
-    drawnRevision_ = canvas.RootObject->Revision();
-    drawnRoot_ = canvas.RootObject;
+Renderer::~Renderer() {
+  context_.makeCurrent(&surface_);
+  painter_.reset();
+  context_.doneCurrent();
+}
 
-    QElapsedTimer timer;
-    timer.start();
-    const std::clock_t processor = std::clock();
-    if (!context_.makeCurrent(&surface_)) throw RendererError("the OpenGL context has been lost");
-    if (frame_.size() != size) frame_ = QImage(size, QImage::Format_RGB32);
-    if (Measuring()) painter_->RedrawAll(); // a partial redraw takes too little time to compare
-    if (!painter_->Paint(Collect(*canvas.SceneFrame), *canvas.CameraFrame, canvas.Viewport->GetBack(),
-                         frame_)) {
-      return false;
-    }
-    ++frames_;
-    ClearFileCache(); // everything that this frame needed is uploaded
-    if (frames_ % ReleaseInterval == MeasuredFrames) ReleaseShaderCompiler();
-    // A quick frame may still keep many cores busy, so processor time counts too.
-    Measure(std::max(static_cast<double>(timer.nsecsElapsed()) / 1e6,
-                     static_cast<double>(std::clock() - processor) * 1e3 / CLOCKS_PER_SEC));
-    return true;
-  }
-
-  const QImage &Frame() const { return frame_; }
-  Quality Level() const { return level_; }
-
-private:
-  void OpenContext() {
-    QSurfaceFormat format;
-    format.setRenderableType(QSurfaceFormat::OpenGL);
-    format.setVersion(3, 3);
-    format.setProfile(QSurfaceFormat::CoreProfile);
-    context_.setFormat(format);
-    if (!context_.create()) throw RendererError("OpenGL 3.3 is needed, and this display gives none.");
-    surface_.setFormat(context_.format());
-    surface_.create();
-    if (!surface_.isValid() || !context_.makeCurrent(&surface_)) {
-      throw RendererError("OpenGL 3.3 is needed, and it can't draw off the screen here.");
-    }
-    gl_ = QOpenGLVersionFunctionsFactory::get<QOpenGLFunctions_3_3_Core>(&context_);
-    if (!gl_ || !gl_->initializeOpenGLFunctions()) {
-      throw RendererError("OpenGL 3.3 is needed, and this display gives an older one.");
-    }
-  }
-
-  PaintQuality Paint() {
-    PaintQuality paint = level_ == Quality::Full ? FullPaint : LowPaint;
-    if (!context_.hasExtension("GL_EXT_texture_filter_anisotropic"))
-      paint.Anisotropy = std::min(paint.Anisotropy, 1.0f);
-    if (DrawsInSoftware()) {
-      paint.Anisotropy = LowPaint.Anisotropy;
-      paint.ShadowTaps = LowPaint.ShadowTaps;
-    }
-    return paint;
-  }
-
-  /// Software OpenGL offers anisotropy too, at many times the cost.
-  bool DrawsInSoftware() {
-    const auto *name = reinterpret_cast<const char *>(gl_->glGetString(GL_RENDERER));
-    if (!name) return false;
-    for (const char *software : {"llvmpipe", "softpipe", "swrast", "SwiftShader", "Software Rasterizer"}) {
-      if (std::string_view(name).find(software) != std::string_view::npos) return true;
-    }
+bool Renderer::Draw(const RMCanvas &canvas, QSize size) {
+  if (size.isEmpty()) return false;
+  if (lens_.Settled() && frame_.size() == size && canvas.RootObject->Revision() == drawnRevision_ &&
+      drawnRoot_ == canvas.RootObject) {
     return false;
   }
+  drawnRevision_ = canvas.RootObject->Revision();
+  drawnRoot_ = canvas.RootObject;
 
-  /// Frees the memory of the shader compiler. Drivers start it again for each new combination of shader and
-  /// states, so this is repeated.
-  void ReleaseShaderCompiler() {
-    // The function came with OpenGL 4.1, but drivers offer it in 3.3 contexts too.
-    if (const auto release = reinterpret_cast<void (*)()>(context_.getProcAddress("glReleaseShaderCompiler")))
-      release();
-    malloc_trim(0);
+  QElapsedTimer timer;
+  timer.start();
+  const std::clock_t processor = std::clock();
+  if (!context_.makeCurrent(&surface_)) throw RendererError("the OpenGL context has been lost");
+  if (frame_.size() != size) frame_ = QImage(size, QImage::Format_RGB32);
+  if (measuring_) painter_->RedrawAll(); // a partial redraw takes too little time to compare
+  if (!painter_->Paint(*canvas.SceneFrame, *canvas.CameraFrame, canvas.Viewport->GetBack(), frame_)) {
+    return false;
   }
-
-  bool Measuring() const { return asked_ == Quality::Measured && !chosen_; }
-
-  /// Chooses the level from the first frames, except the very first, which uploads everything.
-  void Measure(double milliseconds) {
-    if (!Measuring() || frames_ == 1) return;
-    measured_.push_back(milliseconds);
-    if (measured_.size() < MeasuredFrames) return;
-    chosen_ = true;
-    std::ranges::sort(measured_);
-    const double median = measured_[measured_.size() / 2];
-    if (level_ == Quality::Full ? median <= SlowFrame : median > QuickFrame) return;
-    level_ = level_ == Quality::Full ? Quality::Low : Quality::Full;
-    painter_.reset();
-    painter_ = std::make_unique<Painter>(*gl_, Paint(), lens_);
-    frames_ = 0;
-  }
-
-  Quality asked_;
-  Quality level_;
-  QOpenGLContext context_;
-  QOffscreenSurface surface_;
-  Gl *gl_ = nullptr;
-  Lens lens_;
-  std::unique_ptr<Painter> painter_;
-  QImage frame_;
-
-  std::size_t frames_ = 0; ///< of this painter
-  bool chosen_ = false;
-  std::vector<double> measured_; ///< ms of each frame, wall or processor time, whichever is longer
-
-  Ref<Direct3DRM3> drawnRoot_;
-  std::uint64_t drawnRevision_ = 0;
-};
-
-Renderer::Renderer(Quality quality) : drawing_(std::make_unique<Drawing>(quality)) {}
-Renderer::~Renderer() = default;
-bool Renderer::Draw(const RMCanvas &canvas, QSize devicePixels) {
-  return drawing_->Draw(canvas, devicePixels);
+  ++frames_;
+  ClearFileCache(); // everything that this frame needed is uploaded
+  if (frames_ % ReleaseInterval == MeasuredFrames) ReleaseShaderCompiler();
+  // A quick frame may still keep many cores busy, so processor time counts too.
+  Measure(std::max(static_cast<double>(timer.nsecsElapsed()) / 1e6,
+                   static_cast<double>(std::clock() - processor) * 1e3 / CLOCKS_PER_SEC));
+  return true;
 }
-const QImage &Renderer::Frame() const { return drawing_->Frame(); }
-Quality Renderer::Level() const { return drawing_->Level(); }
+
+/// Starts a painter of the level in use.
+void Renderer::StartPainter() {
+  PaintQuality paint = level_ == Quality::Full ? FullPaint : LowPaint;
+  if (!context_.hasExtension("GL_EXT_texture_filter_anisotropic"))
+    paint.Anisotropy = std::min(paint.Anisotropy, 1.0f);
+  if (DrawsInSoftware(gl_)) { // it offers anisotropy too, at many times the cost
+    paint.Anisotropy = LowPaint.Anisotropy;
+    paint.ShadowTaps = LowPaint.ShadowTaps;
+  }
+  painter_.emplace(gl_, paint, lens_);
+  frames_ = 0;
+}
+
+/// Frees the memory of the shader compiler. Drivers start it again for each new combination of shader and
+/// states, so this is repeated.
+void Renderer::ReleaseShaderCompiler() {
+  // The function came with OpenGL 4.1, but drivers offer it in 3.3 contexts too.
+  if (const auto release = reinterpret_cast<void (*)()>(context_.getProcAddress("glReleaseShaderCompiler")))
+    release();
+  malloc_trim(0);
+}
+
+/// Chooses the level from the first frames, except the very first, which uploads everything.
+void Renderer::Measure(double milliseconds) {
+  if (!measuring_ || frames_ == 1) return;
+  measured_.push_back(milliseconds);
+  if (measured_.size() < MeasuredFrames) return;
+  measuring_ = false;
+  std::ranges::sort(measured_);
+  const double median = measured_[measured_.size() / 2];
+  if (level_ == Quality::Full ? median <= SlowFrame : median > QuickFrame) return;
+  level_ = level_ == Quality::Full ? Quality::Low : Quality::Full;
+  StartPainter();
+}

@@ -11,8 +11,10 @@
 #include <string>
 
 /// Compiles and links a program.
+/// @param definitions  lines before both shaders
 /// @throws RendererError  with what the driver says
-void BuildProgram(QOpenGLShaderProgram &program, const std::string &vertex, const std::string &fragment);
+void BuildProgram(QOpenGLShaderProgram &program, const std::string &definitions, const char *vertex,
+                  const char *fragment);
 
 // PAINT is 1 for strokes on the ground. A stroke thinner than a pixel would break up, so it is drawn a pixel
 // thick, with a coverage equal to its real thickness. The texture coordinates are x and z of the vector from
@@ -100,19 +102,19 @@ void main() {
 )";
 
 // The shadow map.
-inline constexpr const char *ShadowVertexShader = R"(#version 330 core
+inline constexpr const char *ShadowVertexShader = R"(
 layout(location = 0) in vec3 position;
 uniform mat4 toWorld;
 uniform mat4 toShadow;
 void main() { gl_Position = toShadow * toWorld * vec4(position, 1.0); }
 )";
 
-inline constexpr const char *ShadowFragmentShader = R"(#version 330 core
+inline constexpr const char *ShadowFragmentShader = R"(
 void main() {}
 )";
 
 // Multiplies the colours in a part of the ground by the shadow's factor.
-inline constexpr const char *ShadeVertexShader = R"(#version 330 core
+inline constexpr const char *ShadeVertexShader = R"(
 uniform vec3 low, high; // corners of the part
 uniform mat4 toClip;
 uniform mat4 toShadow;
@@ -154,7 +156,7 @@ void main() {
 )";
 
 // The background, one triangle over the whole frame at the far plane, drawn last.
-inline constexpr const char *BackdropVertexShader = R"(#version 330 core
+inline constexpr const char *BackdropVertexShader = R"(
 uniform mat4 toScene; // from clip space
 uniform vec3 camera;
 out vec3 direction;
@@ -166,7 +168,7 @@ void main() {
 }
 )";
 
-inline constexpr const char *BackdropFragmentShader = R"(#version 330 core
+inline constexpr const char *BackdropFragmentShader = R"(
 in vec3 direction;
 out vec4 result;
 // Rings of the dome: colour, and height on the unit sphere.

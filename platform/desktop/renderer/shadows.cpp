@@ -1,6 +1,7 @@
 #include "platform/desktop/renderer/shadows.h"
 
-#include "platform/desktop/renderer/renderer.h"
+#include "platform/desktop/renderer/gpu_mesh.h"
+#include "platform/desktop/renderer/light.h"
 #include "platform/desktop/renderer/shaders.h"
 
 #include <algorithm>
@@ -29,14 +30,13 @@ QMatrix4x4 ToLight() {
 /// The bounds of a box's shadow on level ground.
 Bounds ShadowOf(const Bounds &box, float ground) {
   const QVector3D key = KeyLight();
-  const auto projected = [&](int number) {
-    const Vector corner = box.Corner(number);
-    const float distance = std::max(corner.y - ground, 0.0f) / key.y();
-    return Vector{corner.x - key.x() * distance, ground, corner.z - key.z() * distance};
-  };
-  Bounds around(projected(0));
-  for (int corner = 1; corner < 8; ++corner) around.Widen(projected(corner));
-  return around;
+  Bounds shadow;
+  for (QVector3D corner : box.Corners()) {
+    corner -= key * (std::max(corner.y() - ground, 0.0f) / key.y());
+    corner.setY(ground);
+    shadow.Widen(corner);
+  }
+  return shadow;
 }
 
 /// From the scene into the map, 0 to 1.
@@ -53,9 +53,8 @@ float InMap(float length) { return length / (2.0f * Reach); }
 } // namespace
 
 Shadows::Shadows(Gl &gl, int size, int taps) : gl_(gl), size_(size) {
-  BuildProgram(toMap_, ShadowVertexShader, ShadowFragmentShader);
-  BuildProgram(shade_, ShadeVertexShader,
-               "#version 330 core\n#define TAPS " + std::to_string(taps) + "\n" + ShadeFragmentShader);
+  BuildProgram(toMap_, "", ShadowVertexShader, ShadowFragmentShader);
+  BuildProgram(shade_, "#define TAPS " + std::to_string(taps) + "\n", ShadeVertexShader, ShadeFragmentShader);
   noVertices_.create();
   map_.setFormat(QOpenGLTexture::D16);
   map_.setSize(size, size);
@@ -78,53 +77,52 @@ Shadows::Shadows(Gl &gl, int size, int taps) : gl_(gl), size_(size) {
 Shadows::~Shadows() { gl_.glDeleteFramebuffers(1, &buffer_); }
 
 bool Shadows::Update(std::span<const Item> items, std::span<const Item> grounds) {
-  regions_.clear();
-  std::vector<const Item *> casters;
+  const std::vector<Region> last = std::exchange(regions_, {});
+  bool changed = false;
   if (!grounds.empty()) {
     const Bounds &ground =
         std::ranges::max(grounds, {}, [](const Item &item) { return item.Box.Extent(); }).Box;
+    const float top = ground.High.y();
     for (const Item &item : items) {
-      const float rise = item.Box.Low.y - ground.High.y;
-      if (item.Ground || item.Box.Extent() > LargestThing || item.Box.High.y < ground.High.y) continue;
-      Bounds shadow = ShadowOf(item.Box, ground.High.y);
-      const float softness = std::min(Softness + SoftnessPerRise * std::max(rise, 0.0f), LargestSoftness);
-      const float halo = std::min(Halo + HaloPerRise * std::max(rise, 0.0f), LargestHalo);
+      if (item.Ground || item.Box.Extent() > LargestThing || item.Box.High.y() < top) continue;
+      const float rise = std::max(item.Box.Low.y() - top, 0.0f);
+      const float softness = std::min(Softness + SoftnessPerRise * rise, LargestSoftness);
+      const float halo = std::min(Halo + HaloPerRise * rise, LargestHalo);
       const float around = std::max(softness, halo) + Margin;
-      shadow.Low.x = std::max(shadow.Low.x - around, ground.Low.x);
-      shadow.Low.z = std::max(shadow.Low.z - around, ground.Low.z);
-      shadow.High.x = std::min(shadow.High.x + around, ground.High.x);
-      shadow.High.z = std::min(shadow.High.z + around, ground.High.z);
-      if (shadow.Low.x >= shadow.High.x || shadow.Low.z >= shadow.High.z) continue;
-      regions_.push_back({shadow, softness, halo});
-      casters.push_back(&item);
+      Bounds shadow = ShadowOf(item.Box, top);
+      for (const int axis : {0, 2}) {
+        shadow.Low[axis] = std::max(shadow.Low[axis] - around, ground.Low[axis]);
+        shadow.High[axis] = std::min(shadow.High[axis] + around, ground.High[axis]);
+      }
+      if (shadow.Low.x() >= shadow.High.x() || shadow.Low.z() >= shadow.High.z()) continue;
+      regions_.push_back({item.Drawn, item.ToWorld, shadow, softness, halo});
+      changed = changed || item.Changed;
     }
   }
-  std::vector<const GpuMesh *> meshes;
-  for (const Item *caster : casters) meshes.push_back(caster->Mesh);
-  const bool moved = std::exchange(drawn_, meshes) != meshes || std::ranges::any_of(casters, &Item::Changed);
-  if (moved) DrawMap(casters);
-  return moved;
+  if (!changed && regions_ == last) return false;
+  DrawMap(last);
+  return true;
 }
 
-void Shadows::DrawMap(std::span<const Item *const> casters) {
+/// @param last  what the map holds
+void Shadows::DrawMap(std::span<const Region> last) {
   gl_.glBindFramebuffer(GL_FRAMEBUFFER, buffer_);
   gl_.glViewport(0, 0, size_, size_);
   gl_.glEnable(GL_SCISSOR_TEST);
-  for (const QRect &part : used_) {
+  for (const Region &region : last) {
+    const QRect part = InPixels(region.Ground);
     gl_.glScissor(part.x(), part.y(), part.width(), part.height());
     gl_.glClear(GL_DEPTH_BUFFER_BIT);
   }
   gl_.glDisable(GL_SCISSOR_TEST);
-  used_.clear();
-  for (const Region &region : regions_) used_.push_back(InPixels(region.Ground));
 
   gl_.glEnable(GL_DEPTH_CLAMP); // casters beyond the near plane count too
   gl_.glDepthFunc(GL_LESS);
   toMap_.bind();
   toMap_.setUniformValue("toShadow", ToLight());
-  for (const Item *caster : casters) {
-    toMap_.setUniformValue("toWorld", caster->Where.ToWorld);
-    caster->Mesh->Draw(GpuMesh::Faces::All);
+  for (const Region &region : regions_) {
+    toMap_.setUniformValue("toWorld", region.ToWorld);
+    region.Caster->Draw(GpuMesh::Faces::All);
   }
   gl_.glDisable(GL_DEPTH_CLAMP);
 }
@@ -143,8 +141,8 @@ void Shadows::Draw(const QMatrix4x4 &toClip) {
   gl_.glStencilFunc(GL_EQUAL, 1, 0xff);
   gl_.glStencilOp(GL_KEEP, GL_KEEP, GL_INCR); // only the first of overlapping regions shades a pixel
   for (const Region &region : regions_) {
-    shade_.setUniformValue("low", ToQt(region.Ground.Low));
-    shade_.setUniformValue("high", ToQt(region.Ground.High));
+    shade_.setUniformValue("low", region.Ground.Low);
+    shade_.setUniformValue("high", region.Ground.High);
     shade_.setUniformValue("softness", InMap(region.Softness));
     shade_.setUniformValue("halo", InMap(region.Halo));
     gl_.glDrawArrays(GL_TRIANGLE_STRIP, 0, 4);
@@ -155,12 +153,9 @@ void Shadows::Draw(const QMatrix4x4 &toClip) {
 }
 
 QRect Shadows::InPixels(const Bounds &ground) const {
-  const QMatrix4x4 toMap = ToMap();
-  QRectF around;
-  for (int corner = 0; corner < 8; ++corner) {
-    const QVector3D p = toMap.map(ToQt(ground.Corner(corner))) * static_cast<float>(size_);
-    const QRectF pixel(static_cast<qreal>(p.x()) - 1.0, static_cast<qreal>(p.y()) - 1.0, 2.0, 2.0);
-    around = corner == 0 ? pixel : around.united(pixel);
-  }
-  return around.toAlignedRect().intersected(QRect(0, 0, size_, size_));
+  const Bounds part = ground.Moved(ToMap());
+  return QRectF(part.Low.toPointF() * size_, part.High.toPointF() * size_)
+      .toAlignedRect()
+      .adjusted(-1, -1, 1, 1)
+      .intersected(QRect(0, 0, size_, size_));
 }

@@ -3,7 +3,8 @@
 // Shadows on the ground: a map of the key light, and the parts of the ground that shadows can reach. Only
 // these sample the map, so the cost grows with the area in shadow.
 
-#include "platform/desktop/renderer/item.h"
+#include "platform/desktop/renderer/draw_list.h"
+#include "platform/desktop/renderer/open_gl.h"
 
 #include <QOpenGLShaderProgram>
 #include <QOpenGLTexture>
@@ -33,11 +34,14 @@ public:
 private:
   /// The part of the ground that one mesh can shade.
   struct Region {
-    Bounds Ground;  ///< in the scene
-    float Softness; ///< radius of the penumbra, scene units; grows with the height of the mesh
-    float Halo;     ///< radius of the ambient occlusion around the shadow, scene units
+    GpuMesh *Caster;
+    QMatrix4x4 ToWorld; ///< from the mesh into the scene
+    Bounds Ground;      ///< in the scene
+    float Softness;     ///< radius of the penumbra, scene units; grows with the height of the mesh
+    float Halo;         ///< radius of the ambient occlusion around the shadow, scene units
+    bool operator==(const Region &) const = default;
   };
-  void DrawMap(std::span<const Item *const> casters);
+  void DrawMap(std::span<const Region> last);
   QRect InPixels(const Bounds &ground) const;
 
   Gl &gl_;
@@ -47,6 +51,4 @@ private:
   QOpenGLShaderProgram toMap_, shade_;
   QOpenGLVertexArrayObject noVertices_;
   std::vector<Region> regions_;
-  std::vector<const GpuMesh *> drawn_; ///< casters in the map
-  std::vector<QRect> used_;            ///< parts of the map that aren't clear
 };
