@@ -7,6 +7,8 @@
 #include <QProcess>
 #include <gtest/gtest.h>
 
+#include <string>
+
 TEST(WindowScaleTest, ThePlayWindowTakesUpToNineTenthsOfTheFreeArea) {
   const struct {
     const char *screen;
@@ -63,6 +65,20 @@ TEST(WindowScaleTest, AChoiceOfTheUserStaysUnlessNoWindowCouldBeSeenWithIt) {
     EXPECT_EQ(qgetenv(row.name) == row.value, row.stays) << row.name << '=' << row.value;
     EXPECT_EQ(testing::internal::GetCapturedStderr().empty(), row.stays) << row.name << '=' << row.value;
   }
+}
+
+TEST(WindowScaleTest, TheDisplayOfTheCommandLineReplacesThatOfTheEnvironment) {
+  const QByteArray before = qgetenv("DISPLAY");
+  for (const char *option : {"-display", "--display"}) {
+    char name[] = "game", last[] = "-display", display[] = ":4242";
+    std::string given = option;
+    char *arguments[] = {name, given.data(), display, last, nullptr};
+    qputenv("DISPLAY", before);
+    TakeDisplayOption(4, arguments);
+    EXPECT_EQ(qgetenv("DISPLAY"), ":4242") << option;
+  }
+  EXPECT_FALSE(QueryX());
+  qputenv("DISPLAY", before);
 }
 
 TEST(WindowScaleTest, AnAbsurdScaleOfTheDesktopIsIgnoredForWindowsAndFonts) {

@@ -85,6 +85,7 @@ private:
 
 DesktopMachine::DesktopMachine(int &argc, char **argv) : nextWake_(timeGetTime()) {
   mallopt(M_MMAP_THRESHOLD, LargeBlock);
+  TakeDisplayOption(argc, argv);
   ChooseDisplay();
   // Compression would merge motion events, and the offsets have to add up to the motion of the hand.
   QCoreApplication::setAttribute(Qt::AA_CompressHighFrequencyEvents, false);

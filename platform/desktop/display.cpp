@@ -76,6 +76,13 @@ std::optional<DisplayFacts> ChoosePlatform() {
 
 } // namespace
 
+void TakeDisplayOption(int argc, char **argv) {
+  for (int i = 1; i + 1 < argc; ++i) {
+    const QByteArray option = argv[i];
+    if (option == "-display" || option == "--display") qputenv("DISPLAY", argv[i + 1]);
+  }
+}
+
 void ChooseDisplay() {
   DropUnusableSettings();
   auto display = ChoosePlatform();

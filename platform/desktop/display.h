@@ -21,6 +21,9 @@ std::optional<DisplayFacts> QueryX();
 /// Queries the Wayland compositor; nothing if there is none or the game was built without Wayland.
 std::optional<DisplayFacts> QueryWayland();
 
+/// Copies Qt's option "-display" to the environment, where the query and the test of OpenGL find it too.
+void TakeDisplayOption(int argc, char **argv);
+
 /// Chooses Wayland if the compositor lets a program capture the pointer, else X. Chooses the scale
 /// (`WindowScale`) of all windows, fonts and boxes. What the user has chosen in Qt's environment
 /// variables is kept; an unusable scale is dropped with a message on standard error. Must be called before
