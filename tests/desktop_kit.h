@@ -12,9 +12,9 @@
 /// The one application or machine of all tests. It is never destroyed, because Qt's statics are destroyed
 /// before it.
 template <class T> T &TheOnly() {
-  static int count = 1;
-  static char name[] = "test";
-  static char *arguments[] = {name, nullptr};
+  static int count = 2;
+  static char name[] = "test", mirrored[] = "-reverse";
+  static char *arguments[] = {name, mirrored, nullptr};
   static auto *object = new T(count, arguments);
   return *object;
 }

@@ -167,6 +167,11 @@ TEST(DesktopMachineTest, TheRowOfAListIsTheOneThatIsSeenSelected) {
   EXPECT_EQ(clicks, 2);
 }
 
+TEST(DesktopMachineTest, TheLayoutIsNeverMirrored) {
+  GameMachine::Get(); // started with -reverse
+  EXPECT_EQ(QGuiApplication::layoutDirection(), Qt::LeftToRight);
+}
+
 TEST(DesktopMachineTest, RandomNumbersDiffer) {
   constexpr int Draws = 100;
   std::set<float> numbers;

@@ -92,6 +92,7 @@ DesktopMachine::DesktopMachine(int &argc, char **argv) : nextWake_(timeGetTime()
   const QtMessageHandler before = qInstallMessageHandler(RefuseDisplay);
   application_ = std::make_unique<QApplication>(argc, argv);
   if (!ScreenStaysDark()) qInstallMessageHandler(before);
+  application_->setLayoutDirection(Qt::LeftToRight); // the windows' layout is fixed, whatever -reverse says
   InstallAccessibility();
   QPixmapCache::setCacheLimit(PixmapCacheSize);
   DarkenDisabledText();
