@@ -6,6 +6,7 @@
 #include "tests/session_kit.h"
 
 #include <QCheckBox>
+#include <QClipboard>
 #include <QComboBox>
 #include <QLabel>
 #include <QLineEdit>
@@ -170,6 +171,21 @@ TEST(DesktopMachineTest, TheRowOfAListIsTheOneThatIsSeenSelected) {
 TEST(DesktopMachineTest, TheLayoutIsNeverMirrored) {
   GameMachine::Get(); // started with -reverse
   EXPECT_EQ(QGuiApplication::layoutDirection(), Qt::LeftToRight);
+}
+
+TEST(DesktopMachineTest, PastedLineBreaksAreBlanksAndNoEnter) {
+  Form form(GameMachine::Get());
+  std::vector<std::int16_t> keys;
+  form.box.KeyPress = [&](std::int16_t key) { keys.push_back(key); };
+  for (const char *text : {"192.0.2.7\n", "192.0.2.7\r", "192.0.2.7\u2028"}) {
+    form.box.Text.clear();
+    form.machine.Pump();
+    QGuiApplication::clipboard()->setText(text);
+    qobject_cast<QLineEdit *>(WidgetOf("box"))->paste();
+    form.machine.Pump();
+    EXPECT_EQ(form.box.Text, "192.0.2.7 ");
+  }
+  EXPECT_EQ(keys, std::vector<std::int16_t>(3, ' '));
 }
 
 TEST(DesktopMachineTest, RandomNumbersDiffer) {

@@ -3,6 +3,7 @@
 #include "platform/desktop/accessible.h"
 #include "platform/desktop/painted_views.h"
 #include "platform/desktop/typed_view.h"
+#include "platform/plain_text.h"
 
 #include <QCheckBox>
 #include <QComboBox>
@@ -37,11 +38,13 @@ public:
     if (model.Locked) widget_->setFocusPolicy(Qt::NoFocus);
     if (model.MaxLength > 0) widget_->setMaxLength(model.MaxLength);
     QObject::connect(widget_, &QLineEdit::textEdited, [this](const QString &text) {
-      Post([this, text] {
-        model_.Text = text.toStdString();
+      // Pasted line breaks, which the box shows as blanks, must not count as Enter or as part of a name.
+      const QString line = Text(PlainText(text.toStdString(), static_cast<std::size_t>(text.size())));
+      Post([this, line] {
+        model_.Text = line.toStdString();
         shownText_ = model_.Text;
-        if (model_.KeyPress && !text.isEmpty())
-          model_.KeyPress(static_cast<std::int16_t>(text.back().unicode()));
+        if (model_.KeyPress && !line.isEmpty())
+          model_.KeyPress(static_cast<std::int16_t>(line.back().unicode()));
       });
     });
     QObject::connect(widget_, &QLineEdit::returnPressed, [this] {
