@@ -274,6 +274,9 @@ TEST(DesktopMachineTest, ALongTextThatCantBeScrolledIsShownInTwoLines) {
   }
   const std::string unbroken(100, 'n');
   EXPECT_NE(look(unbroken + "i"), look(unbroken + "o"));
+  // Blanks at the end of a line hang over, so a text that is too long may have one line only.
+  EXPECT_EQ(look(std::string(200, ' ')), look(""));
+  EXPECT_NE(look("i" + std::string(199, ' ')), look(""));
   machine.Hide(window);
 }
 

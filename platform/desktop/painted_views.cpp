@@ -157,9 +157,6 @@ void TextLine::paintEvent(QPaintEvent *event) {
     QLineEdit::paintEvent(event);
     return;
   }
-  QPainter painter(this);
-  style()->drawPrimitive(QStyle::PE_PanelLineEdit, &frame, &painter, this);
-  painter.setPen(palette().color(QPalette::Text));
 
   QTextOption wrap(alignment());
   wrap.setWrapMode(QTextOption::WrapAtWordBoundaryOrAnywhere);
@@ -170,6 +167,13 @@ void TextLine::paintEvent(QPaintEvent *event) {
     small.setPixelSize(small.pixelSize() - 1);
     layout.setFont(small);
   }
+  if (layout.lineCount() < 2) { // only blanks, which hang over the end of a line, are too much
+    QLineEdit::paintEvent(event);
+    return;
+  }
+  QPainter painter(this);
+  style()->drawPrimitive(QStyle::PE_PanelLineEdit, &frame, &painter, this);
+  painter.setPen(palette().color(QPalette::Text));
   const QTextLine first = layout.lineAt(0), second = layout.lineAt(1);
   const QString rest = text().mid(second.textStart());
   painter.setFont(small);
