@@ -10,7 +10,7 @@
 #include <cmath>
 
 /// The one application or machine of all tests. It is never destroyed, because Qt's statics are destroyed
-/// before it.
+/// before it. Started with "-reverse", which must change nothing.
 template <class T> T &TheOnly() {
   static int count = 2;
   static char name[] = "test", mirrored[] = "-reverse";
