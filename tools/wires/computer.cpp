@@ -105,6 +105,7 @@ void Computer::ExpectNobodyGone() {
 
 void Computer::Watch(const std::atomic<std::size_t> &wanted) {
   for (const auto end = Clock::now() + CardsPatience; table_->CardsSeen.size() < wanted; Pause(LookAgain)) {
+    if (SeesEndCard()) return;
     if (const int card = table_->CardUp()) table_->SeeCard(card);
     if (Clock::now() > end) throw GaveUp(who_ + " misses a card");
   }

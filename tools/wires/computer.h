@@ -42,7 +42,9 @@ public:
   /// @throws GaveUp  if the game says that the other player has left
   void ExpectNobodyGone();
 
-  /// Watches until a number of cards has been shown.
+  std::optional<EndCard> SeesEndCard() { return FindEndCard(seat_); }
+
+  /// Watches until a number of cards has been shown, or the end card.
   /// @param wanted  the number; may decrease meanwhile
   void Watch(const std::atomic<std::size_t> &wanted);
 
