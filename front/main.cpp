@@ -19,7 +19,7 @@ int Fail(const std::string &why) {
 int main(int argc, char **argv) {
   try {
     if (AsksForOpenGLTest(argc, argv)) return TestOpenGL(argc, argv);
-    // Opening the sound device takes a third of a start, so the toolkit starts meanwhile.
+    // Opening the sound device can take as long as starting the toolkit, so both are done at once.
     auto sound = std::async(std::launch::async, OpenDefaultSound);
     DesktopMachine machine(argc, argv);
     machine.UseSound(std::move(sound));

@@ -30,7 +30,7 @@ public:
   }
 };
 
-class TextBoxView : public Field<TextBox, TextLine> {
+class TextBoxView : public Field<TextBox, TwoLineEdit> {
 public:
   TextBoxView(DesktopMachine &machine, Window &window, TextBox &model, QWidget &parent)
       : Field(machine, window, model, parent) {
@@ -39,12 +39,11 @@ public:
     if (model.MaxLength > 0) widget_->setMaxLength(model.MaxLength);
     QObject::connect(widget_, &QLineEdit::textEdited, [this](const QString &text) {
       // Pasted line breaks, which the box shows as blanks, must not count as Enter or as part of a name.
-      const QString line = Text(PlainText(text.toStdString(), static_cast<std::size_t>(text.size())));
+      const std::string line = PlainText(text.toStdString(), static_cast<std::size_t>(text.size()));
       Post([this, line] {
-        model_.Text = line.toStdString();
-        shownText_ = model_.Text;
-        if (model_.KeyPress && !line.isEmpty())
-          model_.KeyPress(static_cast<std::int16_t>(line.back().unicode()));
+        model_.Text = shownText_ = line;
+        if (model_.KeyPress && !line.empty())
+          model_.KeyPress(static_cast<std::int16_t>(Text(line).back().unicode()));
       });
     });
     QObject::connect(widget_, &QLineEdit::returnPressed, [this] {

@@ -147,7 +147,7 @@ void MeterWidget::PaintScale(QPainter &painter) const {
   }
 }
 
-void TextLine::paintEvent(QPaintEvent *event) {
+void TwoLineEdit::paintEvent(QPaintEvent *event) {
   QStyleOptionFrame frame;
   initStyleOption(&frame);
   const QRect place = style()

@@ -46,7 +46,7 @@ private:
 /// A text box whose text, if it can't be edited and is too long for one line, takes two. It can't be
 /// scrolled: the play window captures the pointer. What two lines of the smallest font don't hold ends with
 /// an ellipsis.
-class TextLine : public QLineEdit {
+class TwoLineEdit : public QLineEdit {
 public:
   using QLineEdit::QLineEdit;
 
