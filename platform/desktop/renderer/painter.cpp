@@ -12,9 +12,9 @@ namespace {
 
 constexpr float SmallestSky = 1000.0f; ///< scene units: a mesh of that size leaves no background visible
 
-// In a view up to this height a distant texture never covers more pixels than this.
+// In a view up to this height a larger texture would hardly be seen in all its detail.
 constexpr int SmallView = 400; ///< pixels
-constexpr QSize LargestDistant(512, 512);
+constexpr QSize LargestTexture(512, 512);
 
 /// Kinds of surfaces, a set of these: has a texture, is strokes of paint on the ground, has highlights.
 enum : unsigned { Textured = 1, Stroked = 2, Gleaming = 4 };
@@ -159,22 +159,22 @@ void Painter::DrawItem(const Item &item) {
   };
   draw(false, texture ? GpuMesh::Faces::Plain : GpuMesh::Faces::All);
   if (texture) {
-    Texture(texture, IsLarge(item)).bind();
+    Texture(texture).bind();
     draw(true, GpuMesh::Faces::Textured);
   }
   if (paint) gl_.glDisable(GL_BLEND);
 }
 
-/// @param distant  whether it is seen only from afar; in a small view such a texture is uploaded at a lower
-///                 resolution, because software OpenGL keeps it in the program's own memory
-QOpenGLTexture &Painter::Texture(const Ref<Direct3DRMTexture> &texture, bool distant) {
+/// In a small view a large texture is uploaded at a lower resolution, because software OpenGL keeps it in the
+/// program's own memory.
+QOpenGLTexture &Painter::Texture(const Ref<Direct3DRMTexture> &texture) {
   auto &entry = textures_[texture];
   if (entry) return *entry;
   const Ref<const ImageData> data = texture->Image();
   QImage image(data->Pixels.data(), data->Width, data->Height, QImage::Format_RGBA8888);
-  if (distant && smallView_)
+  if (smallView_)
     image =
-        image.scaled(image.size().boundedTo(LargestDistant), Qt::IgnoreAspectRatio, Qt::SmoothTransformation);
+        image.scaled(image.size().boundedTo(LargestTexture), Qt::IgnoreAspectRatio, Qt::SmoothTransformation);
   entry = std::make_unique<QOpenGLTexture>(image);
   texture->ReleaseImage();
   entry->setMinMagFilters(quality_.Anisotropy > 0.0f ? QOpenGLTexture::LinearMipMapLinear

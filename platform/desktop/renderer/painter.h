@@ -40,7 +40,7 @@ private:
   void Resize(QSize size);
   void Draw(std::span<const Item> items, std::span<const Item> grounds, bool moving);
   void DrawItem(const Item &item);
-  QOpenGLTexture &Texture(const Ref<Direct3DRMTexture> &texture, bool distant);
+  QOpenGLTexture &Texture(const Ref<Direct3DRMTexture> &texture);
   QOpenGLShaderProgram &SurfaceProgram(unsigned kind);
   void DrawBackdrop();
 
