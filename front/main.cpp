@@ -5,12 +5,14 @@
 
 #include <future>
 #include <iostream>
+#include <memory>
+#include <system_error>
 #include <utility>
 
 namespace {
 
 int Fail(const std::string &why) {
-  std::cerr << "Snapwedge can't go on: " << why << std::endl;
+  std::cerr << "Snapwedge can't continue: " << why << std::endl;
   return 1;
 }
 
@@ -20,7 +22,11 @@ int main(int argc, char **argv) {
   try {
     if (AsksForOpenGLTest(argc, argv)) return TestOpenGL(argc, argv);
     // Opening the sound device can take as long as starting the toolkit, so both are done at once.
-    auto sound = std::async(std::launch::async, OpenDefaultSound);
+    std::future<std::shared_ptr<DirectSound>> sound;
+    try {
+      sound = std::async(std::launch::async, OpenDefaultSound);
+    } catch (const std::system_error &) { // no thread is to be had: the device is opened when first used
+    }
     DesktopMachine machine(argc, argv);
     machine.UseSound(std::move(sound));
     machine.TryOpenGL();
@@ -30,8 +36,10 @@ int main(int argc, char **argv) {
     } catch (const std::exception &error) {
       machine.ShowCursor(-1);
       try {
-        machine.MsgBox({std::string("Snapwedge can't go on.\n\n") + error.what(), "Snapwedge", true});
+        machine.MsgBox({std::string("Snapwedge can't continue.\n\n") + error.what(), "Snapwedge", true});
       } catch (const ProgramEnd &) { // by a signal, while the box is up
+      } catch (const std::exception &second) {
+        std::cerr << second.what() << std::endl;
       }
       return Fail(error.what());
     }

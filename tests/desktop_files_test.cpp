@@ -199,6 +199,10 @@ TEST_F(FilesTest, AnySoundIsNamed) {
     const auto load = [&] { sound->CreateSoundBufferFromFile(directory / name, {}, {}); };
     ASSERT_NO_THROW(load());
     Damage<SoundError>(name, load);
+    constexpr std::size_t RateAt = 24; // bytes
+    Put(name, Content(directory / name).replace(RateAt, 4, "\xff\xff\xff\x7f"));
+    ExpectNamed<SoundError>(name, load); // and no buffer for a second of it
+    Restore(name);
   }
 }
 

@@ -33,7 +33,7 @@ namespace {
 /// Replaces Qt's long messages about an unusable display, and its abort.
 void RefuseDisplay(QtMsgType type, const QMessageLogContext &, const QString &) {
   if (type != QtFatalMsg) return;
-  std::cerr << "Snapwedge can't go on: no display is available:";
+  std::cerr << "Snapwedge can't continue: no display is available:";
   for (const char *name : {"DISPLAY", "WAYLAND_DISPLAY", "QT_QPA_PLATFORM"}) {
     std::cerr << ' ' << name << "=\"" << qgetenv(name).toStdString() << '"';
   }
@@ -339,7 +339,7 @@ void DesktopMachine::MsgBox(const MessageBox &box) {
     while (!answered && !ModalsEnd()) Wait();
     return;
   }
-  QWidget *parent = QApplication::activeWindow();
+  QWidget *parent = QApplication::activeWindow(); // outlives the box, which alone gets events
   QMessageBox shown(box.Critical ? QMessageBox::Critical : QMessageBox::NoIcon,
                     QString::fromStdString(box.Title), QString::fromStdString(box.Text), QMessageBox::Ok,
                     parent);

@@ -18,12 +18,14 @@
 #include <stop_token>
 #include <string>
 #include <string_view>
+#include <system_error>
 #include <thread>
 #include <vector>
 
 namespace {
 
-constexpr sf_count_t LongestSound = 60L * 48000;   ///< frames
+constexpr int LongestSound = 60;                   ///< seconds
+constexpr int LeastRate = 8000, MostRate = 48000;  ///< Hz
 constexpr std::uintmax_t LargestFile = 16UL << 20; ///< bytes
 
 // Sounds are streamed from their files. In memory they would take 6 MiB, a third of the launch window's.
@@ -45,19 +47,21 @@ public:
     constexpr ALCint NoEffects[] = {ALC_MAX_AUXILIARY_SENDS, 0, 0}; // saves their memory
     context_ = alcCreateContext(device_, NoEffects);
     if (!context_ || !alcMakeContextCurrent(context_)) {
-      if (context_) alcDestroyContext(context_);
-      alcCloseDevice(device_);
+      Close();
       throw SoundError("can't create a context on the sound device");
     }
-    refiller_ = std::jthread([this](const std::stop_token &end) { Refill(end); });
+    try {
+      refiller_ = std::jthread([this](const std::stop_token &end) { Refill(end); });
+    } catch (const std::system_error &) {
+      Close();
+      throw SoundError("no thread can be started for sound");
+    }
   }
   ~Device() {
     refiller_.request_stop();
     refiller_.join();
     const std::scoped_lock lock(mutex_);
-    alcMakeContextCurrent(nullptr);
-    alcDestroyContext(context_);
-    alcCloseDevice(device_);
+    Close();
   }
   Device(const Device &) = delete;
   Device &operator=(const Device &) = delete;
@@ -73,6 +77,12 @@ public:
 
 private:
   void Refill(const std::stop_token &end);
+
+  void Close() {
+    alcMakeContextCurrent(nullptr);
+    if (context_) alcDestroyContext(context_);
+    alcCloseDevice(device_);
+  }
 
   static inline std::mutex mutex_; ///< of all devices, because one context is current in the whole process
   ALCdevice *device_ = nullptr;
@@ -122,8 +132,11 @@ public:
     }
     file_.reset(sf_open(path.c_str(), SFM_READ, &info_));
     if (!file_) throw SoundError(name + ": " + sf_strerror(nullptr));
-    if (info_.channels < 1 || info_.channels > 2 || info_.frames < 1 || info_.frames > LongestSound) {
-      throw SoundError(name + ": must have one or two channels and last at most a minute");
+    const bool usable = info_.channels >= 1 && info_.channels <= 2 && info_.samplerate >= LeastRate &&
+                        info_.samplerate <= MostRate && info_.frames >= 1 &&
+                        info_.frames <= sf_count_t{LongestSound} * info_.samplerate;
+    if (!usable) {
+      throw SoundError(name + ": must have one or two channels, 8 to 48 kHz, and last at most a minute");
     }
   }
 
@@ -134,7 +147,7 @@ public:
 
   /// The next chunk of samples; shorter or empty at the end. A loop continues with the beginning.
   std::vector<short> Read(bool loop) {
-    const sf_count_t frames = std::max(info_.samplerate / ChunksPerSecond, 1);
+    const sf_count_t frames = info_.samplerate / ChunksPerSecond;
     std::vector<short> samples(static_cast<std::size_t>(frames * info_.channels));
     sf_count_t done = 0;
     bool rewound = false;
