@@ -1,6 +1,7 @@
 // Frames of the real scene: reproducible, still where nothing moves, and showing everything that a player
 // needs.
 
+#include "platform/desktop/renderer/edge_smoothing.h"
 #include "platform/desktop/renderer/renderer.h"
 #include "tests/desktop_kit.h"
 #include "tests/game_kit.h"
@@ -52,6 +53,16 @@ TEST(RendererTest, TheSameSceneGivesTheSameFrameToTheBit) {
     RenderedGame one(quality), two(quality);
     EXPECT_EQ(Differing(one.Draw(), two.Draw()), 0);
   }
+}
+
+TEST(RendererTest, ABlackFirstFrameIsSmoothedToo) {
+  constexpr QSize Size(9, 9);
+  EdgeSmoothing smoothing(Size);
+  smoothing.Drawn().fill(Qt::black);
+  QImage frame(Size, QImage::Format_RGB32);
+  frame.fill(Qt::red);
+  EXPECT_TRUE(smoothing.Update(frame));
+  EXPECT_EQ(frame.pixelColor(4, 4), QColor(Qt::black));
 }
 
 /// The mean colour of a part of an image.

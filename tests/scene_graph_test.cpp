@@ -150,6 +150,15 @@ TEST_F(GraphTest, AChildPutByWayOfAnotherFrameStaysWithItsParent) {
   ExpectNear(Place(child, scene), {6, 2, 3});
 }
 
+TEST_F(GraphTest, AFrameThatOutlivesItsParentStandsForItself) {
+  auto other = std::make_unique<RMCanvas>(machine);
+  other->Start();
+  const auto child = other->RootObject->CreateFrame(other->SceneFrame);
+  child->SetPosition(other->SceneFrame, 1, 2, 3);
+  other.reset();
+  EXPECT_EQ(child->World().Origin, (Vector{1, 2, 3}));
+}
+
 TEST_F(GraphTest, APlaceReadInATurnedFrameGoesWithIt) {
   const auto ref = Frame(Frame(scene, {5, 0, -2}, 1.1f), {0, 3, 0}, -2.3f);
   const auto frame = Frame(Frame(scene, {-1, 2, 8}, 0.4f), {2, 2, 2}, 0.9f);

@@ -48,9 +48,12 @@ struct Transform {
 /// A node of the tree. In all operations `ref` is the frame in whose current coordinates positions and
 /// vectors are given; it may be the frame itself.
 /// @throws SceneError  if an operation fails, for example on an argument that isn't finite
-class Direct3DRMFrame3 : public std::enable_shared_from_this<Direct3DRMFrame3> {
+class Direct3DRMFrame3 {
 public:
   explicit Direct3DRMFrame3(GraphRevision revision) : revision_(std::move(revision)) {}
+  ~Direct3DRMFrame3() {
+    for (const auto &child : children_) child->parent_ = nullptr;
+  }
   Direct3DRMFrame3(const Direct3DRMFrame3 &) = delete;
   Direct3DRMFrame3 &operator=(const Direct3DRMFrame3 &) = delete;
 
@@ -95,7 +98,7 @@ private:
   void Pick(const D3DRMRAY &ray, std::vector<Direct3DRMPickArray::Hit> &hits);
 
   GraphRevision revision_;
-  Direct3DRMFrame3 *parent_ = nullptr; ///< outlives its children, which it owns
+  Direct3DRMFrame3 *parent_ = nullptr; ///< null for the root, and when the parent is gone
   std::vector<Ref<Direct3DRMFrame3>> children_;
   std::vector<Ref<Direct3DRMMeshBuilder3>> visuals_;
   Transform local_; ///< in the parent

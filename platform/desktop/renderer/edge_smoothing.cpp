@@ -80,7 +80,8 @@ std::uint32_t Smoothed(const std::uint32_t *pixel, qsizetype stride, const Neigh
 EdgeSmoothing::EdgeSmoothing(QSize size)
     : drawn_(size, QImage::Format_RGB32), last_(size, QImage::Format_RGB32),
       brightness_(static_cast<std::size_t>(size.width()) * static_cast<std::size_t>(size.height())) {
-  last_.fill(Qt::transparent); // differs from every drawn pixel
+  // Differs from every drawn pixel, since those are opaque.
+  std::fill_n(last_.bits(), last_.sizeInBytes(), uchar{0});
 }
 
 void EdgeSmoothing::Span::Widen(const Span &other) {
