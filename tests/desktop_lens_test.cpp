@@ -289,6 +289,34 @@ TEST(LensTest, TheViewStaysWhileSomebodyAimsAndSettlesUnderMovingPosts) {
     EXPECT_TRUE(frame < 2 || shot.PostsShow()) << "frame " << frame;
     EXPECT_TRUE(frame < UntilSettled || shot.lens.Settled()) << "frame " << frame;
   }
+
+  // From the side there is no room for the posts' path.
+  window.SideCam();
+  window.LookCam();
+  shot.Settle();
+  const float side = shot.view.Height;
+  for (int frame = 0; frame < ThereAndBack; ++frame) {
+    window.MoveGoal();
+    shot.Take();
+    EXPECT_EQ(shot.view.Height, side) << "frame " << frame;
+  }
+}
+
+TEST(LensTest, APossessionBeginsWithTheSameViewWhereverThePostsEnded) {
+  constexpr int FromTheComputersKick = 8; // scene units that `Reset` moves the posts
+  Shot shot;
+  auto &window = shot.game.window;
+  shot.Settle();
+  const float before = shot.view.Height;
+  window.SideCam();
+  window.LookCam();
+  for (int frame = 0; frame < FromTheComputersKick; ++frame) {
+    window.MoveGoal();
+    shot.Take();
+  }
+  window.Reset();
+  shot.Settle();
+  EXPECT_EQ(shot.view.Height, before);
 }
 
 } // namespace

@@ -43,7 +43,7 @@ constexpr float EdgeReach = 32.0f;  ///< largest distance from the table's edge 
 constexpr float EdgeFar = 60.0f;    ///< smallest distance at which the edge has no effect, scene units
 constexpr float EdgeDrop = 0.15f;   ///< largest pitch below the target at which the edge is shown, radians
 constexpr float EdgeDropFar = 0.3f; ///< smallest pitch below the target at which it has no effect, radians
-constexpr float ShadowPart = 0.9f;  ///< of the way down to the target's shadow, the margin shows the rest
+constexpr float ShadowPart = 0.9f;  ///< of the way down to the target's shadow that must be in view
 constexpr float PointReach = 0.87f; ///< largest yaw from the target at which a point can be shown, radians
 constexpr float FarReach = 1.3f;    ///< smallest yaw from the target at which a point has no effect, radians
 constexpr float StopReach = 0.46f;  ///< largest yaw to the point where the target will stop, radians
@@ -56,6 +56,7 @@ constexpr float LevelMotion = 0.0001f; ///< largest vertical motion, scene units
 
 // Motion of the view.
 constexpr float Jump = 12.0f;         ///< motion between two frames above which the view cuts, scene units
+constexpr float LongerStep = 1.5f;    ///< ratio of two steps of a mesh that moves on through a cut
 constexpr float EaseShare = 0.25f;    ///< share of the remaining difference that each frame covers
 constexpr float Still = 0.0005f;      ///< difference that ends the easing, radians or logarithm of the height
 constexpr float SteepestPitch = 1.5f; ///< of the view, radians
@@ -193,15 +194,14 @@ CameraView Lens::Next(const Direct3DRMFrame3 &camera, std::span<const Item> scen
   FollowMovers(scene, looked.get(), cut, step.length() > 0);
   // The only meshes that move while the target rests are the posts. They go from side to side over the whole
   // table, so room for that on both sides avoids a later change of the view.
-  const bool symmetric = (cut || step.length() == 0) && std::ranges::any_of(movers_, [&](const Mover &mover) {
-                           return mover.Moves && Apart(from, mover.Origin, target) < PointReach;
-                         });
   const auto table = TableOf(scene);
+  bool symmetric = false;
   for (Mover &mover : movers_) {
-    if (!symmetric || !table || !mover.Moves) continue;
-    const Bounds path = Swept(mover.Covered, *table);
-    if (Apart(from, path.Low, target) < PointReach && Apart(from, path.High, target) < PointReach)
-      mover.Covered = path;
+    if (!mover.Moves || (!cut && step.length() > 0)) continue;
+    const Bounds path = table ? Swept(mover.Covered, *table) : mover.Covered;
+    if (Apart(from, path.Low, target) > PointReach || Apart(from, path.High, target) > PointReach) continue;
+    mover.Covered = path;
+    mover.Shown = symmetric = true;
   }
   const auto points = PointsToShow(from, scene, *subject, table, cut ? QVector3D() : step);
   const bool falls = table && from.Origin.y < table->High.y();
@@ -237,22 +237,26 @@ void Lens::FollowMovers(std::span<const Item> scene, const Direct3DRMFrame3 *tar
     const auto last = std::ranges::find(movers_, item.Frame, &Mover::Frame);
     const bool known = last != movers_.end();
     const float moved = known ? origin.distanceToPoint(last->Origin) : 0.0f;
-    const bool moves = (moved > 0.0f && moved <= Jump) || (known && last->Moves && !cut);
+    // Where the view cuts, a farther step than the last is a return to the start.
+    const bool steps = moved > 0.0f && moved <= (cut ? LongerStep * last->Step : Jump);
+    const bool moves = steps || (known && last->Moves && !cut);
     Bounds covered = item.Box;
     // Only the part above the origin has to be visible: of the posts, whose origin is at the bar, not the
     // foot.
     covered.Low.setY(std::clamp(origin.y(), covered.Low.y(), covered.High.y()));
     if (targetMoves) covered.High.setY(covered.Low.y()); // the bar, above or below which the target passes
-    now.push_back({item.Frame, origin, moves, covered});
+    // A mesh without room for its path, as the posts seen from the side, would swing a resting view.
+    const bool shown = moves && !cut && (targetMoves || (known && last->Shown));
+    now.push_back({item.Frame, origin, moved, moves, shown, covered});
   }
   movers_ = std::move(now);
 }
 
-/// The corners of the moving meshes, faded.
+/// The corners of the moving meshes to show, faded.
 std::vector<QVector3D> Lens::MoverPoints(const Transform &camera, const QVector3D &target) const {
   std::vector<QVector3D> points;
   for (const Mover &mover : movers_) {
-    if (mover.Moves) std::ranges::copy(mover.Covered.Corners(), std::back_inserter(points));
+    if (mover.Shown) std::ranges::copy(mover.Covered.Corners(), std::back_inserter(points));
   }
   for (QVector3D &point : points)
     point = Faded(point, target, Apart(camera, point, target), PointReach, FarReach);
@@ -281,7 +285,7 @@ std::vector<QVector3D> Lens::PointsToShow(const Transform &camera, std::span<con
   }
   if (table) {
     const QVector3D edge = EdgeNear(*table, target);
-    // The near edge would pull the view down to the feet of a player who has left it behind.
+    // Once the target is past the near edge, it would pull the view down to the feet of the player.
     const float drop = BearingOf(camera, target).Pitch - BearingOf(camera, edge).Pitch;
     // An edge that the target leaves would pull the view back.
     const bool leaves = QVector3D::dotProduct(edge - target, step) < 0;

@@ -26,7 +26,7 @@ public:
   /// The target is the scene frame of the camera's last `LookAt`. It is always in the frame, in the lower
   /// third unless it is high above the camera or falls, and appears smaller with distance, but by less than
   /// perspective alone makes it. The frame also contains, as far as the widest field of view allows:
-  /// - the other meshes that move,
+  /// - the other meshes that move; those without room for their path only once the target has moved too,
   /// - the aim, while it lies at the target,
   /// - the point where a sliding target will stop,
   /// - the nearest point of the table's edge, if the target is close to it and doesn't move away from it,
@@ -48,7 +48,9 @@ private:
   struct Mover {
     const Direct3DRMFrame3 *Frame;
     QVector3D Origin; ///< in the previous frame
+    float Step;       ///< its length in the previous frame, scene units
     bool Moves;       ///< has moved since the last cut
+    bool Shown;       ///< to be in the frame
     Bounds Covered;   ///< its bounding box in the scene; while the target rests, all that it may pass
   };
 
