@@ -79,6 +79,10 @@ Flag frmSnapwedge::AnyPictures() {
 void frmSnapwedge::PostScore() {
   lblPlayer1.Caption = "Home Team Score: " + std::to_string(HomeScore);
   lblPlayer2.Caption = "Away Team Score: " + std::to_string(AwayScore);
-  Label1.Caption = "Round: " + std::to_string(Round) + " of " + std::to_string(program.Rounds);
+  ShowRound();
   CountScores();
+}
+
+void frmSnapwedge::ShowRound() {
+  Label1.Caption = "Round: " + std::to_string(Round) + " of " + std::to_string(program.Rounds);
 }

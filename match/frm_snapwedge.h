@@ -93,6 +93,7 @@ public:
 
   Flag AnyPictures();                 ///< -1 if a result card is up
   void PostScore();                   ///< writes both score lines and the round line
+  void ShowRound();                   ///< writes the round line
   PictureBox &Card(std::int16_t MES); ///< the card of that result, one of `Results`
 
   // match/hints.cpp: the texts of `lblHint`
@@ -102,6 +103,8 @@ public:
   void HintResult(std::int16_t MES);      ///< the reason for this side's result card
   void HintOtherResult(std::int16_t MES); ///< the meaning of the other computer's result card
   void HintOver();                        ///< the match is over
+  void HintWriting();                     ///< a message is begun
+  void HintWritten();                     ///< the message is sent: back to the hint before it
 
   Program &program;
   Machine &machine;
@@ -113,10 +116,11 @@ public:
   std::int32_t AwayScore = 0;                ///< points of side B
   std::int32_t FrameStart = 0;               ///< clock at the start of the current step, ms
   std::int32_t FrameEnd = 0;                 ///< earliest clock at the end of the current step, ms
-  std::string PieceSurface;  ///< mesh under the piece's centre at the last `CheckRay`; empty for none
-  std::string CornerSurface; ///< mesh under the corner last tested by `CheckScore`
-  Flag OverSide = False;     ///< at the last rest a corner was over an edge, but none past the far edge
-  Flag OnCircle = False;     ///< at the last rest a corner was over the bonus area
+  std::string PieceSurface;      ///< mesh under the piece's centre at the last `CheckRay`; empty for none
+  std::string HintBeforeWriting; ///< shown again once the message is sent
+  std::string CornerSurface;     ///< mesh under the corner last tested by `CheckScore`
+  Flag OverSide = False;         ///< at the last rest a corner was over an edge, but none past the far edge
+  Flag OnCircle = False;         ///< at the last rest a corner was over the bonus area
 
   // ---- Phase: what the mouse may do --------------------------------------------------------------
 
@@ -291,8 +295,7 @@ public:
 
   /// Acts on a message. During this side's turn the other side can't shoot, but the result of its last shot
   /// may still arrive.
-  /// @returns false if the message breaks a rule, which no correct program's does: it is as if it had not
-  /// come
+  /// @returns false if the message is invalid or out of turn. It has no effect and is counted as dropped.
   bool TakeMessage(const std::string &tag, DirectPlayMessage &message);
 
   /// Replays a received flick, or queues it if another is being replayed.

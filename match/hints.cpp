@@ -14,6 +14,7 @@
 
 namespace {
 
+constexpr const char *WritingHint = "Type your message. Enter sends it and goes back to the game.";
 constexpr float TableReach = 88.0f; ///< from the table's middle to each edge, scene units
 
 Vector PlaceOf(const Ref<Direct3DRMFrame3> &frame, const frmSnapwedge &window) {
@@ -46,11 +47,12 @@ std::string WhoseTurn(const Program &program) {
 /// The hint before the second or third try of the player at this mouse.
 std::string NextTry(const frmSnapwedge &window) {
   const bool last = window.Shots < 2;
-  const std::string yards = ToTheEdge(window) + " yards to the edge";
+  const std::string yards = ToTheEdge(window) + " yards to the far edge";
   if (window.ShotPower == 0.0f)
     return std::string("No power: let go before the meter rose. ") +
            (last ? "One try is left." : "Two tries are left.");
-  if (window.OverSide) return "A corner over the side counts for nothing. " + yards + ".";
+  if (window.OverSide)
+    return "A corner over the side counts for nothing. " + (last ? "Last try, " + yards : yards) + ".";
   if (!last) return yards + ". Don't cross it yet: only the third try counts.";
   if (window.OnCircle)
     return "The circle pays on try one only. Last try, " + ToTheEdge(window) +
@@ -100,7 +102,7 @@ void frmSnapwedge::HintAim() {
     break;
   }
   if (KickMode) {
-    lblHint.Caption = "Kick for 1 point: over the bar, and ahead of the moving posts.";
+    lblHint.Caption = "Kick for 1 point: over the bar, aimed ahead of the moving posts.";
   } else if (Shots < AttemptsInPossession) {
     lblHint.Caption = NextTry(*this);
   } else {
@@ -174,6 +176,15 @@ void frmSnapwedge::HintOtherResult(std::int16_t MES) {
       "The other player's third try ended short of the edge.",
   };
   lblHint.Caption = Texts[MES - Results::First];
+}
+
+void frmSnapwedge::HintWriting() {
+  HintBeforeWriting = lblHint.Caption;
+  lblHint.Caption = WritingHint;
+}
+
+void frmSnapwedge::HintWritten() {
+  if (lblHint.Caption == WritingHint) lblHint.Caption = HintBeforeWriting;
 }
 
 void frmSnapwedge::HintOver() {

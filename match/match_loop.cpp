@@ -59,7 +59,7 @@ void frmSnapwedge::PlayRounds() {
   const bool network = program.GameMode == "INET";
   while (Round < program.Rounds) {
     if (!network) Round = static_cast<std::int16_t>(Round + 1);
-    Label1.Caption = "Round: " + std::to_string(Round) + " of " + std::to_string(program.Rounds);
+    ShowRound();
     if (network) SyncScore();
     if (program.IsHost) Round = static_cast<std::int16_t>(Round + 1);
     PostScore();

@@ -197,6 +197,7 @@ void frmSnapwedge::OtherSideLeft() {
   machine.ShowCursor(-1);
   LineWatch.reset();
   Caption = PlayCaption;
+  lblHint.Caption = "The other player has left. OK ends the game.";
   machine.MsgBox({"Away Team Disconnected!", "Game Over:"});
   throw ProgramEnd{};
 }

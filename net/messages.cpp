@@ -90,6 +90,7 @@ void frmSnapwedge::SendText() {
   }
   Text2.Text.clear();
   RMCanvas1.SetFocus();
+  HintWritten();
 }
 
 void frmSnapwedge::SendEnd() { SendTag(program, "END"); }

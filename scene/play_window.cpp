@@ -134,5 +134,5 @@ void frmSnapwedge::TurnColor() {
   }
   LightBoards();
   ShowShots();
-  Label1.Caption = "Round: " + std::to_string(Round) + " of " + std::to_string(program.Rounds);
+  ShowRound();
 }

@@ -1,5 +1,5 @@
 // The score board behind the controls of the play window: a lit board for the side on turn, large digits for
-// the points, a paper triangle for each attempt left. All of it can be read from across the room.
+// the points, a paper triangle for each attempt left.
 
 #include "match/frm_snapwedge.h"
 
@@ -115,6 +115,7 @@ void frmSnapwedge::StepBoards() {
 }
 
 void frmSnapwedge::CloseBoards() {
+  for (BackPicture &attempt : Tries) attempt.Visible = false;
   // The end card stops the frames, so a flash would stay as it is.
   HomeBoard.FlashSteps = AwayBoard.FlashSteps = 0;
   Light(HomeBoard, HomeScore >= AwayScore);

@@ -10,6 +10,7 @@ void frmSnapwedge::RMCanvas1_KeyDown(std::int16_t KeyCode, std::int16_t /*Shift*
   case KeyCodes::Tilde:
     if (program.GameMode == "INET") {
       machine.SetFocus(Text2);
+      HintWriting();
       // On many keyboards "~" needs Shift, whose release then goes to the text box.
       ShiftDown = False;
     }

@@ -126,6 +126,8 @@ std::vector<std::string> AllHints(frmSnapwedge &window) {
   }
   window.HintNoKick();
   keep();
+  window.HintWriting();
+  keep();
   return all;
 }
 

@@ -49,13 +49,13 @@ TEST(HintsTest, EveryEndOfAFlickHasItsReason) {
   const Row rows[] = {
       {"nothing yet", [](Told &) {}, 0, "", HomeBegins},
       {"a full shot", [](Told &t) { t.game.Shoot(12); }, 0, "",
-       "11 yards to the edge. Don't cross it yet: only the third try counts."},
+       "11 yards to the far edge. Don't cross it yet: only the third try counts."},
       {"the third try is next",
        [](Told &t) {
          t.game.PutPiece(30, -70, 2);
          t.game.Shoot(3);
        },
-       0, "", "Last try, 4.9 yards to the edge: stop with a corner hanging over it."},
+       0, "", "Last try, 4.9 yards to the far edge: stop with a corner hanging over it."},
       {"on the circle too late",
        [](Told &t) {
          t.game.PutPiece(0, -70, 2);
@@ -121,7 +121,7 @@ TEST(HintsTest, EveryEndOfAFlickHasItsReason) {
          t.game.Shoot(3);
        },
        Results::Bonus, "A corner on the circle on the first try: 3 points. Two tries are left.",
-       "4.9 yards to the edge. Don't cross it yet: only the third try counts."},
+       "4.9 yards to the far edge. Don't cross it yet: only the third try counts."},
       {"short of the edge",
        [](Told &t) {
          t.game.PutPiece(30, 0, 1);
@@ -133,7 +133,7 @@ TEST(HintsTest, EveryEndOfAFlickHasItsReason) {
          t.game.PutPiece(86, 0, 3);
          t.game.Shoot(1);
        },
-       0, "", "A corner over the side counts for nothing. 52 yards to the edge."},
+       0, "", "A corner over the side counts for nothing. 52 yards to the far edge."},
       {"over a side edge on the third try",
        [](Told &t) {
          t.game.PutPiece(86, 0, 1);
@@ -215,7 +215,7 @@ TEST(HintsTest, EveryEndOfAKickHasItsReason) {
         told.game.machine.ReleaseMouse(1);
       }
     });
-    EXPECT_EQ(aiming, "Kick for 1 point: over the bar, and ahead of the moving posts.");
+    EXPECT_EQ(aiming, "Kick for 1 point: over the bar, aimed ahead of the moving posts.");
     ASSERT_EQ(told.atCard.size(), 2U);
     EXPECT_EQ(told.atCard[0],
               (std::pair<std::int16_t, std::string>(

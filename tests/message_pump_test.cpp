@@ -198,6 +198,8 @@ TEST(MessagePumpTest, AnInvalidMessageHasNoEffect) {
       {"a stray Continue", {std::string("Continue")}},
       {"OVER", {std::string("OVER")}},
   };
+  const std::set<std::string> ignored = {"no tag", "a number for a tag", "an unknown tag", "a stray Continue",
+                                         "OVER"}; // without being counted as dropped
   for (const auto &[name, fields] : rows) {
     SCOPED_TRACE(name);
     NetworkGame game(true);
@@ -213,6 +215,7 @@ TEST(MessagePumpTest, AnInvalidMessageHasNoEffect) {
     EXPECT_TRUE(game.Cards.empty());
     EXPECT_EQ(game.SoundsSince(), "");
     EXPECT_TRUE(game.play->Incoming.empty());
+    EXPECT_EQ(game.window.DroppedMessages, ignored.contains(name) ? 0 : 1);
   }
 }
 
@@ -255,6 +258,7 @@ TEST(MessagePumpTest, EitherSideLearnsInItsOwnWayThatTheOtherIsOver) {
 
 TEST(MessagePumpTest, ChatGoesBothWaysAsPlainText) {
   NetworkGame game(false);
+  const std::string aims = game.window.lblHint.Caption;
   EXPECT_TRUE(game.window.Text1.Enabled);
   EXPECT_TRUE(game.window.Text2.Enabled);
   game.machine.Focus = &game.window.Text1;
@@ -266,6 +270,7 @@ TEST(MessagePumpTest, ChatGoesBothWaysAsPlainText) {
   game.machine.PressKey(KeyCodes::Tilde);
   game.Frames(1);
   EXPECT_EQ(game.machine.Focus, &game.window.Text2);
+  EXPECT_EQ(game.window.lblHint.Caption, "Type your message. Enter sends it and goes back to the game.");
   game.machine.ReleaseKey(KeyCodes::Shift);
   game.Frames(1);
   EXPECT_FALSE(game.window.ShiftDown) << "the mouse aims again";
@@ -275,6 +280,7 @@ TEST(MessagePumpTest, ChatGoesBothWaysAsPlainText) {
   EXPECT_EQ(game.play->Sent, std::vector<std::string>{"MESSAGE"});
   EXPECT_EQ(game.window.Text2.Text, "");
   EXPECT_EQ(game.machine.Focus, &game.window.RMCanvas1);
+  EXPECT_EQ(game.window.lblHint.Caption, aims);
 
   std::string longLine;
   for (int i = 0; i < 250; ++i) longLine += "\xC3\xA9";
@@ -354,6 +360,7 @@ TEST(MessagePumpTest, TheOtherSidesLeavingEndsTheProgramWithABox) {
       game.play->Incoming.push_back(std::make_shared<FakeMessage>(*news));
       EXPECT_THROW(game.Frames(3), ProgramEnd);
       EXPECT_EQ(game.window.Caption, "Snapwedge V1.01") << "the title waits for nobody";
+      EXPECT_EQ(game.window.lblHint.Caption, "The other player has left. OK ends the game.");
       ASSERT_EQ(game.machine.Boxes.size(), 1U);
       EXPECT_EQ(game.machine.Boxes[0].Text, "Away Team Disconnected!");
       EXPECT_EQ(game.machine.Boxes[0].Title, "Game Over:");
