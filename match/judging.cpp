@@ -106,11 +106,12 @@ void frmSnapwedge::CheckScore(std::int16_t & /*Side*/) {
     if (Shots < SecondAttempt) FallShort();
     return;
   } catch (const SceneError &) {
-    // Nothing is under the last tested corner: the piece hangs over an edge.
+    // Nothing is under the last tested corner: the piece hangs over an edge. A failure of the scene in the
+    // close-up or the card above counts as that too.
   }
 
   const bool past = ZA < Places::FarEdgeZ || ZB < Places::FarEdgeZ || ZC < Places::FarEdgeZ;
-  if (!past || PieceSurface.substr(0, 5) != "Table") {
+  if (!past || !PieceSurface.starts_with("Table")) {
     OverSide = True;
     // Over a side edge the possession continues, unless no attempt is left.
     if (Shots < SecondAttempt) FallShort();

@@ -50,7 +50,7 @@ public:
 struct DirectPlaySessionData {
   void SetGuidApplication(const std::string &guid) { guid_ = guid; }
   void SetSessionName(const std::string &name) { name_ = name; }
-  void SetSessionPassword(const std::string &password) { password_ = password; }
+  void SetSessionPassword(const std::string &) {} ///< sessions have no passwords
   void SetMaxPlayers(std::int32_t players) { maxPlayers_ = players; }
   void SetFlags(std::int32_t flags) { flags_ = flags; }
   /// Rounds of the match, chosen by the host and told to everybody who finds the session.
@@ -62,7 +62,6 @@ struct DirectPlaySessionData {
 
   const std::string &GetGuidApplication() const { return guid_; }
   const std::string &GetSessionName() const { return name_; }
-  const std::string &GetSessionPassword() const { return password_; }
   std::int32_t GetMaxPlayers() const { return maxPlayers_; }
   std::int32_t GetCurrentPlayers() const { return currentPlayers_; }
   std::int32_t GetFlags() const { return flags_; }
@@ -72,7 +71,6 @@ struct DirectPlaySessionData {
 private:
   std::string guid_;
   std::string name_;
-  std::string password_;
   std::string address_;
   std::int32_t maxPlayers_ = 0;
   std::int32_t currentPlayers_ = 0;

@@ -21,9 +21,7 @@
 #include <vector>
 
 /// Thrown to end the program, from any depth of the stack; caught in `RunProgram`.
-struct ProgramEnd {
-  int Status = 0; ///< exit status of the process
-};
+struct ProgramEnd {};
 
 /// A modal box with a text, a title and an OK button.
 struct MessageBox {

@@ -12,7 +12,7 @@ namespace {
 
 constexpr float ForwardDivisor = 40.0f;          ///< scene units per step = Power / ForwardDivisor
 constexpr float RiseDivisor = 3.0f;              ///< initial rise per half step = forward step / RiseDivisor
-constexpr float DropDivisors[] = {20.0f, 10.0f}; ///< loss of rise per step = forward step / both
+constexpr float DropDivisors[] = {20.0f, 10.0f}; ///< loss of rise per step = forward step / 20 / 10
 constexpr float TumbleDivisor = 7.0f;            ///< radians per step = forward step / TumbleDivisor
 constexpr float HalfGoalWidth = 14.0f;           ///< from the middle to either post, scene units
 constexpr float GoalReach = 88.0f;               ///< the posts turn back beyond this, scene units

@@ -121,6 +121,7 @@ TEST(AimTest, TheCameraStaysInItsBox) {
     SCOPED_TRACE(row.name);
     Game game;
     game.SetUp();
+    const Vector start = game.Place(game.window.CameraFrame);
     if (row.shift) game.machine.PressKey(KeyCodes::Shift);
     if (row.button) game.machine.PressMouse(static_cast<std::int16_t>(row.button));
     game.Frames(1);
@@ -130,6 +131,7 @@ TEST(AimTest, TheCameraStaysInItsBox) {
     }
     game.Frames(1); // a camera outside the limits on two axes is back after a frame
     const Vector camera = game.Place(game.window.CameraFrame);
+    EXPECT_NE(camera, start);
     EXPECT_LE(std::abs(camera.x), 130.0f);
     EXPECT_LE(std::abs(camera.z), 130.0f);
     EXPECT_GE(camera.y, 5.0f);

@@ -134,6 +134,7 @@ TEST(KickTest, TheKickIsSetUpAtTheNearEndWhateverTheFlickLeft) {
     if (frame == 2) game.machine.PressMouse(1);
     if (frame == 8) game.machine.ReleaseMouse(1);
   });
+  EXPECT_EQ(game.Cards, (std::vector<std::int16_t>{3, 2}));
 }
 
 TEST(KickTest, AKickIsGoodBetweenThePostsAndNotOnThem) {

@@ -45,7 +45,7 @@ struct Computer {
     };
   }
 
-  /// Runs the match begun by `Open` to its end.
+  /// Sets the player's id and the side.
   void Begin(std::int32_t player, bool host) {
     game.program.MyPlayerId = player;
     game.program.IsHost = host ? True : False;

@@ -39,7 +39,7 @@ void Bench(frmSnapwedge &window, const char *name, Quality quality, bool whole) 
   for (int frame = 0; frame < Frames; ++frame) {
     window.Wind();
     window.AimFrame->AddRotation(D3DRMCOMBINE_BEFORE, 0, 1, 0, frame % 2 == 0 ? 0.05f : -0.05f);
-    // A moving camera damages the whole frame.
+    // A moving camera redraws the whole frame.
     if (whole) window.CameraFrame->SetPosition(window.CameraFrame, frame % 2 == 0 ? 0.01f : -0.01f, 0, 0);
     const double before = ProcessorMs();
     const auto start = std::chrono::steady_clock::now();

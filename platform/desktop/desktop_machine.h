@@ -94,7 +94,7 @@ private:
   std::unique_ptr<Renderer> renderer_;
   std::unique_ptr<ScreenAwake> screenAwake_;
   std::unique_ptr<EndSignals> endSignals_;
-  Window signalled_; ///< stands for the program: events after a signal are its
+  Window signalled_; ///< placeholder for the whole program: signals are posted to it
   QProcess openGLTest_;
   QTimer openGLTestDelay_;
   std::vector<std::weak_ptr<QSocketNotifier>> watches_;

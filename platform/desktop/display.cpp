@@ -34,7 +34,7 @@ void DropUnusableSettings() {
   for (const Setting &setting : Settings) {
     const QByteArray value = qgetenv(setting.name);
     if (value.isEmpty() || IsUsable(value, setting)) continue;
-    std::cerr << "Snapwedge ignores " << setting.name << "=\"" << value.toStdString() << "\": not from "
+    std::cerr << "Snapwedge ignores " << setting.name << "=\"" << value.toStdString() << "\": must be from "
               << setting.least << " to " << setting.most << std::endl;
     qunsetenv(setting.name);
   }
@@ -43,7 +43,7 @@ void DropUnusableSettings() {
 /// Qt derives the size of fonts from the desktop's factor, whatever the scale of the windows.
 void DropUnusableFactor(DisplayFacts &display) {
   if (display.ownFactor >= LeastFactor && display.ownFactor <= MostFactor) return;
-  std::cerr << "Snapwedge ignores the desktop's scale of " << display.ownFactor << ": not from "
+  std::cerr << "Snapwedge ignores the desktop's scale of " << display.ownFactor << ": must be from "
             << LeastFactor << " to " << MostFactor << std::endl;
   display.ownFactor = 1.0;
   if (!IsSet("QT_FONT_DPI")) qputenv("QT_FONT_DPI", "96");

@@ -78,7 +78,7 @@ QString ReadText(const fs::path &file) {
   return text;
 }
 
-/// Every line of the file ends in a line break, so the last one too.
+/// The file is truncated if it doesn't end in a line break.
 QString ReadPictureText(const fs::path &file) {
   const QString text = ReadText(file);
   if (!text.endsWith('\n')) RefuseFile(file, "the file is truncated");

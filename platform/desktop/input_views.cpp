@@ -148,8 +148,8 @@ private:
   int shownValue_ = -1;
 };
 
-/// A list with at most one selected row. Qt would make a row current without selecting it, which no player
-/// sees: when the list gets the focus, and when Ctrl deselects the row.
+/// A list with at most one selected row. When the list gets the focus or Ctrl deselects the row, Qt makes a
+/// row current without selecting it, which the player can't see.
 class RowList : public QListWidget {
 public:
   using QListWidget::QListWidget;

@@ -98,7 +98,7 @@ void JoinedSession::HandleReply(const AnyFrame &frame, std::int32_t now) {
 
 void JoinedSession::HandleRefusal(RefuseReason reason) {
   if (joined_) {
-    link_.Lose(); // the program that welcomed this one wouldn't refuse it
+    link_.Lose(); // a host doesn't refuse whom it has welcomed: this is another program
     return;
   }
   switch (reason) {

@@ -29,8 +29,8 @@ constexpr std::size_t MostOutgoing = 1024 * 1024;         ///< unacknowledged, i
 constexpr std::size_t MostIncoming = 1024 * 1024;  ///< received and not yet taken by the game, in total
 constexpr std::size_t MostReadAtOnce = 64 * 1024;  ///< from one connection in one poll
 constexpr std::size_t MostOutgoingMessages = 4096; ///< unacknowledged
-// Received and not yet taken by the game, which takes up to 40 a second. Two players who chat as fast as they
-// can type don't come near it in the longest pause of a match, 30 s without a line.
+// Received and not yet taken by the game, which takes up to 40 a second. Its longest pause is 30 s, and even
+// then two fast typists stay far below this.
 constexpr std::size_t MostIncomingMessages = 512;
 constexpr std::size_t MostPending = 16;       ///< connections without a first frame; joiners without a player
 constexpr std::size_t MostSessionsFound = 64; ///< rows of a search

@@ -14,6 +14,7 @@ struct ColorValue {
   float Red = 0, Green = 0, Blue = 0;
 };
 
+/// Only Specular and Emissive are drawn. A change after the first frame isn't seen.
 class Direct3DRMMaterial2 {
 public:
   explicit Direct3DRMMaterial2(float power) : Power(power) {}

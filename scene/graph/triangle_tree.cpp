@@ -7,16 +7,18 @@
 namespace {
 
 constexpr std::uint32_t FacesInLeaf = 4;
-constexpr std::uint32_t LeafSizes = 8; ///< a child is an index times this plus the number of its faces,
-constexpr std::uint32_t IsNode = 7;    ///< or plus this
-constexpr std::size_t Bins = 16;       ///< of the surface area heuristic
+// A child is `index * LeafSizes + faces` for a leaf, or `index * LeafSizes + IsNode` for an inner node.
+constexpr std::uint32_t LeafSizes = 8;
+constexpr std::uint32_t IsNode = 7;
+constexpr std::size_t Bins = 16; ///< of the surface area heuristic
 constexpr int HalvingLevel = 24; ///< from here on nodes are halved, so that no tree is deeper than 40 levels
-constexpr std::size_t StackSize = 128; ///< of a traversal: 3 children from each level and 4 more
+constexpr std::size_t StackSize =
+    128; ///< of a traversal: three siblings on each level, and the last node's four
 
 // The boxes are tested in single precision, with a ray so thick that the test never misses a face that the
 // ray hits. The tolerances are relative to the coordinates of mesh and ray.
 constexpr float RayRadius = 0x1p-20f; ///< more than the roundings and `OffRay`
-constexpr double OffRay = 0x1p-23;    ///< the most that a hit's point is from the ray
+constexpr double OffRay = 0x1p-23;    ///< largest distance of a hit's point from the ray
 constexpr double LeastSlope = 1e-20;  ///< of a direction's components to the longest; the inverse is finite
 
 template <class Floats> Floats Min(Floats a, Floats b) { return a < b ? a : b; }
@@ -25,8 +27,8 @@ template <class Floats> Floats Max(Floats a, Floats b) { return a > b ? a : b; }
 std::array<float, 3> Coordinates(const Vector &v) { return {v.x, v.y, v.z}; }
 
 /// Intersects the ray with a face. The test of a shared edge uses the same two corners in both faces and
-/// differs only in sign, so a ray can't pass between them. Where the face is seen edge-on, so that only
-/// rounding decides, the point may be anywhere in the face; then it isn't on the ray, and that's no hit.
+/// differs only in sign, so a ray can't pass between them. Seen edge-on, a face can pass this test by
+/// rounding alone. The computed point then lies off the ray and is rejected.
 std::optional<double> IntersectFace(const Vector &p, const Vector &q, const Vector &r, const D3DRMRAY &ray) {
   const double dx = ray.Direction.x, dy = ray.Direction.y, dz = ray.Direction.z;
   const auto relative = [&](const Vector &v) {

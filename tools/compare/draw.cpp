@@ -1,6 +1,7 @@
 // A possession drawn by the renderer and by OpenSceneGraph, frame by frame in turn: the same meshes with
 // their textures from the same camera, on the same OpenGL, read back into memory. Prints wall times and their
 // ratio at both levels of quality, for frames in which the camera rests and in which it moves.
+//   compare_draw [DIRECTORY]   for a picture of the same frame by each
 
 #include "match/frm_snapwedge.h"
 #include "platform/desktop/renderer/lens.h"
@@ -264,7 +265,8 @@ void Possess(const std::function<void(const RMCanvas &)> &draw) {
   }
 }
 
-void Compare(const char *name, Quality quality, int samples) {
+/// @param pictures  a directory for a frame of each, or empty
+void Compare(const char *name, Quality quality, int samples, const QString &pictures) {
   Other other(samples);
   Renderer renderer(quality);
   Times rests, moves;
@@ -275,9 +277,9 @@ void Compare(const char *name, Quality quality, int samples) {
     const double own = Milliseconds([&] { drawn = renderer.Draw(canvas, CanvasSize); });
     if (!drawn) return;
     const double others = Milliseconds([&] { other.Draw(); });
-    if (++frames == Unmeasured) {
-      other.Frame().save(QString("openscenegraph-%1.png").arg(name));
-      renderer.Frame().save(QString("own-%1.png").arg(name));
+    if (++frames == Unmeasured && !pictures.isEmpty()) {
+      other.Frame().save(QString("%1/openscenegraph-%2.png").arg(pictures, name));
+      renderer.Frame().save(QString("%1/own-%2.png").arg(pictures, name));
     }
     if (frames <= Unmeasured) return;
     Times &times = moved ? moves : rests;
@@ -295,6 +297,7 @@ void Compare(const char *name, Quality quality, int samples) {
 
 int main(int argc, char **argv) {
   QGuiApplication application(argc, argv);
-  Compare("low", Quality::Low, 0);
-  Compare("full", Quality::Full, 4);
+  const QString pictures = argc > 1 ? argv[1] : "";
+  Compare("low", Quality::Low, 0, pictures);
+  Compare("full", Quality::Full, 4, pictures);
 }

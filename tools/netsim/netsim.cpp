@@ -62,7 +62,7 @@ struct Tally {
   void Print(double seconds) {
     std::printf("%ld matches, %ld disagreements\n", Matches, Bad);
     std::printf(
-        "shots:     %ld sent, %ld without a hand; %ld times a card came and %ld times the player went "
+        "shots:     %ld sent, %ld without a release; %ld times a card came and %ld times the player went "
         "to another window with a hand on the button\n",
         ShotsSent, WithoutHand, CardsWhileCharging, SwitchesWhileCharging);
     std::printf("messages:  %ld dropped; %ld chat lines read\n", Dropped, Lines);

@@ -90,7 +90,7 @@ std::string CompareShots(const std::string &what, const std::vector<Shot> &host,
 
 /// Errors visible on one side alone.
 std::string CheckSide(const SeenMatch &side) {
-  if (side.ShotsNotReleased > 0) return "a shot was sent that no hand let go";
+  if (side.ShotsNotReleased > 0) return "a shot was sent without a release of the button";
   if (side.Dropped > 0) return "a message was dropped";
   if (side.LineMissing) return "a chat line was lost";
   return {};

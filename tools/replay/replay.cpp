@@ -214,8 +214,8 @@ int main(int, char **argv) {
   try {
     if (!ReadSettings(commands, machine, program)) return 0;
     Replay(machine, program, commands).Run();
-  } catch (const ProgramEnd &end) {
-    return end.Status;
+  } catch (const ProgramEnd &) {
+    return 0;
   } catch (const BadInput &error) {
     std::cerr << argv[0] << ": " << error.what() << std::endl;
     return BadInputStatus;

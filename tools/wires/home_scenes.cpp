@@ -103,7 +103,7 @@ void HomeScenes::Renewed() {
   Host();
   ExpectPorts(2, "after Create");
   Home("forget");
-  ExpectPorts(0, "a router that has started anew");
+  ExpectPorts(0, "a restarted router");
   ExpectPorts(2, "the host still waits", RenewalTakes);
   Expect(joiner_.FindsGameAt(PublicAddress), "the game is found");
   host_.Kill();

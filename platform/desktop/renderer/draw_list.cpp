@@ -82,7 +82,7 @@ Motion::Change Motion::Next(std::span<Item> items, bool shadowsMoved, const QMat
     return Change::Still; // all items move, as they do when collected
   }
 
-  // Paint is blended with the ground under it, so grounds move together.
+  // Paint is blended with the ground under it, so all grounds are redrawn together.
   const bool groundMoved = shadowsMoved || std::ranges::any_of(items, [](const Item &item) {
                              return item.Ground && item.Changed;
                            });

@@ -17,7 +17,7 @@ void Copy(QOpenGLFramebufferObject &to, QOpenGLFramebufferObject &from) {
 }
 
 void Require(const QOpenGLFramebufferObject &buffer) {
-  if (!buffer.isValid()) throw RendererError("this OpenGL can't draw off the screen.");
+  if (!buffer.isValid()) throw RendererError("this OpenGL can't draw off-screen.");
 }
 
 } // namespace

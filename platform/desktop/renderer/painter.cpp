@@ -16,7 +16,7 @@ constexpr float SmallestSky = 1000.0f; ///< scene units: a mesh of that size lea
 constexpr int SmallView = 400; ///< pixels
 constexpr QSize LargestTexture(512, 512);
 
-/// Kinds of surfaces, a set of these: has a texture, is strokes of paint on the ground, has highlights.
+/// Bits of a surface shader's variant: it has a texture, is strokes of paint on the ground, has highlights.
 enum : unsigned { Textured = 1, Stroked = 2, Gleaming = 4 };
 
 /// Left-handed, with the view along +z, and upside down: rows are read back from the bottom.
@@ -37,19 +37,6 @@ bool IsLarge(const Item &item) { return !item.Ground && item.Box.Extent() > Larg
 /// while aiming the hand is drawn on the kept ground.
 auto DrawingOrder(const Item &item) {
   return std::tuple(IsLarge(item), item.Ground, item.Ground && item.Drawn->IsPaint(), item.Box.Extent());
-}
-
-/// Whether a box lies outside the view: all of its corners beyond one clipping plane.
-bool Outside(const Bounds &box, const QMatrix4x4 &toClip) {
-  const auto corners = box.Corners();
-  for (int plane = 0; plane < 6; ++plane) {
-    const QVector4D inward = toClip.row(3) + toClip.row(plane / 2) * (plane % 2 == 0 ? 1.0f : -1.0f);
-    const auto isBeyond = [&](const QVector3D &corner) {
-      return QVector4D::dotProduct(inward, QVector4D(corner, 1)) < 0;
-    };
-    if (std::ranges::all_of(corners, isBeyond)) return true;
-  }
-  return false;
 }
 
 } // namespace
@@ -105,7 +92,7 @@ bool Painter::Paint(const Direct3DRMFrame3 &scene, const Direct3DRMFrame3 &camer
 
 void Painter::Resize(QSize size) {
   target_.emplace(gl_, size, quality_.Samples);
-  const bool isSmall = size.height() <= SmallView && quality_.Anisotropy <= 0.0f;
+  const bool isSmall = size.height() <= SmallView && !quality_.FineTextures;
   if (std::exchange(smallView_, isSmall) != isSmall) textures_.clear();
   motion_.Reset();
 }
@@ -135,7 +122,6 @@ void Painter::Draw(std::span<const Item> items, std::span<const Item> grounds, b
 }
 
 void Painter::DrawItem(const Item &item) {
-  if (Outside(item.Own, toClip_ * item.ToWorld)) return;
   const auto &material = (*item.Mesh)->Material();
   const auto &texture = (*item.Mesh)->Texture();
   const ColorValue specular = material ? material->Specular : ColorValue{};
@@ -177,8 +163,8 @@ QOpenGLTexture &Painter::Texture(const Ref<Direct3DRMTexture> &texture) {
         image.scaled(image.size().boundedTo(LargestTexture), Qt::IgnoreAspectRatio, Qt::SmoothTransformation);
   entry = std::make_unique<QOpenGLTexture>(image);
   texture->ReleaseImage();
-  entry->setMinMagFilters(quality_.Anisotropy > 0.0f ? QOpenGLTexture::LinearMipMapLinear
-                                                     : QOpenGLTexture::LinearMipMapNearest,
+  entry->setMinMagFilters(quality_.FineTextures ? QOpenGLTexture::LinearMipMapLinear
+                                                : QOpenGLTexture::LinearMipMapNearest,
                           QOpenGLTexture::Linear);
   entry->setWrapMode(QOpenGLTexture::Repeat);
   if (quality_.Anisotropy > 1.0f) entry->setMaximumAnisotropy(quality_.Anisotropy);

@@ -15,10 +15,11 @@
 
 /// The settings of a quality level.
 struct PaintQuality {
-  int Samples;      ///< per pixel, 0 for one
-  int ShadowSize;   ///< pixels of the shadow map's sides
-  int ShadowTaps;   ///< samples of the shadow map for a shadow's halo
-  float Anisotropy; ///< of textures: 1 for none; below 1 mip-maps aren't blended either
+  int Samples;       ///< per pixel, 0 for one
+  int ShadowSize;    ///< pixels of the shadow map's sides
+  int ShadowTaps;    ///< samples of the shadow map for a shadow's halo
+  float Anisotropy;  ///< of textures, 1 for none
+  bool FineTextures; ///< with blended mip-maps, and at their full resolution in a small view too
 };
 
 class Painter {

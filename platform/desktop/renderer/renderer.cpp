@@ -2,6 +2,7 @@
 
 #include <QByteArrayView>
 #include <QElapsedTimer>
+#include <QOpenGLFunctions>
 #include <QStandardPaths>
 
 #include <malloc.h>
@@ -12,12 +13,14 @@
 
 namespace {
 
-constexpr PaintQuality FullPaint{.Samples = 4, .ShadowSize = 2048, .ShadowTaps = 8, .Anisotropy = 8.0f};
-constexpr PaintQuality LowPaint{.Samples = 0, .ShadowSize = 1024, .ShadowTaps = 4, .Anisotropy = 0.0f};
+constexpr PaintQuality FullPaint{
+    .Samples = 4, .ShadowSize = 2048, .ShadowTaps = 8, .Anisotropy = 8.0f, .FineTextures = true};
+constexpr PaintQuality LowPaint{
+    .Samples = 0, .ShadowSize = 1024, .ShadowTaps = 4, .Anisotropy = 1.0f, .FineTextures = false};
 
 constexpr std::size_t MeasuredFrames = 8;
 constexpr std::size_t ReleaseInterval = 500; ///< frames between releases of the shader compiler
-// Median times of a frame, ms. A frame at the full level costs three times as much as one at the low level.
+// Median times of a frame, ms. A frame at the full level costs about twice as much as one at the low level.
 constexpr double SlowFrame = 8.0;  ///< slower than this at the full level: low is chosen
 constexpr double QuickFrame = 2.0; ///< no slower than this at the low level: full is chosen
 
@@ -52,14 +55,14 @@ Renderer::Renderer(Quality quality) : level_(quality), measuring_(quality == Qua
   format.setVersion(3, 3);
   format.setProfile(QSurfaceFormat::CoreProfile);
   context_.setFormat(format);
-  if (!context_.create()) throw RendererError("OpenGL 3.3 is needed, and this display gives none.");
+  if (!context_.create()) throw RendererError("OpenGL 3.3 is needed, but this display has none.");
   surface_.setFormat(context_.format());
   surface_.create();
   if (!surface_.isValid() || !context_.makeCurrent(&surface_)) {
-    throw RendererError("OpenGL 3.3 is needed, and it can't draw off the screen here.");
+    throw RendererError("OpenGL 3.3 is needed, but it can't draw off-screen here.");
   }
   if (!gl_.initializeOpenGLFunctions()) {
-    throw RendererError("OpenGL 3.3 is needed, and this display gives an older one.");
+    throw RendererError("OpenGL 3.3 is needed, but this display has an older version.");
   }
   if (measuring_) level_ = DrawsInSoftware(gl_) ? Quality::Low : Quality::Full;
   StartPainter();
@@ -101,10 +104,11 @@ bool Renderer::Draw(const RMCanvas &canvas, QSize size) {
 /// Starts a painter of the level in use.
 void Renderer::StartPainter() {
   PaintQuality paint = level_ == Quality::Full ? FullPaint : LowPaint;
-  if (!context_.hasExtension("GL_EXT_texture_filter_anisotropic"))
-    paint.Anisotropy = std::min(paint.Anisotropy, 1.0f);
-  if (DrawsInSoftware(gl_)) { // it offers anisotropy too, at many times the cost
+  const bool software = DrawsInSoftware(gl_); // it offers anisotropy too, at many times the cost
+  if (software || !context_.hasExtension("GL_EXT_texture_filter_anisotropic"))
     paint.Anisotropy = LowPaint.Anisotropy;
+  if (software) {
+    paint.FineTextures = LowPaint.FineTextures;
     paint.ShadowTaps = LowPaint.ShadowTaps;
   }
   painter_.emplace(gl_, paint, lens_);
@@ -114,9 +118,7 @@ void Renderer::StartPainter() {
 /// Frees the memory of the shader compiler. Drivers start it again for each new combination of shader and
 /// states, so this is repeated.
 void Renderer::ReleaseShaderCompiler() {
-  // The function came with OpenGL 4.1, but drivers offer it in 3.3 contexts too.
-  if (const auto release = reinterpret_cast<void (*)()>(context_.getProcAddress("glReleaseShaderCompiler")))
-    release();
+  context_.functions()->glReleaseShaderCompiler();
   malloc_trim(0);
 }
 
