@@ -6,6 +6,7 @@
 #include "match/results.h"
 #include "net/frm_new_net.h"
 #include "platform/desktop/accessible.h"
+#include "platform/desktop/painted_views.h"
 #include "platform/search_dialog.h"
 #include "tests/desktop_kit.h"
 
@@ -360,6 +361,70 @@ TEST(DesktopAccessibleTest, TheChosenRowAndTheSearchAreAnnouncedOnce) {
   EXPECT_EQ(QString::fromStdString(announced.front()).remove('.').toStdString(), "Searching ");
   dialog.ShowNobodyFound(NobodyFound::UnknownName, 1);
   EXPECT_EQ(AnnouncedIn(search), dialog.Label2.Caption);
+}
+
+TEST(DesktopAccessibleTest, EveryPartOfALineCanBeRead) {
+  GameMachine::Get(); // creates the QApplication
+  TwoLineEdit line;
+  QAccessibleTextInterface &text = *QAccessible::queryAccessibleInterface(&line)->textInterface();
+  constexpr int Cursor = -2;
+  struct Row {
+    QAccessible::TextBoundaryType type;
+    int offset;
+    const char *before, *at, *after;
+  };
+  line.setText("One two. Three");
+  line.setCursorPosition(5);
+  for (const Row &row :
+       {Row{QAccessible::CharBoundary, 4, " ", "t", "w"}, Row{QAccessible::CharBoundary, 14, "e", "e", ""},
+        Row{QAccessible::WordBoundary, 5, "One ", "two. ", "Three"},
+        Row{QAccessible::WordBoundary, Cursor, "One ", "two. ", "Three"},
+        Row{QAccessible::WordBoundary, 14, "two. ", "Three", ""},
+        Row{QAccessible::SentenceBoundary, 0, "", "One two. ", "Three"},
+        Row{QAccessible::LineBoundary, 3, "", "One two. Three", ""}}) {
+    SCOPED_TRACE(testing::Message() << row.type << " at " << row.offset);
+    int start = 0, end = 0;
+    EXPECT_EQ(text.textBeforeOffset(row.offset, row.type, &start, &end), row.before);
+    EXPECT_EQ(text.textAtOffset(row.offset, row.type, &start, &end), row.at);
+    EXPECT_EQ(line.text().mid(start, end - start), row.at);
+    EXPECT_EQ(text.textAfterOffset(row.offset, row.type, &start, &end), row.after);
+  }
+  // None of these may go on for ever.
+  for (const char *content : {"", "5", "a b", "...", "\xF0\x9F\x98\x80", " "}) {
+    line.setText(content);
+    for (int offset = -3; offset <= line.text().size() + 1; ++offset) {
+      for (int type = QAccessible::CharBoundary; type <= QAccessible::NoBoundary; ++type) {
+        int start = 0, end = 0;
+        const auto boundary = static_cast<QAccessible::TextBoundaryType>(type);
+        for (const QString &part : {text.textBeforeOffset(offset, boundary, &start, &end),
+                                    text.textAtOffset(offset, boundary, &start, &end),
+                                    text.textAfterOffset(offset, boundary, &start, &end)})
+          EXPECT_TRUE(line.text().contains(part));
+      }
+    }
+  }
+}
+
+TEST(DesktopAccessibleTest, ALineIsWrittenInUnlessItIsReadOnly) {
+  GameMachine::Get(); // creates the QApplication
+  TwoLineEdit line;
+  line.setMaxLength(8);
+  QString edited;
+  QObject::connect(&line, &QLineEdit::textEdited, [&](const QString &now) { edited = now; });
+  QAccessibleInterface &element = *QAccessible::queryAccessibleInterface(&line);
+  ASSERT_TRUE(element.editableTextInterface());
+  element.editableTextInterface()->insertText(0, "hello");
+  element.editableTextInterface()->replaceText(1, 4, "ipp");
+  EXPECT_EQ(edited, "hippo");
+  element.editableTextInterface()->insertText(5, "drome");
+  EXPECT_EQ(edited.size(), 8) << "longer than the box allows";
+  element.textInterface()->addSelection(1, 3);
+  int start = 0, end = 0;
+  element.textInterface()->selection(0, &start, &end);
+  EXPECT_EQ(std::pair(start, end), std::pair(1, 3));
+  line.setReadOnly(true);
+  EXPECT_FALSE(element.editableTextInterface());
+  EXPECT_TRUE(element.state().readOnly);
 }
 
 TEST(DesktopAccessibleTest, MissingNamesAndRolesAreFound) {

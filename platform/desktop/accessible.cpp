@@ -1,5 +1,6 @@
 #include "platform/desktop/accessible.h"
 
+#include "platform/desktop/accessible_line.h"
 #include "platform/desktop/painted_views.h"
 
 #include <QAbstractItemView>
@@ -102,6 +103,7 @@ public:
 };
 
 QAccessibleInterface *MakeInterface(const QString &, QObject *object) {
+  if (auto *line = qobject_cast<QLineEdit *>(object)) return new AccessibleLine(line);
   auto *widget = qobject_cast<QWidget *>(object);
   if (!widget || !widget->property(RoleProperty).isValid()) return nullptr;
   if (widget->isWindow()) return new AccessibleWindow(widget);
