@@ -7,6 +7,7 @@
 #include <iostream>
 #include <memory>
 #include <system_error>
+#include <thread>
 #include <utility>
 
 namespace {
@@ -22,10 +23,12 @@ int main(int argc, char **argv) {
   try {
     if (AsksForOpenGLTest(argc, argv)) return TestOpenGL(argc, argv);
     // Opening the sound device can take as long as starting the toolkit, so both are done at once.
-    std::future<std::shared_ptr<DirectSound>> sound;
+    std::packaged_task<std::shared_ptr<DirectSound>()> opening(OpenDefaultSound);
+    std::future<std::shared_ptr<DirectSound>> sound = opening.get_future();
     try {
-      sound = std::async(std::launch::async, OpenDefaultSound);
+      std::thread(std::move(opening)).detach(); // a sound server that hangs must not hold up the end
     } catch (const std::system_error &) { // no thread is to be had: the device is opened when first used
+      sound = {};
     }
     DesktopMachine machine(argc, argv);
     machine.UseSound(std::move(sound));

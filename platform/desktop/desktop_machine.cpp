@@ -49,6 +49,9 @@ constexpr int PixmapCacheSize = 1024; ///< KiB
 // holes.
 constexpr int LargeBlock = 256 * 1024; ///< bytes
 
+/// A sound server that has to be started first takes about a second.
+constexpr std::chrono::seconds SoundOpensWithin{2};
+
 /// Whether the screen has too few colours for Qt, which then paints nothing.
 bool ScreenStaysDark() { return QGuiApplication::primaryScreen()->depth() < 15; }
 
@@ -112,6 +115,8 @@ DesktopMachine::~DesktopMachine() {
   pointer_.Release();
   openGLTest_.kill();
   openGLTest_.waitForFinished();
+  // The thread uses what the end of the program takes away.
+  if (sound_.valid()) sound_.wait_for(SoundOpensWithin);
 }
 
 void DesktopMachine::EndBySignal() {
@@ -142,7 +147,11 @@ void DesktopMachine::TryOpenGL() {
 }
 
 std::shared_ptr<DirectSound> DesktopMachine::TakeSound() {
-  return sound_.valid() ? sound_.get() : OpenDefaultSound();
+  if (!sound_.valid()) return OpenDefaultSound();
+  auto sound = std::move(sound_);
+  if (sound.wait_for(SoundOpensWithin) != std::future_status::ready)
+    throw SoundError("the sound device doesn't answer");
+  return sound.get();
 }
 
 std::int32_t DesktopMachine::timeGetTime() {
