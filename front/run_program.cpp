@@ -13,6 +13,9 @@ int RunProgram(Machine &machine, Program &program) {
     CheckMatchFiles(machine, program);
     while (launch.Visible) machine.Wait();
   } catch (const ProgramEnd &) { // leaves through whatever was open
+  } catch (...) {
+    program.DP.reset(); // the other player must not wait while this one reads what has happened
+    throw;
   }
   return 0;
 }

@@ -141,6 +141,16 @@ TEST_F(FilesTest, AnyFileOfTheSceneIsNamed) {
     for (const std::string &name : Names("", ending)) Damage<FileError>(name, Start);
 }
 
+TEST_F(FilesTest, ADocumentThatCouldTakeTheToolkitMinutesIsNamed) {
+  ASSERT_NO_THROW(Start());
+  for (const std::string &content :
+       {std::string("<table><tr><td>"), std::string("<UL><LI>"), std::string("<img src=\"/dev/zero\">"),
+        std::string("<px>"), std::string(100000, 'x')}) {
+    Put("readme.html", "<html><body>" + content + "</body></html>\n");
+    ExpectNamed<FileError>("readme.html", Start);
+  }
+}
+
 TEST_F(FilesTest, AnyPictureIsNamed) {
   ASSERT_NO_THROW(Start());
   for (const std::string &name : Names("pictures", ".png")) {

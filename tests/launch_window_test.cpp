@@ -9,6 +9,8 @@
 
 #include <gtest/gtest.h>
 
+#include <stdexcept>
+
 namespace {
 
 /// A program at its launch window, on its own computer.
@@ -142,6 +144,16 @@ TEST(LaunchWindowTest, EveryFailureOfTheLoadHasItsBoxInItsOrder) {
     EXPECT_EQ(opened, row.opens);
     EXPECT_EQ(launch.status, 0);
   }
+}
+
+TEST(LaunchWindowTest, AnErrorThatEndsTheProgramClosesItsSessionFirst) {
+  Launch launch;
+  const auto fail = [&] {
+    EXPECT_TRUE(launch.program.DP);
+    throw std::runtime_error("a model can't be read");
+  };
+  EXPECT_THROW(launch.Run(fail), std::runtime_error);
+  EXPECT_FALSE(launch.program.DP) << "the other player waits until the box is read";
 }
 
 TEST(LaunchWindowTest, TheWordsOfTheFailures) {

@@ -3,6 +3,7 @@
 #include "platform/desktop/desktop_machine.h"
 #include "platform/files.h"
 
+#include <QRegularExpression>
 #include <QStringDecoder>
 #include <QtEndian>
 
@@ -19,6 +20,7 @@ namespace {
 namespace fs = std::filesystem;
 
 constexpr std::uintmax_t LargestPicture = 16UL << 20, LargestText = 1UL << 20; ///< bytes
+constexpr qsizetype LargestDocument = 64 * 1024;                               ///< characters
 constexpr const char *TextSuffix = ".txt";
 
 /// The available densities, device pixels per design pixel, and the suffixes of their files.
@@ -143,5 +145,11 @@ void CheckDocument(const fs::path &file) {
         !text.startsWith("<html", Qt::CaseInsensitive))
       RefuseFile(file, "not an HTML document");
     if (!text.endsWith("</html>", Qt::CaseInsensitive)) RefuseFile(file, "the document is truncated");
+    if (text.size() > LargestDocument) RefuseFile(file, "the document is too large");
+    // Tables and lists within one another can take the toolkit minutes.
+    static const QRegularExpression Other("<(?!/?(!DOCTYPE|html|head|meta|title|body|p|b)\\b)[^>]{0,20}",
+                                          QRegularExpression::CaseInsensitiveOption);
+    if (const auto found = Other.match(text); found.hasMatch())
+      RefuseFile(file, "the document has \"" + found.captured().toStdString() + "\", which isn't shown");
   });
 }

@@ -80,8 +80,17 @@ protected:
   void SyncOwn() override {}
 };
 
+/// Shows a document alone: an image or a style sheet in it isn't loaded.
+class Browser : public QTextBrowser {
+public:
+  using QTextBrowser::QTextBrowser;
+  QVariant loadResource(int type, const QUrl &name) override {
+    return type == QTextDocument::HtmlResource ? QTextBrowser::loadResource(type, name) : QVariant();
+  }
+};
+
 /// A document that scrolls by wheel, bar and keys, although a button has the keyboard focus.
-class DocumentView : public View<RichTextBox, QTextBrowser> {
+class DocumentView : public View<RichTextBox, Browser> {
 public:
   DocumentView(DesktopMachine &machine, Window &window, RichTextBox &model, QWidget &parent)
       : View(machine, window, model, parent) {
