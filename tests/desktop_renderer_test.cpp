@@ -241,6 +241,38 @@ TEST(RendererTest, NinePixelsOfMouseAreSeenBehindThePieceAndFarAhead) {
   }
 }
 
+TEST(RendererTest, AFarPieceInTheSkyHasAnUnbrokenOutline) {
+  for (const Quality quality : {Quality::Full, Quality::Low}) {
+    RenderedGame rendered(quality);
+    auto &window = rendered.game.window;
+    window.ToggleStadium();
+    window.ArrowFrame->DeleteVisual(window.ArrowMesh);
+    window.GoalFrame->DeleteVisual(window.GoalMesh);
+    window.PieceFrame->SetPosition(window.RMCanvas1.SceneFrame, 0, 60, -80);
+    window.PieceFrame->AddRotation(D3DRMCOMBINE_BEFORE, 1, 0, 0, 1.0f);
+    window.SideCam();
+    window.LookCam();
+    const QImage frame = rendered.Draw();
+    // Nothing else in the upper third is darker than the sky.
+    int rows = 0, outlined = 0;
+    for (int y = 0; y < CanvasSize.height() / 3; ++y) {
+      std::vector<int> lightness;
+      for (int x = 0; x < CanvasSize.width(); ++x) {
+        if (const int here = frame.pixelColor(x, y).lightness(); here < 150) lightness.push_back(here);
+      }
+      if (lightness.size() < 4) continue;
+      ++rows;
+      constexpr int Dark = 115;
+      const auto isDark = [](auto first) {
+        return std::min(first[0], first[1]) < Dark;
+      }; // one may be blended
+      outlined += isDark(lightness.begin()) && isDark(lightness.rbegin());
+    }
+    EXPECT_GE(outlined, rows * 3 / 4);
+    EXPECT_GT(outlined, 15);
+  }
+}
+
 TEST(RendererTest, ThePieceCastsItsShadowWhileSomebodyAims) {
   RenderedGame rendered(Quality::Low);
   auto &window = rendered.game.window;

@@ -16,6 +16,10 @@ constexpr float SmallestSky = 1000.0f; ///< scene units: a mesh of that size lea
 constexpr int SmallView = 400; ///< pixels
 constexpr QSize LargestTexture(512, 512);
 
+constexpr float SmallTarget = 0.19f;    ///< of the frame's height: a larger target has no outline
+constexpr float OutlineWidth = 0.0028f; ///< of the frame's height
+constexpr float OutlineDepth = 1000.0f; ///< steps of the depth buffer, about a scene unit at the far end
+
 /// Bits of a surface shader's variant: it has a texture, is strokes of paint on the ground, has highlights.
 enum : unsigned { Textured = 1, Stroked = 2, Gleaming = 4 };
 
@@ -44,6 +48,7 @@ auto DrawingOrder(const Item &item) {
 Painter::Painter(Gl &gl, const PaintQuality &quality, Lens &lens)
     : gl_(gl), lens_(lens), quality_(quality), shadows_(gl, quality.ShadowSize, quality.ShadowTaps) {
   BuildProgram(backdrop_, "", BackdropVertexShader, BackdropFragmentShader);
+  BuildProgram(outline_, "", OutlineVertexShader, OutlineFragmentShader);
   noVertices_.create();
 }
 
@@ -60,6 +65,11 @@ bool Painter::Paint(const Direct3DRMFrame3 &scene, const Direct3DRMFrame3 &camer
   const CameraView view = lens_.Next(camera, items, aspect);
   toClip_ = Projection(view.Height, aspect, back) * MatrixOf(view.Camera).inverted();
   camera_ = ToQt(view.Camera.Origin);
+  outlined_ = camera.LookedAt().get();
+  for (const Item &item : items) {
+    const float height = camera_.distanceToPoint(item.Origin()) * view.Height; // of the frame at the item
+    if (item.Frame == outlined_ && item.Own.Extent() > SmallTarget * height) outlined_ = nullptr;
+  }
 
   MarkGround(items);
   std::ranges::stable_sort(items, {}, DrawingOrder);
@@ -149,6 +159,22 @@ void Painter::DrawItem(const Item &item) {
     draw(true, GpuMesh::Faces::Textured);
   }
   if (paint) gl_.glDisable(GL_BLEND);
+  if (item.Frame == outlined_) DrawOutline(item);
+}
+
+void Painter::DrawOutline(const Item &item) {
+  outline_.bind();
+  outline_.setUniformValue("toClip", toClip_ * item.ToWorld);
+  gl_.glEnable(GL_POLYGON_OFFSET_FILL); // behind the mesh itself
+  gl_.glPolygonOffset(0, OutlineDepth);
+  const float aspect =
+      static_cast<float>(target_->Size().width()) / static_cast<float>(target_->Size().height());
+  const QVector2D width(2 * OutlineWidth / aspect, 2 * OutlineWidth);
+  for (const QVector2D &side : {QVector2D(1, 0), QVector2D(-1, 0), QVector2D(0, 1), QVector2D(0, -1)}) {
+    outline_.setUniformValue("shift", side * width);
+    item.Drawn->Draw(GpuMesh::Faces::All);
+  }
+  gl_.glDisable(GL_POLYGON_OFFSET_FILL);
 }
 
 /// In a small view a large texture is uploaded at a lower resolution, because software OpenGL keeps it in the

@@ -41,6 +41,7 @@ private:
   void Resize(QSize size);
   void Draw(std::span<const Item> items, std::span<const Item> grounds, bool moving);
   void DrawItem(const Item &item);
+  void DrawOutline(const Item &item);
   QOpenGLTexture &Texture(const Ref<Direct3DRMTexture> &texture);
   QOpenGLShaderProgram &SurfaceProgram(unsigned kind);
   void DrawBackdrop();
@@ -56,8 +57,9 @@ private:
   std::unordered_map<Ref<Direct3DRMMeshBuilder3>, GpuMesh> meshes_;
   std::unordered_map<Ref<Direct3DRMTexture>, std::unique_ptr<QOpenGLTexture>> textures_;
   std::array<std::unique_ptr<QOpenGLShaderProgram>, 8> surfaces_; ///< by kind
-  QOpenGLShaderProgram backdrop_;
+  QOpenGLShaderProgram backdrop_, outline_;
   QOpenGLVertexArrayObject noVertices_;
   QMatrix4x4 toClip_;
   QVector3D camera_;
+  const Direct3DRMFrame3 *outlined_ = nullptr; ///< the camera's target, while it is small in the frame
 };

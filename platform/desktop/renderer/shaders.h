@@ -101,6 +101,22 @@ void main() {
 }
 )";
 
+// The outline of the piece where it is small: the piece in one dark colour, drawn once for each side.
+inline constexpr const char *OutlineVertexShader = R"(
+layout(location = 0) in vec3 position;
+uniform mat4 toClip; // from the mesh
+uniform vec2 shift;  // in the frame, whose half is 1
+void main() {
+  gl_Position = toClip * vec4(position, 1.0);
+  gl_Position.xy += shift * gl_Position.w;
+}
+)";
+
+inline constexpr const char *OutlineFragmentShader = R"(
+out vec4 result;
+void main() { result = vec4(0.22, 0.13, 0.16, 1.0); }
+)";
+
 // The shadow map.
 inline constexpr const char *ShadowVertexShader = R"(
 layout(location = 0) in vec3 position;
