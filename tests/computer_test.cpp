@@ -11,12 +11,8 @@
 namespace {
 
 TEST(ComputerTest, ThePlanStaysInItsRangesAndUsesAllOfThem) {
-  struct Row {
-    const char *skill;
-    float heading, force; ///< factors on the errors
-  };
-  for (const Row &row : {Row{"Easy", 2, 2}, Row{"Medium", 1, 1}, Row{"Hard", 0.25f, 1.25f}}) {
-    SCOPED_TRACE(row.skill);
+  for (const SkillLevel &level : SkillLevels) {
+    SCOPED_TRACE(level.Name);
     HeadlessMachine machine(SNAPWEDGE_GAME_DIR);
     std::map<float, int> turns, spreads;
     int negativeTurns = 0, nonZeroTurns = 0;
@@ -24,16 +20,16 @@ TEST(ComputerTest, ThePlanStaysInItsRangesAndUsesAllOfThem) {
     for (int i = 0; i < Plans; ++i) {
       const auto shots = static_cast<std::int16_t>(1 + i % 3);
       const float base = shots == 3 ? 96.0f : shots == 2 ? 27.0f : 20.0f;
-      const ComputerPlan plan = PlanComputerShot(machine, *FindSkillLevel(row.skill), shots);
-      ASSERT_LE(std::abs(plan.Turn), 0.1125f * row.heading);
-      ASSERT_LE(std::abs(plan.Force - base), 1.22501f * row.force);
+      const ComputerPlan plan = PlanComputerShot(machine, level, shots);
+      ASSERT_LE(std::abs(plan.Turn), 0.1125f * level.HeadingErrors);
+      ASSERT_LE(std::abs(plan.Force - base), 1.22501f * level.ForceErrors);
       ++turns[std::abs(plan.Turn)];
-      ++spreads[std::round(std::abs(plan.Force - base) / row.force * 40.0f)];
+      ++spreads[std::round(std::abs(plan.Force - base) / level.ForceErrors * 40.0f)];
       if (plan.Turn != 0.0f) ++nonZeroTurns;
       if (plan.Turn < 0.0f) ++negativeTurns;
     }
     EXPECT_EQ(turns.size(), 10U);
-    EXPECT_FLOAT_EQ(turns.rbegin()->first, 0.1125f * row.heading);
+    EXPECT_FLOAT_EQ(turns.rbegin()->first, 0.1125f * level.HeadingErrors);
     EXPECT_EQ(spreads.size(), 50U);
     EXPECT_NEAR(static_cast<double>(negativeTurns) / nonZeroTurns, 0.6, 0.03)
         << "six of ten signs are negative";

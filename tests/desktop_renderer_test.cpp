@@ -263,9 +263,8 @@ TEST(RendererTest, AFarPieceInTheSkyHasAnUnbrokenOutline) {
       if (lightness.size() < 4) continue;
       ++rows;
       constexpr int Dark = 115;
-      const auto isDark = [](auto first) {
-        return std::min(first[0], first[1]) < Dark;
-      }; // one may be blended
+      // One of the two may be blended with the sky.
+      const auto isDark = [](auto first) { return std::min(first[0], first[1]) < Dark; };
       outlined += isDark(lightness.begin()) && isDark(lightness.rbegin());
     }
     EXPECT_GE(outlined, rows * 3 / 4);

@@ -453,7 +453,7 @@ TEST(MessagePumpTest, ALateResultIsShownOnce) {
   EXPECT_EQ(game.window.DroppedMessages, 1);
 }
 
-TEST(MessagePumpTest, ACardWithoutAGoAheadCanBeLeft) {
+TEST(MessagePumpTest, EscLeavesACardWhoseContinueNeverComes) {
   NetworkGame game(true);
   game.Receive({std::string("RESULT"), std::int32_t{5}});
   game.ReceiveIn(1000, {std::string("Continue"), std::int32_t{1}});

@@ -220,7 +220,7 @@ TEST_F(GraphTest, SteadyTurningIsAboutAnAxisOfTheReferenceUntilItIsStopped) {
   EXPECT_EQ(Direction(frame, scene), reached);
 }
 
-TEST_F(GraphTest, TheLookAtATargetHasNoRoll) {
+TEST_F(GraphTest, LookAtNeverRolls) {
   const auto tilted = Frame(scene, {3, -4, 5}, 0.6f);
   tilted->AddRotation(D3DRMCOMBINE_BEFORE, 1, 0, 1, 0.9f);
   const auto target = Frame(scene, {}, 0);
@@ -420,7 +420,7 @@ TEST_F(GraphTest, AFileThatIsNoModelOrNoPictureIsNamed) {
   }
 }
 
-TEST_F(GraphTest, AnImageThatWasGivenBackIsReadAgain) {
+TEST_F(GraphTest, AReleasedImageIsReadAgain) {
   const auto texture = canvas.RootObject->LoadTexture(fs::path(SNAPWEDGE_GAME_DIR) / "loose.dab");
   const std::vector<std::uint8_t> pixels = texture->Image()->Pixels;
   ASSERT_FALSE(pixels.empty());

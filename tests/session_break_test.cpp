@@ -53,7 +53,7 @@ TEST(SessionBreakTest, NothingIsLostAndNothingComesTwiceOnABadLine) {
   EXPECT_GT(resumes, 100) << "the lines were too good to prove anything";
 }
 
-TEST(SessionBreakTest, HowLongALineMayBeAway) {
+TEST(SessionBreakTest, HowLongAnOutageMayLast) {
   struct Row {
     std::int32_t away; // ms
     bool survives;
