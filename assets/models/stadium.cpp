@@ -207,9 +207,11 @@ void AddFloor(Mesh &mesh) {
 /// down for the camera.
 void AddOut(Mesh &mesh) {
   constexpr double Baseline = 90.0, Cap = 17.0, Apart = 62.0;
+  constexpr double LeftOfFar = 10.0; // so that a result card leaves the middle word in view
   Title word;
   word.normal = {0.0, 1.0, 0.0};
   word.cap = Cap;
+  word.parts = 4;
   word.head = Chalk;
   word.foot = Chalk * 0.85;
   struct Side {
@@ -221,6 +223,7 @@ void AddOut(Mesh &mesh) {
     for (const double along : {-Apart, 0.0, Apart}) {
       word.middle = {side.outX * Baseline + word.right.x * along, Floor,
                      side.outZ * Baseline + word.right.z * along};
+      if (side.outZ < 0) word.middle = word.middle - word.right * LeftOfFar;
       AddTitle(mesh, "OUT", word);
     }
   }

@@ -8,12 +8,10 @@
 
 namespace {
 
-constexpr int CornerParts = 2;      ///< straight parts of a rounded corner
-constexpr int EndParts = 2;         ///< of a stroke's round end
 constexpr double LetterSpace = 0.9; ///< between letters beyond the typeface's own, in ninths of the capitals
 
 /// Middle line of a stroke, in the units of the typeface, with an arc at each rounded corner.
-std::vector<Point> Path(const GlyphLine &line, double radius) {
+std::vector<Point> Path(const GlyphLine &line, double radius, int parts) {
   std::vector<Point> path;
   const std::size_t count = line.points.size();
   for (std::size_t i = 0; i < count; ++i) {
@@ -30,8 +28,8 @@ std::vector<Point> Path(const GlyphLine &line, double radius) {
     };
     const Point from = onSide(line.points[(i + count - 1) % count]),
                 to = onSide(line.points[(i + 1) % count]);
-    for (int part = 0; part <= CornerParts; ++part) {
-      const double share = static_cast<double>(part) / CornerParts;
+    for (int part = 0; part <= parts; ++part) {
+      const double share = static_cast<double>(part) / parts;
       path.push_back(Mix(Mix(from, at, share), Mix(at, to, share), share));
     }
   }
@@ -39,13 +37,13 @@ std::vector<Point> Path(const GlyphLine &line, double radius) {
 }
 
 /// Half a disc at the end of a stroke that comes along `along`.
-void AddEnd(Mesh &flat, const Point &at, const Point &along, double half) {
+void AddEnd(Mesh &flat, const Point &at, const Point &along, double half, int parts) {
   const Point across{along.z, 0.0, -along.x};
   const auto rim = [&](int part) {
-    const double angle = Pi * part / EndParts;
+    const double angle = Pi * part / parts;
     return at + across * (half * std::cos(angle)) + along * (half * std::sin(angle));
   };
-  for (int part = 0; part < EndParts; ++part)
+  for (int part = 0; part < parts; ++part)
     flat.FlatTriangle(at, rim(part), rim(part + 1), {0.0, 1.0, 0.0}, {});
 }
 
@@ -70,11 +68,11 @@ void AddTitle(Mesh &mesh, std::string_view word, const Title &title) {
     // Strokes are laid on the ground and then stood up along the word's own axes.
     Mesh flat;
     for (const GlyphLine &line : glyph.lines) {
-      const std::vector<Point> path = Path(line, glyph.radius);
+      const std::vector<Point> path = Path(line, glyph.radius, title.parts);
       Stroke(flat, path, line.closed, title.pen, 0.0, {});
       if (line.closed) continue;
-      AddEnd(flat, path.front(), Normalized(path.front() - path[1]), half);
-      AddEnd(flat, path.back(), Normalized(path.back() - path[path.size() - 2]), half);
+      AddEnd(flat, path.front(), Normalized(path.front() - path[1]), half, title.parts);
+      AddEnd(flat, path.back(), Normalized(path.back() - path[path.size() - 2]), half, title.parts);
     }
     mesh.Append(flat, [&](const Vertex &vertex) {
       const double high = std::clamp(vertex.at.z / CapitalHeight, 0.0, 1.0);

@@ -16,6 +16,7 @@ struct Title {
   double stretch = 1.0; ///< widening of the letters
   double pen = 2.4;     ///< width of the strokes, in ninths of `cap`
   Paint head, foot;     ///< at the height of the capitals and on the baseline
+  int parts = 2;        ///< straight parts of a rounded corner, and of a stroke's round end
 };
 
 /// Width from the left edge of the first letter to the right edge of the last.
