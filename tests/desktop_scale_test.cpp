@@ -7,6 +7,11 @@
 #include <QProcess>
 #include <gtest/gtest.h>
 
+#include <sys/socket.h>
+#include <sys/un.h>
+#include <unistd.h>
+
+#include <cstdlib>
 #include <string>
 
 TEST(WindowScaleTest, ThePlayWindowTakesUpToNineTenthsOfTheFreeArea) {
@@ -100,4 +105,19 @@ TEST(WindowScaleTest, AnAbsurdScaleOfTheDesktopIsIgnoredForWindowsAndFonts) {
     EXPECT_EQ(qgetenv("QT_FONT_DPI"), row.fontDpi) << row.dpi;
   }
   QProcess::execute("xprop", {"-root", "-remove", "RESOURCE_MANAGER"});
+}
+
+TEST(WindowScaleTest, ACompositorThatNeverAnswersIsGivenUp) {
+  const std::string path = testing::TempDir() + "silent-compositor-" + std::to_string(getpid());
+  sockaddr_un address{.sun_family = AF_UNIX, .sun_path = {}};
+  ASSERT_LT(path.size(), sizeof address.sun_path);
+  path.copy(address.sun_path, path.size());
+  const int silent = socket(AF_UNIX, SOCK_STREAM, 0);
+  ASSERT_EQ(bind(silent, reinterpret_cast<const sockaddr *>(&address), sizeof address), 0);
+  ASSERT_EQ(listen(silent, 1), 0);
+  setenv("WAYLAND_DISPLAY", path.c_str(), 1); // of this process alone
+  EXPECT_FALSE(QueryWayland());
+  unsetenv("WAYLAND_DISPLAY");
+  unlink(path.c_str());
+  close(silent);
 }

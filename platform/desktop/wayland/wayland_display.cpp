@@ -6,6 +6,7 @@
 #include "relative-pointer-unstable-v1-client-protocol.h"
 #include "xdg-output-unstable-v1-client-protocol.h"
 
+#include <poll.h>
 #include <wayland-client.h>
 
 #include <memory>
@@ -75,6 +76,32 @@ const wl_registry_listener OutputsListener = {
     .global_remove = [](void *, wl_registry *, std::uint32_t) {},
 };
 
+const wl_callback_listener DoneListener = {
+    .done = [](void *data, wl_callback *, std::uint32_t) { *static_cast<bool *>(data) = true; }};
+
+/// Waits until the compositor has handled all requests. In contrast to `wl_display_roundtrip` it gives up on
+/// one that doesn't answer.
+/// @returns whether it has
+bool Roundtrip(wl_display *compositor) {
+  constexpr int PatienceMs = 1000;
+  bool done = false;
+  const Owned<wl_callback> sync(wl_display_sync(compositor), wl_callback_destroy);
+  wl_callback_add_listener(sync.get(), &DoneListener, &done);
+  while (!done) {
+    while (wl_display_prepare_read(compositor) != 0) {
+      if (wl_display_dispatch_pending(compositor) < 0) return false;
+    }
+    wl_display_flush(compositor);
+    pollfd socket{wl_display_get_fd(compositor), POLLIN, 0};
+    if (done || poll(&socket, 1, PatienceMs) <= 0) {
+      wl_display_cancel_read(compositor);
+      break;
+    }
+    if (wl_display_read_events(compositor) < 0 || wl_display_dispatch_pending(compositor) < 0) return false;
+  }
+  return done;
+}
+
 } // namespace
 
 std::optional<DisplayFacts> QueryWayland() {
@@ -83,13 +110,13 @@ std::optional<DisplayFacts> QueryWayland() {
   Answers answers;
   const Owned<wl_registry> registry(wl_display_get_registry(compositor.get()), wl_registry_destroy);
   wl_registry_add_listener(registry.get(), &OutputsListener, &answers);
-  if (wl_display_roundtrip(compositor.get()) < 0) return std::nullopt;
+  if (!Roundtrip(compositor.get())) return std::nullopt;
   Owned<zxdg_output_v1> size(nullptr, zxdg_output_v1_destroy);
   if (answers.screen && answers.outputManager) {
     size.reset(zxdg_output_manager_v1_get_xdg_output(answers.outputManager.get(), answers.screen.get()));
     zxdg_output_v1_add_listener(size.get(), &SizeListener, &answers);
   }
-  if (wl_display_roundtrip(compositor.get()) < 0 || answers.pixels.isEmpty()) return std::nullopt;
+  if (!Roundtrip(compositor.get()) || answers.pixels.isEmpty()) return std::nullopt;
 
   DisplayFacts display;
   const QSize pixels = answers.turned ? answers.pixels.transposed() : answers.pixels;
