@@ -66,6 +66,7 @@ void frmSnapwedge::ShowMessage(std::int16_t &MES) {
   if (network) SendContinue();
   card.Visible = false;
   RMCanvas1.SetFocus();
+  HintWritten();
   Busy = False;
 }
 

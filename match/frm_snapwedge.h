@@ -104,7 +104,8 @@ public:
   void HintOtherResult(std::int16_t MES); ///< the meaning of the other computer's result card
   void HintOver();                        ///< the match is over
   void HintWriting();                     ///< a message is begun
-  void HintWritten();                     ///< the message is sent: back to the hint before it
+  void HintWritten();                     ///< no message is being written any more
+  void HintLeft();                        ///< the other player has left
 
   Program &program;
   Machine &machine;
@@ -117,10 +118,10 @@ public:
   std::int32_t FrameStart = 0;               ///< clock at the start of the current step, ms
   std::int32_t FrameEnd = 0;                 ///< earliest clock at the end of the current step, ms
   std::string PieceSurface;      ///< mesh under the piece's centre at the last `CheckRay`; empty for none
-  std::string HintBeforeWriting; ///< shown again once the message is sent
   std::string CornerSurface;     ///< mesh under the corner last tested by `CheckScore`
   Flag OverSide = False;         ///< at the last rest a corner was over an edge, but none past the far edge
   Flag OnCircle = False;         ///< at the last rest a corner was over the bonus area
+  std::string HintBeforeWriting; ///< shown again when no message is being written any more
 
   // ---- Phase: what the mouse may do --------------------------------------------------------------
 

@@ -107,7 +107,7 @@ void frmSnapwedge::HintAim() {
     lblHint.Caption = NextTry(*this);
   } else {
     lblHint.Caption = WhoseTurn(program) + ": " + ToTheEdge(*this) +
-                      " yards to the edge. Hold the left button, let go to shoot.";
+                      " yards to the far edge. Hold the left button, let go to shoot.";
   }
 }
 
@@ -179,6 +179,7 @@ void frmSnapwedge::HintOtherResult(std::int16_t MES) {
 }
 
 void frmSnapwedge::HintWriting() {
+  if (lblHint.Caption == WritingHint) return;
   HintBeforeWriting = lblHint.Caption;
   lblHint.Caption = WritingHint;
 }
@@ -186,6 +187,8 @@ void frmSnapwedge::HintWriting() {
 void frmSnapwedge::HintWritten() {
   if (lblHint.Caption == WritingHint) lblHint.Caption = HintBeforeWriting;
 }
+
+void frmSnapwedge::HintLeft() { lblHint.Caption = "The other player has left. OK ends the game."; }
 
 void frmSnapwedge::HintOver() {
   lblHint.Caption = OtherSideOver || program.GameMode != "INET"

@@ -151,6 +151,7 @@ void frmSnapwedge::ShowOtherResult(std::int16_t MES) {
   ResultDue = False;
   ReleaseButtons(); // the card would swallow the release, and the meter would go on charging
   PlayBeforeCard(program, MES);
+  HintWritten(); // the card takes the keyboard
   const std::string hint = lblHint.Caption;
   HintOtherResult(MES);
   PictureBox &card = Card(MES);
@@ -197,7 +198,7 @@ void frmSnapwedge::OtherSideLeft() {
   machine.ShowCursor(-1);
   LineWatch.reset();
   Caption = PlayCaption;
-  lblHint.Caption = "The other player has left. OK ends the game.";
+  HintLeft();
   machine.MsgBox({"Away Team Disconnected!", "Game Over:"});
   throw ProgramEnd{};
 }

@@ -314,7 +314,7 @@ TEST(DesktopAccessibleTest, TurnResultAndScoreAreAnnouncedOnce) {
   QWidget &shown = Active(match.machine, match.window.Name);
   frmSnapwedge &window = match.window;
   EXPECT_EQ(AnnouncedIn(shown),
-            "Home Team Score: 0\nAway Team Score: 0\nYour turn: 104 yards to the edge. Hold the "
+            "Home Team Score: 0\nAway Team Score: 0\nYour turn: 104 yards to the far edge. Hold the "
             "left button, let go to shoot.");
   EXPECT_EQ(AnnouncedIn(shown), "");
   window.HintResult(Results::Bonus);
@@ -376,7 +376,8 @@ TEST(DesktopAccessibleTest, EveryPartOfALineCanBeRead) {
   line.setText("One two. Three");
   line.setCursorPosition(5);
   for (const Row &row :
-       {Row{QAccessible::CharBoundary, 4, " ", "t", "w"}, Row{QAccessible::CharBoundary, 14, "e", "e", ""},
+       {Row{QAccessible::CharBoundary, 4, " ", "t", "w"}, Row{QAccessible::CharBoundary, 13, "e", "e", ""},
+        Row{QAccessible::CharBoundary, 14, "e", "", ""},
         Row{QAccessible::WordBoundary, 5, "One ", "two. ", "Three"},
         Row{QAccessible::WordBoundary, Cursor, "One ", "two. ", "Three"},
         Row{QAccessible::WordBoundary, 14, "two. ", "Three", ""},

@@ -128,6 +128,8 @@ std::vector<std::string> AllHints(frmSnapwedge &window) {
   keep();
   window.HintWriting();
   keep();
+  window.HintLeft();
+  keep();
   return all;
 }
 

@@ -11,9 +11,9 @@
 namespace {
 
 const std::string HomeBegins =
-    "Home Team's turn: 104 yards to the edge. Hold the left button, let go to shoot.";
+    "Home Team's turn: 104 yards to the far edge. Hold the left button, let go to shoot.";
 const std::string AwayBegins =
-    "Away Team's turn: 104 yards to the edge. Hold the left button, let go to shoot.";
+    "Away Team's turn: 104 yards to the far edge. Hold the left button, let go to shoot.";
 
 /// A game that records the line at each card and during flights.
 struct Told {
@@ -134,6 +134,12 @@ TEST(HintsTest, EveryEndOfAFlickHasItsReason) {
          t.game.Shoot(1);
        },
        0, "", "A corner over the side counts for nothing. 52 yards to the far edge."},
+      {"over a side edge on the second try",
+       [](Told &t) {
+         t.game.PutPiece(86, 0, 2);
+         t.game.Shoot(1);
+       },
+       0, "", "A corner over the side counts for nothing. Last try, 52 yards to the far edge."},
       {"over a side edge on the third try",
        [](Told &t) {
          t.game.PutPiece(86, 0, 1);
@@ -250,7 +256,7 @@ TEST(HintsTest, ASharedMouseOrTheComputerShowsWhoseShotItIs) {
   Told told("Computer");
   Game &game = told.game;
   EXPECT_EQ(game.window.lblHint.Caption,
-            "Your turn: 104 yards to the edge. Hold the left button, let go to shoot.");
+            "Your turn: 104 yards to the far edge. Hold the left button, let go to shoot.");
   game.Shoot(12);
   EXPECT_EQ(told.inFlight, (std::vector<std::string>{"Power for 93 yards."}));
   game.Shoot(13);
@@ -302,7 +308,7 @@ TEST(HintsTest, TheWaitingSideShowsOnlyWhatItReceived) {
                       "The other player kicks. Whether it is good is judged over there.",
                       "The other player's kick is good: 1 point.",
                       "The other player kicks. Whether it is good is judged over there.",
-                      "Your turn: 104 yards to the edge. Hold the left button, let go to shoot."}));
+                      "Your turn: 104 yards to the far edge. Hold the left button, let go to shoot."}));
 }
 
 TEST(HintsTest, ACardThatComesLateGivesTheLineBack) {

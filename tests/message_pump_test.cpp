@@ -219,6 +219,31 @@ TEST(MessagePumpTest, AnInvalidMessageHasNoEffect) {
   }
 }
 
+TEST(MessagePumpTest, NobodyIsToldToTypeWhenTheKeyboardIsElsewhere) {
+  NetworkGame game(true);
+  const std::string waits = game.window.lblHint.Caption;
+  const auto write = [&] {
+    game.machine.Focus = &game.window.RMCanvas1;
+    game.machine.PressKey(KeyCodes::Tilde);
+    game.Frames(1);
+    EXPECT_NE(game.window.lblHint.Caption, waits);
+  };
+  write();
+  game.machine.PressMouse(2);
+  game.Frames(1);
+  EXPECT_EQ(game.window.lblHint.Caption, waits);
+  write();
+  write();
+  game.machine.Type("\r");
+  game.Frames(1);
+  EXPECT_EQ(game.window.lblHint.Caption, waits) << "as before \"~\" was pressed twice";
+  write();
+  game.Receive({std::string("RESULT"), std::int32_t{5}});
+  game.ReceiveIn(1000, {std::string("Continue")});
+  game.Frames(2);
+  EXPECT_EQ(game.window.lblHint.Caption, waits);
+}
+
 TEST(MessagePumpTest, ScoresAreMirroredAndOnlyRise) {
   NetworkGame game(false);
   game.window.HomeScore = 6;

@@ -55,7 +55,7 @@ void AccessibleLine::selection(int, int *start, int *end) const {
   *end = std::max(line_.selectionEnd(), 0);
 }
 
-/// The box doesn't tell where its letters are, so a letter's place is that of the box.
+/// QLineEdit has no public way to get a letter's place, so that of the box is returned.
 QRect AccessibleLine::characterRect(int offset) const {
   return offset >= 0 && offset < characterCount() ? rect() : QRect();
 }
@@ -64,7 +64,7 @@ int AccessibleLine::offsetAtPoint(const QPoint &point) const {
   return rect().contains(point) ? line_.cursorPositionAt(line_.mapFromGlobal(point)) : -1;
 }
 
-/// The whole text has the same attributes, which none is told of.
+/// Every letter looks the same, so no attributes are reported.
 QString AccessibleLine::attributes(int, int *start, int *end) const {
   *start = 0;
   *end = characterCount();
@@ -89,8 +89,9 @@ QString AccessibleLine::Part(int offset, QAccessible::TextBoundaryType type, int
   if (offset == -2) offset = line_.cursorPosition();
   if (text.isEmpty() || offset < 0 || offset > size) return {};
   const std::vector<int> boundaries = Boundaries(text, type);
-  // Behind the last letter, the last part is at the offset.
-  const auto next = std::ranges::upper_bound(boundaries, std::min(offset, size - 1));
+  // There is no letter behind the last one, but the last word, sentence or line is at that offset too.
+  const int at = type == QAccessible::CharBoundary ? offset : std::min(offset, size - 1);
+  const auto next = std::ranges::upper_bound(boundaries, at);
   const auto part = next - boundaries.begin() - 1 + ahead;
   if (part < 0 || part + 1 >= std::ssize(boundaries)) return {};
   *start = boundaries[static_cast<std::size_t>(part)];

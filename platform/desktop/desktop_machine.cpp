@@ -115,7 +115,7 @@ DesktopMachine::~DesktopMachine() {
   pointer_.Release();
   openGLTest_.kill();
   openGLTest_.waitForFinished();
-  // The thread uses what the end of the program takes away.
+  // The thread uses libraries that the end of the process unloads.
   if (sound_.valid()) sound_.wait_for(SoundOpensWithin);
 }
 

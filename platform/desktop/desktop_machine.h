@@ -36,8 +36,8 @@ public:
 
   /// Hands over a sound device that is being opened.
   void UseSound(std::future<std::shared_ptr<DirectSound>> sound) { sound_ = std::move(sound); }
-  /// The device that was handed over, or one that is opened now.
-  /// @throws SoundError
+  /// The device that was handed over, or one that is opened now. Call once.
+  /// @throws SoundError  if there is none, or it doesn't answer within two seconds
   std::shared_ptr<DirectSound> TakeSound();
 
   std::int32_t timeGetTime() override;

@@ -150,6 +150,6 @@ void CheckDocument(const fs::path &file) {
     static const QRegularExpression Other("<(?!/?(!DOCTYPE|html|head|meta|title|body|p|b)\\b)[^>]{0,20}",
                                           QRegularExpression::CaseInsensitiveOption);
     if (const auto found = Other.match(text); found.hasMatch())
-      RefuseFile(file, "the document has \"" + found.captured().toStdString() + "\", which isn't shown");
+      RefuseFile(file, "the document has \"" + found.captured().toStdString() + "\", which isn't allowed");
   });
 }

@@ -12,8 +12,8 @@ constexpr std::uint32_t LeafSizes = 8;
 constexpr std::uint32_t IsNode = 7;
 constexpr std::size_t Bins = 16; ///< of the surface area heuristic
 constexpr int HalvingLevel = 24; ///< from here on nodes are halved, so that no tree is deeper than 40 levels
-constexpr std::size_t StackSize =
-    128; ///< of a traversal: three siblings on each level, and the last node's four
+// Of a traversal: three siblings on each level, and the last node's four.
+constexpr std::size_t StackSize = 128;
 
 // The boxes are tested in single precision, with a ray so thick that the test never misses a face that the
 // ray hits. The tolerances are relative to the coordinates of mesh and ray.

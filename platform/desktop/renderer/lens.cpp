@@ -55,8 +55,9 @@ constexpr float LeastLoss = 0.002f;    ///< loss of speed per frame, as a share 
 constexpr float LevelMotion = 0.0001f; ///< largest vertical motion, scene units per frame
 
 // Motion of the view.
-constexpr float Jump = 12.0f;         ///< motion between two frames above which the view cuts, scene units
-constexpr float LongerStep = 1.5f;    ///< ratio of two steps of a mesh that moves on through a cut
+constexpr float Jump = 12.0f; ///< motion between two frames above which the view cuts, scene units
+constexpr float LongerStep =
+    1.5f; ///< largest ratio of two successive steps of a mesh that moves on through a cut
 constexpr float EaseShare = 0.25f;    ///< share of the remaining difference that each frame covers
 constexpr float Still = 0.0005f;      ///< difference that ends the easing, radians or logarithm of the height
 constexpr float SteepestPitch = 1.5f; ///< of the view, radians
@@ -191,6 +192,7 @@ CameraView Lens::Next(const Direct3DRMFrame3 &camera, std::span<const Item> scen
   const QVector3D target = subject->Origin(), step = target - target_;
   const bool cut =
       !started_ || ToQt(from.Origin).distanceToPoint(ToQt(from_.Origin)) > Jump || step.length() > Jump;
+  if (step.length() > Jump) movers_.clear(); // a new possession, or the set-up of a kick
   FollowMovers(scene, looked.get(), cut, step.length() > 0);
   // The only meshes that move while the target rests are the posts. They go from side to side over the whole
   // table, so room for that on both sides avoids a later change of the view.
@@ -199,9 +201,11 @@ CameraView Lens::Next(const Direct3DRMFrame3 &camera, std::span<const Item> scen
   for (Mover &mover : movers_) {
     if (!mover.Moves || (!cut && step.length() > 0)) continue;
     const Bounds path = table ? Swept(mover.Covered, *table) : mover.Covered;
-    if (Apart(from, path.Low, target) > PointReach || Apart(from, path.High, target) > PointReach) continue;
-    mover.Covered = path;
-    mover.Shown = symmetric = true;
+    const bool room =
+        Apart(from, path.Low, target) <= PointReach && Apart(from, path.High, target) <= PointReach;
+    if (room) mover.Covered = path;
+    mover.Shown = room || (mover.Shown && mover.Step == 0); // as at the end of a kick
+    symmetric = symmetric || room;
   }
   const auto points = PointsToShow(from, scene, *subject, table, cut ? QVector3D() : step);
   const bool falls = table && from.Origin.y < table->High.y();

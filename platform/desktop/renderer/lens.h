@@ -48,7 +48,7 @@ private:
   struct Mover {
     const Direct3DRMFrame3 *Frame;
     QVector3D Origin; ///< in the previous frame
-    float Step;       ///< its length in the previous frame, scene units
+    float Step;       ///< distance moved in the previous frame, scene units
     bool Moves;       ///< has moved since the last cut
     bool Shown;       ///< to be in the frame
     Bounds Covered;   ///< its bounding box in the scene; while the target rests, all that it may pass

@@ -12,7 +12,7 @@ namespace {
 
 constexpr float SmallestSky = 1000.0f; ///< scene units: a mesh of that size leaves no background visible
 
-// In a view up to this height a larger texture would hardly be seen in all its detail.
+// In a view up to this height, detail beyond `LargestTexture` is hardly visible.
 constexpr int SmallView = 400; ///< pixels
 constexpr QSize LargestTexture(512, 512);
 
