@@ -271,6 +271,7 @@ public:
   std::array<BackPicture, AttemptsInPossession> Tries; ///< a paper triangle for each attempt left
   BackPicture VersionSlip;                             ///< the paper behind `Label5`
   BackPicture MessageKey;                              ///< the key that types to the other player
+  BackPicture MouseKeys;                               ///< lit keys, while this side can aim and shoot
   PictureBox Picture1, Picture2, Picture3, Picture4, Picture5, Picture6, Picture7; ///< the result cards
 
   // ---- The other computer ------------------------------------------------------------------------

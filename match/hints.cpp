@@ -1,6 +1,6 @@
 // All texts of the line under the view: what the player can do now, and after a shot what happened and why.
-// The line reports the verdict of the rules and decides nothing. On the waiting computer of a network game it
-// says only what the other computer has sent.
+// The keys that aim and shoot are lit while they work. The line reports the verdict of the rules and decides
+// nothing. On the waiting computer of a network game it says only what the other computer has sent.
 
 #include "match/frm_snapwedge.h"
 #include "match/results.h"
@@ -86,6 +86,7 @@ std::string MissReason(const frmSnapwedge &window) {
 } // namespace
 
 void frmSnapwedge::HintAim() {
+  MouseKeys.Visible = WhoShoots(program) == Shooter::Here;
   if (LastWait && program.MyTurn) {
     HintOver();
     return;
@@ -112,6 +113,7 @@ void frmSnapwedge::HintAim() {
 }
 
 void frmSnapwedge::HintFlight() {
+  MouseKeys.Visible = false;
   const bool overcharged = ProgressBar1.CapLit || ShotPower > MeterLimit;
   switch (WhoShoots(program)) {
   case Shooter::Computer:
@@ -191,6 +193,7 @@ void frmSnapwedge::HintWritten() {
 void frmSnapwedge::HintLeft() { lblHint.Caption = "The other player has left. OK ends the game."; }
 
 void frmSnapwedge::HintOver() {
+  MouseKeys.Visible = false;
   lblHint.Caption = OtherSideOver || program.GameMode != "INET"
                         ? "The match is over. A click on the front page ends the game."
                         : "The match is over. Waiting for the other player's last result.";

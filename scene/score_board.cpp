@@ -16,6 +16,7 @@ constexpr int TileWidth = 46;
 constexpr int DigitsTop = 49;
 constexpr int DigitWidth = 14;
 constexpr int MessageKeyLeft = 536, MessageKeyTop = 467;
+constexpr int MouseKeysLeft = 104, MouseKeysTop = 464;
 constexpr int TriesTop = 82, TriesLeft = 6, TryWidth = 31;
 
 constexpr int Numerals = 10; ///< in the image of the digits
@@ -71,13 +72,15 @@ void frmSnapwedge::LayOutBoards() {
   LayOut(AwayBoard, 1, AwayLineLeft, AwayTileLeft);
   VersionSlip = {"VersionSlip", 0, 0};
   MessageKey = {"MessageKey", MessageKeyLeft, MessageKeyTop};
-  BackPictureFiles = {{"VersionSlip", 102, 22}, {"MessageKey", 70, 12}, {"Try", 28, 23}};
+  MouseKeys = {"MouseKeys", MouseKeysLeft, MouseKeysTop};
+  BackPictureFiles = {
+      {"VersionSlip", 102, 22}, {"MessageKey", 70, 12}, {"MouseKeys", 304, 16}, {"Try", 28, 23}};
   for (const char *name : {"ScoreLine", "ScoreLineFlash"}) BackPictureFiles.push_back({name, 174, 26});
   for (const char *name : {"ScoreTile", "ScoreTileFlash"})
     BackPictureFiles.push_back({name, Sides * TileWidth, 46});
   for (const char *name : {"Digits", "DigitsLit"})
     BackPictureFiles.push_back({name, Numerals * DigitWidth, 26});
-  BackPictures = {&VersionSlip, &MessageKey};
+  BackPictures = {&VersionSlip, &MessageKey, &MouseKeys};
   for (SideBoard *board : {&HomeBoard, &AwayBoard}) {
     Write(*board);
     BackPictures.insert(BackPictures.end(), {&board->Line, &board->Tile});

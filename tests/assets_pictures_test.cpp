@@ -37,7 +37,7 @@ TEST(PicturesTest, EveryPictureHasItsSize) {
       {"ScoreTile", 92, 46},       {"Digits", 140, 26},
       {"ScoreLineFlash", 174, 26}, {"ScoreTileFlash", 92, 46},
       {"DigitsLit", 140, 26},      {"Try", 28, 23},
-      {"MessageKey", 70, 12},
+      {"MessageKey", 70, 12},      {"MouseKeys", 304, 16},
   };
   for (const auto &row : rows) {
     SCOPED_TRACE(row.name);

@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <set>
 
 namespace {
 
@@ -85,6 +86,27 @@ TEST(ScoreBoardTest, TheOthersVersionAndTheKeyForMessagesAreShownInANetworkGameA
   EXPECT_FALSE(game.window.VersionSlip.Visible || game.window.MessageKey.Visible);
   const NetworkGame network(false);
   EXPECT_TRUE(network.window.VersionSlip.Visible && network.window.MessageKey.Visible);
+}
+
+TEST(ScoreBoardTest, TheKeysThatAimAndShootAreLitWhileTheyWork) {
+  Game game("Computer");
+  game.SetUp();
+  EXPECT_TRUE(game.window.MouseKeys.Visible);
+  std::set<bool> inFlight, atComputer;
+  game.machine.OnDraw = [&](Canvas &) {
+    if (game.program.MyTurn && game.window.NoShot) inFlight.insert(game.window.MouseKeys.Visible);
+    if (!game.program.MyTurn) atComputer.insert(game.window.MouseKeys.Visible);
+  };
+  game.Shoot(12);
+  EXPECT_TRUE(game.window.MouseKeys.Visible) << "the second try";
+  game.Shoot(13);
+  while (!game.program.MyTurn) game.Frames(1);
+  EXPECT_EQ(inFlight, std::set<bool>{false});
+  EXPECT_EQ(atComputer, std::set<bool>{false});
+  EXPECT_TRUE(game.window.MouseKeys.Visible);
+  EXPECT_FALSE(NetworkGame(true).window.MouseKeys.Visible) << "the other side begins";
+  game.window.HintOver();
+  EXPECT_FALSE(game.window.MouseKeys.Visible);
 }
 
 } // namespace
