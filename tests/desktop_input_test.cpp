@@ -193,6 +193,9 @@ TEST(DesktopInputTest, AHeldEnterPressesNoButtonThatGetsTheFocusMeanwhile) {
   cancel.Click = [&] { ++cancelled; };
   machine.Show(window);
   machine.SetFocus(create);
+  // A button without an active window has no focus.
+  for (int tries = 0; tries < 400 && !WidgetOf("create")->hasFocus(); ++tries) PumpFor(machine, 5);
+  ASSERT_TRUE(WidgetOf("create")->hasFocus());
   const auto enter = [&](bool repeated) {
     QKeyEvent event(QEvent::KeyPress, Qt::Key_Return, Qt::NoModifier, "\r", repeated);
     QApplication::sendEvent(WidgetOf("create")->window()->focusWidget(), &event);
