@@ -35,7 +35,8 @@ int main(int argc, char **argv) {
     machine.TryOpenGL();
     Program program(machine);
     try {
-      return RunProgram(machine, program);
+      RunProgram(machine, program);
+      return 0;
     } catch (const std::exception &error) {
       machine.ShowCursor(-1);
       try {

@@ -3,7 +3,7 @@
 #include "front/check_files.h"
 #include "net/frm_new_net.h"
 
-int RunProgram(Machine &machine, Program &program) {
+void RunProgram(Machine &machine, Program &program) {
   try {
     frmNewNet launch(machine, program);
     launch.Form_Load();
@@ -17,5 +17,4 @@ int RunProgram(Machine &machine, Program &program) {
     program.DP.reset(); // the other player must not wait while this one reads what has happened
     throw;
   }
-  return 0;
 }

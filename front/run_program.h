@@ -3,5 +3,5 @@
 #include "match/program.h"
 
 /// Runs the whole program on a machine, from the launch window to the end.
-/// @returns the exit status
-int RunProgram(Machine &machine, Program &program);
+/// @throws std::exception  if it can't go on; its session is closed by then
+void RunProgram(Machine &machine, Program &program);

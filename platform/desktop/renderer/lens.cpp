@@ -55,9 +55,7 @@ constexpr float LeastLoss = 0.002f;    ///< loss of speed per frame, as a share 
 constexpr float LevelMotion = 0.0001f; ///< largest vertical motion, scene units per frame
 
 // Motion of the view.
-constexpr float Jump = 12.0f; ///< motion between two frames above which the view cuts, scene units
-constexpr float LongerStep =
-    1.5f; ///< largest ratio of two successive steps of a mesh that moves on through a cut
+constexpr float Jump = 12.0f;         ///< motion between two frames above which the view cuts, scene units
 constexpr float EaseShare = 0.25f;    ///< share of the remaining difference that each frame covers
 constexpr float Still = 0.0005f;      ///< difference that ends the easing, radians or logarithm of the height
 constexpr float SteepestPitch = 1.5f; ///< of the view, radians
@@ -192,8 +190,8 @@ CameraView Lens::Next(const Direct3DRMFrame3 &camera, std::span<const Item> scen
   const QVector3D target = subject->Origin(), step = target - target_;
   const bool cut =
       !started_ || ToQt(from.Origin).distanceToPoint(ToQt(from_.Origin)) > Jump || step.length() > Jump;
-  if (step.length() > Jump) movers_.clear(); // a new possession, or the set-up of a kick
-  FollowMovers(scene, looked.get(), cut, step.length() > 0);
+  if (cut) movers_.clear(); // what moves from now on counts, not what has returned to its start
+  FollowMovers(scene, looked.get(), step.length() > 0);
   // The only meshes that move while the target rests are the posts. They go from side to side over the whole
   // table, so room for that on both sides avoids a later change of the view.
   const auto table = TableOf(scene);
@@ -232,8 +230,7 @@ CameraView Lens::Next(const Direct3DRMFrame3 &camera, std::span<const Item> scen
 }
 
 /// Updates the meshes other than the target.
-void Lens::FollowMovers(std::span<const Item> scene, const Direct3DRMFrame3 *target, bool cut,
-                        bool targetMoves) {
+void Lens::FollowMovers(std::span<const Item> scene, const Direct3DRMFrame3 *target, bool targetMoves) {
   std::vector<Mover> now;
   for (const Item &item : scene) {
     if (item.Frame == target) continue;
@@ -241,16 +238,14 @@ void Lens::FollowMovers(std::span<const Item> scene, const Direct3DRMFrame3 *tar
     const auto last = std::ranges::find(movers_, item.Frame, &Mover::Frame);
     const bool known = last != movers_.end();
     const float moved = known ? origin.distanceToPoint(last->Origin) : 0.0f;
-    // Where the view cuts, a farther step than the last is a return to the start.
-    const bool steps = moved > 0.0f && moved <= (cut ? LongerStep * last->Step : Jump);
-    const bool moves = steps || (known && last->Moves && !cut);
+    const bool moves = (moved > 0.0f && moved <= Jump) || (known && last->Moves);
     Bounds covered = item.Box;
     // Only the part above the origin has to be visible: of the posts, whose origin is at the bar, not the
     // foot.
     covered.Low.setY(std::clamp(origin.y(), covered.Low.y(), covered.High.y()));
     if (targetMoves) covered.High.setY(covered.Low.y()); // the bar, above or below which the target passes
     // A mesh without room for its path, as the posts seen from the side, would swing a resting view.
-    const bool shown = moves && !cut && (targetMoves || (known && last->Shown));
+    const bool shown = moves && (targetMoves || (known && last->Shown));
     now.push_back({item.Frame, origin, moved, moves, shown, covered});
   }
   movers_ = std::move(now);

@@ -48,7 +48,7 @@ private:
   struct Mover {
     const Direct3DRMFrame3 *Frame;
     QVector3D Origin; ///< in the previous frame
-    float Step;       ///< distance moved in the previous frame, scene units
+    float Step;       ///< distance that it has just moved, scene units
     bool Moves;       ///< has moved since the last cut
     bool Shown;       ///< to be in the frame
     Bounds Covered;   ///< its bounding box in the scene; while the target rests, all that it may pass
@@ -58,7 +58,7 @@ private:
   static bool Near(const Framing &a, const Framing &b);
   /// Moves a framing one step toward another. Returns whether it has arrived.
   static bool Ease(Framing &framing, const Framing &to);
-  void FollowMovers(std::span<const Item> scene, const Direct3DRMFrame3 *target, bool cut, bool targetMoves);
+  void FollowMovers(std::span<const Item> scene, const Direct3DRMFrame3 *target, bool targetMoves);
   std::vector<QVector3D> MoverPoints(const Transform &camera, const QVector3D &target) const;
   std::vector<QVector3D> PointsToShow(const Transform &camera, std::span<const Item> scene,
                                       const Item &subject, const std::optional<Bounds> &table,
