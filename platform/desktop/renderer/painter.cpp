@@ -4,7 +4,6 @@
 #include "platform/desktop/renderer/shaders.h"
 
 #include <algorithm>
-#include <string>
 #include <tuple>
 #include <utility>
 
@@ -18,10 +17,9 @@ constexpr QSize LargestTexture(512, 512);
 
 constexpr float SmallTarget = 0.19f;    ///< of the frame's height: a larger target has no outline
 constexpr float OutlineWidth = 0.0028f; ///< of the frame's height
-constexpr float OutlineDepth = 1000.0f; ///< steps of the depth buffer, about a scene unit at the far end
+constexpr float OutlineDepth = 2.4e-4f; ///< behind the mesh, of depths from -1 to 1
 
-/// Bits of a surface shader's variant: it has a texture, is strokes of paint on the ground, has highlights.
-enum : unsigned { Textured = 1, Stroked = 2, Gleaming = 4 };
+float AspectOf(QSize size) { return static_cast<float>(size.width()) / static_cast<float>(size.height()); }
 
 /// Left-handed, with the view along +z, and upside down: rows are read back from the bottom.
 QMatrix4x4 Projection(float height, float aspect, float back) {
@@ -47,8 +45,11 @@ auto DrawingOrder(const Item &item) {
 
 Painter::Painter(Gl &gl, const PaintQuality &quality, Lens &lens)
     : gl_(gl), lens_(lens), quality_(quality), shadows_(gl, quality.ShadowSize, quality.ShadowTaps) {
+  BuildProgram(plain_, "", SurfaceVertexShader, SurfaceFragmentShader);
+  BuildProgram(textured_, "#define TEXTURED\n", SurfaceVertexShader, SurfaceFragmentShader);
+  BuildProgram(painted_, "#define PAINT\n", SurfaceVertexShader, SurfaceFragmentShader);
   BuildProgram(backdrop_, "", BackdropVertexShader, BackdropFragmentShader);
-  BuildProgram(outline_, "", OutlineVertexShader, OutlineFragmentShader);
+  BuildProgram(outline_, "", SilhouetteVertexShader, SilhouetteFragmentShader);
   noVertices_.create();
 }
 
@@ -61,7 +62,7 @@ bool Painter::Paint(const Direct3DRMFrame3 &scene, const Direct3DRMFrame3 &camer
     item.Changed = item.Drawn->Upload(**item.Mesh, item.ToWorld);
     item.SetBounds(item.Drawn->Box());
   }
-  const float aspect = static_cast<float>(image.width()) / static_cast<float>(image.height());
+  const float aspect = AspectOf(image.size());
   const CameraView view = lens_.Next(camera, items, aspect);
   toClip_ = Projection(view.Height, aspect, back) * MatrixOf(view.Camera).inverted();
   camera_ = ToQt(view.Camera.Origin);
@@ -132,49 +133,44 @@ void Painter::Draw(std::span<const Item> items, std::span<const Item> grounds, b
 }
 
 void Painter::DrawItem(const Item &item) {
-  const auto &material = (*item.Mesh)->Material();
-  const auto &texture = (*item.Mesh)->Texture();
-  const ColorValue specular = material ? material->Specular : ColorValue{};
-  const bool gleams = specular.Red + specular.Green + specular.Blue > 0.0f;
-  const bool paint = item.Drawn->IsPaint();
-  if (paint) {
+  if (item.Drawn->IsPaint()) {
     gl_.glEnable(GL_BLEND);
     gl_.glBlendFunc(GL_SRC_ALPHA, GL_ONE_MINUS_SRC_ALPHA);
-  }
-  const auto draw = [&](bool textured, GpuMesh::Faces faces) {
-    QOpenGLShaderProgram &surface =
-        SurfaceProgram((textured ? Textured : 0U) | (paint ? Stroked : 0U) | (gleams ? Gleaming : 0U));
-    surface.bind();
-    surface.setUniformValue("toWorld", item.ToWorld);
-    surface.setUniformValue("toClip", toClip_);
-    surface.setUniformValue("halfFrame", QSizeF(target_->Size()) / 2);
-    surface.setUniformValue("camera", camera_);
-    surface.setUniformValue("keyDirection", KeyLight());
-    surface.setUniformValue("specular", QVector3D(specular.Red, specular.Green, specular.Blue));
-    item.Drawn->Draw(faces);
-  };
-  draw(false, texture ? GpuMesh::Faces::Plain : GpuMesh::Faces::All);
-  if (texture) {
+    DrawFaces(item, painted_, GpuMesh::Faces::All);
+    gl_.glDisable(GL_BLEND);
+  } else if (const auto &texture = (*item.Mesh)->Texture()) {
+    DrawFaces(item, plain_, GpuMesh::Faces::Plain);
     Texture(texture).bind();
-    draw(true, GpuMesh::Faces::Textured);
+    DrawFaces(item, textured_, GpuMesh::Faces::Textured);
+  } else {
+    DrawFaces(item, plain_, GpuMesh::Faces::All);
   }
-  if (paint) gl_.glDisable(GL_BLEND);
   if (item.Frame == outlined_) DrawOutline(item);
+}
+
+void Painter::DrawFaces(const Item &item, QOpenGLShaderProgram &surface, GpuMesh::Faces faces) {
+  const auto &material = (*item.Mesh)->Material();
+  const ColorValue specular = material ? material->Specular : ColorValue{};
+  surface.bind();
+  surface.setUniformValue("toWorld", item.ToWorld);
+  surface.setUniformValue("toClip", toClip_);
+  surface.setUniformValue("halfFrame", QSizeF(target_->Size()) / 2);
+  surface.setUniformValue("camera", camera_);
+  surface.setUniformValue("keyDirection", KeyLight());
+  surface.setUniformValue("specular", QVector3D(specular.Red, specular.Green, specular.Blue));
+  item.Drawn->Draw(faces);
 }
 
 void Painter::DrawOutline(const Item &item) {
   outline_.bind();
-  outline_.setUniformValue("toClip", toClip_ * item.ToWorld);
-  gl_.glEnable(GL_POLYGON_OFFSET_FILL); // behind the mesh itself
-  gl_.glPolygonOffset(0, OutlineDepth);
-  const float aspect =
-      static_cast<float>(target_->Size().width()) / static_cast<float>(target_->Size().height());
-  const QVector2D width(2 * OutlineWidth / aspect, 2 * OutlineWidth);
-  for (const QVector2D &side : {QVector2D(1, 0), QVector2D(-1, 0), QVector2D(0, 1), QVector2D(0, -1)}) {
-    outline_.setUniformValue("shift", side * width);
+  const float up = 2 * OutlineWidth, right = up / AspectOf(target_->Size()); // half the frame is 1
+  for (const QVector2D &side :
+       {QVector2D(right, 0), QVector2D(-right, 0), QVector2D(0, up), QVector2D(0, -up)}) {
+    QMatrix4x4 shift;
+    shift.translate({side, OutlineDepth});
+    outline_.setUniformValue("toClip", shift * toClip_ * item.ToWorld);
     item.Drawn->Draw(GpuMesh::Faces::All);
   }
-  gl_.glDisable(GL_POLYGON_OFFSET_FILL);
 }
 
 /// In a small view a large texture is uploaded at a lower resolution, because software OpenGL keeps it in the
@@ -193,21 +189,9 @@ QOpenGLTexture &Painter::Texture(const Ref<Direct3DRMTexture> &texture) {
                                                 : QOpenGLTexture::LinearMipMapNearest,
                           QOpenGLTexture::Linear);
   entry->setWrapMode(QOpenGLTexture::Repeat);
-  if (quality_.Anisotropy > 1.0f) entry->setMaximumAnisotropy(quality_.Anisotropy);
+  if (quality_.Anisotropy > 1.0f && QOpenGLTexture::hasFeature(QOpenGLTexture::AnisotropicFiltering))
+    entry->setMaximumAnisotropy(quality_.Anisotropy);
   return *entry;
-}
-
-/// The shader variant for a kind of surface, so that no fragment tests what never changes.
-QOpenGLShaderProgram &Painter::SurfaceProgram(unsigned kind) {
-  auto &program = surfaces_[kind];
-  if (!program) {
-    program = std::make_unique<QOpenGLShaderProgram>();
-    const auto flag = [kind](unsigned bit) { return kind & bit ? "1\n" : "0\n"; };
-    const std::string definitions = std::string("#define TEXTURED ") + flag(Textured) + "#define PAINT " +
-                                    flag(Stroked) + "#define SPECULAR " + flag(Gleaming);
-    BuildProgram(*program, definitions, SurfaceVertexShader, SurfaceFragmentShader);
-  }
-  return *program;
 }
 
 /// Fills the pixels that no mesh covers.

@@ -7,7 +7,6 @@
 #include "platform/desktop/renderer/lens.h"
 #include "platform/desktop/renderer/shadows.h"
 
-#include <array>
 #include <memory>
 #include <optional>
 #include <span>
@@ -41,9 +40,9 @@ private:
   void Resize(QSize size);
   void Draw(std::span<const Item> items, std::span<const Item> grounds, bool moving);
   void DrawItem(const Item &item);
+  void DrawFaces(const Item &item, QOpenGLShaderProgram &surface, GpuMesh::Faces faces);
   void DrawOutline(const Item &item);
   QOpenGLTexture &Texture(const Ref<Direct3DRMTexture> &texture);
-  QOpenGLShaderProgram &SurfaceProgram(unsigned kind);
   void DrawBackdrop();
 
   Gl &gl_;
@@ -56,7 +55,7 @@ private:
   // Uploaded meshes and textures. The references keep the keys alive, so that no address is reused.
   std::unordered_map<Ref<Direct3DRMMeshBuilder3>, GpuMesh> meshes_;
   std::unordered_map<Ref<Direct3DRMTexture>, std::unique_ptr<QOpenGLTexture>> textures_;
-  std::array<std::unique_ptr<QOpenGLShaderProgram>, 8> surfaces_; ///< by kind
+  QOpenGLShaderProgram plain_, textured_, painted_; ///< variants for surfaces
   QOpenGLShaderProgram backdrop_, outline_;
   QOpenGLVertexArrayObject noVertices_;
   QMatrix4x4 toClip_;

@@ -15,6 +15,9 @@ namespace {
 
 constexpr PaintQuality FullPaint{
     .Samples = 4, .ShadowSize = 2048, .ShadowTaps = 8, .Anisotropy = 8.0f, .FineTextures = true};
+// Software OpenGL offers anisotropy too, at many times the cost.
+constexpr PaintQuality FullSoftwarePaint{
+    .Samples = 4, .ShadowSize = 2048, .ShadowTaps = 4, .Anisotropy = 1.0f, .FineTextures = false};
 constexpr PaintQuality LowPaint{
     .Samples = 0, .ShadowSize = 1024, .ShadowTaps = 4, .Anisotropy = 1.0f, .FineTextures = false};
 
@@ -103,15 +106,8 @@ bool Renderer::Draw(const RMCanvas &canvas, QSize size) {
 
 /// Starts a painter of the level in use.
 void Renderer::StartPainter() {
-  PaintQuality paint = level_ == Quality::Full ? FullPaint : LowPaint;
-  const bool software = DrawsInSoftware(gl_); // it offers anisotropy too, at many times the cost
-  if (software || !context_.hasExtension("GL_EXT_texture_filter_anisotropic"))
-    paint.Anisotropy = LowPaint.Anisotropy;
-  if (software) {
-    paint.FineTextures = LowPaint.FineTextures;
-    paint.ShadowTaps = LowPaint.ShadowTaps;
-  }
-  painter_.emplace(gl_, paint, lens_);
+  const PaintQuality &full = DrawsInSoftware(gl_) ? FullSoftwarePaint : FullPaint;
+  painter_.emplace(gl_, level_ == Quality::Full ? full : LowPaint, lens_);
   frames_ = 0;
 }
 

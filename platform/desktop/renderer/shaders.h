@@ -16,9 +16,9 @@
 void BuildProgram(QOpenGLShaderProgram &program, const std::string &definitions, const char *vertex,
                   const char *fragment);
 
-// PAINT is 1 for strokes on the ground. A stroke thinner than a pixel would break up, so it is drawn a pixel
-// thick, with a coverage equal to its real thickness. The texture coordinates are x and z of the vector from
-// a vertex to the other side of its stroke.
+// PAINT is defined for strokes on the ground. A stroke thinner than a pixel would break up, so it is drawn a
+// pixel thick, with a coverage equal to its real thickness. The texture coordinates are x and z of the vector
+// from a vertex to the other side of its stroke.
 inline constexpr const char *SurfaceVertexShader = R"(
 layout(location = 0) in vec3 position;
 layout(location = 1) in vec3 normal;
@@ -26,11 +26,11 @@ layout(location = 2) in vec2 coordinate;
 layout(location = 3) in vec4 light; // a: weight of the texture
 out vec3 shine;
 out float fog;
-#if TEXTURED
+#ifdef TEXTURED
 out vec2 surfaceCoordinate;
 out float textureShare;
 #endif
-#if PAINT
+#ifdef PAINT
 uniform vec2 halfFrame; // pixels
 out float coverage;
 #endif
@@ -45,20 +45,17 @@ void main() {
   vec4 place = toWorld * vec4(position, 1.0);
   vec3 toEye = camera - place.xyz;
   float distance = length(toEye);
-  shine = light.rgb;
-#if SPECULAR
   vec3 between = normalize(keyDirection + toEye / distance);
   float mirrored = pow(max(dot(normalize(mat3(toWorld) * normal), between), 0.0), Sharpness);
-  shine = sqrt(shine * shine + specular * mirrored);
-#endif
-#if TEXTURED
+  shine = sqrt(light.rgb * light.rgb + specular * mirrored);
+#ifdef TEXTURED
   surfaceCoordinate = coordinate;
   textureShare = light.a;
 #endif
   float depth = distance * (1.0 / FogDistance);
   fog = 1.0 - exp(-depth * depth);
   gl_Position = toClip * place;
-#if PAINT
+#ifdef PAINT
   vec3 way = mat3(toWorld) * vec3(coordinate.x, 0.0, coordinate.y);
   vec4 otherSide = toClip * (place + vec4(way, 0.0));
   vec4 ahead = toClip * (place + vec4(cross(normalize(mat3(toWorld) * normal), way), 0.0));
@@ -75,17 +72,17 @@ void main() {
 }
 )";
 
-// TEXTURED is 1 for a surface with a texture, SPECULAR for one with highlights. The colour of the fog is a
-// constant, because software OpenGL reads a uniform anew for every pixel.
+// TEXTURED is defined for faces with a texture. The colour of the fog
+// is a constant, because software OpenGL reads a uniform anew for every pixel.
 inline constexpr const char *SurfaceFragmentShader = R"(
 uniform sampler2D surfaceTexture;
 in vec3 shine;
 in float fog;
-#if TEXTURED
+#ifdef TEXTURED
 in vec2 surfaceCoordinate;
 in float textureShare;
 #endif
-#if PAINT
+#ifdef PAINT
 in float coverage;
 #else
 const float coverage = 1.0;
@@ -94,39 +91,23 @@ out vec4 result;
 const vec3 FogColor = vec3(0.84, 0.71, 0.81);
 void main() {
   vec3 light = shine;
-#if TEXTURED
+#ifdef TEXTURED
   light *= mix(vec3(1.0), texture(surfaceTexture, surfaceCoordinate).rgb, textureShare);
 #endif
   result = vec4(mix(light, FogColor, fog).bgr, coverage);
 }
 )";
 
-// The outline of the piece where it is small: the piece in one dark colour, drawn once for each side.
-inline constexpr const char *OutlineVertexShader = R"(
+// A mesh in one dark colour: for outlines, and for the shadow map, which has depths only.
+inline constexpr const char *SilhouetteVertexShader = R"(
 layout(location = 0) in vec3 position;
 uniform mat4 toClip; // from the mesh
-uniform vec2 shift;  // in the frame, whose half is 1
-void main() {
-  gl_Position = toClip * vec4(position, 1.0);
-  gl_Position.xy += shift * gl_Position.w;
-}
+void main() { gl_Position = toClip * vec4(position, 1.0); }
 )";
 
-inline constexpr const char *OutlineFragmentShader = R"(
+inline constexpr const char *SilhouetteFragmentShader = R"(
 out vec4 result;
 void main() { result = vec4(0.22, 0.13, 0.16, 1.0); }
-)";
-
-// The shadow map.
-inline constexpr const char *ShadowVertexShader = R"(
-layout(location = 0) in vec3 position;
-uniform mat4 toWorld;
-uniform mat4 toShadow;
-void main() { gl_Position = toShadow * toWorld * vec4(position, 1.0); }
-)";
-
-inline constexpr const char *ShadowFragmentShader = R"(
-void main() {}
 )";
 
 // Multiplies the colours in a part of the ground by the shadow's factor.
@@ -187,18 +168,11 @@ void main() {
 inline constexpr const char *BackdropFragmentShader = R"(
 in vec3 direction;
 out vec4 result;
-// Rings of the dome: colour, and height on the unit sphere.
-const vec4 rings[] = vec4[](
-    vec4(0.24, 0.24, 0.36, -1.00), vec4(0.33, 0.31, 0.46, -0.60), vec4(0.53, 0.44, 0.60, -0.22),
-    vec4(0.84, 0.67, 0.72, -0.03), vec4(0.99, 0.86, 0.76, 0.03), vec4(0.95, 0.78, 0.82, 0.16),
-    vec4(0.80, 0.68, 0.89, 0.40), vec4(0.66, 0.58, 0.90, 0.70), vec4(0.58, 0.52, 0.88, 1.00));
 void main() {
   float height = normalize(direction).y;
-  vec3 glow = rings[0].rgb;
-  for (int i = 1; i < 9; ++i) {
-    float share = (height - rings[i - 1].a) / (rings[i].a - rings[i - 1].a);
-    glow = mix(glow, rings[i].rgb, clamp(share, 0.0, 1.0));
-  }
+  vec3 glow = mix(vec3(0.38, 0.34, 0.51), vec3(0.98, 0.84, 0.76), smoothstep(-0.35, 0.03, height));
+  glow = mix(glow, vec3(0.94, 0.76, 0.84), smoothstep(0.03, 0.20, height));
+  glow = mix(glow, vec3(0.60, 0.53, 0.89), smoothstep(0.20, 0.90, height));
   result = vec4(glow.bgr, 1.0);
 }
 )";

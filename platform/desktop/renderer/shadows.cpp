@@ -53,7 +53,7 @@ float InMap(float length) { return length / (2.0f * Reach); }
 } // namespace
 
 Shadows::Shadows(Gl &gl, int size, int taps) : gl_(gl), size_(size) {
-  BuildProgram(toMap_, "", ShadowVertexShader, ShadowFragmentShader);
+  BuildProgram(toMap_, "", SilhouetteVertexShader, SilhouetteFragmentShader);
   BuildProgram(shade_, "#define TAPS " + std::to_string(taps) + "\n", ShadeVertexShader, ShadeFragmentShader);
   noVertices_.create();
   map_.setFormat(QOpenGLTexture::D16);
@@ -120,9 +120,8 @@ void Shadows::DrawMap(std::span<const Region> last) {
   gl_.glEnable(GL_DEPTH_CLAMP); // casters beyond the near plane count too
   gl_.glDepthFunc(GL_LESS);
   toMap_.bind();
-  toMap_.setUniformValue("toShadow", ToLight());
   for (const Region &region : regions_) {
-    toMap_.setUniformValue("toWorld", region.ToWorld);
+    toMap_.setUniformValue("toClip", ToLight() * region.ToWorld);
     region.Caster->Draw(GpuMesh::Faces::All);
   }
   gl_.glDisable(GL_DEPTH_CLAMP);
