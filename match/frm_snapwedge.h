@@ -106,6 +106,8 @@ public:
   void HintWriting();                     ///< a message is begun
   void HintWritten();                     ///< no message is being written any more
   void HintLeft();                        ///< the other player has left
+  void SetHint(const std::string &text);  ///< what the line says while nothing else goes first
+  void ShowHint();                        ///< a broken line goes first, then that a message is being written
 
   Program &program;
   Machine &machine;
@@ -117,11 +119,11 @@ public:
   std::int32_t AwayScore = 0;                ///< points of side B
   std::int32_t FrameStart = 0;               ///< clock at the start of the current step, ms
   std::int32_t FrameEnd = 0;                 ///< earliest clock at the end of the current step, ms
-  std::string PieceSurface;      ///< mesh under the piece's centre at the last `CheckRay`; empty for none
-  std::string CornerSurface;     ///< mesh under the corner last tested by `CheckScore`
-  Flag OverSide = False;         ///< at the last rest a corner was over an edge, but none past the far edge
-  Flag OnCircle = False;         ///< at the last rest a corner was over the bonus area
-  std::string HintBeforeWriting; ///< shown again when no message is being written any more
+  std::string PieceSurface;  ///< mesh under the piece's centre at the last `CheckRay`; empty for none
+  std::string CornerSurface; ///< mesh under the corner last tested by `CheckScore`
+  Flag OverSide = False;     ///< at the last rest a corner was over an edge, but none past the far edge
+  Flag OnCircle = False;     ///< at the last rest a corner was over the bonus area
+  std::string Hint;          ///< of the match, in `lblHint` while nothing else goes first
 
   // ---- Phase: what the mouse may do --------------------------------------------------------------
 
@@ -132,6 +134,7 @@ public:
   Flag KickMode = False; ///< point-after: the next shot is a kick
   /// 0 aiming, 1 left button held (the meter charges), 2 right button held (orbit).
   std::int16_t MouseMode = 0;
+  Flag Writing = False;            ///< "~" has moved the keyboard to `Text2`
   std::int16_t IgnoredButtons = 0; ///< bit set of the buttons whose next release is ignored
   Flag ShiftDown = False;          ///< Shift is held: the mouse zooms
 
@@ -311,9 +314,10 @@ public:
   void Text2_KeyPress(std::int16_t KeyCode);
   [[noreturn]] void OtherSideLeft(); ///< says that the other player has left, and ends the program
 
-  /// Says in the title bar that the line to the other computer is down, and when it is back. Runs at every
-  /// pump.
+  /// Says in the title bar and in `lblHint` that the line to the other computer is down, and in the title bar
+  /// when it is back. Runs at every pump.
   void ShowLine();
+  void EndLineWatch(); ///< the line doesn't matter any more
 
   std::shared_ptr<void> LineWatch; ///< keeps `ShowLine` registered
   Flag LineIsBroken = False;

@@ -10,12 +10,16 @@
 #include "shot/meter.h"
 
 #include <algorithm>
+#include <array>
+#include <cmath>
 #include <string>
 
 namespace {
 
 constexpr const char *WritingHint = "Type your message. Enter sends it and goes back to the game.";
+constexpr const char *StalledHint = "Waiting for the other computer. The match goes on once it answers.";
 constexpr float TableReach = 88.0f; ///< from the table's middle to each edge, scene units
+constexpr float NearMiss = 2.0f;    ///< from a corner to the circle, scene units
 
 Vector PlaceOf(const Ref<Direct3DRMFrame3> &frame, const frmSnapwedge &window) {
   Vector place;
@@ -23,8 +27,32 @@ Vector PlaceOf(const Ref<Direct3DRMFrame3> &frame, const frmSnapwedge &window) {
   return place;
 }
 
+/// From a point to the far edge, scene units, at least 0.
+float ToFarEdge(const Vector &place) { return std::max(place.z - Places::FarEdgeZ, 0.0f); }
+
 std::string ToTheEdge(const frmSnapwedge &window) {
-  return InYards(std::max(PlaceOf(window.PieceFrame, window).z - Places::FarEdgeZ, 0.0f));
+  return InYards(ToFarEdge(PlaceOf(window.PieceFrame, window)));
+}
+
+std::array<Vector, 3> CornersOf(const frmSnapwedge &window) {
+  return {PlaceOf(window.CornerA, window), PlaceOf(window.CornerB, window), PlaceOf(window.CornerC, window)};
+}
+
+/// The travel after which a corner may hang over the far edge while the middle is on the table.
+std::string ToHang(const frmSnapwedge &window) {
+  const Vector middle = PlaceOf(window.PieceFrame, window);
+  float reach = 0; // of a corner from the middle
+  for (const Vector &corner : CornersOf(window))
+    reach = std::max(reach, std::hypot(corner.x - middle.x, corner.z - middle.z));
+  const float most = ToFarEdge(middle), least = most - reach;
+  return (least > 0 ? InYards(least) + " to " : "up to ") + InYards(most) + " yards";
+}
+
+bool JustMissedTheCircle(const frmSnapwedge &window) {
+  return window.Shots == AttemptsInPossession - 1 && !window.OnCircle &&
+         std::ranges::any_of(CornersOf(window), [](const Vector &corner) {
+           return std::hypot(corner.x, corner.z - Places::CircleZ) < Places::CircleRadius + NearMiss;
+         });
 }
 
 /// Name of the running attempt, from the attempts left after it.
@@ -48,16 +76,17 @@ std::string WhoseTurn(const Program &program) {
 std::string NextTry(const frmSnapwedge &window) {
   const bool last = window.Shots < 2;
   const std::string yards = ToTheEdge(window) + " yards to the far edge";
+  const std::string hang = "Last try: " + ToHang(window) + " can hang a corner over the edge.";
   if (window.ShotPower == 0.0f)
     return std::string("No power: let go before the meter rose. ") +
            (last ? "One try is left." : "Two tries are left.");
   if (window.OverSide)
     return "A corner over the side counts for nothing. " + (last ? "Last try, " + yards : yards) + ".";
+  if (JustMissedTheCircle(window))
+    return "No corner is on the circle. " + yards + ": don't cross it before the third try.";
   if (!last) return yards + ". Don't cross it yet: only the third try counts.";
-  if (window.OnCircle)
-    return "The circle pays on try one only. Last try, " + ToTheEdge(window) +
-           " yards: hang a corner over the edge.";
-  return "Last try, " + yards + ": stop with a corner hanging over it.";
+  if (window.OnCircle) return "The circle pays on try one only. " + hang;
+  return hang;
 }
 
 std::string FallReason(const frmSnapwedge &window) {
@@ -72,7 +101,10 @@ std::string FallReason(const frmSnapwedge &window) {
 std::string ShortReason(const frmSnapwedge &window) {
   if (window.ShotPower == 0.0f) return "No power: let go before the meter rose. That was the third try.";
   if (window.OverSide) return "A corner over the side counts for nothing. That was the third try.";
-  return "No corner hangs over the far edge: " + ToTheEdge(window) + " yards short on the third try.";
+  const auto corners = CornersOf(window);
+  const Vector &nearest = std::ranges::min(corners, {}, &Vector::z);
+  return "No corner hangs over the far edge: " + InYards(ToFarEdge(nearest)) +
+         " yards short on the third try.";
 }
 
 std::string MissReason(const frmSnapwedge &window) {
@@ -93,22 +125,22 @@ void frmSnapwedge::HintAim() {
   }
   switch (WhoShoots(program)) {
   case Shooter::Computer:
-    lblHint.Caption = KickMode ? "The computer waits for the posts." : "The computer's turn.";
+    SetHint(KickMode ? "The computer waits for the posts." : "The computer's turn.");
     return;
   case Shooter::Other:
-    lblHint.Caption = KickMode ? "The other player kicks for 1 point."
-                               : "The other player's turn. Press ~ to write a message, Enter to send it.";
+    SetHint(KickMode ? "The other player kicks for 1 point."
+                     : "The other player's turn. Press ~ to write a message, Enter to send it.");
     return;
   case Shooter::Here:
     break;
   }
   if (KickMode) {
-    lblHint.Caption = "Kick for 1 point: over the bar, aimed ahead of the moving posts.";
+    SetHint("Kick for 1 point: over the bar, aimed ahead of the moving posts.");
   } else if (Shots < AttemptsInPossession) {
-    lblHint.Caption = NextTry(*this);
+    SetHint(NextTry(*this));
   } else {
-    lblHint.Caption = WhoseTurn(program) + ": " + ToTheEdge(*this) +
-                      " yards to the far edge. Hold the left button, let go to shoot.";
+    SetHint(WhoseTurn(program) + ": " + ToTheEdge(*this) +
+            " yards to the far edge. Hold the left button, let go to shoot.");
   }
 }
 
@@ -117,57 +149,59 @@ void frmSnapwedge::HintFlight() {
   const bool overcharged = ProgressBar1.CapLit || ShotPower > MeterLimit;
   switch (WhoShoots(program)) {
   case Shooter::Computer:
-    lblHint.Caption = KickMode ? "The computer kicks." : "The computer's " + TryName(Shots) + ".";
+    SetHint(KickMode ? "The computer kicks." : "The computer's " + TryName(Shots) + ".");
     return;
   case Shooter::Other:
-    lblHint.Caption = KickMode      ? "The other player kicks. Whether it is good is judged over there."
-                      : overcharged ? "The other player held past the top of the meter: far too hard."
-                                    : "The other player's " + TryName(Shots) + ".";
+    SetHint(KickMode      ? "The other player kicks. Whether it is good is judged over there."
+            : overcharged ? "The other player held past the top of the meter: far too hard."
+                          : "The other player's " + TryName(Shots) + ".");
     return;
   case Shooter::Here:
     break;
   }
   if (overcharged) {
-    lblHint.Caption = std::string("Held past the top of the meter: the shot fires by itself, far too ") +
-                      (KickMode ? "weak." : "hard.");
+    SetHint(std::string("Held past the top of the meter: the shot fires by itself, far too ") +
+            (KickMode ? "weak." : "hard."));
   } else if (KickMode) {
-    lblHint.Caption = "The posts go on moving while it flies.";
+    SetHint("The posts go on moving while it flies.");
   } else {
-    lblHint.Caption = "Power for " + InYards(FlickReach(ShotPower, ForceDecay)) + " yards.";
+    SetHint("Power for " + InYards(FlickReach(ShotPower, ForceDecay)) + " yards.");
   }
 }
 
 void frmSnapwedge::HintNoKick() {
-  lblHint.Caption = "No kick: let go before the meter rose. Hold the left button a little longer.";
+  SetHint("No kick: let go before the meter rose. Hold the left button a little longer.");
 }
 
 void frmSnapwedge::HintResult(std::int16_t MES) {
+  Writing = False; // the card takes the keyboard
   switch (MES) {
   case Results::GoodKick:
-    lblHint.Caption = "Between the posts and over the bar: 1 point.";
+    SetHint("Between the posts and over the bar: 1 point.");
     break;
   case Results::MissedKick:
-    lblHint.Caption = MissReason(*this);
+    SetHint(MissReason(*this));
     break;
   case Results::Touchdown:
-    lblHint.Caption = "A corner over the edge on the third try: 6 points, and a kick for 1 more.";
+    SetHint("A corner over the edge on the third try: 6 points, and a kick for 1 more.");
     break;
   case Results::Turnover:
-    lblHint.Caption = FallReason(*this);
+    SetHint(FallReason(*this));
     break;
   case Results::Bonus:
-    lblHint.Caption = "A corner on the circle on the first try: 3 points. Two tries are left.";
+    SetHint("A corner on the circle on the first try: 3 points. Two tries are left.");
     break;
   case Results::Penalty:
-    lblHint.Caption = "Over the edge on the " + TryName(Shots) + ": that counts on the third try only.";
+    SetHint("Over the edge on the " + TryName(Shots) + ": that counts on the third try only.");
     break;
   default:
-    lblHint.Caption = ShortReason(*this);
+    SetHint(ShortReason(*this));
     break;
   }
 }
 
 void frmSnapwedge::HintOtherResult(std::int16_t MES) {
+  Writing = False; // the card takes the keyboard
   static const char *const Texts[] = {
       "The other player's kick is good: 1 point.",
       "The other player's kick is no good.",
@@ -177,24 +211,35 @@ void frmSnapwedge::HintOtherResult(std::int16_t MES) {
       "The other player crossed the edge before the third try.",
       "The other player's third try ended short of the edge.",
   };
-  lblHint.Caption = Texts[MES - Results::First];
+  SetHint(Texts[MES - Results::First]);
 }
 
 void frmSnapwedge::HintWriting() {
-  if (lblHint.Caption == WritingHint) return;
-  HintBeforeWriting = lblHint.Caption;
-  lblHint.Caption = WritingHint;
+  Writing = True;
+  ShowHint();
 }
 
 void frmSnapwedge::HintWritten() {
-  if (lblHint.Caption == WritingHint) lblHint.Caption = HintBeforeWriting;
+  Writing = False;
+  ShowHint();
 }
 
-void frmSnapwedge::HintLeft() { lblHint.Caption = "The other player has left. OK ends the game."; }
+void frmSnapwedge::HintLeft() {
+  MouseKeys.Visible = false;
+  Writing = False;
+  SetHint("The other player has left. OK ends the game.");
+}
+
+void frmSnapwedge::SetHint(const std::string &text) {
+  Hint = text;
+  ShowHint();
+}
+
+void frmSnapwedge::ShowHint() { lblHint.Caption = LineIsBroken ? StalledHint : Writing ? WritingHint : Hint; }
 
 void frmSnapwedge::HintOver() {
   MouseKeys.Visible = false;
-  lblHint.Caption = OtherSideOver || program.GameMode != "INET"
-                        ? "The match is over. A click on the front page ends the game."
-                        : "The match is over. Waiting for the other player's last result.";
+  SetHint(OtherSideOver || program.GameMode != "INET"
+              ? "The match is over. A click on the front page ends the game."
+              : "The match is over. Waiting for the other player's last result.");
 }

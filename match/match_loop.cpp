@@ -94,6 +94,7 @@ void frmSnapwedge::PlayRounds() {
 void frmSnapwedge::EndMatch() {
   program.PlayOnce(program.SndWis3);
   NoShot = True;
+  EndLineWatch();
   HintOver();
   CloseBoards();
   machine.ShowCursor(-1);

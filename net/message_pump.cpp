@@ -151,8 +151,7 @@ void frmSnapwedge::ShowOtherResult(std::int16_t MES) {
   ResultDue = False;
   ReleaseButtons(); // the card would swallow the release, and the meter would go on charging
   PlayBeforeCard(program, MES);
-  HintWritten(); // the card takes the keyboard
-  const std::string hint = lblHint.Caption;
+  const std::string hint = Hint;
   HintOtherResult(MES);
   PictureBox &card = Card(MES);
   card.Visible = true;
@@ -160,7 +159,7 @@ void frmSnapwedge::ShowOtherResult(std::int16_t MES) {
   PlayWithCard(program, MES);
   CanIContinue();
   card.Visible = false;
-  lblHint.Caption = hint;
+  SetHint(hint);
   RMCanvas1.SetFocus();
   Busy = False;
   // Ends the pause that waited for this card. The next shot may already be queued, and it must not begin
@@ -196,11 +195,16 @@ void frmSnapwedge::AwaitOver() {
 void frmSnapwedge::OtherSideLeft() {
   program.PlayOnce(program.SndWis3);
   machine.ShowCursor(-1);
-  LineWatch.reset();
-  Caption = PlayCaption;
+  EndLineWatch();
   HintLeft();
   machine.MsgBox({"Away Team Disconnected!", "Game Over:"});
   throw ProgramEnd{};
+}
+
+void frmSnapwedge::EndLineWatch() {
+  LineWatch.reset();
+  LineIsBroken = False;
+  Caption = PlayCaption;
 }
 
 void frmSnapwedge::ShowLine() {
@@ -211,6 +215,7 @@ void frmSnapwedge::ShowLine() {
   Caption = PlayCaption;
   if (LineIsBroken) Caption += " - waiting for the other computer ...";
   if (LineBackUntil) Caption += " - the other computer is back";
+  ShowHint();
 }
 
 void frmSnapwedge::Text2_KeyPress(std::int16_t KeyCode) {

@@ -19,7 +19,6 @@ constexpr float LinesScale = 0.43f;
 constexpr Vector StadiumScale{1.6f, 1.2f, 1.6f};
 
 // Positions, scene units.
-constexpr float BonusZ = -79.2f;
 constexpr float BonusLift = 0.05f; ///< of the disc above the table top
 constexpr float ExtraLift = 0.3f;  ///< of the raised marking
 constexpr float ArrowAhead = 5.0f; ///< of the arrow model, along its frame's +z
@@ -96,8 +95,8 @@ void frmSnapwedge::LoadScene() {
   TableFrame->AddVisual(TableMesh);
   TableFrame->AddVisual(ExtraMesh);
   TableFrame->AddVisual(BonusMesh);
-  ExtraMesh->Translate(0, ExtraLift, BonusZ);
-  BonusMesh->Translate(0, BonusLift, BonusZ);
+  ExtraMesh->Translate(0, ExtraLift, Places::CircleZ);
+  BonusMesh->Translate(0, BonusLift, Places::CircleZ);
   Place(TableFrame, RMCanvas1.SceneFrame, TablePlace);
   TableMesh->SetName("Table");
   BonusMesh->SetName("TableBon");

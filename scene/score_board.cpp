@@ -103,7 +103,8 @@ void frmSnapwedge::LightBoards() {
 
 void frmSnapwedge::ShowShots() {
   Label2.Caption = "Shots: " + std::to_string(Shots);
-  for (std::size_t i = 0; i < Tries.size(); ++i) Tries[i].Visible = static_cast<int>(i) < Shots;
+  // After a kick `Shots` is that of the next possession already.
+  for (std::size_t i = 0; i < Tries.size(); ++i) Tries[i].Visible = !KickMode && static_cast<int>(i) < Shots;
 }
 
 void frmSnapwedge::CountScores() {
@@ -123,4 +124,5 @@ void frmSnapwedge::CloseBoards() {
   HomeBoard.FlashSteps = AwayBoard.FlashSteps = 0;
   Light(HomeBoard, HomeScore >= AwayScore);
   Light(AwayBoard, AwayScore >= HomeScore);
+  HomeBoard.Line.Visible = AwayBoard.Line.Visible = false; // the lines' colours still tell the turn
 }

@@ -136,7 +136,11 @@ Flag frmSnapwedge::MouseGate() {
 void frmSnapwedge::RMCanvas1_MouseDown(std::int16_t Button, std::int16_t /*Shift*/, float /*X*/,
                                        float /*Y*/) {
   IgnoredButtons = Without(IgnoredButtons, Button); // the release of this press counts
-  HintWritten();                                    // the press has given the canvas the keyboard
+  if (Writing) {                                    // this press goes from the message back to the game
+    HintWritten();
+    IgnoredButtons = static_cast<std::int16_t>(IgnoredButtons | Button);
+    return;
+  }
   if (!MouseGate()) return;
   if (Button == LeftButton) {
     ShotPending = True;

@@ -128,8 +128,20 @@ std::vector<std::string> AllHints(frmSnapwedge &window) {
   keep();
   window.HintWriting();
   keep();
+  window.LineIsBroken = True;
+  window.ShowHint();
+  keep();
+  window.LineIsBroken = False;
   window.HintLeft();
   keep();
+  constexpr float JustShort = -68.0f; // of the circle
+  window.program.GameMode = "Human";
+  window.OverSide = window.OnCircle = window.KickMode = False;
+  window.Shots = AttemptsInPossession - 1;
+  window.PieceFrame->SetPosition(window.RMCanvas1.SceneFrame, 0, 0, JustShort);
+  window.HintAim();
+  keep();
+  EXPECT_TRUE(all.back().starts_with("No corner is on the circle")) << all.back();
   return all;
 }
 

@@ -49,19 +49,28 @@ TEST(HintsTest, EveryEndOfAFlickHasItsReason) {
   const Row rows[] = {
       {"nothing yet", [](Told &) {}, 0, "", HomeBegins},
       {"a full shot", [](Told &t) { t.game.Shoot(12); }, 0, "",
-       "11 yards to the far edge. Don't cross it yet: only the third try counts."},
+       "No corner is on the circle. 11 yards to the far edge: don't cross it before the third try."},
+      {"well short of the circle", [](Told &t) { t.game.Shoot(11); }, 0, "",
+       "26 yards to the far edge. Don't cross it yet: only the third try counts."},
       {"the third try is next",
        [](Told &t) {
          t.game.PutPiece(30, -70, 2);
          t.game.Shoot(3);
        },
-       0, "", "Last try, 4.9 yards to the far edge: stop with a corner hanging over it."},
+       0, "", "Last try: 1.5 to 4.9 yards can hang a corner over the edge."},
+      {"the third try is next, from where any power will do",
+       [](Told &t) {
+         t.game.PutPiece(30, -85, 2);
+         t.Turn(3.14f);
+         t.game.Shoot(1);
+       },
+       0, "", "Last try: up to 2.5 yards can hang a corner over the edge."},
       {"on the circle too late",
        [](Told &t) {
          t.game.PutPiece(0, -70, 2);
          t.game.Shoot(3);
        },
-       0, "", "The circle pays on try one only. Last try, 4.9 yards: hang a corner over the edge."},
+       0, "", "The circle pays on try one only. Last try: 1.5 to 4.9 yards can hang a corner over the edge."},
       {"no power", [](Told &t) { t.game.Shoot(0); }, 0, "", noPower + "Two tries are left."},
       {"no power twice",
        [](Told &t) {
@@ -127,7 +136,7 @@ TEST(HintsTest, EveryEndOfAFlickHasItsReason) {
          t.game.PutPiece(30, 0, 1);
          t.game.Shoot(5);
        },
-       Results::Short, "No corner hangs over the far edge: 37 yards short on the third try.", AwayBegins},
+       Results::Short, "No corner hangs over the far edge: 35 yards short on the third try.", AwayBegins},
       {"over a side edge",
        [](Told &t) {
          t.game.PutPiece(86, 0, 3);

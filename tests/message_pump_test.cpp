@@ -244,6 +244,23 @@ TEST(MessagePumpTest, NobodyIsToldToTypeWhenTheKeyboardIsElsewhere) {
   EXPECT_EQ(game.window.lblHint.Caption, waits);
 }
 
+TEST(MessagePumpTest, AClickGoesBackFromAMessageToTheGameWithoutAShot) {
+  NetworkGame game(false);
+  const std::string aims = game.window.lblHint.Caption;
+  game.machine.PressKey(KeyCodes::Tilde);
+  game.Frames(1);
+  game.machine.PressMouse(1);
+  game.Frames(3);
+  EXPECT_EQ(game.window.lblHint.Caption, aims);
+  EXPECT_EQ(game.window.Force, 0.0f);
+  game.machine.ReleaseMouse(1);
+  game.Frames(1);
+  EXPECT_EQ(game.window.Shots, AttemptsInPossession);
+  game.machine.PressMouse(1);
+  game.Frames(3);
+  EXPECT_GT(game.window.Force, 0.0f);
+}
+
 TEST(MessagePumpTest, ScoresAreMirroredAndOnlyRise) {
   NetworkGame game(false);
   game.window.HomeScore = 6;
@@ -355,21 +372,27 @@ TEST(MessagePumpTest, AChatLineTypedUnderACardIsSentAfterIt) {
   EXPECT_EQ(game.play->Sent.size(), 7U);
 }
 
-TEST(MessagePumpTest, TheTitleTellsOfABrokenLineAndOfItsReturn) {
+TEST(MessagePumpTest, ABrokenLineAndItsReturnAreTold) {
   NetworkGame game(true);
   game.Receive({std::string("RESULT"), std::int32_t{5}}); // during a card too
   game.ReceiveIn(12000, {std::string("Continue")});
   std::vector<std::string> titles;
+  std::set<std::string> hints;
   game.machine.After(1000, [&] { game.play->LineDown = true; });
   game.machine.After(3000, [&] { game.play->LineDown = false; });
   for (const std::int32_t moment : {900, 1100, 2900, 3100, 6900, 7100}) {
-    game.machine.After(moment, [&] { titles.push_back(game.window.Caption); });
+    game.machine.After(moment, [&] {
+      titles.push_back(game.window.Caption);
+      if (game.play->LineDown) hints.insert(game.window.lblHint.Caption);
+    });
   }
   game.Frames(1);
   const std::string waiting = "Snapwedge V1.01 - waiting for the other computer ...";
   const std::string back = "Snapwedge V1.01 - the other computer is back";
   EXPECT_EQ(titles,
             (std::vector<std::string>{"Snapwedge V1.01", waiting, waiting, back, back, "Snapwedge V1.01"}));
+  EXPECT_EQ(hints,
+            std::set<std::string>{"Waiting for the other computer. The match goes on once it answers."});
 }
 
 TEST(MessagePumpTest, TheOtherSidesLeavingEndsTheProgramWithABox) {

@@ -1,5 +1,6 @@
 // The score board behind the controls: lit boards, large digits, attempts left.
 
+#include "match/results.h"
 #include "tests/network_kit.h"
 
 #include <gtest/gtest.h>
@@ -39,6 +40,36 @@ TEST(ScoreBoardTest, TheSideOnTurnIsLitAndItsAttemptsAreLaidOut) {
   EXPECT_TRUE(lit(game.window.AwayBoard));
   EXPECT_EQ(game.window.AwayBoard.Digits[0].Picture, "DigitsLit");
   EXPECT_EQ(game.window.HomeBoard.Digits[0].Picture, "Digits");
+}
+
+TEST(ScoreBoardTest, AKickIsNoneOfTheAttempts) {
+  Game game;
+  game.SetUp();
+  int frame = 0;
+  game.OnPump = [&] {
+    if (!game.window.KickMode || game.window.NoShot) return;
+    if (frame == 0) game.machine.PressMouse(1);
+    if (frame++ == 5) game.machine.ReleaseMouse(1);
+  };
+  std::set<int> atCard;
+  game.machine.OnRepaint = [&] {
+    if (game.window.Card(Results::MissedKick).Visible) atCard.insert(TriesShown(game));
+  };
+  game.PutPiece(0, -86.5f, 1);
+  game.Shoot(1);
+  EXPECT_EQ(atCard, std::set<int>{0});
+  EXPECT_EQ(TriesShown(game), 3) << "the next possession";
+}
+
+TEST(ScoreBoardTest, AtTheEndTheWinnersBoardIsLitAndNoLine) {
+  Game game;
+  game.SetUp();
+  game.window.AwayScore = 3;
+  game.window.CloseBoards();
+  EXPECT_TRUE(game.window.AwayBoard.Tile.Visible);
+  EXPECT_FALSE(game.window.HomeBoard.Tile.Visible);
+  EXPECT_FALSE(game.window.AwayBoard.Line.Visible || game.window.HomeBoard.Line.Visible);
+  EXPECT_EQ(TriesShown(game), 0);
 }
 
 TEST(ScoreBoardTest, TheOtherSideStaysLitWhileItsShotsAreReplayed) {
