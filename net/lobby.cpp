@@ -18,6 +18,9 @@ const std::string CreateText =
     "installed.";
 const std::string JoinText = "You must select a game to join.";
 
+const std::string NoGameText = "No game was found. Refresh looks again.";
+const std::string AwaitingText = "Waiting for the other player to join.";
+
 } // namespace
 
 void frmNewNet::InitDirectPlay() {
@@ -49,6 +52,8 @@ void frmNewNet::CreateMyPlayer(const std::string &friendly, const std::string &f
 
 void frmNewNet::ResetButtons() {
   cmdConnect.Enabled = true;
+  lstConnections.Enabled = true;
+  lstSessions.EmptyText.clear();
   cmdJoin.Enabled = false;
   cmdCreate.Enabled = false;
   Command4.Enabled = false;
@@ -67,6 +72,7 @@ void frmNewNet::Search() {
   SessionData.SetGuidApplication(ApplicationGuid);
   SessionData.SetSessionPassword("");
   program.Sessions = program.DP->GetDPEnumSessions(SessionData, 0, DPENUMSESSIONS_AVAILABLE);
+  lstSessions.EmptyText = NoGameText;
   for (std::int32_t index = 1; index <= program.Sessions->GetCount(); ++index) {
     SessionData = program.Sessions->GetItem(index);
     lstSessions.List.push_back(SessionData.GetSessionName() + " (" +
@@ -79,6 +85,7 @@ void frmNewNet::cmdConnect_Click() {
   lstSessions.List.clear();
   lstSessions.ListIndex = -1;
   cmdConnect.Enabled = false;
+  lstConnections.Enabled = false; // the method in use stays the one that is selected
   try {
     InitDirectPlay();
     const std::int32_t index = lstConnections.ListIndex + 1;
@@ -127,6 +134,7 @@ void frmNewNet::cmdCreate_Click() {
     program.DP->Open(SessionData, DPOPEN_CREATE);
     CreateMyPlayer("Bramble", "Player1");
     Polling = True;
+    lstSessions.EmptyText = AwaitingText;
     Command5.Enabled = true;
     cmdJoin.Enabled = false;
     Command4.Enabled = false;

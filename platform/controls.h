@@ -79,7 +79,7 @@ struct TextBox : Control {
   int SelLength = 0;   ///< number of selected characters
   int MaxLength = 0;   ///< 0: no limit
   bool Locked = false; ///< read-only
-  std::function<void(std::int16_t KeyCode)> KeyPress;
+  std::function<void(std::int16_t KeyCode)> KeyPress; ///< Enter was pressed; no other key is reported
 };
 
 struct CommandButton : Control {
@@ -96,7 +96,8 @@ struct CheckBox : Control {
 
 struct ListBox : Control {
   std::vector<std::string> List;
-  int ListIndex = -1; ///< selected row from 0, -1 for none
+  int ListIndex = -1;    ///< selected row from 0, -1 for none
+  std::string EmptyText; ///< shown dimmed while the list has no rows
   std::function<void()> Click;
 };
 

@@ -91,12 +91,12 @@ TEST(DesktopMachineTest, EveryKindOfControlWorks) {
   Form form(GameMachine::Get());
   int pressed = 0;
   std::vector<int> ticked, listed, chosen;
-  std::string typed;
+  std::vector<int> keys;
   form.button.Click = [&] { ++pressed; };
   form.check.Click = [&] { ticked.push_back(form.check.Value); };
   form.list.Click = [&] { listed.push_back(form.list.ListIndex); };
   form.combo.Click = [&] { chosen.push_back(form.combo.ListIndex); };
-  form.box.KeyPress = [&](std::int16_t) { typed = form.box.Text; };
+  form.box.KeyPress = [&](std::int16_t key) { keys.push_back(key); };
 
   QTest::mouseClick(WidgetOf("button"), Qt::LeftButton);
   QTest::keyClick(WidgetOf("button"), Qt::Key_Space);
@@ -121,12 +121,14 @@ TEST(DesktopMachineTest, EveryKindOfControlWorks) {
   QTest::keyClick(combo, Qt::Key_Home);
 
   QTest::keyClicks(WidgetOf("box"), "words");
+  QTest::keyClick(WidgetOf("box"), Qt::Key_Return);
   form.machine.Pump();
   EXPECT_EQ(pressed, 2);
   EXPECT_EQ(ticked, (std::vector{0, 1}));
   EXPECT_EQ(listed, (std::vector{1, 0}));
   EXPECT_EQ(chosen, (std::vector{2, 0}));
-  EXPECT_EQ(typed, "words");
+  EXPECT_EQ(form.box.Text, "words");
+  EXPECT_EQ(keys, std::vector<int>{KeyCodes::Enter});
   EXPECT_EQ(combo->currentText(), "low");
 
   const std::vector<int> empty = BrightRows(WidgetOf("meter")->grab().toImage(), 10);
@@ -185,7 +187,7 @@ TEST(DesktopMachineTest, PastedLineBreaksAreBlanksAndNoEnter) {
     form.machine.Pump();
     EXPECT_EQ(form.box.Text, "192.0.2.7 ");
   }
-  EXPECT_EQ(keys, std::vector<std::int16_t>(3, ' '));
+  EXPECT_TRUE(keys.empty());
 }
 
 TEST(DesktopMachineTest, RandomNumbersDiffer) {

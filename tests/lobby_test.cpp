@@ -75,12 +75,15 @@ TEST(LobbyTest, ConnectCreateCancelAndBackAgain) {
     EXPECT_EQ(lobby.Buttons(), "Refresh Create Join");
     EXPECT_TRUE(lobby.window.lstSessions.List.empty());
     EXPECT_EQ(lobby.window.lstSessions.ListIndex, -1);
+    EXPECT_EQ(lobby.window.lstSessions.EmptyText, "No game was found. Refresh looks again.");
+    EXPECT_FALSE(lobby.window.lstConnections.Enabled) << "another row isn't the method in use";
     lobby.window.Command4_Click();
     EXPECT_EQ(lobby.Buttons(), "Refresh Create Join");
     lobby.machine.After(500, [&] {
       EXPECT_EQ(lobby.Buttons(), "Cancel");
       EXPECT_EQ(lobby.machine.Focus, &lobby.window.Command5);
       EXPECT_EQ(lobby.window.Caption, "Polling...");
+      EXPECT_EQ(lobby.window.lstSessions.EmptyText, "Waiting for the other player to join.");
       EXPECT_FALSE(lobby.window.Command1.Enabled);
       EXPECT_EQ(lobby.program.IsHost, True);
       EXPECT_EQ(lobby.wire.RouterPorts(), (std::multiset<session::Endpoint>{{"10.0.0.1", 28710}}));
@@ -89,6 +92,8 @@ TEST(LobbyTest, ConnectCreateCancelAndBackAgain) {
     lobby.window.cmdCreate_Click();
     EXPECT_TRUE(lobby.wire.RouterPorts().empty());
     EXPECT_EQ(lobby.Buttons(), "Connect");
+    EXPECT_TRUE(lobby.window.lstConnections.Enabled);
+    EXPECT_EQ(lobby.window.lstSessions.EmptyText, "");
     EXPECT_EQ(lobby.machine.Focus, &lobby.window.cmdConnect);
     EXPECT_EQ(lobby.window.Caption, LaunchCaption);
     EXPECT_EQ(lobby.window.Cancelled, False);

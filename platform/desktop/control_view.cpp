@@ -16,17 +16,6 @@ QColor Convert(const Color &color) { return {color.Red, color.Green, color.Blue}
 
 constexpr int DisabledDarkness = 500; ///< a disabled box is a fifth as bright, percent
 
-QFont FontOf(const Typeface &typeface) {
-  const bool serif = typeface.Name == "Times New Roman";
-  // Typefaces with the same metrics, so that a substitute keeps the layout.
-  QFont font(serif ? QStringList{"Liberation Serif", "Tinos", "Times New Roman"}
-                   : QStringList{"Liberation Sans", "Arimo", "Arial"});
-  font.setStyleHint(serif ? QFont::Serif : QFont::SansSerif);
-  font.setPixelSize(static_cast<int>(std::lround(typeface.Points * PointsToPixels)));
-  font.setBold(typeface.Bold);
-  return font;
-}
-
 /// The widget of a canvas copies no properties; each drawing sets its image.
 class CanvasControlView : public ControlView {
 public:
@@ -49,6 +38,17 @@ std::unique_ptr<ControlView> MakeBare(const ViewMaker &maker, Control &control) 
 }
 
 } // namespace
+
+QFont FontOf(const Typeface &typeface) {
+  const bool serif = typeface.Name == "Times New Roman";
+  // Typefaces with the same metrics, so that a substitute keeps the layout.
+  QFont font(serif ? QStringList{"Liberation Serif", "Tinos", "Times New Roman"}
+                   : QStringList{"Liberation Sans", "Arimo", "Arial"});
+  font.setStyleHint(serif ? QFont::Serif : QFont::SansSerif);
+  font.setPixelSize(static_cast<int>(std::lround(typeface.Points * PointsToPixels)));
+  font.setBold(typeface.Bold);
+  return font;
+}
 
 std::unique_ptr<ControlView> MakeView(DesktopMachine &machine, Window &window, Control &control,
                                       QWidget &parent) {

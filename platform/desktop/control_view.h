@@ -5,6 +5,7 @@
 
 #include "platform/controls.h"
 
+#include <QFont>
 #include <QKeyEvent>
 #include <QLabel>
 #include <QWidget>
@@ -12,6 +13,9 @@
 #include <memory>
 
 class DesktopMachine;
+
+/// The toolkit's font for a typeface of the windows.
+QFont FontOf(const Typeface &typeface);
 
 class ControlView {
 public:

@@ -14,10 +14,12 @@
 #include "platform/network_times.h"
 #include "scene/graph/rm_canvas.h"
 
+#include <QGridLayout>
 #include <QIcon>
 #include <QMessageBox>
 #include <QPalette>
 #include <QPixmapCache>
+#include <QPushButton>
 #include <QScreen>
 #include <QTimer>
 
@@ -352,7 +354,14 @@ void DesktopMachine::MsgBox(const MessageBox &box) {
   QMessageBox shown(box.Critical ? QMessageBox::Critical : QMessageBox::NoIcon,
                     QString::fromStdString(box.Title), QString::fromStdString(box.Text), QMessageBox::Ok,
                     parent);
+  shown.setFont(FontOf({.Bold = false}));
+  shown.button(QMessageBox::Ok)->setIcon({});
   shown.setTextFormat(Qt::PlainText);
+  // Qt makes a box as wide as its text, whatever the title.
+  constexpr int TitleButtons = 120; // pixels
+  auto *grid = qobject_cast<QGridLayout *>(shown.layout());
+  grid->addItem(new QSpacerItem(shown.fontMetrics().horizontalAdvance(shown.windowTitle()) + TitleButtons, 0),
+                grid->rowCount(), 0, 1, grid->columnCount());
   shown.setWindowModality(Qt::ApplicationModal);
   QObject::connect(&shown, &QMessageBox::finished, answer);
   shown.show();

@@ -8,6 +8,7 @@
 #include <QCheckBox>
 #include <QComboBox>
 #include <QListWidget>
+#include <QPainter>
 #include <QPushButton>
 #include <QStyle>
 #include <QStyleOptionComboBox>
@@ -40,11 +41,7 @@ public:
     QObject::connect(widget_, &QLineEdit::textEdited, [this](const QString &text) {
       // Pasted line breaks, which the box shows as blanks, must not count as Enter or as part of a name.
       const std::string line = PlainText(text.toStdString(), static_cast<std::size_t>(text.size()));
-      Post([this, line] {
-        model_.Text = shownText_ = line;
-        if (model_.KeyPress && !line.empty())
-          model_.KeyPress(static_cast<std::int16_t>(Text(line).back().unicode()));
-      });
+      Post([this, line] { model_.Text = shownText_ = line; });
     });
     QObject::connect(widget_, &QLineEdit::returnPressed, [this] {
       Post([this] {
@@ -154,6 +151,14 @@ class RowList : public QListWidget {
 public:
   using QListWidget::QListWidget;
 
+  /// Shown dimmed while there are no rows.
+  void SetEmptyText(const QString &text) {
+    if (text == emptyText_) return;
+    emptyText_ = text;
+    setAccessibleDescription(text);
+    viewport()->update();
+  }
+
   int SelectedRow() const { return selectedItems().isEmpty() ? -1 : row(selectedItems().front()); }
 
 protected:
@@ -167,6 +172,17 @@ protected:
     const auto command = QListWidget::selectionCommand(index, event);
     return command.testFlag(QItemSelectionModel::Deselect) ? QItemSelectionModel::NoUpdate : command;
   }
+
+  void paintEvent(QPaintEvent *event) override {
+    QListWidget::paintEvent(event);
+    if (count() > 0) return;
+    QPainter painter(viewport());
+    painter.setPen(palette().color(QPalette::PlaceholderText));
+    painter.drawText(viewport()->rect(), Qt::AlignCenter | Qt::TextWordWrap, emptyText_);
+  }
+
+private:
+  QString emptyText_;
 };
 
 /// A list box or a drop-down list.
@@ -210,6 +226,8 @@ public:
 protected:
   void SyncOwn() override {
     filling_ = true;
+    if constexpr (std::is_same_v<QtWidget, RowList>)
+      this->widget_->SetEmptyText(Text(this->model_.EmptyText));
     if (shownRows_ != this->model_.List) {
       shownRows_ = this->model_.List;
       this->widget_->clear();

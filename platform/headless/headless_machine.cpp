@@ -184,8 +184,11 @@ void HeadlessMachine::Type(const std::string &text) {
   for (const char letter : text) {
     PostTo(*box, [this, box, letter] {
       if (Focus != box || !box->Enabled || box->Locked) return;
-      if (letter != '\r') box->Text += letter;
-      if (box->KeyPress) box->KeyPress(static_cast<std::int16_t>(letter));
+      if (letter != '\r') {
+        box->Text += letter;
+      } else if (box->KeyPress) {
+        box->KeyPress(KeyCodes::Enter);
+      }
     });
   }
 }
