@@ -46,6 +46,11 @@ PictureWindow Controls(Machine &machine) { return {machine, "frmControls", "Cont
 
 PictureWindow Background(Machine &machine) { return {machine, "frmBackground", "Background", 7395, 5970}; }
 
+void ShowUntilClosed(Machine &machine, PictureWindow window) {
+  window.Escape = [&] { machine.Hide(window); };
+  window.ShowModal();
+}
+
 } // namespace
 
 PictureWindow::PictureWindow(Machine &machine, const std::string &name, const std::string &caption, int width,
@@ -65,17 +70,9 @@ void PictureWindow::ShowModal() {
   machine_.ShowModal(*this, [this] { clicksFrom_ = machine_.ClockIn(DeafMs); });
 }
 
-void ShowControls(Machine &machine) {
-  PictureWindow frmControls = Controls(machine);
-  frmControls.Escape = [&] { machine.Hide(frmControls); };
-  frmControls.ShowModal();
-}
+void ShowControls(Machine &machine) { ShowUntilClosed(machine, Controls(machine)); }
 
-void ShowBackground(Machine &machine) {
-  PictureWindow frmBackground = Background(machine);
-  frmBackground.Escape = [&] { machine.Hide(frmBackground); };
-  frmBackground.ShowModal();
-}
+void ShowBackground(Machine &machine) { ShowUntilClosed(machine, Background(machine)); }
 
 void ShowReadMe(Machine &machine) {
   frmText window(machine);

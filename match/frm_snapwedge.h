@@ -4,6 +4,7 @@
 // procedure is defined in the file named above its group.
 
 #include "match/program.h"
+#include "net/received.h"
 #include "scene/graph/rm_canvas.h"
 
 #include <array>
@@ -13,8 +14,6 @@
 #include <optional>
 #include <string>
 #include <vector>
-
-struct ReceivedShot;
 
 constexpr std::int16_t AttemptsInPossession = 3;
 
@@ -300,7 +299,8 @@ public:
 
   /// Acts on a message. During this side's turn the other side can't shoot, but the result of its last shot
   /// may still arrive.
-  /// @returns false if the message is invalid or out of turn. It has no effect and is counted as dropped.
+  /// @returns false if the message is invalid or out of turn. It has no effect and is counted as dropped. A
+  ///     message with an unknown tag is ignored and isn't counted.
   bool TakeMessage(const std::string &tag, DirectPlayMessage &message);
 
   /// Replays a received flick, or queues it if another is being replayed.
@@ -325,8 +325,8 @@ public:
 
   Flag Replaying = False;     ///< a flick of the other side is being replayed, with its cards and its kick
   Flag ReplayingKick = False; ///< a kick of the other side is being replayed, with its card
-  std::deque<std::shared_ptr<const ReceivedShot>> QueuedFlicks; ///< received during the replay of another
-  Flag ResultDue = False; ///< the "RESULT" of a replayed shot is still to be shown
+  std::deque<ReceivedShot> QueuedFlicks; ///< received during the replay of another
+  Flag ResultDue = False;                ///< the "RESULT" of a replayed shot is still to be shown
   Flag LastWait = False; ///< the host is waiting for the last possession of the match; nobody shoots after it
   Flag OtherSideOver = False;       ///< the other side has reported the result of its last possession
   std::int32_t DroppedMessages = 0; ///< invalid or unexpected messages received

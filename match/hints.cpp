@@ -18,8 +18,7 @@ namespace {
 
 constexpr const char *WritingHint = "Type your message. Enter sends it and goes back to the game.";
 constexpr const char *StalledHint = "Waiting for the other computer. The match goes on once it answers.";
-constexpr float TableReach = 88.0f; ///< from the table's middle to each edge, scene units
-constexpr float NearMiss = 2.0f;    ///< from a corner to the circle, scene units
+constexpr float NearMiss = 2.0f; ///< from a corner to the circle, scene units
 
 Vector PlaceOf(const Ref<Direct3DRMFrame3> &frame, const frmSnapwedge &window) {
   Vector place;
@@ -89,12 +88,15 @@ std::string NextTry(const frmSnapwedge &window) {
   return hang;
 }
 
+bool Overcharged(const frmSnapwedge &window) {
+  return window.ProgressBar1.CapLit || window.ShotPower > MeterLimit;
+}
+
 std::string FallReason(const frmSnapwedge &window) {
-  if (window.ProgressBar1.CapLit || window.ShotPower > MeterLimit)
-    return "Held past the top of the meter: the shot fires by itself, far too hard.";
+  if (Overcharged(window)) return "Held past the top of the meter: the shot fires by itself, far too hard.";
   const Vector place = PlaceOf(window.PieceFrame, window);
   if (place.z < Places::FarEdgeZ) return "Too hard: it slid off the far edge.";
-  if (place.z > TableReach) return "It slid off the near edge.";
+  if (place.z > Places::TableHalf) return "It slid off the near edge.";
   return "Aimed too far aside: it slid off the side.";
 }
 
@@ -108,6 +110,7 @@ std::string ShortReason(const frmSnapwedge &window) {
 }
 
 std::string MissReason(const frmSnapwedge &window) {
+  // The force of an overcharged kick is low, so only the cap shows it.
   if (window.ProgressBar1.CapLit) return "Held past the top of the meter: the kick comes off far too weak.";
   const Vector piece = PlaceOf(window.PieceFrame, window), goal = PlaceOf(window.GoalFrame, window);
   if (piece.z > Places::Goal.z) return "Too weak: the kick came down before the posts.";
@@ -146,7 +149,7 @@ void frmSnapwedge::HintAim() {
 
 void frmSnapwedge::HintFlight() {
   MouseKeys.Visible = false;
-  const bool overcharged = ProgressBar1.CapLit || ShotPower > MeterLimit;
+  const bool overcharged = Overcharged(*this);
   switch (WhoShoots(program)) {
   case Shooter::Computer:
     SetHint(KickMode ? "The computer kicks." : "The computer's " + TryName(Shots) + ".");

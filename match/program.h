@@ -17,8 +17,6 @@ constexpr Flag True = -1;
 
 constexpr Flag Not(Flag flag) { return static_cast<Flag>(~flag); }
 
-constexpr std::int16_t MostRounds = 99; ///< of a match
-
 using SoundBuffer = std::shared_ptr<DirectSoundBuffer>;
 
 struct Program {

@@ -51,9 +51,9 @@ void PlayWithCard(const Program &program, std::int16_t result) {
 
 void frmSnapwedge::CheckMessages() {
   if (!Replaying && !QueuedFlicks.empty()) {
-    const auto shot = QueuedFlicks.front();
+    const ReceivedShot shot = QueuedFlicks.front();
     QueuedFlicks.pop_front();
-    ReplayFlick(*shot);
+    ReplayFlick(shot);
     return;
   }
   program.MsgCount = program.DP->GetMessageCount(program.MyPlayerId);
@@ -75,17 +75,20 @@ bool frmSnapwedge::TakeMessage(const std::string &tag, DirectPlayMessage &messag
     const auto shot = ReadShot(message);
     if (!shot || program.MyTurn || !KickMode || ReplayingKick || shot->Force <= 0.0f) return false;
     ReplayKick(*shot);
+    return true;
   }
   if (tag == "MESSAGE") {
     const auto line = ReadChat(message);
     if (!line) return false;
     program.PlayOnce(program.SndWis1);
     Text1.Text = *line;
+    return true;
   }
   if (tag == "Version") {
     const auto version = ReadVersion(message);
     if (!version) return false;
     Label5.Caption = "OV:" + version->Build + ":" + std::to_string(version->Number);
+    return true;
   }
   if (tag == "Score") {
     const auto score = ReadScore(message, Round);
@@ -97,21 +100,24 @@ bool frmSnapwedge::TakeMessage(const std::string &tag, DirectPlayMessage &messag
     // The host sends a score with the number of the last round only when it can't score any more: after its
     // last good kick, or at the end of its last possession.
     if (!program.IsHost && score->Round == program.Rounds) OtherSideOver = True;
+    return true;
   }
   if (tag == "RESULT") {
     const auto result = ReadResult(message);
     if (!result || (program.MyTurn && !ResultDue)) return false;
     ShowOtherResult(*result);
+    return true;
   }
   if (tag == "OVER") {
     if (!NothingFollows(message)) return false;
     if (program.IsHost) OtherSideOver = True;
+    return true;
   }
   if (tag == "END") {
     if (!NothingFollows(message)) return false;
     OtherSideLeft();
   }
-  return true;
+  return true; // an unknown tag
 }
 
 bool frmSnapwedge::TakeFlick(const ReceivedShot &shot) {
@@ -120,7 +126,7 @@ bool frmSnapwedge::TakeFlick(const ReceivedShot &shot) {
     return true;
   }
   if (QueuedFlicks.size() >= AttemptsInPossession) return false;
-  QueuedFlicks.push_back(std::make_shared<const ReceivedShot>(shot));
+  QueuedFlicks.push_back(shot);
   return true;
 }
 
@@ -138,6 +144,8 @@ void frmSnapwedge::ReplayFlick(const ReceivedShot &shot) {
 }
 
 void frmSnapwedge::ReplayKick(const ReceivedShot &shot) {
+  // The kick flies from this side's own aim. Of the received shot only the force matters, since "RESULT"
+  // brings the verdict.
   ReplayingKick = True;
   Force = shot.Force;
   Player = shot.Player;

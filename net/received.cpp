@@ -14,7 +14,6 @@ constexpr float FarthestPlace = 300.0f;    ///< scene units from the origin, in 
 constexpr double VectorTolerance = 0.001;  ///< for unit length and right angle
 constexpr std::int32_t PointsInRound = 10; ///< maximum for one side
 constexpr std::size_t LongestBuildTag = 8; ///< bytes
-constexpr std::size_t LongestChat = 200;   ///< characters
 
 /// Runs a reader; returns nothing if a field is missing or of the wrong type.
 template <class Reader> auto Guarded(Reader &&reader) -> decltype(reader()) {

@@ -5,9 +5,12 @@
 
 #include "platform/direct_play.h"
 
+#include <cstddef>
 #include <cstdint>
 #include <optional>
 #include <string>
+
+constexpr std::size_t LongestChat = 200; ///< characters of a line
 
 /// The inputs of a shot.
 struct ReceivedShot {
@@ -34,6 +37,5 @@ std::optional<ReceivedShot> ReadShot(DirectPlayMessage &message);
 std::optional<ReceivedVersion> ReadVersion(DirectPlayMessage &message);
 std::optional<ReceivedScore> ReadScore(DirectPlayMessage &message, std::int16_t roundsBegun);
 std::optional<std::int16_t> ReadResult(DirectPlayMessage &message); ///< 1 to 7
-std::optional<std::string>
-ReadChat(DirectPlayMessage &message);            ///< one line of plain text, at most 200 characters
-bool NothingFollows(DirectPlayMessage &message); ///< the tag is the only field
+std::optional<std::string> ReadChat(DirectPlayMessage &message);    ///< plain text, at most `LongestChat`
+bool NothingFollows(DirectPlayMessage &message);                    ///< the tag is the only field

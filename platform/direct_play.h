@@ -46,6 +46,8 @@ public:
   virtual Kind GetKind() const = 0;
 };
 
+constexpr std::int16_t MostRounds = 99; ///< of a match
+
 /// A session's description: search template, row of a search, or the session to open.
 struct DirectPlaySessionData {
   void SetGuidApplication(const std::string &guid) { guid_ = guid; }

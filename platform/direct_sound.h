@@ -47,7 +47,7 @@ public:
 
   virtual void SetCooperativeLevel(const Window &window, std::int32_t level) = 0;
 
-  /// Loads a whole file into a buffer.
+  /// Opens a sound file for a new buffer. The device may go on reading the file while it plays.
   /// @throws SoundError  if the file can't be read; says which and why
   virtual std::shared_ptr<DirectSoundBuffer> CreateSoundBufferFromFile(const std::filesystem::path &file,
                                                                        const DSBUFFERDESC &description,

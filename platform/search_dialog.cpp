@@ -13,24 +13,24 @@ const std::string Hint =
     "the address.";
 
 /// What to check on the host's side.
-std::string Questions(int port) {
+std::string Checklist(int port) {
   return "\n-  Is the address right?"
          "\n-  Has the host pressed Create? Its title bar then says \"Polling...\"."
          "\n-  Is port " +
          std::to_string(port) + ", TCP and UDP, open in the host's router and firewall?";
 }
 
-std::string Words(NobodyFound why, const std::string &host, int port) {
+std::string Explanation(NobodyFound why, const std::string &host, int port) {
   switch (why) {
-  case NobodyFound::NoPlace:
+  case NobodyFound::InvalidEntry:
     return '"' + host + "\" is neither a computer name nor an IP address.";
   case NobodyFound::UnknownName:
     return "No computer is known by the name \"" + host +
            "\".\n-  Is it spelled right?\n-  Is this computer connected to the network?";
   case NobodyFound::NobodyAnswers:
-    return "Nobody answers at " + host + "." + Questions(port);
+    return "Nobody answers at " + host + "." + Checklist(port);
   case NobodyFound::NoGame:
-    return host + " answers, but no game waits there." + Questions(port);
+    return host + " answers, but no game waits there." + Checklist(port);
   case NobodyFound::Full:
     return "The game at " + host + " is full: it is already being played.";
   case NobodyFound::OtherVersion:
@@ -108,7 +108,7 @@ bool SearchDialog::ShowSearching(const std::string &what) {
 }
 
 void SearchDialog::ShowNobodyFound(NobodyFound why, int port) {
-  Label2.Caption = Words(why, Text1.Text, port);
+  Label2.Caption = Explanation(why, Text1.Text, port);
   Label2.Announced = true;
   Command1.Caption = "Try again";
   Command2.Caption = "Close";

@@ -11,7 +11,7 @@ class Machine;
 
 /// Why a search found nobody. If several reasons apply, the last in this order is shown.
 enum class NobodyFound {
-  NoPlace,       ///< the entry is neither a name nor an address
+  InvalidEntry,  ///< the entry is neither a name nor an address
   UnknownName,   ///< the name doesn't resolve
   NobodyAnswers, ///< no reply
   NoGame,        ///< the computer replies, but no game listens there

@@ -1,5 +1,5 @@
-// The camera's views, the drifting sky, and hiding of stadium and sky. The camera is always moved first and
-// then turned to the piece, so it never rolls.
+// The camera's views, the drifting sky, and hiding of stadium and sky. The camera is moved first and then
+// turned to the piece. `LookAt` keeps it upright.
 
 #include "match/arithmetic.h"
 #include "match/frm_snapwedge.h"

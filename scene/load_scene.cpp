@@ -19,9 +19,9 @@ constexpr float LinesScale = 0.43f;
 constexpr Vector StadiumScale{1.6f, 1.2f, 1.6f};
 
 // Positions, scene units.
-constexpr float BonusLift = 0.05f; ///< of the disc above the table top
-constexpr float ExtraLift = 0.3f;  ///< of the raised marking
-constexpr float ArrowAhead = 5.0f; ///< of the arrow model, along its frame's +z
+constexpr float BonusLift = 0.05f;  ///< of the disc above the table top
+constexpr float ExtraLift = 0.3f;   ///< of the raised marking
+constexpr float ArrowOffset = 5.0f; ///< of the arrow model, along its frame's +z
 constexpr Vector LinesOffset{0.0f, -10.0f, 9.0f};
 constexpr Vector SkyPlace{0.0f, 80.0f, 0.0f};
 constexpr Vector TablePlace{0.0f, -0.5f, 0.0f};
@@ -108,7 +108,7 @@ void frmSnapwedge::LoadScene() {
   ArrowFrame->AddVisual(ArrowMesh);
   ArrowFrame->SetPosition(RMCanvas1.SceneFrame, 0, 0, 0);
   ArrowMesh->SetColorRGB(1, 1, 0);
-  ArrowMesh->Translate(0, 0, ArrowAhead);
+  ArrowMesh->Translate(0, 0, ArrowOffset);
 
   YellowMaterial = rm.CreateMaterial(1.0f);
   WhiteMaterial = rm.CreateMaterial(2.0f);

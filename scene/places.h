@@ -10,7 +10,8 @@ constexpr Vector Start{0.0f, 0.0f, 85.0f}; ///< of the piece, its aim and the ar
 constexpr Vector Goal{0.0f, 20.0f, -95.0f};
 constexpr Vector Camera{0.0f, 10.0f, 120.0f};
 constexpr Vector KickAim{0.0f, 0.0f, 87.0f}; ///< of the aim in a point-after, where a kick starts
-constexpr float FarEdgeZ = -88.0f;           ///< the edge behind the End Zone
+constexpr float TableHalf = 88.0f;           ///< from the table's middle to each edge
+constexpr float FarEdgeZ = -TableHalf;       ///< the edge behind the End Zone
 constexpr float CircleZ = -79.2f;            ///< the middle of the bonus area
 constexpr float CircleRadius = 8.0f;
 } // namespace Places

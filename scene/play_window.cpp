@@ -80,7 +80,7 @@ frmSnapwedge::frmSnapwedge(Machine &onMachine, Program &ofProgram)
   Text1.AccessibleName = "The other player's message";
   Text1.Locked = true;
   Text2.AccessibleName = "Your message";
-  Text2.MaxLength = 200;
+  Text2.MaxLength = LongestChat;
   Text2.KeyPress = [this](std::int16_t keyCode) { Text2_KeyPress(keyCode); };
 
   lblPlayer1.Announced = lblPlayer2.Announced = lblHint.Announced = Text1.Announced = true;

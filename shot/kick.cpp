@@ -10,19 +10,21 @@
 
 namespace {
 
-constexpr float ForwardDivisor = 40.0f;          ///< scene units per step = Power / ForwardDivisor
-constexpr float RiseDivisor = 3.0f;              ///< initial rise per half step = forward step / RiseDivisor
-constexpr float DropDivisors[] = {20.0f, 10.0f}; ///< loss of rise per step = forward step / 20 / 10
-constexpr float TumbleDivisor = 7.0f;            ///< radians per step = forward step / TumbleDivisor
-constexpr float HalfGoalWidth = 14.0f;           ///< from the middle to either post, scene units
-constexpr float GoalReach = 88.0f;               ///< the posts turn back beyond this, scene units
+constexpr float ForwardDivisor = 40.0f; ///< scene units per step = Power / ForwardDivisor
+constexpr float RiseDivisor = 3.0f;     ///< initial rise per half step = forward step / RiseDivisor
+constexpr float DropDivisor = 20.0f;
+constexpr float DropStepDivisor =
+    10.0f; ///< loss of rise per step = forward step / DropDivisor / DropStepDivisor
+constexpr float TumbleDivisor = 7.0f;  ///< radians per step = forward step / TumbleDivisor
+constexpr float HalfGoalWidth = 14.0f; ///< from the middle to either post, scene units
+constexpr float GoalReach = 88.0f;     ///< the posts turn back beyond this, scene units
 
 float Forward(float power) { return Quotient(-power, ForwardDivisor); }
 
 float FirstRise(float forward) { return Quotient(-forward, RiseDivisor); }
 
 float Drop(float forward) {
-  return static_cast<float>(static_cast<double>(forward) / DropDivisors[0] * -1.0 / DropDivisors[1]);
+  return static_cast<float>(static_cast<double>(forward) / DropDivisor * -1.0 / DropStepDivisor);
 }
 
 /// Whether a kick at that place is still in flight.

@@ -99,7 +99,7 @@ void ControlView::Sync() {
   widget->setVisible(visible_);
 }
 
-QString ControlView::News() {
+QString ControlView::TakeAnnouncement() {
   if (!control_.Announced) return {};
   const QString text = control_.Visible ? SpokenText() : QString();
   return std::exchange(announced_, text) == text ? QString() : text;

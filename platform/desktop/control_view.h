@@ -53,7 +53,7 @@ public:
 
   /// The text to announce. Empty unless the control is announced and its text has changed since the last
   /// call.
-  QString News();
+  QString TakeAnnouncement();
 
 protected:
   /// Copies the properties that only this kind of control has.

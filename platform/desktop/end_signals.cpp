@@ -13,7 +13,7 @@ namespace {
 
 constexpr int Signals[] = {SIGHUP, SIGINT, SIGTERM};
 
-int writeEnd = -1;
+volatile std::sig_atomic_t writeEnd = -1;
 
 void Report(int) {
   const int before = errno;

@@ -13,7 +13,7 @@ constexpr double ShareOfFreeArea = 0.9;
 constexpr double Step = 0.5, SmallStep = 0.25;
 
 /// The largest factor at which the window fits.
-double Fits(QSizeF room) {
+double LargestFactor(QSizeF room) {
   return std::min(room.width() / PlayWindow.width(), room.height() / PlayWindow.height());
 }
 
@@ -23,7 +23,7 @@ double RoundedDown(double factor, double step) { return std::floor(factor / step
 
 double WindowScale(QSizeF freeArea, double ownFactor) {
   const QSizeF frame = Frame * ownFactor;
-  const double most = Fits(freeArea - frame);
+  const double most = LargestFactor(freeArea - frame);
   const double own = ownFactor <= most ? ownFactor : RoundedDown(most, SmallStep);
-  return std::max({1.0, own, RoundedDown(Fits(freeArea * ShareOfFreeArea - frame), Step)});
+  return std::max({1.0, own, RoundedDown(LargestFactor(freeArea * ShareOfFreeArea - frame), Step)});
 }

@@ -77,7 +77,7 @@ void WindowView::Announce(const QString &caption) {
   // Screen readers read the initial caption themselves.
   if (std::exchange(announcedCaption_, caption) != caption) news += caption;
   for (const auto &view : views_) {
-    if (const QString text = view->News(); !text.isEmpty()) news += text;
+    if (const QString text = view->TakeAnnouncement(); !text.isEmpty()) news += text;
   }
   if (!news.isEmpty()) announcer_->Say(news.join('\n'));
 }
@@ -121,7 +121,7 @@ void WindowView::Open() {
     canvas->setFocus();
   } else {
     // Screen readers read the initial text of ordinary controls themselves, so discard it.
-    for (const auto &view : views_) view->News();
+    for (const auto &view : views_) view->TakeAnnouncement();
   }
 }
 

@@ -96,10 +96,14 @@ Guid ReadGuid(ByteReader &in) {
   return guid;
 }
 
+/// Type, magic, version, GUID and nonce of a question, bytes.
+constexpr std::size_t AskFields =
+    1 + sizeof Magic + sizeof ProtocolVersion + sizeof(Guid) + sizeof(std::uint64_t);
+
 AskFrame ReadAsk(ByteReader &in) {
   AskFrame frame{ReadGuid(in), in.U64()};
-  // The padding makes a question as long as the longest answer. Its content is ignored.
-  if (in.Left() < AskBytes - (1 + 4 + 2 + 16 + 8)) throw MalformedError("question: is too short");
+  // Padded beyond any answer, so that a host can't be used to flood a third computer. The content is ignored.
+  if (in.Left() < AskBytes - AskFields) throw MalformedError("question: is too short");
   in.Rest();
   return frame;
 }
@@ -136,7 +140,8 @@ WelcomeFrame ReadWelcome(ByteReader &in) {
 
 RefuseFrame ReadRefuse(ByteReader &in) {
   const std::uint8_t reason = in.U8();
-  if (reason < 1 || reason > 5) throw MalformedError("refusal: has no reason");
+  if (reason < 1 || reason > static_cast<std::uint8_t>(RefuseReason::WrongSecret))
+    throw MalformedError("refusal: has no reason");
   return {static_cast<RefuseReason>(reason)};
 }
 
@@ -144,7 +149,7 @@ DataFrame ReadData(ByteReader &in) {
   DataFrame frame;
   frame.Number = in.U32();
   const std::uint8_t kind = in.U8();
-  if (kind > 1) throw MalformedError("data: is of no known kind");
+  if (kind > static_cast<std::uint8_t>(DataKind::Player)) throw MalformedError("data: is of no known kind");
   frame.Kind = static_cast<DataKind>(kind);
   const ByteView payload = in.Rest();
   frame.Payload.assign(payload.begin(), payload.end());

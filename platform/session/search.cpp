@@ -11,7 +11,6 @@ namespace session {
 namespace {
 
 constexpr std::size_t MostAddresses = 2; ///< of a name; the rest would be the same host again
-constexpr std::uint16_t MostRounds = 99;
 constexpr std::size_t LongestHost = 255; ///< bytes; the limit of a DNS name
 
 std::optional<std::uint16_t> ParsePort(const std::string &text) {

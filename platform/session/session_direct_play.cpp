@@ -141,22 +141,22 @@ std::vector<DirectPlaySessionData> SessionDirectPlay::SearchByPrompt(const Guid 
   const auto prompt = makePrompt_(machine_, machine_.SearchedHost);
   while (const auto answer = prompt->Ask()) {
     machine_.SearchedHost = *answer;
-    const bool everybody = Trimmed(*answer).empty();
+    const bool searchesLocally = Trimmed(*answer).empty();
     std::optional<HostName> host;
-    if (!everybody) host = HostName::Parse(*answer);
-    if (!everybody && !host) {
-      prompt->ShowNobodyFound(NobodyFound::NoPlace, DefaultPort);
+    if (!searchesLocally) host = HostName::Parse(*answer);
+    if (!searchesLocally && !host) {
+      prompt->ShowNobodyFound(NobodyFound::InvalidEntry, DefaultPort);
       continue;
     }
-    const std::string place = everybody ? "the local network" : *answer;
+    const std::string where = searchesLocally ? "the local network" : *answer;
     bool keepGoing = true;
     RunSearch(host, game, [&](const Search &search) {
       const std::string what = search.LooksUp() ? "Looking up the name " : "Searching ";
-      keepGoing = prompt->ShowSearching(what + place);
+      keepGoing = prompt->ShowSearching(what + where);
       return keepGoing;
     });
     // A player who wants to host comes this way too: on the local network an empty list is no failure.
-    if (!keepGoing || everybody || !search_->Sessions().empty()) return search_->Sessions();
+    if (!keepGoing || searchesLocally || !search_->Sessions().empty()) return search_->Sessions();
     prompt->ShowNobodyFound(search_->WhyNobody(), host->Port.value_or(DefaultPort));
     search_.reset();
   }

@@ -124,14 +124,14 @@ void Direct3DRMFrame3::AddVisual(const Ref<Direct3DRMMeshBuilder3> &visual) {
   // A visual is attached to a frame at most once.
   if (std::ranges::find(visuals_, visual) != visuals_.end()) return;
   visuals_.push_back(visual);
-  visual->Attached(1);
+  visual->CountFrames(1);
   revision_.Raise();
 }
 
 void Direct3DRMFrame3::DeleteVisual(const Ref<Direct3DRMMeshBuilder3> &visual) {
   const auto found = std::ranges::find(visuals_, visual);
   if (found == visuals_.end()) throw SceneError("the visual isn't attached to this frame");
-  (*found)->Attached(-1);
+  (*found)->CountFrames(-1);
   visuals_.erase(found);
   revision_.Raise();
 }

@@ -91,7 +91,7 @@ public:
   std::optional<double> Intersect(const D3DRMRAY &ray);
 
   /// Counts the frames that the mesh is attached to. A mesh without a frame is invisible.
-  void Attached(int frames) { attached_ += frames; }
+  void CountFrames(int frames) { attached_ += frames; }
 
 private:
   void Changed() const {

@@ -1,6 +1,7 @@
 #pragma once
 
-// A bounding volume hierarchy over the faces of a mesh, for ray picking.
+// A bounding volume hierarchy over the faces of a mesh, for ray picking. A match needs one ray a step, for
+// which a scan of all faces would do; tools and tests play thousands of matches.
 
 #include "scene/graph/vector.h"
 

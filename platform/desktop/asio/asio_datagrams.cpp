@@ -7,6 +7,7 @@
 #include <array>
 #include <cstring>
 #include <memory>
+#include <set>
 
 namespace {
 
@@ -17,9 +18,9 @@ constexpr std::size_t LargestDatagram = 2048; ///< bytes; ours are shorter
 constexpr const char *LinkGroup = "ff02::534e:5747";
 
 struct Interfaces {
-  std::vector<asio::ip::address_v4> Broadcasts; ///< of the IPv4 interfaces that are up, and of loopback
-  std::vector<unsigned> Bare;                   ///< indices of those without a broadcast address
-  std::vector<unsigned> Links;                  ///< indices of the interfaces with IPv6
+  std::set<asio::ip::address_v4> Broadcasts; ///< of the IPv4 interfaces that are up, and of loopback
+  std::set<unsigned> Bare;                   ///< indices of those without a broadcast address
+  std::set<unsigned> Links;                  ///< indices of the interfaces with IPv6
 };
 
 in_addr_t AddressIn(const sockaddr *address) {
@@ -33,17 +34,17 @@ Interfaces FindInterfaces() {
   const std::unique_ptr<ifaddrs, void (*)(ifaddrs *)> owner(list, freeifaddrs);
   for (const ifaddrs *each = list; each; each = each->ifa_next) {
     if (!each->ifa_addr || !(each->ifa_flags & IFF_UP)) continue;
-    if (each->ifa_addr->sa_family == AF_INET6) found.Links.push_back(if_nametoindex(each->ifa_name));
+    if (each->ifa_addr->sa_family == AF_INET6) found.Links.insert(if_nametoindex(each->ifa_name));
     if (each->ifa_addr->sa_family != AF_INET || (each->ifa_flags & IFF_LOOPBACK)) continue;
     // Without a broadcast address the system returns the address of the interface.
     const in_addr_t own = AddressIn(each->ifa_addr), broadcast = AddressIn(each->ifa_broadaddr);
     if ((each->ifa_flags & IFF_BROADCAST) && broadcast != INADDR_ANY && broadcast != own) {
-      found.Broadcasts.emplace_back(ntohl(broadcast));
+      found.Broadcasts.emplace(ntohl(broadcast));
     } else {
-      found.Bare.push_back(if_nametoindex(each->ifa_name));
+      found.Bare.insert(if_nametoindex(each->ifa_name));
     }
   }
-  found.Broadcasts.push_back(asio::ip::make_address_v4("127.255.255.255"));
+  found.Broadcasts.insert(asio::ip::make_address_v4("127.255.255.255"));
   return found;
 }
 
