@@ -1,5 +1,8 @@
 #include "assets/textures/canvas.h"
 
+#define STB_IMAGE_WRITE_IMPLEMENTATION
+#include <stb/stb_image_write.h>
+
 #include <algorithm>
 #include <cmath>
 #include <fstream>
@@ -75,35 +78,17 @@ Canvas Canvas::Halved() {
 }
 
 void Canvas::Write(const std::filesystem::path &file) const {
-  std::ofstream stream(file, std::ios::binary);
-  const auto number = [&](std::uint32_t value, int bytes) {
-    for (int i = 0; i < bytes; ++i) stream.put(static_cast<char>(value >> (8 * i)));
-  };
-  constexpr std::uint32_t Header = 54;
-  const auto size = static_cast<std::uint32_t>(size_);
-  const std::uint32_t bytes =
-      size * size * 3; // a row is a whole number of words: the size is a multiple of four
-  stream << "BM";
-  number(Header + bytes, 4);
-  number(0, 4);
-  number(Header, 4);
-  number(40, 4);
-  number(size, 4);
-  number(size, 4);
-  number(1, 2);
-  number(24, 2);
-  number(0, 4);
-  number(bytes, 4);
-  for (int i = 0; i < 4; ++i) number(0, 4);
-  const auto part = [](double value) {
-    return static_cast<char>(std::lround(std::clamp(value, 0.0, 1.0) * 255));
-  };
-  for (int y = size_ - 1; y >= 0; --y) {
-    for (int x = 0; x < size_; ++x) {
-      const Paint &p = pixels_[static_cast<std::size_t>(y) * size + static_cast<std::size_t>(x)];
-      stream << part(p.b) << part(p.g) << part(p.r);
-    }
+  std::vector<unsigned char> bytes;
+  for (const Paint &paint : pixels_) {
+    for (const double part : {paint.r, paint.g, paint.b})
+      bytes.push_back(static_cast<unsigned char>(std::lround(std::clamp(part, 0.0, 1.0) * 255)));
   }
+  // Through a stream, because stbi_write_bmp doesn't notice a full disk.
+  std::ofstream stream(file, std::ios::binary);
+  const auto write = [](void *to, void *data, int size) {
+    static_cast<std::ofstream *>(to)->write(static_cast<const char *>(data), size);
+  };
+  stbi_write_bmp_to_func(write, &stream, size_, size_, 3, bytes.data());
   if (!stream.flush()) throw std::runtime_error("can't write " + file.string());
 }
 
