@@ -3,6 +3,7 @@
 #include "platform/desktop/open_al_sound.h"
 
 #include <gtest/gtest.h>
+#include <sndfile.hh>
 #include <unistd.h>
 
 #include <algorithm>
@@ -12,7 +13,6 @@
 #include <filesystem>
 #include <fstream>
 #include <functional>
-#include <iterator>
 #include <string>
 #include <thread>
 #include <vector>
@@ -31,21 +31,11 @@ constexpr int LastLevel = FirstLevel + (Length - 1) / PlacesPerLevel;
 constexpr int Inexact = 16; ///< places, by the recording's dither
 
 void WriteSound(const fs::path &path) {
-  std::ofstream file(path, std::ios::binary);
-  const auto number = [&](std::uint32_t value, int bytes) {
-    for (; bytes > 0; --bytes, value >>= 8) file.put(static_cast<char>(value & 0xff));
-  };
-  constexpr std::uint32_t Bytes = 2 * Length;
-  file << "RIFF";
-  number(36 + Bytes, 4);
-  file << "WAVEfmt ";
-  for (const auto &[value, bytes] :
-       {std::pair{16U, 4}, {1U, 2}, {1U, 2}, {44100U, 4}, {88200U, 4}, {2U, 2}, {16U, 2}})
-    number(value, bytes);
-  file << "data";
-  number(Bytes, 4);
+  std::vector<short> samples;
   for (int place = 0; place < Length; ++place)
-    number(static_cast<std::uint32_t>(FirstLevel + place / PlacesPerLevel), 2);
+    samples.push_back(static_cast<short>(FirstLevel + place / PlacesPerLevel));
+  SndfileHandle file(path.c_str(), SFM_WRITE, SF_FORMAT_WAV | SF_FORMAT_PCM_16, 1, Rate);
+  EXPECT_EQ(file.write(samples.data(), Length), Length);
 }
 
 /// A sound device whose output goes to a file, and one sound on it.
@@ -74,13 +64,11 @@ protected:
   std::vector<int> Heard() {
     sound_.reset();
     device_.reset();
-    std::ifstream file(Recorded(), std::ios::binary);
-    const std::string all(std::istreambuf_iterator<char>(file), {});
+    SndfileHandle file(Recorded().c_str());
+    std::vector<short> both(static_cast<std::size_t>(2 * file.frames()));
+    file.readf(both.data(), file.frames());
     std::vector<int> left;
-    for (std::size_t at = all.find("data") + 8; at + 4 <= all.size(); at += 4) {
-      left.push_back(static_cast<std::int16_t>(static_cast<unsigned char>(all[at]) |
-                                               static_cast<unsigned char>(all[at + 1]) << 8));
-    }
+    for (std::size_t i = 0; i < both.size(); i += 2) left.push_back(both[i]);
     const double gain = left.empty() ? 0.0 : static_cast<double>(std::ranges::max(left)) / LastLevel;
     for (int &level : left) {
       constexpr int Silence = FirstLevel / 4;

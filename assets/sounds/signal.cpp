@@ -1,8 +1,9 @@
 #include "assets/sounds/signal.h"
 
+#include <sndfile.hh>
+
 #include <algorithm>
 #include <cmath>
-#include <fstream>
 #include <stdexcept>
 
 namespace sounds {
@@ -155,28 +156,9 @@ void Limit(Signal &signal, double ceiling) {
 }
 
 void Write(const Signal &signal, const std::filesystem::path &file) {
-  std::ofstream stream(file, std::ios::binary);
-  const auto number = [&](std::uint32_t value, int bytes) {
-    for (int i = 0; i < bytes; ++i) stream.put(static_cast<char>(value >> (8 * i)));
-  };
-  constexpr std::uint32_t BytesOfSample = 2;
-  const auto bytes = static_cast<std::uint32_t>(signal.size()) * BytesOfSample;
-  stream << "RIFF";
-  number(36 + bytes, 4);
-  stream << "WAVEfmt ";
-  number(16, 4);
-  number(1, 2); // plain samples
-  number(1, 2); // one channel
-  number(Rate, 4);
-  number(Rate * BytesOfSample, 4);
-  number(BytesOfSample, 2);
-  number(8 * BytesOfSample, 2);
-  stream << "data";
-  number(bytes, 4);
-  for (const double sample : signal) {
-    number(static_cast<std::uint16_t>(static_cast<std::int16_t>(std::lround(sample * 32767.0))), 2);
-  }
-  if (!stream.flush()) throw std::runtime_error("can't write " + file.string());
+  SndfileHandle sound(file.c_str(), SFM_WRITE, SF_FORMAT_WAV | SF_FORMAT_PCM_16, 1, Rate);
+  const auto count = static_cast<sf_count_t>(signal.size());
+  if (sound.write(signal.data(), count) != count) throw std::runtime_error("can't write " + file.string());
 }
 
 } // namespace sounds
