@@ -8,6 +8,7 @@
 #include <algorithm>
 #include <cmath>
 #include <limits>
+#include <numbers>
 
 namespace {
 
@@ -16,7 +17,6 @@ constexpr float HalfTable = 88.0f;
 constexpr float KerbEdge = 86.7f; ///< where the turf ends
 constexpr float BonusZ = -79.2f;
 constexpr float BonusRadius = 8.0f;
-constexpr double Pi = 3.14159265358979323846;
 
 struct Built {
   Game game;
@@ -216,7 +216,7 @@ TEST(AssetsModelsTest, TableTopIsFlatWithoutGapsUpToItsEdges) {
 TEST(AssetsModelsTest, BonusAreaIsAFullCircle) {
   Built built;
   for (int step = 0; step < 720; ++step) {
-    const double angle = 2.0 * Pi * step / 720.0;
+    const double angle = 2.0 * std::numbers::pi * step / 720.0;
     const auto under = [&](double radius) {
       float height = 0;
       const std::string name = built.Under(static_cast<float>(radius * std::sin(angle)),

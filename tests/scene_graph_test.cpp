@@ -11,6 +11,7 @@
 
 #include <cmath>
 #include <fstream>
+#include <numbers>
 #include <random>
 #include <sstream>
 
@@ -19,7 +20,7 @@ namespace {
 namespace fs = std::filesystem;
 
 constexpr float Near = 2e-5f;
-constexpr float Pi = 3.14159265f;
+constexpr float QuarterTurn = std::numbers::pi_v<float> / 2;
 
 void ExpectNear(const Vector &a, const Vector &b, float tolerance = Near) {
   EXPECT_NEAR(a.x, b.x, tolerance);
@@ -126,7 +127,7 @@ TEST_F(GraphTest, SineAndCosineAreRightToTheLastPlaces) {
 }
 
 TEST_F(GraphTest, AStepInTheFramesOwnAxesFollowsItsTurn) {
-  const auto frame = Frame(scene, {1, 2, 3}, 0.5f * Pi); // +z has turned toward +x
+  const auto frame = Frame(scene, {1, 2, 3}, QuarterTurn); // +z has turned toward +x
   frame->SetPosition(frame, 0, 0, 5);
   ExpectNear(Place(frame, scene), {6, 2, 3});
   frame->SetPosition(frame, 0, 0, -5);
@@ -134,7 +135,7 @@ TEST_F(GraphTest, AStepInTheFramesOwnAxesFollowsItsTurn) {
   ExpectNear(Place(frame, scene), {1, 3, -1});
   ExpectNear(Place(frame, frame), {0, 0, 0});
   // Under a turned parent too.
-  const auto child = Frame(frame, {0, 0, 2}, 0.5f * Pi);
+  const auto child = Frame(frame, {0, 0, 2}, QuarterTurn);
   child->SetPosition(child, 0, 0, 3);
   ExpectNear(Place(child, scene), {3, 3, -4});
 }
@@ -188,11 +189,11 @@ TEST_F(GraphTest, AShotsOrientationSurvivesItsJourneyToTheBit) {
 
 TEST_F(GraphTest, ARotationIsAboutTheFramesOwnAxisAndNeverBendsIt) {
   const auto frame = Frame(scene, {1, 2, 3}, 0);
-  frame->AddRotation(D3DRMCOMBINE_BEFORE, 1, 0, 0, 0.5f * Pi); // now its y points along +z, its z along -y
+  frame->AddRotation(D3DRMCOMBINE_BEFORE, 1, 0, 0, QuarterTurn); // now its y points along +z, its z along -y
   ExpectNear(Direction(frame, scene), {0, -1, 0});
-  frame->AddRotation(D3DRMCOMBINE_BEFORE, 0, 1, 0, 0.5f * Pi);
+  frame->AddRotation(D3DRMCOMBINE_BEFORE, 0, 1, 0, QuarterTurn);
   ExpectNear(Direction(frame, scene), {1, 0, 0});
-  frame->AddRotation(D3DRMCOMBINE_BEFORE, 0, 0, 1, 0.5f * Pi); // its x turns toward its y
+  frame->AddRotation(D3DRMCOMBINE_BEFORE, 0, 0, 1, QuarterTurn); // its x turns toward its y
   ExpectNear(frame->World().Right, {0, 0, 1});
   ExpectNear(Place(frame, scene), {1, 2, 3}, 0);
   for (int i = 0; i < 20000; ++i)
@@ -202,7 +203,7 @@ TEST_F(GraphTest, ARotationIsAboutTheFramesOwnAxisAndNeverBendsIt) {
 
 TEST_F(GraphTest, SteadyTurningIsAboutAnAxisOfTheReferenceUntilItIsStopped) {
   const auto ref = Frame(scene, {9, 9, 9}, 0.3f);
-  ref->AddRotation(D3DRMCOMBINE_BEFORE, 1, 0, 0, -0.5f * Pi); // its z axis is the scene's +y
+  ref->AddRotation(D3DRMCOMBINE_BEFORE, 1, 0, 0, -QuarterTurn); // its z axis is the scene's +y
   const auto parent = Frame(scene, {1, 0, 0}, 0);
   parent->AddRotation(D3DRMCOMBINE_BEFORE, 1, 0, 0, 0.9f);
   const auto frame = Frame(parent, {0, 0, 4}, 0);
@@ -246,8 +247,8 @@ TEST_F(GraphTest, ATargetStraightAboveOrBelowIsLookedAtToo) {
   for (const float height : {-50.0f, 50.0f}) {
     for (const auto &[axis, turn] : {std::pair{Vector{0, 1, 0}, 2.0f},
                                      {Vector{1, 0, 0}, 1.0f},
-                                     {Vector{0, 0, 1}, 0.5f * Pi}, // its +x is the direction to look in
-                                     {Vector{0, 0, 1}, -0.5f * Pi}}) {
+                                     {Vector{0, 0, 1}, QuarterTurn}, // its +x is the direction to look in
+                                     {Vector{0, 0, 1}, -QuarterTurn}}) {
       const auto camera = Frame(scene, {4, 1, 2}, 0);
       camera->AddRotation(D3DRMCOMBINE_BEFORE, axis.x, axis.y, axis.z, turn);
       target->SetPosition(scene, 4, 1 + height, 2);
@@ -316,7 +317,7 @@ TEST_F(GraphTest, ThePickIsTheNearestMeshBelowTheFrame) {
     EXPECT_EQ(Under(frame, {std::nextafter(edge, 2 * edge), 9, 3}), "");
   }
   // A ray given in a moved and rotated frame.
-  const auto ref = Frame(scene, {5, 1, 0}, 0.5f * Pi);
+  const auto ref = Frame(scene, {5, 1, 0}, QuarterTurn);
   Ref<Direct3DRMPickArray> picked;
   frame->RayPick(ref, {{0, -1, 0}, {0, 0, -4.5f}}, D3DRMRAYPICK_IGNOREFURTHERPRIMITIVES, picked);
   D3DRMPICKDESC description;
@@ -376,7 +377,7 @@ TEST_F(GraphTest, AWrapComputesCoordinatesOnceInItsOwnSystem) {
   wrap(nullptr, {1, 0, 0}, {0, 0, 1}, {0, 1, 0}); // from the front, its origin to the right
   expect(1, -1, 2 * 0 - 0.5f, 3 * 2 - 0.25f);
   expect(-1, 1, 2 * -2 - 0.5f, 3 * 0 - 0.25f);
-  wrap(Frame(scene, {0, 0, 1}, 0.5f * Pi), {}, {0, 0, 1}, {0, 1, 0}); // from the left: x is the scene's -z
+  wrap(Frame(scene, {0, 0, 1}, QuarterTurn), {}, {0, 0, 1}, {0, 1, 0}); // from the left: x is the scene's -z
   expect(1, -1, 2 * 2 - 0.5f, 3 * 2 - 0.25f);
   mesh->ScaleMesh(1, 5, 1);
   expect(1, -1, 2 * 2 - 0.5f, 3 * 2 - 0.25f);

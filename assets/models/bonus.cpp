@@ -40,7 +40,7 @@ Mesh MakeExtra() {
   constexpr double Middle = 7.3, Half = 0.55;
   std::vector<ProfilePoint> profile;
   for (int i = 0; i <= 6; ++i) {
-    const double angle = Pi * i / 6.0;
+    const double angle = pi * i / 6.0;
     const double height = std::sin(angle);
     profile.push_back({Middle + Half * std::cos(angle), RingFoot + (RingTop - RingFoot) * height,
                        Mix(Ember, Glow, height)});
@@ -53,7 +53,7 @@ Mesh MakeExtra() {
   for (int i = 0; i < 10; ++i) {
     const auto corner = [](int number) {
       const double reach = number % 2 == 0 ? Outer : Inner;
-      const double angle = Pi + Pi * number / 5.0;
+      const double angle = pi + pi * number / 5.0;
       return Point{std::sin(angle) * reach, RingFoot, std::cos(angle) * reach};
     };
     const Point a = corner(i), b = corner(i + 1);

@@ -1,6 +1,7 @@
 // The goal posts: round tubes, the bar at the origin, uprights at its ends, one curved stem behind and below,
 // and a ribbon at the head of each upright.
 
+#include "assets/smooth_step.h"
 #include "models.h"
 #include "shapes.h"
 
@@ -42,7 +43,7 @@ void AddRibbon(Mesh &mesh, const Point &head) {
     int before[2] = {0, 0};
     for (int i = 0; i <= Steps; ++i) {
       const double share = static_cast<double>(i) / Steps;
-      const double phase = share * 2.2 * Pi;
+      const double phase = share * 2.2 * pi;
       const Point middle = head + Point{share * Length, -0.4 * share, Wave * share * std::sin(phase) * 1.6};
       const Point normal = Normalized(Point{-std::cos(phase) * 0.9, 0.0, 1.0} * face);
       const Paint paint = Mix(Ribbon, RibbonShade, 0.5 + 0.5 * std::cos(phase));
@@ -70,7 +71,7 @@ Mesh MakeGoal() {
 
   std::vector<Point> neck = {{0.0, 0.0, 0.0}};
   for (int i = 0; i <= 8; ++i) {
-    const double angle = Pi / 2.0 * i / 8.0;
+    const double angle = pi / 2.0 * i / 8.0;
     neck.push_back(
         {0.0, -StemBack * 0.75 * (1.0 - std::cos(angle)), -StemBack * (0.25 + 0.75 * std::sin(angle))});
   }

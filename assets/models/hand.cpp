@@ -61,7 +61,7 @@ void AddOval(Mesh &mesh, const Joint &from, const Joint &to, double middle, doub
              double above, const Paint &paint) {
   constexpr int Parts = 10;
   const auto vertex = [&](int step, double size) {
-    const double angle = 2.0 * Pi * step / Parts;
+    const double angle = 2.0 * pi * step / Parts;
     const double turn = reach * size * std::sin(angle);
     return mesh.Add({OnSkin(from, to, middle + half * size * std::cos(angle), turn, above),
                      {std::sin(turn), std::cos(turn), 0.0},
@@ -105,7 +105,7 @@ Mesh Sleeve() {
   for (int stripe = 0; stripe < Stripes; ++stripe)
     for (int s = 0; s < Sides; ++s) {
       const auto vertex = [&](int ring, int step) {
-        const double share = static_cast<double>(ring) / Stripes, angle = 2.0 * Pi * step / Sides;
+        const double share = static_cast<double>(ring) / Stripes, angle = 2.0 * pi * step / Sides;
         const double wide = 3.1 + 0.4 * share, high = 1.85 + 0.35 * share;
         return Vertex{Mix(Wrist, Elbow, share) + side * (std::cos(angle) * wide) +
                           up * (std::sin(angle) * high),

@@ -2,6 +2,7 @@
 // several layers, the top bulges a little, and the last flap covers one half, with its free edge raised. A
 // thin outline separates it from the background.
 
+#include "assets/smooth_step.h"
 #include "models.h"
 #include "shapes.h"
 

@@ -3,11 +3,6 @@
 #include <algorithm>
 #include <cmath>
 
-double SmoothStep(double from, double to, double value) {
-  const double share = std::clamp((value - from) / (to - from), 0.0, 1.0);
-  return share * share * (3.0 - 2.0 * share);
-}
-
 void Lathe(Mesh &mesh, const Point &centre, const std::vector<ProfilePoint> &profile, int segments,
            bool smooth) {
   const std::size_t last = profile.size() - 1;
@@ -23,7 +18,7 @@ void Lathe(Mesh &mesh, const Point &centre, const std::vector<ProfilePoint> &pro
     if (smooth && i + 1 < last) far = Normalized(far + slope(i + 1));
     std::vector<int> lower, upper;
     for (int s = 0; s <= segments; ++s) {
-      const double angle = 2.0 * Pi * (s % segments) / segments;
+      const double angle = 2.0 * pi * (s % segments) / segments;
       const Point out{std::sin(angle), 0.0, std::cos(angle)};
       const auto vertex = [&](const ProfilePoint &point, const Point &normal) {
         return Vertex{centre + out * point.out + Point{0.0, point.y, 0.0},
@@ -67,7 +62,7 @@ void Tube(Mesh &mesh, const std::vector<Point> &path, double radius, int sides, 
     const Point third = Cross(ring.along, side);
     std::vector<int> current;
     for (int s = 0; s < sides; ++s) {
-      const double angle = 2.0 * Pi * s / sides;
+      const double angle = 2.0 * pi * s / sides;
       const Point out = side * std::cos(angle) + third * std::sin(angle);
       const Point normal = Normalized(out + ring.along * ring.lean);
       current.push_back(mesh.Add({ring.centre + out * ring.radius, normal, paint(normal, ring.along)}));
@@ -91,7 +86,7 @@ void Limb(Mesh &mesh, const std::vector<Joint> &joints, int sides, int capRings,
     const Point out = Normalized(last.at - before.at);
     std::vector<Ring> rings;
     for (int i = 0; i <= capRings; ++i) {
-      const double angle = Pi / 2.0 * i / capRings, narrow = i == capRings ? 0.0 : std::cos(angle);
+      const double angle = pi / 2.0 * i / capRings, narrow = i == capRings ? 0.0 : std::cos(angle);
       const Point at = last.at + out * (std::min(last.side, last.up) * std::sin(angle));
       rings.push_back(
           {{at, last.side * narrow, last.up * narrow}, out * sign, sign * std::min(std::tan(angle), 100.0)});
@@ -118,7 +113,7 @@ void Limb(Mesh &mesh, const std::vector<Joint> &joints, int sides, int capRings,
     const bool tip = joint.side == 0.0;
     std::vector<int> current;
     for (int s = 0; s < sides; ++s) {
-      const double angle = 2.0 * Pi * s / sides, right = std::cos(angle), high = std::sin(angle);
+      const double angle = 2.0 * pi * s / sides, right = std::cos(angle), high = std::sin(angle);
       // The normal of an ellipse leans to its flat side.
       const Point across = Normalized(side * (right * joint.up) + up * (high * joint.side));
       current.push_back(mesh.Add({joint.at + side * (right * joint.side) + up * (high * joint.up),

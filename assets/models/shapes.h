@@ -5,12 +5,10 @@
 #include "mesh.h"
 
 #include <functional>
+#include <numbers>
 #include <vector>
 
-constexpr double Pi = 3.14159265358979323846;
-
-/// 0 below `from`, 1 above `to`, smooth between.
-double SmoothStep(double from, double to, double value);
+using std::numbers::pi;
 
 /// A point of a profile that is revolved around the y axis or swept along an outline.
 struct ProfilePoint {

@@ -2,6 +2,7 @@
 // of seats that rise past the table to two tiers and a rim with masts and flags. All of it is outside the
 // square of the camera positions.
 
+#include "assets/smooth_step.h"
 #include "models.h"
 #include "shapes.h"
 #include "title.h"
@@ -53,7 +54,7 @@ Station At(double turn, double out) {
     outX = 0.0;
     outZ = -1.0;
   } else {
-    const double angle = Pi / 2.0 * (rest - StraightParts) / CornerParts;
+    const double angle = pi / 2.0 * (rest - StraightParts) / CornerParts;
     const double radius = out - CornerAt;
     outX = std::sin(angle);
     outZ = -std::cos(angle);
@@ -298,7 +299,7 @@ void AddStar(Mesh &mesh, const Point &middle, const Point &right, const Point &f
   constexpr double Outer = 4.4, Inner = 1.9;
   for (int i = 0; i < 10; ++i) {
     const auto corner = [&](int number) {
-      const double angle = Pi * number / 5.0, reach = number % 2 == 0 ? Outer : Inner;
+      const double angle = pi * number / 5.0, reach = number % 2 == 0 ? Outer : Inner;
       return middle + right * (reach * std::sin(angle)) + Point{0.0, reach * std::cos(angle), 0.0};
     };
     mesh.FlatTriangle(middle, corner(i), corner(i + 1), facing, i % 2 == 0 ? light : dark);

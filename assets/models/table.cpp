@@ -2,6 +2,7 @@
 // above the stadium, of which the underside is visible: the arch forms a dome, and the vertex colours its
 // haze.
 
+#include "assets/smooth_step.h"
 #include "models.h"
 #include "shapes.h"
 

@@ -40,7 +40,7 @@ std::vector<Point> Path(const GlyphLine &line, double radius, int parts) {
 void AddEnd(Mesh &flat, const Point &at, const Point &along, double half, int parts) {
   const Point across{along.z, 0.0, -along.x};
   const auto rim = [&](int part) {
-    const double angle = Pi * part / parts;
+    const double angle = pi * part / parts;
     return at + across * (half * std::cos(angle)) + along * (half * std::sin(angle));
   };
   for (int part = 0; part < parts; ++part)

@@ -33,7 +33,7 @@ Signal Voice(double seconds, Random &random, const Effort &effort, const Vowel &
   constexpr std::size_t Block = 256; ///< samples with constant formants
   const double throat = random.Between(0.9, 1.15);
   Signal out(Samples(seconds), 0.0);
-  double phase = random.Next(), wobble = random.Between(0, 2 * Pi);
+  double phase = random.Next(), wobble = random.Between(0, 2 * pi);
   const double wobbleRate = random.Between(4.5, 6.5), wobbleDepth = random.Between(0.006, 0.02);
   LowPass tilt(effort.Brightness);
   BandPass bands[] = {{from.First, 5}, {from.Second, 7}, {from.Third, 8}};
@@ -52,7 +52,7 @@ Signal Voice(double seconds, Random &random, const Effort &effort, const Vowel &
       retune(bands[1], mix(from.Second, to.Second), 7);
       retune(bands[2], mix(from.Third, to.Third), 8);
     }
-    wobble += 2 * Pi * wobbleRate / Rate;
+    wobble += 2 * pi * wobbleRate / Rate;
     phase += pitch(at) * (1 + wobbleDepth * std::sin(wobble) + 0.004 * random.Noise()) / Rate;
     phase -= std::floor(phase);
     const double source = tilt(2 * phase - 1) + 0.05 * random.Noise();
@@ -83,7 +83,7 @@ Signal Claps(double seconds, Random &random, int people) {
       Signal clap(Samples(0.03));
       for (std::size_t i = 0; i < clap.size(); ++i)
         clap[i] = palm(random.Noise()) * std::exp(-static_cast<double>(i) / 180);
-      Add(out, clap, at, loud * std::sin(Pi * at / seconds));
+      Add(out, clap, at, loud * std::sin(pi * at / seconds));
     }
   }
   out.resize(Samples(seconds));
@@ -98,8 +98,8 @@ Signal Fingers(Random &random) {
   double phase = 0;
   for (std::size_t i = 0; i < out.size(); ++i) {
     const double at = static_cast<double>(i) / static_cast<double>(out.size());
-    phase += (low + (high - low) * std::sin(Pi * std::min(1.0, at * 1.3))) / Rate;
-    out[i] = std::sin(2 * Pi * phase) * std::pow(std::sin(Pi * at), 0.6);
+    phase += (low + (high - low) * std::sin(pi * std::min(1.0, at * 1.3))) / Rate;
+    out[i] = std::sin(2 * pi * phase) * std::pow(std::sin(pi * at), 0.6);
   }
   return out;
 }
@@ -125,7 +125,7 @@ Signal Shout(double seconds, std::uint32_t seed, const Shouting &what) {
                  bend = what.Bend * random.Between(0.5, 1.4);
     const Signal one = Voice(
         length, random, what.Throats, what.From, what.To,
-        [&](double at) { return base * (1 + bend * std::sin(at * Pi * 0.5)); },
+        [&](double at) { return base * (1 + bend * std::sin(at * pi * 0.5)); },
         [&](double at) { return std::min(1.0, at * 9) * std::pow(1 - at, 0.8); });
     Add(out, one, start, random.Between(0.3, 1.0));
   }
@@ -182,7 +182,7 @@ Signal Calls(double seconds, Random &random, int people) {
     const double bend = random.Between(-0.25, 0.3);
     const Signal one = Voice(
         length, random, yells ? Yell : Talk, from, to, [&](double at) { return base * (1 + bend * at); },
-        [](double at) { return std::sin(Pi * at); });
+        [](double at) { return std::sin(pi * at); });
     Add(out, one, random.Between(0, seconds - length), random.Between(0.15, yells ? 0.6 : 0.7));
   }
   out.resize(Samples(seconds));
@@ -197,8 +197,8 @@ Signal Wave(Random &random) {
   for (int person = 0; person < People; ++person) {
     const double base = random.Between(120, 330), length = random.Between(1.6, 2.8);
     const Signal one = Voice(
-        length, random, Yell, Oh, Ah, [&](double at) { return base * (1 + 0.22 * std::sin(Pi * at)); },
-        [](double at) { return std::pow(std::sin(Pi * std::pow(at, 0.8)), 1.5); });
+        length, random, Yell, Oh, Ah, [&](double at) { return base * (1 + 0.22 * std::sin(pi * at)); },
+        [](double at) { return std::pow(std::sin(pi * std::pow(at, 0.8)), 1.5); });
     Add(out, one, random.Between(0, Seconds - length), random.Between(0.2, 0.6));
   }
   return out;
@@ -216,7 +216,7 @@ Signal Shouter(Random &random) {
     const Vowel &from = vowels[static_cast<int>(random.Between(0, 2.999))],
                 &to = vowels[static_cast<int>(random.Between(0, 2.999))];
     const Signal one = Voice(
-        length, random, Yell, from, to, [&](double t) { return base * (1 + rise * std::sin(Pi * t * 0.8)); },
+        length, random, Yell, from, to, [&](double t) { return base * (1 + rise * std::sin(pi * t * 0.8)); },
         [](double t) { return std::min(1.0, t * 8) * std::pow(1 - t, 0.6); });
     Add(out, one, at);
     at += length + random.Between(0.05, 0.15);

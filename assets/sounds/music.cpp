@@ -57,7 +57,7 @@ Signal Kick() {
   for (std::size_t i = 0; i < out.size(); ++i) {
     const double t = static_cast<double>(i) / Rate;
     phase += (46 + 110 * std::exp(-t * 38)) / Rate;
-    out[i] = std::sin(2 * Pi * phase) * std::exp(-t * 13);
+    out[i] = std::sin(2 * pi * phase) * std::exp(-t * 13);
   }
   Fade(out, 0.0015, 0.02);
   return out;
@@ -69,7 +69,7 @@ Signal Snare(Random &random) {
   for (std::size_t i = 0; i < out.size(); ++i) {
     const double t = static_cast<double>(i) / Rate;
     out[i] = 1.5 * wires(random.Noise()) * std::exp(-t * 19) +
-             0.5 * std::sin(2 * Pi * 192 * t) * std::exp(-t * 28);
+             0.5 * std::sin(2 * pi * 192 * t) * std::exp(-t * 28);
   }
   Fade(out, 0.001, 0.02);
   return out;

@@ -16,7 +16,7 @@ double Random::Next() {
 }
 
 BandPass::BandPass(double frequency, double quality) {
-  const double angle = 2 * Pi * std::min(frequency, Rate * 0.45) / Rate;
+  const double angle = 2 * pi * std::min(frequency, Rate * 0.45) / Rate;
   const double alpha = std::sin(angle) / (2 * quality);
   b0_ = alpha / (1 + alpha);
   a1_ = -2 * std::cos(angle) / (1 + alpha);
@@ -39,7 +39,7 @@ void BandPass::CopyState(const BandPass &other) {
   y2_ = other.y2_;
 }
 
-LowPass::LowPass(double frequency) : share_(1 - std::exp(-2 * Pi * frequency / Rate)) {}
+LowPass::LowPass(double frequency) : share_(1 - std::exp(-2 * pi * frequency / Rate)) {}
 
 void Add(Signal &to, const Signal &what, double atSeconds, double gain) {
   const std::size_t first = Samples(atSeconds);
@@ -49,7 +49,7 @@ void Add(Signal &to, const Signal &what, double atSeconds, double gain) {
 
 void Fade(Signal &signal, double inSeconds, double outSeconds) {
   const auto shape = [](std::size_t i, std::size_t count) {
-    return 0.5 - 0.5 * std::cos(Pi * static_cast<double>(i) / static_cast<double>(count));
+    return 0.5 - 0.5 * std::cos(pi * static_cast<double>(i) / static_cast<double>(count));
   };
   const std::size_t in = std::min(Samples(inSeconds), signal.size()),
                     out = std::min(Samples(outSeconds), signal.size());

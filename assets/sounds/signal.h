@@ -4,12 +4,13 @@
 
 #include <cstdint>
 #include <filesystem>
+#include <numbers>
 #include <vector>
 
 namespace sounds {
 
 constexpr int Rate = 44100; ///< samples per second
-constexpr double Pi = 3.14159265358979323846;
+using std::numbers::pi;
 
 using Signal = std::vector<double>;
 

@@ -24,14 +24,14 @@ Signal Blast(double seconds, double trill, Random &random) {
     const double t = static_cast<double>(i) / Rate, left = seconds - t;
     const double pressure = std::min({1.0, t / Attack, left / Release});
     ball += trill * (0.75 + 0.25 * pressure) * (1 + 6 * pace(random.Noise())) / Rate;
-    const double roll = std::sin(2 * Pi * ball);
+    const double roll = std::sin(2 * pi * ball);
     const double open = LeastOpen + (1 - LeastOpen) * std::pow(0.5 + 0.5 * roll, 1.3);
     const double pitch = (1 - StartsFlat * std::exp(-t / 0.022)) * (1 - EndsFlat * std::exp(-left / 0.03)) *
                          (1 + 0.25 * hand(random.Noise()) + 0.11 * flutter(random.Noise()));
     low += Low * pitch * (1 + Bend * roll) / Rate;
     high += High * pitch * (1 - 0.6 * Bend * roll) / Rate;
-    const double tone = std::sin(2 * Pi * low) + 0.6 * std::sin(2 * Pi * high) +
-                        0.16 * std::sin(4 * Pi * low) + 0.06 * std::sin(6 * Pi * high);
+    const double tone = std::sin(2 * pi * low) + 0.6 * std::sin(2 * pi * high) +
+                        0.16 * std::sin(4 * pi * low) + 0.06 * std::sin(6 * pi * high);
     // Where the ball blocks the tone, the air becomes noise.
     const double air = random.Noise();
     const double rush = (1.3 - 0.6 * open) * (1 + 1.6 * std::exp(-t / 0.03));
@@ -57,7 +57,7 @@ Signal Settle(Random &random) {
     const double t = static_cast<double>(i) / Rate;
     phase += (118 + 120 * std::exp(-t / 0.02)) / Rate;
     const double size = std::min(1.0, t / 0.008) * std::exp(-t / 0.045);
-    out[i] = size * (std::sin(2 * Pi * phase) + 2.2 * feltAgain(felt(random.Noise())));
+    out[i] = size * (std::sin(2 * pi * phase) + 2.2 * feltAgain(felt(random.Noise())));
   }
   Fade(out, 0.001, 0.04);
   return out;
@@ -73,7 +73,7 @@ Signal Swoosh() {
   BandPass low(900, 1.1), high(2400, 0.9);
   for (std::size_t i = 0; i < out.size(); ++i) {
     const double at = static_cast<double>(i) / static_cast<double>(out.size());
-    const double speed = std::pow(std::sin(Pi * std::pow(at, 0.55)), 1.4);
+    const double speed = std::pow(std::sin(pi * std::pow(at, 0.55)), 1.4);
     BandPass lowNow(500 + 1300 * speed, 1.1), highNow(1400 + 3800 * speed, 0.9);
     lowNow.CopyState(low);
     highNow.CopyState(high);

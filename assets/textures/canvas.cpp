@@ -1,4 +1,5 @@
 #include "assets/textures/canvas.h"
+#include "assets/smooth_step.h"
 
 #define STB_IMAGE_WRITE_IMPLEMENTATION
 #include <stb/stb_image_write.h>
@@ -20,8 +21,7 @@ double Hash(std::uint32_t x, std::uint32_t y, std::uint32_t seed) {
 double Noise(double u, double v, int cells, std::uint32_t seed) {
   const double x = u * cells, y = v * cells;
   const double left = std::floor(x), top = std::floor(y);
-  const auto smooth = [](double t) { return t * t * (3 - 2 * t); };
-  const double fx = smooth(x - left), fy = smooth(y - top);
+  const double fx = SmoothStep(0, 1, x - left), fy = SmoothStep(0, 1, y - top);
   const auto corner = [&](int dx, int dy) {
     const auto wrap = [&](double at) {
       return static_cast<std::uint32_t>((static_cast<int>(at) % cells + cells) % cells);
@@ -43,11 +43,6 @@ double Cloud(double u, double v, int cells, int layers, std::uint32_t seed) {
   return sum / whole;
 }
 
-double Step(double low, double high, double value) {
-  const double t = std::clamp((value - low) / (high - low), 0.0, 1.0);
-  return t * t * (3 - 2 * t);
-}
-
 Paint &Canvas::At(int x, int y) {
   const auto wrap = [&](int at) { return static_cast<std::size_t>((at % size_ + size_) % size_); };
   return pixels_[wrap(y) * static_cast<std::size_t>(size_) + wrap(x)];
@@ -60,7 +55,7 @@ void Canvas::Blob(double x, double y, double rx, double ry, const Paint &paint, 
          ++px) {
       const double away = std::hypot((px - x) / rx, (py - y) / ry);
       const double edge = 1.0 / std::min(rx, ry);
-      At(px, py) = Mix(At(px, py), paint, strength * (1 - Step(1 - edge, 1 + edge * 0.3, away)));
+      At(px, py) = Mix(At(px, py), paint, strength * (1 - SmoothStep(1 - edge, 1 + edge * 0.3, away)));
     }
   }
 }

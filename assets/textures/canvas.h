@@ -27,9 +27,6 @@ double Noise(double u, double v, int cells, std::uint32_t seed);
 /// Fractal noise from 0 to 1: several octaves, each of half the amplitude.
 double Cloud(double u, double v, int cells, int layers, std::uint32_t seed);
 
-/// 0 below `low`, 1 above `high`, smooth between.
-double Step(double low, double high, double value);
-
 class Canvas {
 public:
   explicit Canvas(int size)

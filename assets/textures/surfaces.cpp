@@ -1,15 +1,17 @@
 // The four textures.
 
+#include "assets/smooth_step.h"
 #include "assets/textures/canvas.h"
 
 #include <algorithm>
 #include <cmath>
+#include <numbers>
 #include <vector>
 
 namespace textures {
 namespace {
 
-constexpr double Pi = 3.14159265358979323846;
+using std::numbers::pi;
 
 /// Visits all pixels with their coordinates, 0 to 1 on both axes.
 template <class Painter> Canvas Painted(int size, Painter painter) {
@@ -35,12 +37,12 @@ Canvas Grass() {
     double x = Size * Hash(blade, 1, 11), y = Size * Hash(blade, 2, 11);
     const double lean = 0.9 * (Hash(blade, 3, 11) - 0.5), bright = 0.84 + 0.24 * Hash(blade, 4, 11);
     const double length = 9 + 12 * Hash(blade, 5, 11);
-    const double way = std::sin(2 * Pi * y / Size) > 0 ? 1 : -1;
+    const double way = std::sin(2 * pi * y / Size) > 0 ? 1 : -1;
     for (double step = 0; step < length; step += 1) {
       const double share = step / length; // from base to tip
       const int left = static_cast<int>(std::floor(x));
       for (int px = left - 1; px <= left + 2; ++px) {
-        const double cover = 1 - Step(0.5, 1.5 - 0.5 * share, std::abs(px + 0.5 - x));
+        const double cover = 1 - SmoothStep(0.5, 1.5 - 0.5 * share, std::abs(px + 0.5 - x));
         const auto wrap = [](int place) { return static_cast<std::size_t>((place % Size + Size) % Size); };
         double &at = grain[wrap(static_cast<int>(std::floor(y))) * Size + wrap(px)];
         at += (bright * (0.90 + 0.14 * share) - at) * cover;
@@ -50,9 +52,9 @@ Canvas Grass() {
     }
   }
   return Painted(Size, [&](double u, double v, int x, int y) {
-    const double stripe = Step(-0.09, 0.09, std::sin(2 * Pi * v));
+    const double stripe = SmoothStep(-0.09, 0.09, std::sin(2 * pi * v));
     Paint paint = Mix(Dark, Light, stripe);
-    paint = Mix(paint, Dry, 0.16 * Step(0.55, 0.85, Cloud(u, v, 5, 3, 3)));
+    paint = Mix(paint, Dry, 0.16 * SmoothStep(0.55, 0.85, Cloud(u, v, 5, 3, 3)));
     const double here = grain[static_cast<std::size_t>(y) * Size + static_cast<std::size_t>(x)] +
                         0.10 * (Cloud(u, v, 24, 3, 9) - 0.5);
     return Paint{paint.r * here, paint.g * here, paint.b * here};
@@ -86,7 +88,7 @@ Canvas Sky() {
     const double x = Size * (cloud * 0.754878 + 0.05 * Hash(cloud, 1, 7)), y = Size * cloud * 0.569840;
     const double wide = 70 + 80 * Hash(cloud, 2, 7), tall = 0.45 * wide;
     for (std::uint32_t puff = 0; puff < 34; ++puff) {
-      const double turn = 2 * Pi * Hash(puff, cloud, 8), away = std::sqrt(Hash(puff, cloud, 9));
+      const double turn = 2 * pi * Hash(puff, cloud, 8), away = std::sqrt(Hash(puff, cloud, 9));
       const double radius = wide * (0.16 + 0.26 * (1 - away) + 0.10 * Hash(puff, cloud, 10));
       heap(x + wide * away * std::cos(turn), y + tall * away * std::sin(turn), radius);
     }
@@ -112,13 +114,14 @@ Canvas Sky() {
   blur(4);
   blur(4);
   Canvas canvas = Painted(Size, [&](double u, double v, int x, int y) {
-    const Paint clear = Mix(Lilac, Rose, Step(0.3, 0.7, Cloud(u, v, 2, 3, 40)));
+    const Paint clear = Mix(Lilac, Rose, SmoothStep(0.3, 0.7, Cloud(u, v, 2, 3, 40)));
     const double here = relief[index(x, y)];
     const double slopeX = (relief[index(x + 3, y)] - relief[index(x - 3, y)]) / 6;
     const double slopeY = (relief[index(x, y + 3)] - relief[index(x, y - 3)]) / 6;
     const double lit = 0.5 - 0.33 * slopeX - 0.42 * slopeY;
-    const Paint cloud = Mix(Mix(Under, Peach, Step(0.15, 0.60, lit)), White, Step(0.50, 0.95, lit));
-    return Mix(clear, cloud, 0.96 * Step(1.5, 20.0, here));
+    const Paint cloud =
+        Mix(Mix(Under, Peach, SmoothStep(0.15, 0.60, lit)), White, SmoothStep(0.50, 0.95, lit));
+    return Mix(clear, cloud, 0.96 * SmoothStep(1.5, 20.0, here));
   });
   return canvas.Halved(); // clouds are soft: a sharper image would only take memory
 }
@@ -150,7 +153,7 @@ Canvas Crowd() {
       };
       const double acrossX = (seat + 0.5) / Seats, acrossY = (row + 0.5) / Rows;
       const double seatX = (seat + 0.5 + (row % 2) * 0.5) * Place, seatY = (row + 0.5) * Pitch;
-      if (draw(1) < 0.03 + 0.5 * Step(0.74, 0.84, Noise(acrossX, acrossY, 11, 55))) { // an empty seat
+      if (draw(1) < 0.03 + 0.5 * SmoothStep(0.74, 0.84, Noise(acrossX, acrossY, 11, 55))) { // an empty seat
         canvas.Blob(seatX, seatY + 3.5, 6.4, 3.6, Gloom, 0.8);
         canvas.Blob(seatX, seatY - 0.5, 6.0, 4.6, Seat);
         continue;
@@ -204,9 +207,9 @@ Canvas Paper() {
     const double fibre = 0.97 + 0.05 * (Cloud(u, v, 16, 4, 5) - 0.5);
     Paint paint{White.r * fibre, White.g * fibre, White.b * fibre};
     const double rule = std::abs(v * Rules - std::floor(v * Rules) - 0.5) / Rules;
-    paint = Mix(paint, Rule, 0.9 * (1 - Step(0.0058, 0.0105, rule)));
+    paint = Mix(paint, Rule, 0.9 * (1 - SmoothStep(0.0058, 0.0105, rule)));
     for (const double margin : {MarginU, MarginU + 0.045})
-      paint = Mix(paint, Margin, 0.9 * (1 - Step(0.006, 0.011, std::abs(u - margin))));
+      paint = Mix(paint, Margin, 0.9 * (1 - SmoothStep(0.006, 0.011, std::abs(u - margin))));
     return paint;
   });
 
@@ -229,13 +232,13 @@ Canvas Paper() {
       dot(x + radius * std::cos(turn), z + radius * (1 + 0.05 * std::sin(3 * turn)) * std::sin(turn));
   };
   constexpr double FaceX = -1.75, FaceZ = 1.15;
-  arc(FaceX, FaceZ, 0.82, 0, 2 * Pi + 0.2);
-  arc(FaceX, FaceZ + 0.02, 0.50, 0.35, Pi - 0.35);
+  arc(FaceX, FaceZ, 0.82, 0, 2 * pi + 0.2);
+  arc(FaceX, FaceZ + 0.02, 0.50, 0.35, pi - 0.35);
   line(FaceX - 0.27, FaceZ - 0.34, FaceX - 0.25, FaceZ - 0.12);
   line(FaceX + 0.27, FaceZ - 0.34, FaceX + 0.25, FaceZ - 0.12);
   constexpr double StarX = 2.35, StarZ = 1.45, StarReach = 0.62;
   for (int i = 0; i < 5; ++i) {
-    const double from = Pi * 0.8 * i - Pi / 2, to = Pi * 0.8 * (i + 1) - Pi / 2;
+    const double from = pi * 0.8 * i - pi / 2, to = pi * 0.8 * (i + 1) - pi / 2;
     line(StarX + StarReach * std::cos(from), StarZ + StarReach * std::sin(from),
          StarX + StarReach * std::cos(to), StarZ + StarReach * std::sin(to));
   }
