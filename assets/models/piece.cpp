@@ -136,11 +136,8 @@ Mesh MakePiece() {
   Inset(InkWidth + TopInset, Underside, bottom);
   const Point flap[3] = {top[2], Mix(top[0], top[2], 0.02), Mix(top[2], top[1], 0.64)};
   const Point freeAlong = Normalized(flap[2] - flap[1]);
-  const Point freeOut{-freeAlong.z, 0.0, freeAlong.x}; // away from the flap or toward it, see fromFree
-  const auto fromFree = [&](const Point &at) {
-    const double sign = Dot(flap[0] - flap[1], freeOut) > 0.0 ? 1.0 : -1.0;
-    return sign * Dot(at - flap[1], freeOut);
-  };
+  const Point freeOut{freeAlong.z, 0.0, -freeAlong.x}; // away from the flap
+  const auto fromFree = [&](const Point &at) { return Dot(flap[1] - at, freeOut); };
   const auto fromFold = [](const Point &at) { return FromBorder(at) - InkWidth - TopInset; };
   const auto topHeight = [&](const Point &at) {
     return TopEdge + Swelling * SmoothStep(0.0, 1.3, fromFold(at));
@@ -168,8 +165,8 @@ Mesh MakePiece() {
       const Point at = Mix(flap[1], flap[2], static_cast<double>(step) / EdgeSteps);
       return Point{at.x, high ? flapHeight(at) : topHeight(at) - 0.02, at.z};
     };
-    mesh.FlatQuad(place(i, true), place(i + 1, true), place(i + 1, false), place(i, false),
-                  freeOut * (Dot(flap[0] - flap[1], freeOut) > 0.0 ? -1.0 : 1.0), LayerLight);
+    mesh.FlatQuad(place(i, true), place(i + 1, true), place(i + 1, false), place(i, false), freeOut,
+                  LayerLight);
   }
   return mesh;
 }
