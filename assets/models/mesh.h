@@ -66,8 +66,6 @@ public:
     for (const Face &face : other.faces_) Triangle(first + face.a, first + face.b, first + face.c);
   }
 
-  std::size_t Faces() const { return faces_.size(); }
-
   /// Writes the mesh such that the game's `placement` restores the current positions. If it has strokes, the
   /// texture coordinates of a vertex are x and z of its vector across.
   /// @throws std::runtime_error  if the file can't be written
