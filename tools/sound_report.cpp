@@ -79,8 +79,12 @@ bool Report(const char *path, bool recording) {
 
 int main(int argc, char **argv) {
   const bool recording = argc > 1 && std::strcmp(argv[1], "--recording") == 0;
-  if (argc <= (recording ? 2 : 1)) std::fprintf(stderr, "usage: sound_report [--recording] FILE...\n");
-  bool good = argc > 1;
-  for (int i = recording ? 2 : 1; i < argc; ++i) good = Report(argv[i], recording) && good;
+  const int first = recording ? 2 : 1;
+  if (first >= argc) {
+    std::fprintf(stderr, "usage: sound_report [--recording] FILE...\n");
+    return 2;
+  }
+  bool good = true;
+  for (int i = first; i < argc; ++i) good = Report(argv[i], recording) && good;
   return good ? 0 : 1;
 }
