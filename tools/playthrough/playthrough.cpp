@@ -2,6 +2,7 @@
 // Fails if a station isn't reached.
 //   playthrough GAME SCREENSHOTS_DIRECTORY
 
+#include "match/results.h"
 #include "tools/playthrough/launch.h"
 #include "tools/playthrough/table.h"
 
@@ -155,13 +156,12 @@ private:
 
   /// One possession. If it ends in a kick, the verdict must match the kick.
   void Possess(Table &table, const std::vector<int> &plan, Table::Kick kick) {
-    constexpr int Touchdown = 3, Good = 1, NoGood = 2;
     table.CardsSeen.clear();
     table.Possess(plan, kick);
     const auto &cards = table.CardsSeen;
-    if (cards.size() < 2 || cards[cards.size() - 2] != Touchdown) return;
+    if (cards.size() < 2 || cards[cards.size() - 2] != Results::Touchdown) return;
     const bool timed = kick == Table::Kick::Timed;
-    if (cards.back() != (timed ? Good : NoGood))
+    if (cards.back() != (timed ? Results::GoodKick : Results::MissedKick))
       throw GaveUp(timed ? "a timed kick isn't good" : "an early kick doesn't miss");
   }
 

@@ -4,6 +4,7 @@
 //   soak windows GAME DIRECTORY TIMES   opens and closes all of the launch window so many times
 //   soak network GAME DIRECTORY ROUNDS HOST_DISPLAY JOINER_DISPLAY   a match between two programs on loopback
 
+#include "match/results.h"
 #include "tools/playthrough/launch.h"
 #include "tools/playthrough/table.h"
 #include "tools/playthrough/usage.h"
@@ -119,7 +120,8 @@ public:
     std::cout << name_ << ": " << stumbles_ << " times not as planned";
     if (table_) {
       std::cout << ", " << possessions_ << " possessions, cards";
-      for (int code = 1; code <= 7; ++code) std::cout << ' ' << std::ranges::count(Cards(), code);
+      for (int code = Results::First; code <= Results::Last; ++code)
+        std::cout << ' ' << std::ranges::count(Cards(), code);
     }
     std::cout << std::endl;
     return usage_.Report();
@@ -146,11 +148,10 @@ private:
 
   /// The arrow turns to this side before the last card comes up, and before the other side kicks.
   void WaitForTurn() {
-    constexpr int Touchdown = 3;
     for (const auto end = Clock::now() + OtherSideTakes; Clock::now() < end;) {
       table_->WaitForTurn(true);
       Pause(TurnPasses);
-      const bool kick = !Cards().empty() && Cards().back() == Touchdown;
+      const bool kick = !Cards().empty() && Cards().back() == Results::Touchdown;
       if (IsOver() || (!kick && table_->CardUp() == 0 && table_->HomeOnTurn())) return;
     }
     throw GaveUp("the turn doesn't come");

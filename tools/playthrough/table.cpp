@@ -1,5 +1,7 @@
 #include "tools/playthrough/table.h"
 
+#include "match/results.h"
+
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -100,7 +102,7 @@ void CloseEndCard(Seat &seat, const EndCard &card) {
 
 Table::Table(Seat &seat, const std::filesystem::path &pictures, Album &album, std::string prefix)
     : seat_(seat), album_(album), prefix_(std::move(prefix)), window_(seat.WaitFor("Snapwedge V1.01")) {
-  for (int code = 1; code <= 7; ++code) {
+  for (int code = Results::First; code <= Results::Last; ++code) {
     cards_.push_back(LoadImage(pictures / ("Picture" + std::to_string(code) + ".png")));
   }
   Pause(Milliseconds(1200));
@@ -122,7 +124,7 @@ int Table::MeterLevel() {
 }
 
 int Table::CardUp() {
-  for (int code = 1; code <= 7; ++code) {
+  for (int code = Results::First; code <= Results::Last; ++code) {
     const Image seen =
         seat_.Look(window_, CardLeft, CardTop[static_cast<std::size_t>(code)], CardWidth, CardHeight);
     if (MeanDifference(seen, cards_[static_cast<std::size_t>(code - 1)]) < SameCard) return code;
@@ -236,12 +238,11 @@ void Table::PlayPointAfter(Kick kick) {
 }
 
 void Table::Possess(const std::vector<int> &plan, Kick kick) {
-  constexpr int Touchdown = 3, Bonus = 5;
   for (const int level : plan) {
     Shoot(level);
     const int card = Watch();
-    if (card == Touchdown) PlayPointAfter(kick);
-    if (card != 0 && card != Bonus) return;
+    if (card == Results::Touchdown) PlayPointAfter(kick);
+    if (card != 0 && card != Results::Bonus) return;
     Pause(Milliseconds(200));
   }
 }

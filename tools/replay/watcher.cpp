@@ -1,5 +1,7 @@
 #include "tools/replay/watcher.h"
 
+#include "match/results.h"
+
 void Watcher::Look(SeenShot &shot) const {
   const auto &scene = window_.RMCanvas1.SceneFrame;
   window_.PieceFrame->GetPosition(scene, shot.Place);
@@ -35,7 +37,8 @@ void Watcher::SeeFrame() {
 }
 
 void Watcher::SeeCards() {
-  for (std::int16_t code = 1; code <= 7; ++code) {
-    if (window_.Card(code).Visible) (code <= 2 ? kick_ : flick_).Card = code;
+  for (std::int16_t code = Results::First; code <= Results::Last; ++code) {
+    const bool ofKick = code == Results::GoodKick || code == Results::MissedKick;
+    if (window_.Card(code).Visible) (ofKick ? kick_ : flick_).Card = code;
   }
 }
