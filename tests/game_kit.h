@@ -82,6 +82,13 @@ public:
     window.Shots = shots;
   }
 
+  /// Plays a Touchdown with the weakest flick, and on to the end of its kick.
+  void ScoreTouchdown(float turn = 0.0f) {
+    PutPiece(0, -86.5f, 1);
+    window.AimFrame->AddRotation(D3DRMCOMBINE_BEFORE, 0, 1, 0, turn);
+    Shoot(1);
+  }
+
   Vector Place(const Ref<Direct3DRMFrame3> &frame) const {
     Vector place;
     frame->GetPosition(window.RMCanvas1.SceneFrame, place);

@@ -177,12 +177,11 @@ TEST(HintsTest, EveryEndOfAFlickHasItsReason) {
 /// Plays a point-after; `act` runs in each frame, with its number.
 void PlayPointAfter(Told &told, const std::function<void(int frame)> &act) {
   Game &game = told.game;
-  game.PutPiece(0, -86.5f, 1);
   int frame = 0;
   game.OnPump = [&] {
     if (game.window.KickMode && !game.window.NoShot) act(frame++);
   };
-  game.Shoot(1);
+  game.ScoreTouchdown();
   game.OnPump = nullptr;
 }
 

@@ -9,14 +9,12 @@
 namespace {
 
 /// A game after a Touchdown; `act` runs in each frame of the point-after, with the number of frames so far.
-void PlayPointAfter(Game &game, const std::function<void(int frame)> &act) {
-  game.PutPiece(0, -87, 1);
-  game.window.CheckRay();
+void PlayPointAfter(Game &game, const std::function<void(int frame)> &act, float turn = 0.0f) {
   int frame = 0;
   game.machine.OnDraw = [&](Canvas &) {
-    if (game.window.KickMode && !(game.window.NoShot && game.window.program.MyTurn)) act(frame++);
+    if (game.window.KickMode && !game.window.NoShot) act(frame++);
   };
-  game.Flick(0.0f);
+  game.ScoreTouchdown(turn);
   game.machine.OnDraw = nullptr;
 }
 
@@ -45,8 +43,6 @@ float ViewMisses(const Game &game, const Vector &place) {
 SeenKick Kick(Game &game, float force, int wait = 0, float turn = 0) {
   SeenKick seen;
   float rise = game.window.KickRise;
-  game.PutPiece(0, -87, 1);
-  game.window.CheckRay();
   int frame = 0;
   bool released = false;
   game.machine.OnDraw = [&](Canvas &) {
@@ -70,7 +66,7 @@ SeenKick Kick(Game &game, float force, int wait = 0, float turn = 0) {
     seen.arrow = !game.window.ArrowFrame->Visuals().empty();
     seen.shots = game.window.Shots;
   };
-  game.Flick(0.0f);
+  game.ScoreTouchdown();
   game.machine.OnDraw = nullptr;
   return seen;
 }
@@ -116,8 +112,7 @@ TEST(KickTest, EveryForceHasItsStepsHeightAndEnd) {
 TEST(KickTest, TheKickIsSetUpAtTheNearEndWhateverTheFlickLeft) {
   Game game;
   game.SetUp();
-  game.window.AimFrame->AddRotation(D3DRMCOMBINE_BEFORE, 0, 1, 0, 0.7f);
-  PlayPointAfter(game, [&](int frame) {
+  const auto look = [&](int frame) {
     if (frame == 0) {
       EXPECT_EQ(game.Place(game.window.PieceFrame), (Vector{0, 4, 85}));
       EXPECT_EQ(game.Place(game.window.AimFrame), (Vector{0, 0, 87}));
@@ -133,7 +128,8 @@ TEST(KickTest, TheKickIsSetUpAtTheNearEndWhateverTheFlickLeft) {
     EXPECT_EQ(direction, (Vector{0, 0, 1}));
     if (frame == 2) game.machine.PressMouse(1);
     if (frame == 8) game.machine.ReleaseMouse(1);
-  });
+  };
+  PlayPointAfter(game, look, 0.7f);
   EXPECT_EQ(game.Cards, (std::vector<std::int16_t>{3, 2}));
 }
 

@@ -65,7 +65,6 @@ TEST(MeterTest, AYardIsATenthOfThePaintedLinesDistance) {
 /// Plays a point-after with a straight kick of a number of frames that arrives when the posts are in the
 /// middle. Returns whether it was good, and the scale.
 bool KickIsGood(Game &game, int frames, std::vector<ProgressBar::Mark> &scale) {
-  game.PutPiece(0, -86.5f, 1);
   bool pressed = false, released = false;
   game.OnPump = [&] {
     frmSnapwedge &window = game.window;
@@ -78,7 +77,7 @@ bool KickIsGood(Game &game, int frames, std::vector<ProgressBar::Mark> &scale) {
     released = true;
     game.machine.ReleaseMouse(1);
   };
-  game.Shoot(1);
+  game.ScoreTouchdown();
   game.OnPump = nullptr;
   return game.Cards.back() == 1;
 }
