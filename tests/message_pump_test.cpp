@@ -396,16 +396,14 @@ TEST(MessagePumpTest, ABrokenLineAndItsReturnAreTold) {
 }
 
 TEST(MessagePumpTest, TheOtherSidesLeavingEndsTheProgramWithABox) {
-  const auto lost =
-      std::make_shared<FakeMessage>(std::vector<Field>{}, DirectPlayMessage::Kind::ConnectionLost);
-  const auto end = std::make_shared<FakeMessage>(std::vector<Field>{std::string("END")});
-  for (const auto &news : {lost, end}) {
+  const auto lost = std::make_shared<session::SessionMessage>(DirectPlayMessage::Kind::ConnectionLost);
+  for (const auto &news : {lost, Message({std::string("END")})}) {
     for (const bool underACard : {false, true}) {
       SCOPED_TRACE(underACard);
       NetworkGame game(true);
       if (underACard) game.Receive({std::string("RESULT"), std::int32_t{5}});
       game.play->LineDown = true;
-      game.play->Incoming.push_back(std::make_shared<FakeMessage>(*news));
+      game.play->Incoming.push_back(std::make_shared<session::SessionMessage>(*news));
       EXPECT_THROW(game.Frames(3), ProgramEnd);
       EXPECT_EQ(game.window.Caption, "Snapwedge V1.01") << "the title waits for nobody";
       EXPECT_EQ(game.window.lblHint.Caption, "The other player has left. OK ends the game.");

@@ -2,6 +2,7 @@
 
 // A network game whose other side is the test, which queues messages and sees the tags of those sent.
 
+#include "platform/session/session_message.h"
 #include "tests/game_kit.h"
 
 #include <deque>
@@ -9,30 +10,15 @@
 
 using Field = std::variant<std::string, std::int32_t, float>;
 
-class FakeMessage : public DirectPlayMessage {
-public:
-  FakeMessage() = default;
-  explicit FakeMessage(std::vector<Field> fields, Kind kind = Kind::Game)
-      : fields_(std::move(fields)), kind_(kind) {}
-  void WriteString(const std::string &value) override { fields_.emplace_back(value); }
-  void WriteLong(std::int32_t value) override { fields_.emplace_back(value); }
-  void WriteSingle(float value) override { fields_.emplace_back(value); }
-  std::string ReadString() override { return Take<std::string>(); }
-  std::int32_t ReadLong() override { return Take<std::int32_t>(); }
-  float ReadSingle() override { return Take<float>(); }
-  bool AtEnd() const override { return next_ == fields_.size(); }
-  Kind GetKind() const override { return kind_; }
-  const std::string &Tag() const { return std::get<std::string>(fields_.at(0)); }
-
-private:
-  template <class T> T Take() {
-    if (AtEnd() || !std::holds_alternative<T>(fields_[next_])) throw DirectPlayError("no such field");
-    return std::get<T>(fields_[next_++]);
+inline std::shared_ptr<session::SessionMessage> Message(const std::vector<Field> &fields) {
+  auto message = std::make_shared<session::SessionMessage>();
+  for (const Field &field : fields) {
+    if (const auto *text = std::get_if<std::string>(&field)) message->WriteString(*text);
+    if (const auto *number = std::get_if<std::int32_t>(&field)) message->WriteLong(*number);
+    if (const auto *number = std::get_if<float>(&field)) message->WriteSingle(*number);
   }
-  std::vector<Field> fields_;
-  Kind kind_ = Kind::Game;
-  std::size_t next_ = 0;
-};
+  return message;
+}
 
 /// A session whose other side is the test.
 class FakePlay : public DirectPlay4 {
@@ -57,15 +43,16 @@ public:
     Incoming.pop_front();
     return message;
   }
-  std::shared_ptr<DirectPlayMessage> CreateMessage() override { return std::make_shared<FakeMessage>(); }
+  std::shared_ptr<DirectPlayMessage> CreateMessage() override { return Message({}); }
   void Send(std::int32_t, std::int32_t, std::int32_t, const DirectPlayMessage &message) override {
-    Sent.push_back(dynamic_cast<const FakeMessage &>(message).Tag());
+    auto sent = dynamic_cast<const session::SessionMessage &>(message);
+    Sent.push_back(sent.ReadString());
   }
   bool Delivered() override { return Takes; }
   bool Broken() override { return LineDown; }
   void Close() override {}
 
-  std::deque<std::shared_ptr<FakeMessage>> Incoming;
+  std::deque<std::shared_ptr<DirectPlayMessage>> Incoming;
   std::vector<std::string> Sent;
   bool Takes = true; ///< the other side acknowledges messages
   bool LineDown = false;
@@ -81,9 +68,7 @@ struct NetworkGame : Game {
     SoundsSince();
     play->Sent.clear();
   }
-  void Receive(std::vector<Field> fields) {
-    play->Incoming.push_back(std::make_shared<FakeMessage>(std::move(fields)));
-  }
+  void Receive(const std::vector<Field> &fields) { play->Incoming.push_back(Message(fields)); }
   void ReceiveIn(std::int32_t milliseconds, std::vector<Field> fields) {
     machine.After(milliseconds, [this, fields] { Receive(fields); });
   }
