@@ -185,118 +185,6 @@ private:
   frmSnapwedge window_;
 };
 
-/// Shots as a player sees them: every nth frame of a possession, drawn as in the game.
-class Films {
-public:
-  explicit Films(const std::string &directory) : directory_(directory) {}
-
-  void Render() {
-    Film("flick", "Human", [](frmSnapwedge &window) { Shoot(window, 96, 0); });
-    Film("short", "Human", [](frmSnapwedge &window) {
-      Put(window, 20, -20);
-      window.Shots = 1;
-      Shoot(window, 40, 0.1f);
-    });
-    Film("touchdown", "Human", [](frmSnapwedge &window) {
-      Put(window, 20, -76);
-      window.Shots = 1;
-      Shoot(window, 25, 0);
-    });
-    Film("penalty", "Human", [](frmSnapwedge &window) {
-      Put(window, -30, -60);
-      Shoot(window, 39, 0.05f);
-    });
-    Film("fall", "Human", [](frmSnapwedge &window) { Shoot(window, 120, 0); });
-    Film("fall-side", "Human", [](frmSnapwedge &window) {
-      Put(window, -50, 0);
-      Shoot(window, 80, 1.1f);
-    });
-    Film("computer", "Computer", [](frmSnapwedge &window) {
-      window.program.MyTurn = False;
-      window.Player = 2;
-      window.CompShot1();
-      window.CompShot1();
-      window.CompShot1();
-    });
-    Film("kick", "Human", [](frmSnapwedge &window) { Kick(window, 96, 0, 40); });
-    Film("kick-wide", "Human", [](frmSnapwedge &window) { Kick(window, 80, 0.3f, 200); });
-    Film("kick-computer", "Computer", [](frmSnapwedge &window) {
-      window.program.MyTurn = False;
-      window.Player = 2;
-      window.MPAT();
-    });
-  }
-
-private:
-  static constexpr std::size_t LongestTouchdown = 300; ///< frames; the kick is never taken
-
-  static void Put(frmSnapwedge &window, float x, float z) {
-    for (const auto &frame : {window.PieceFrame, window.AimFrame})
-      frame->SetPosition(window.RMCanvas1.SceneFrame, x, 0, z);
-    window.CameraFrame->SetPosition(window.RMCanvas1.SceneFrame, x, 10, z + 35);
-    window.LookCam();
-    window.RMCanvas1.Update();
-  }
-
-  static void Shoot(frmSnapwedge &window, float power, float turn) {
-    window.AimFrame->AddRotation(D3DRMCOMBINE_BEFORE, 0, 1, 0, turn);
-    window.RMCanvas1.Update();
-    window.ReadAim();
-    window.ReadShotPlace();
-    window.Flick(window.FrameX, window.FrameY, window.FrameZ, power, window.X1, window.Y1, window.Z1,
-                 window.X2, window.Y2, window.Z2, window.Player);
-  }
-
-  /// A kick a number of frames after the posts have started.
-  static void Kick(frmSnapwedge &window, float power, float turn, int frames) {
-    window.machine.Randomize();
-    auto poll = window.machine.OnPump([&, frames, power, turn]() mutable {
-      if (!window.KickMode || frames < 0 || frames-- > 0) return;
-      window.AimFrame->AddRotation(D3DRMCOMBINE_BEFORE, 0, 1, 0, turn);
-      window.Force = power;
-      window.GetFmain();
-      window.KickFB(window.KickFrameX, window.KickFrameY, window.KickFrameZ, window.Force, window.KickX1,
-                    window.KickY1, window.KickZ1, window.KickX2, window.KickY2, window.KickZ2);
-    });
-    window.MPAT();
-  }
-
-  void Film(const std::string &name, const char *mode, const std::function<void(frmSnapwedge &)> &play) {
-    HeadlessMachine machine(GameDirectory());
-    Program program(machine);
-    program.GameMode = mode;
-    program.SoundOn = False;
-    frmSnapwedge window(machine, program);
-    window.SetUp();
-    Renderer renderer(Quality::Full);
-    Images all;
-    std::vector<std::size_t> cuts;
-    Vector last;
-    machine.OnDraw = [&](Canvas &) {
-      const Vector camera = window.CameraFrame->World().Origin;
-      if (camera != last) cuts.push_back(all.size());
-      last = camera;
-      renderer.Draw(window.RMCanvas1, CanvasSize);
-      all.emplace_back(std::to_string(all.size()), renderer.Frame().copy());
-      if (window.KickMode && name == "touchdown" && all.size() > LongestTouchdown) throw ProgramEnd{};
-    };
-    try {
-      play(window);
-    } catch (const ProgramEnd &) {
-    }
-    Images chosen;
-    constexpr std::size_t InFilm = 24;
-    const std::size_t step = std::max<std::size_t>(1, (all.size() + InFilm - 1) / InFilm);
-    for (std::size_t i = 0; i < all.size(); ++i) {
-      if (i % step == 0 || i + 1 == all.size() || std::ranges::find(cuts, i) != cuts.end())
-        chosen.push_back(all[i]);
-    }
-    WriteSheet(chosen, 6, directory_ + "/film-" + name + ".png");
-  }
-
-  std::string directory_;
-};
-
 void RenderPictures(const std::string &directory, bool dense) {
   const auto sheet = [&](const std::vector<std::string> &names, int columns, const std::string &file) {
     Images images;
@@ -391,7 +279,6 @@ int main(int argc, char **argv) {
     BuiltGameMachine machine(argc, argv);
     Windows(machine).Render(directory);
     if (denseWindows) return 0;
-    Films(directory).Render();
     Situations situations;
     for (const int density : {1, 2}) situations.Render(directory, density, Quality::Full);
     situations.Render(directory, 1, Quality::Low);

@@ -1,5 +1,5 @@
 // Records shots in the real play window: a strip of frames for each, from the press of the button to the
-// card. The input is timed by frames, so the output is reproducible.
+// card. The input is timed by frames and the computer's errors are seeded, so the output is reproducible.
 //   window_films DIRECTORY
 
 #include "match/frm_snapwedge.h"
@@ -20,6 +20,7 @@ constexpr int InFilm = 12, Columns = 4; ///< frames in a strip, and in a row of 
 constexpr std::size_t Kept = 3;         ///< every third frame is kept
 constexpr int Gap = 4;                  ///< pixels between frames
 constexpr int NoPress = -1;
+constexpr std::uint32_t TouchdownSeed = 0; ///< the computer's shots end in a Touchdown
 
 /// Reports new frames and cards.
 class FilmedMachine : public BuiltGameMachine {
@@ -36,9 +37,13 @@ public:
 
   std::function<void()> OnFrame; ///< the scene has been drawn
   std::function<void()> OnCard;  ///< a card has come up
+  std::uint32_t Seed = 0;        ///< of the computer's next draw
+
+protected:
+  std::uint32_t RandomSeed() override { return Seed++; }
 };
 
-/// A match of two players at one mouse, with scripted input.
+/// A match of two players at one mouse, with scripted input, or against the computer.
 class Match {
 public:
   explicit Match(FilmedMachine &machine) : machine_(machine), program_(machine), window_(machine, program_) {
@@ -73,6 +78,17 @@ public:
     press_ = press;
     release_ = press + frames;
     turn_ = turn;
+  }
+
+  /// Gives the piece to the computer and records its possession, or its kick from a number of frames after
+  /// the start of its point-after.
+  void FilmComputer(int kickFrom = NoPress) {
+    machine_.Seed = TouchdownSeed;
+    press_ = kickFrom;
+    program_.GameMode = "Computer";
+    window_.Reset();
+    Roll(kickFrom != NoPress);
+    while (!program_.MyTurn) window_.Frame("B");
   }
 
   /// Records from the next press to the first card, or to the second for a kick after a Touchdown.
@@ -110,12 +126,13 @@ private:
 
   void HandleFrame() {
     if (rolling_ && frames_++ % Kept == 0) Take();
-    if (!window_.KickMode || window_.NoShot) return;
+    if (!window_.KickMode) return;
     const int now = kickFrames_++;
     if (now == press_) {
+      rolling_ = filmsKick_;
+      if (!program_.MyTurn && program_.GameMode == "Computer") return;
       Aim(turn_);
       machine_.Post(window_, [this] { window_.RMCanvas1_MouseDown(LeftButton, 0, 0, 0); });
-      rolling_ = filmsKick_;
     }
     if (now == release_) machine_.Post(window_, [this] { window_.RMCanvas1_MouseUp(LeftButton, 0, 0, 0); });
   }
@@ -164,6 +181,17 @@ int main(int argc, char **argv) {
       match.Roll(false);
       match.Shoot(12);
     });
+    film("second", [](Match &match) {
+      match.Shoot(12);
+      match.Roll(false);
+      match.Shoot(2);
+    });
+    film("short", [](Match &match) {
+      match.Shoot(12);
+      match.Shoot(2);
+      match.Roll(false);
+      match.Shoot(1);
+    });
     film("touchdown", [&](Match &match) {
       match.KickAt(0, 5);
       touchdown(match, false);
@@ -196,6 +224,9 @@ int main(int argc, char **argv) {
       match.KickAt(20, 12);
       touchdown(match, true);
     });
+    film("computer", [](Match &match) { match.FilmComputer(); });
+    // The computer kicks some 90 frames after the posts have started.
+    film("kick-computer", [](Match &match) { match.FilmComputer(60); });
   } catch (const std::exception &error) {
     std::fprintf(stderr, "window_films: %s\n", error.what());
     return 1;
