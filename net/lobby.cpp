@@ -2,11 +2,11 @@
 
 #include "net/frm_new_net.h"
 
+#include "net/application_guid.h"
 #include "platform/network_times.h"
 
 namespace {
 
-const std::string ApplicationGuid = "{7AB2F242-475F-11D4-AF9B-00C04F361528}";
 constexpr std::int32_t MaxPlayers = 2;
 
 const std::string NetworkTitle = "Error initializing DirectPlay.";

@@ -53,7 +53,7 @@ struct RealTime {
                                             const std::string &host = "") {
     const DialogPlayer player(machine, host);
     DirectPlaySessionData wanted;
-    wanted.SetGuidApplication(GameGuid);
+    wanted.SetGuidApplication(ApplicationGuid);
     const std::int32_t begun = Clock();
     const auto found = program.GetDPEnumSessions(wanted, 0, DPENUMSESSIONS_AVAILABLE);
     took = Clock() - begun;

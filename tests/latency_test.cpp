@@ -77,7 +77,7 @@ TEST(LatencyTest, AReplayBeginsWithinAFrameOfTheShotsArrival) {
   };
   host.fibre.emplace([&] {
     DirectPlaySessionData data;
-    data.SetGuidApplication(kit::GameGuid);
+    data.SetGuidApplication(ApplicationGuid);
     data.SetMaxPlayers(2);
     data.SetRounds(Rounds);
     host.play->Open(data, DPOPEN_CREATE);
@@ -94,7 +94,7 @@ TEST(LatencyTest, AReplayBeginsWithinAFrameOfTheShotsArrival) {
       joiner.game.machine.Press(*button);
     });
     DirectPlaySessionData wanted;
-    wanted.SetGuidApplication(kit::GameGuid);
+    wanted.SetGuidApplication(ApplicationGuid);
     joiner.play->Open(joiner.play->GetDPEnumSessions(wanted, 0, 1)->GetItem(1), DPOPEN_JOIN);
     joiner.Begin(joiner.play->CreatePlayer("Thicket", "Player2", 0, 0), false);
     joiner.game.window.SetUp();

@@ -191,7 +191,7 @@ TEST(LobbyTest, TheCloseBoxEndsTheProgramAlsoWhileItSearchesOrJoins) {
     session::SessionDirectPlay host(lobby.machine, lobby.wire.Plug("10.0.0.2"));
     host.InitializeConnection("internet");
     DirectPlaySessionData data;
-    data.SetGuidApplication(kit::GameGuid);
+    data.SetGuidApplication(ApplicationGuid);
     data.SetSessionName("SNWG77");
     data.SetRounds(3);
     data.SetMaxPlayers(2);

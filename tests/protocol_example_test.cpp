@@ -73,7 +73,7 @@ struct Played {
     game.program.IsHost = True;
     play->InitializeConnection("internet");
     DirectPlaySessionData data;
-    data.SetGuidApplication(kit::GameGuid);
+    data.SetGuidApplication(ApplicationGuid);
     data.SetSessionName("SNWG7");
     data.SetMaxPlayers(2);
     data.SetFlags(DPSESSION_MIGRATEHOST);

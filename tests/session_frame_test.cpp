@@ -13,7 +13,7 @@ using session::Bytes;
 
 namespace {
 
-const session::Guid Game = *session::ParseGuid(kit::GameGuid);
+const session::Guid Game = *session::ParseGuid(ApplicationGuid);
 
 std::string Hex(const Bytes &bytes) {
   constexpr const char *Digits = "0123456789abcdef";
@@ -145,7 +145,7 @@ TEST(SessionFrameTest, NamesAreCutBetweenCharacters) {
 }
 
 TEST(SessionFrameTest, AGuidRoundTripsThroughItsText) {
-  EXPECT_EQ(session::GuidText(Game), kit::GameGuid);
+  EXPECT_EQ(session::GuidText(Game), ApplicationGuid);
   for (const char *none :
        {"", "7AB2F242-475F-11D4-AF9B-00C04F361528", "{7AB2F242-475F-11D4-AF9B-00C04F36152G}",
         "{7AB2F242+475F-11D4-AF9B-00C04F361528}"}) {

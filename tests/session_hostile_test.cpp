@@ -11,7 +11,7 @@ using session::Bytes;
 
 namespace {
 
-const session::Guid Game = *session::ParseGuid(GameGuid);
+const session::Guid Game = *session::ParseGuid(ApplicationGuid);
 
 std::uint64_t IdOf(const DirectPlaySessionData &row) {
   return std::stoull(row.GetAddress().substr(row.GetAddress().rfind(' ') + 1));

@@ -3,6 +3,7 @@
 // Computers on a simulated network, for the tests of the session layer. All run on one headless machine and
 // its clock, each with its own network object.
 
+#include "net/application_guid.h"
 #include "platform/headless/headless_machine.h"
 #include "platform/headless/wire.h"
 #include "platform/search_dialog.h"
@@ -15,7 +16,6 @@
 
 namespace kit {
 
-const std::string GameGuid = "{7AB2F242-475F-11D4-AF9B-00C04F361528}";
 const std::string ThisComputer = "this computer";
 const std::string Internet = "internet";
 
@@ -88,7 +88,7 @@ struct Network {
   /// Searches. The caller must answer the dialog.
   std::vector<DirectPlaySessionData> Found(DirectPlay4 &program) {
     DirectPlaySessionData wanted = program.CreateSessionData();
-    wanted.SetGuidApplication(GameGuid);
+    wanted.SetGuidApplication(ApplicationGuid);
     const auto found = program.GetDPEnumSessions(wanted, 0, DPENUMSESSIONS_AVAILABLE);
     std::vector<DirectPlaySessionData> rows;
     for (std::int32_t i = 1; i <= found->GetCount(); ++i) rows.push_back(found->GetItem(i));
@@ -104,7 +104,7 @@ inline DirectPlaySessionData Description(const std::string &name, std::int16_t r
   DirectPlaySessionData data;
   data.SetMaxPlayers(2);
   data.SetSessionName(name);
-  data.SetGuidApplication(GameGuid);
+  data.SetGuidApplication(ApplicationGuid);
   data.SetFlags(DPSESSION_MIGRATEHOST);
   data.SetRounds(rounds);
   return data;

@@ -45,7 +45,7 @@ TEST(SessionLobbyTest, ASearchTellsAllThatTheLobbyShowsAndIsOverOnTime) {
   EXPECT_EQ(rows[0].GetMaxPlayers(), 2);
   EXPECT_EQ(rows[0].GetRounds(), 7);
   EXPECT_EQ(rows[0].GetFlags(), DPSESSION_MIGRATEHOST);
-  EXPECT_EQ(rows[0].GetGuidApplication(), GameGuid);
+  EXPECT_EQ(rows[0].GetGuidApplication(), ApplicationGuid);
 }
 
 TEST(SessionLobbyTest, TheDialogTakesNamesAndAddressesWithAndWithoutAPort) {

@@ -1,5 +1,6 @@
 #include "tests/fuzz/hostile_bytes.h"
 
+#include "net/application_guid.h"
 #include "platform/headless/wire.h"
 #include "platform/search_dialog.h"
 #include "platform/session/frame.h"
@@ -32,8 +33,7 @@ enum Act : std::uint8_t {
   ActCount,
 };
 
-const std::string GameGuid = "{7AB2F242-475F-11D4-AF9B-00C04F361528}";
-const Guid GameId = *ParseGuid(GameGuid);
+const Guid GameId = *ParseGuid(ApplicationGuid);
 
 /// A match hosted by this computer, with a joiner that follows the protocol until the input breaks it.
 struct Match {
@@ -46,7 +46,7 @@ struct Match {
     game.program.DP = play;
     play->InitializeConnection("internet");
     DirectPlaySessionData data;
-    data.SetGuidApplication(GameGuid);
+    data.SetGuidApplication(ApplicationGuid);
     data.SetMaxPlayers(2);
     data.SetRounds(Rounds);
     play->Open(data, DPOPEN_CREATE);

@@ -4,6 +4,7 @@
 //   compare_delay [MESSAGES OF EACH KIND]
 
 #include "match/frm_snapwedge.h"
+#include "net/application_guid.h"
 #include "platform/network_times.h"
 #include "tools/built_game.h"
 
@@ -94,7 +95,7 @@ public:
 private:
   void Meet() {
     DirectPlaySessionData data;
-    data.SetGuidApplication("{7AB2F242-475F-11D4-AF9B-00C04F361528}");
+    data.SetGuidApplication(ApplicationGuid);
     data.SetMaxPlayers(2);
     data.SetRounds(1);
     const std::string name = "delay " + std::to_string(host_ ? getpid() : getppid());
