@@ -63,10 +63,6 @@ int PlayPossessions(const SkillLevel &skill, std::uint32_t count, std::map<std::
   return points;
 }
 
-TEST(ComputerTest, MediumPlansWithTheErrorsOfTheRules) {
-  EXPECT_EQ(DefaultSkillLevel, (SkillLevel{"Medium", 1, 1}));
-}
-
 TEST(ComputerTest, EveryPossessionEndsAndAHigherLevelScoresMore) {
   constexpr std::uint32_t Possessions = 300;
   int lower = 0;

@@ -76,12 +76,7 @@ TEST(LatencyTest, AReplayBeginsWithinAFrameOfTheShotsArrival) {
     }
   };
   host.fibre.emplace([&] {
-    DirectPlaySessionData data;
-    data.SetGuidApplication(ApplicationGuid);
-    data.SetMaxPlayers(2);
-    data.SetRounds(Rounds);
-    host.play->Open(data, DPOPEN_CREATE);
-    const std::int32_t player = host.play->CreatePlayer("Bramble", "Player1", 0, 0);
+    const std::int32_t player = kit::Host(*host.play, "SNWG1", Rounds);
     host.Begin(player, true);
     while (host.play->GetMessageCount(player) == 0) host.game.machine.WaitUntil(host.game.machine.ClockIn(5));
     host.game.window.SetUp();
@@ -95,8 +90,7 @@ TEST(LatencyTest, AReplayBeginsWithinAFrameOfTheShotsArrival) {
     });
     DirectPlaySessionData wanted;
     wanted.SetGuidApplication(ApplicationGuid);
-    joiner.play->Open(joiner.play->GetDPEnumSessions(wanted, 0, 1)->GetItem(1), DPOPEN_JOIN);
-    joiner.Begin(joiner.play->CreatePlayer("Thicket", "Player2", 0, 0), false);
+    joiner.Begin(kit::Join(*joiner.play, joiner.play->GetDPEnumSessions(wanted, 0, 1)->GetItem(1)), false);
     joiner.game.window.SetUp();
     play(joiner);
   });

@@ -190,13 +190,7 @@ TEST(LobbyTest, TheCloseBoxEndsTheProgramAlsoWhileItSearchesOrJoins) {
     Lobby lobby;
     session::SessionDirectPlay host(lobby.machine, lobby.wire.Plug("10.0.0.2"));
     host.InitializeConnection("internet");
-    DirectPlaySessionData data;
-    data.SetGuidApplication(ApplicationGuid);
-    data.SetSessionName("SNWG77");
-    data.SetRounds(3);
-    data.SetMaxPlayers(2);
-    host.Open(data, DPOPEN_CREATE);
-    host.CreatePlayer("Bramble", "Player1", 0, 0);
+    kit::Host(host, "SNWG77", 3);
     if (joins) {
       lobby.window.cmdConnect_Click();
       ASSERT_EQ(lobby.window.lstSessions.List.size(), 1U);

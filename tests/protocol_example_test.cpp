@@ -72,14 +72,7 @@ struct Played {
     game.program.DP = play;
     game.program.IsHost = True;
     play->InitializeConnection("internet");
-    DirectPlaySessionData data;
-    data.SetGuidApplication(ApplicationGuid);
-    data.SetSessionName("SNWG7");
-    data.SetMaxPlayers(2);
-    data.SetFlags(DPSESSION_MIGRATEHOST);
-    data.SetRounds(3);
-    play->Open(data, DPOPEN_CREATE);
-    game.program.MyPlayerId = play->CreatePlayer("Bramble", "Player1", 0, 0);
+    game.program.MyPlayerId = kit::Host(*play, "SNWG7", 3);
   }
 
   Line &Now() { return lines[done]; }
