@@ -71,7 +71,6 @@ Shadows::Shadows(Gl &gl, int size, int taps) : gl_(gl), size_(size) {
   if (gl_.glCheckFramebufferStatus(GL_FRAMEBUFFER) != GL_FRAMEBUFFER_COMPLETE) {
     throw RendererError("this OpenGL can't draw shadows.");
   }
-  gl_.glClear(GL_DEPTH_BUFFER_BIT);
 }
 
 Shadows::~Shadows() { gl_.glDeleteFramebuffers(1, &buffer_); }
@@ -100,23 +99,14 @@ bool Shadows::Update(std::span<const Item> items, std::span<const Item> grounds)
     }
   }
   if (!changed && regions_ == last) return false;
-  DrawMap(last);
+  DrawMap();
   return true;
 }
 
-/// Redraws only what has changed: clearing the whole map would cost two milliseconds at the full level.
-/// @param last  what the map holds
-void Shadows::DrawMap(std::span<const Region> last) {
+void Shadows::DrawMap() {
   gl_.glBindFramebuffer(GL_FRAMEBUFFER, buffer_);
   gl_.glViewport(0, 0, size_, size_);
-  gl_.glEnable(GL_SCISSOR_TEST);
-  for (const Region &region : last) {
-    const QRect part = InPixels(region.Ground);
-    gl_.glScissor(part.x(), part.y(), part.width(), part.height());
-    gl_.glClear(GL_DEPTH_BUFFER_BIT);
-  }
-  gl_.glDisable(GL_SCISSOR_TEST);
-
+  gl_.glClear(GL_DEPTH_BUFFER_BIT);
   gl_.glEnable(GL_DEPTH_CLAMP); // casters beyond the near plane count too
   gl_.glDepthFunc(GL_LESS);
   toMap_.bind();
@@ -150,12 +140,4 @@ void Shadows::Draw(const QMatrix4x4 &toClip) {
   gl_.glDisable(GL_STENCIL_TEST);
   gl_.glDisable(GL_BLEND);
   gl_.glEnable(GL_DEPTH_TEST);
-}
-
-QRect Shadows::InPixels(const Bounds &ground) const {
-  const Bounds part = ground.Moved(ToMap());
-  return QRectF(part.Low.toPointF() * size_, part.High.toPointF() * size_)
-      .toAlignedRect()
-      .adjusted(-1, -1, 1, 1)
-      .intersected(QRect(0, 0, size_, size_));
 }

@@ -9,7 +9,6 @@
 #include <QOpenGLShaderProgram>
 #include <QOpenGLTexture>
 #include <QOpenGLVertexArrayObject>
-#include <QRect>
 
 #include <span>
 #include <vector>
@@ -41,8 +40,7 @@ private:
     float Halo;         ///< radius of the ambient occlusion around the shadow, scene units
     bool operator==(const Region &) const = default;
   };
-  void DrawMap(std::span<const Region> last);
-  QRect InPixels(const Bounds &ground) const;
+  void DrawMap();
 
   Gl &gl_;
   int size_;
