@@ -357,11 +357,11 @@ void DesktopMachine::MsgBox(const MessageBox &box) {
   shown.setFont(FontOf({.Bold = false}));
   shown.button(QMessageBox::Ok)->setIcon({});
   shown.setTextFormat(Qt::PlainText);
-  // Qt makes a box as wide as its text, whatever the title.
+  // Qt makes a box as wide as its text, whatever the title, which window managers write larger.
   constexpr int TitleButtons = 120; // pixels
+  const int title = shown.fontMetrics().horizontalAdvance(shown.windowTitle()) * 3 / 2;
   auto *grid = qobject_cast<QGridLayout *>(shown.layout());
-  grid->addItem(new QSpacerItem(shown.fontMetrics().horizontalAdvance(shown.windowTitle()) + TitleButtons, 0),
-                grid->rowCount(), 0, 1, grid->columnCount());
+  grid->addItem(new QSpacerItem(title + TitleButtons, 0), grid->rowCount(), 0, 1, grid->columnCount());
   shown.setWindowModality(Qt::ApplicationModal);
   QObject::connect(&shown, &QMessageBox::finished, answer);
   shown.show();
