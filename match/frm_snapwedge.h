@@ -106,7 +106,7 @@ public:
   void HintWritten();                     ///< no message is being written any more
   void HintLeft();                        ///< the other player has left
   void SetHint(const std::string &text);  ///< what the line says while nothing else goes first
-  void ShowHint();                        ///< a broken line goes first, then that a message is being written
+  void ShowHint(); ///< a broken line goes first while this side waits, then that a message is being written
 
   Program &program;
   Machine &machine;

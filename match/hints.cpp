@@ -37,14 +37,19 @@ std::array<Vector, 3> CornersOf(const frmSnapwedge &window) {
   return {PlaceOf(window.CornerA, window), PlaceOf(window.CornerB, window), PlaceOf(window.CornerC, window)};
 }
 
-/// The travel after which a corner may hang over the far edge while the middle is on the table.
+/// The travel after which a corner may hang over the far edge while the middle is on the table, rounded
+/// inward.
 std::string ToHang(const frmSnapwedge &window) {
   const Vector middle = PlaceOf(window.PieceFrame, window);
   float reach = 0; // of a corner from the middle
   for (const Vector &corner : CornersOf(window))
     reach = std::max(reach, std::hypot(corner.x - middle.x, corner.z - middle.z));
+  const auto halfDigit = [](float travel) {
+    return (travel < 10 * UnitsPerYard ? 0.05f : 0.5f) * UnitsPerYard;
+  };
   const float most = ToFarEdge(middle), least = most - reach;
-  return (least > 0 ? InYards(least) + " to " : "up to ") + InYards(most) + " yards";
+  return (least > 0 ? InYards(least + halfDigit(least)) + " to " : "up to ") +
+         InYards(std::max(most - halfDigit(most), 0.0f)) + " yards";
 }
 
 bool JustMissedTheCircle(const frmSnapwedge &window) {
@@ -104,7 +109,7 @@ std::string ShortReason(const frmSnapwedge &window) {
   if (window.ShotPower == 0.0f) return "No power: let go before the meter rose. That was the third try.";
   if (window.OverSide) return "A corner over the side counts for nothing. That was the third try.";
   const auto corners = CornersOf(window);
-  const Vector &nearest = std::ranges::min(corners, {}, &Vector::z);
+  const Vector nearest = std::ranges::min(corners, {}, &Vector::z);
   return "No corner hangs over the far edge: " + InYards(ToFarEdge(nearest)) +
          " yards short on the third try.";
 }
@@ -177,7 +182,7 @@ void frmSnapwedge::HintNoKick() {
 }
 
 void frmSnapwedge::HintResult(std::int16_t MES) {
-  Writing = False; // the card takes the keyboard
+  Writing = False; // the verdict goes first
   switch (MES) {
   case Results::GoodKick:
     SetHint("Between the posts and over the bar: 1 point.");
@@ -204,7 +209,7 @@ void frmSnapwedge::HintResult(std::int16_t MES) {
 }
 
 void frmSnapwedge::HintOtherResult(std::int16_t MES) {
-  Writing = False; // the card takes the keyboard
+  Writing = False; // the verdict goes first
   static const char *const Texts[] = {
       "The other player's kick is good: 1 point.",
       "The other player's kick is no good.",
@@ -238,7 +243,11 @@ void frmSnapwedge::SetHint(const std::string &text) {
   ShowHint();
 }
 
-void frmSnapwedge::ShowHint() { lblHint.Caption = LineIsBroken ? StalledHint : Writing ? WritingHint : Hint; }
+void frmSnapwedge::ShowHint() {
+  // While the line is down, the side on turn can play on.
+  const bool stalled = LineIsBroken && (!program.MyTurn || LastWait);
+  lblHint.Caption = stalled ? StalledHint : Writing ? WritingHint : Hint;
+}
 
 void frmSnapwedge::HintOver() {
   MouseKeys.Visible = false;

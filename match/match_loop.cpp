@@ -95,6 +95,7 @@ void frmSnapwedge::EndMatch() {
   program.PlayOnce(program.SndWis3);
   NoShot = True;
   EndLineWatch();
+  HintWritten();
   HintOver();
   CloseBoards();
   machine.ShowCursor(-1);

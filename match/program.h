@@ -17,6 +17,8 @@ constexpr Flag True = -1;
 
 constexpr Flag Not(Flag flag) { return static_cast<Flag>(~flag); }
 
+constexpr int LongestChat = 200; ///< characters of a line
+
 using SoundBuffer = std::shared_ptr<DirectSoundBuffer>;
 
 struct Program {

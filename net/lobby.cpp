@@ -83,6 +83,7 @@ void frmNewNet::Search() {
 
 void frmNewNet::cmdConnect_Click() {
   lstSessions.List.clear();
+  lstSessions.EmptyText.clear();
   lstSessions.ListIndex = -1;
   cmdConnect.Enabled = false;
   lstConnections.Enabled = false; // the method in use stays the one that is selected
@@ -105,6 +106,7 @@ void frmNewNet::Command4_Click() {
   cmdJoin.Enabled = false;
   cmdCreate.Enabled = false;
   lstSessions.List.clear();
+  lstSessions.EmptyText.clear();
   lstSessions.ListIndex = -1;
   try {
     Search();

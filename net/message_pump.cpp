@@ -167,8 +167,9 @@ void frmSnapwedge::ShowOtherResult(std::int16_t MES) {
   PlayWithCard(program, MES);
   CanIContinue();
   card.Visible = false;
-  SetHint(hint);
+  Hint = hint;
   RMCanvas1.SetFocus();
+  HintWritten();
   Busy = False;
   // Ends the pause that waited for this card. The next shot may already be queued, and it must not begin
   // inside the replay that this result belongs to.

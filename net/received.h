@@ -5,12 +5,9 @@
 
 #include "platform/direct_play.h"
 
-#include <cstddef>
 #include <cstdint>
 #include <optional>
 #include <string>
-
-constexpr std::size_t LongestChat = 200; ///< characters of a line
 
 /// The inputs of a shot.
 struct ReceivedShot {

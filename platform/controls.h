@@ -97,7 +97,7 @@ struct CheckBox : Control {
 struct ListBox : Control {
   std::vector<std::string> List;
   int ListIndex = -1;    ///< selected row from 0, -1 for none
-  std::string EmptyText; ///< shown dimmed while the list has no rows
+  std::string EmptyText; ///< shown while the list has no rows
   std::function<void()> Click;
 };
 
@@ -146,6 +146,7 @@ struct Shape : Control {};
 /// The rectangle in which a scene is drawn. Buttons: 1 left, 2 right. Key codes are those of `KeyCodes`. X
 /// and Y are the pointer's position in logical pixels from the control's corner.
 struct Canvas : Control {
+  std::function<void()> GotFocus; ///< the keyboard came without a press that `MouseDown` reports
   std::function<void(std::int16_t KeyCode, std::int16_t Shift)> KeyDown;
   std::function<void(std::int16_t KeyCode, std::int16_t Shift)> KeyUp;
   std::function<void(std::int16_t Button, std::int16_t Shift, float X, float Y)> MouseDown;

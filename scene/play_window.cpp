@@ -88,6 +88,7 @@ frmSnapwedge::frmSnapwedge(Machine &onMachine, Program &ofProgram)
   RMCanvas1.Name = "RMCanvas1";
   RMCanvas1.AccessibleName = "The table";
   RMCanvas1.Place = {112, 58, 417, 361};
+  RMCanvas1.GotFocus = [this] { HintWritten(); };
   RMCanvas1.KeyDown = [this](std::int16_t key, std::int16_t shift) { RMCanvas1_KeyDown(key, shift); };
   RMCanvas1.KeyUp = [this](std::int16_t key, std::int16_t shift) { RMCanvas1_KeyUp(key, shift); };
   RMCanvas1.MouseDown = [this](std::int16_t button, std::int16_t shift, float x, float y) {

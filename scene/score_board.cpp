@@ -103,7 +103,7 @@ void frmSnapwedge::LightBoards() {
 
 void frmSnapwedge::ShowShots() {
   Label2.Caption = "Shots: " + std::to_string(Shots);
-  // After a kick `Shots` is that of the next possession already.
+  // In the point-after `Shots` is back at 3, but a kick is none of them.
   for (std::size_t i = 0; i < Tries.size(); ++i) Tries[i].Visible = !KickMode && static_cast<int>(i) < Shots;
 }
 
@@ -124,5 +124,6 @@ void frmSnapwedge::CloseBoards() {
   HomeBoard.FlashSteps = AwayBoard.FlashSteps = 0;
   Light(HomeBoard, HomeScore >= AwayScore);
   Light(AwayBoard, AwayScore >= HomeScore);
-  HomeBoard.Line.Visible = AwayBoard.Line.Visible = false; // the lines' colours still tell the turn
+  // The score lines keep the colours of the last turn, which a frame would contradict.
+  HomeBoard.Line.Visible = AwayBoard.Line.Visible = false;
 }

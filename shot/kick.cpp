@@ -12,9 +12,9 @@ namespace {
 
 constexpr float ForwardDivisor = 40.0f; ///< scene units per step = Power / ForwardDivisor
 constexpr float RiseDivisor = 3.0f;     ///< initial rise per half step = forward step / RiseDivisor
+// Loss of rise per step = forward step / DropDivisor / DropStepDivisor.
 constexpr float DropDivisor = 20.0f;
-constexpr float DropStepDivisor =
-    10.0f; ///< loss of rise per step = forward step / DropDivisor / DropStepDivisor
+constexpr float DropStepDivisor = 10.0f;
 constexpr float TumbleDivisor = 7.0f;  ///< radians per step = forward step / TumbleDivisor
 constexpr float HalfGoalWidth = 14.0f; ///< from the middle to either post, scene units
 constexpr float GoalReach = 88.0f;     ///< the posts turn back beyond this, scene units

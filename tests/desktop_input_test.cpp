@@ -123,7 +123,8 @@ TEST(DesktopInputTest, AScreenThatChangesItsSizeTurnsNoAim) {
 
 TEST(DesktopInputTest, NoButtonCountsAcrossALossOfTheKeyboard) {
   CanvasForm form;
-  int presses = 0, releases = 0;
+  int presses = 0, releases = 0, focused = 0;
+  form.canvas.GotFocus = [&] { ++focused; };
   form.canvas.MouseDown = [&](std::int16_t, std::int16_t, float, float) { ++presses; };
   form.canvas.MouseUp = [&](std::int16_t, std::int16_t, float, float) { ++releases; };
   form.window.CapturesPointer = true;
@@ -155,6 +156,7 @@ TEST(DesktopInputTest, NoButtonCountsAcrossALossOfTheKeyboard) {
   QTest::mouseClick(widget, Qt::LeftButton);
   form.machine.Pump();
   EXPECT_EQ(presses + releases, 0) << "the click that activates the window must not shoot";
+  EXPECT_EQ(focused, 1);
 
   ASSERT_TRUE(pumpUntil(held));
   QTest::mousePress(widget, Qt::LeftButton);
@@ -171,6 +173,11 @@ TEST(DesktopInputTest, NoButtonCountsAcrossALossOfTheKeyboard) {
   form.machine.Pump();
   EXPECT_EQ(presses, 2);
   EXPECT_EQ(releases, 1);
+  EXPECT_EQ(focused, 1) << "a press that counts";
+  widget->clearFocus();
+  widget->setFocus(Qt::TabFocusReason);
+  form.machine.Pump();
+  EXPECT_EQ(focused, 2);
   form.machine.Hide(form.window);
   form.machine.ShowCursor(-1);
 }

@@ -57,20 +57,20 @@ TEST(HintsTest, EveryEndOfAFlickHasItsReason) {
          t.game.PutPiece(30, -70, 2);
          t.game.Shoot(3);
        },
-       0, "", "Last try: 1.5 to 4.9 yards can hang a corner over the edge."},
+       0, "", "Last try: 1.6 to 4.8 yards can hang a corner over the edge."},
       {"the third try is next, from where any power will do",
        [](Told &t) {
          t.game.PutPiece(30, -85, 2);
          t.Turn(3.14f);
          t.game.Shoot(1);
        },
-       0, "", "Last try: up to 2.5 yards can hang a corner over the edge."},
+       0, "", "Last try: up to 2.4 yards can hang a corner over the edge."},
       {"on the circle too late",
        [](Told &t) {
          t.game.PutPiece(0, -70, 2);
          t.game.Shoot(3);
        },
-       0, "", "The circle pays on try one only. Last try: 1.5 to 4.9 yards can hang a corner over the edge."},
+       0, "", "The circle pays on try one only. Last try: 1.6 to 4.8 yards can hang a corner over the edge."},
       {"no power", [](Told &t) { t.game.Shoot(0); }, 0, "", noPower + "Two tries are left."},
       {"no power twice",
        [](Told &t) {

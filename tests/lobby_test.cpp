@@ -77,6 +77,7 @@ TEST(LobbyTest, ConnectCreateCancelAndBackAgain) {
     EXPECT_EQ(lobby.window.lstSessions.ListIndex, -1);
     EXPECT_EQ(lobby.window.lstSessions.EmptyText, "No game was found. Refresh looks again.");
     EXPECT_FALSE(lobby.window.lstConnections.Enabled) << "another row isn't the method in use";
+    lobby.machine.After(100, [&] { EXPECT_EQ(lobby.window.lstSessions.EmptyText, "") << "still looking"; });
     lobby.window.Command4_Click();
     EXPECT_EQ(lobby.Buttons(), "Refresh Create Join");
     lobby.machine.After(500, [&] {

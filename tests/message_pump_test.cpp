@@ -240,7 +240,11 @@ TEST(MessagePumpTest, NobodyIsToldToTypeWhenTheKeyboardIsElsewhere) {
   write();
   game.Receive({std::string("RESULT"), std::int32_t{5}});
   game.ReceiveIn(1000, {std::string("Continue")});
+  game.machine.After(500, [&] { game.machine.PressKey(KeyCodes::Tilde); });
   game.Frames(2);
+  EXPECT_EQ(game.window.lblHint.Caption, waits) << "\"~\" was pressed under the card";
+  write();
+  game.window.RMCanvas1.GotFocus();
   EXPECT_EQ(game.window.lblHint.Caption, waits);
 }
 
@@ -377,13 +381,13 @@ TEST(MessagePumpTest, ABrokenLineAndItsReturnAreTold) {
   game.Receive({std::string("RESULT"), std::int32_t{5}}); // during a card too
   game.ReceiveIn(12000, {std::string("Continue")});
   std::vector<std::string> titles;
-  std::set<std::string> hints;
+  std::set<std::string> stalled, going;
   game.machine.After(1000, [&] { game.play->LineDown = true; });
   game.machine.After(3000, [&] { game.play->LineDown = false; });
   for (const std::int32_t moment : {900, 1100, 2900, 3100, 6900, 7100}) {
     game.machine.After(moment, [&] {
       titles.push_back(game.window.Caption);
-      if (game.play->LineDown) hints.insert(game.window.lblHint.Caption);
+      (game.play->LineDown ? stalled : going).insert(game.window.lblHint.Caption);
     });
   }
   game.Frames(1);
@@ -391,8 +395,13 @@ TEST(MessagePumpTest, ABrokenLineAndItsReturnAreTold) {
   const std::string back = "Snapwedge V1.01 - the other computer is back";
   EXPECT_EQ(titles,
             (std::vector<std::string>{"Snapwedge V1.01", waiting, waiting, back, back, "Snapwedge V1.01"}));
-  EXPECT_EQ(hints,
-            std::set<std::string>{"Waiting for the other computer. The match goes on once it answers."});
+  const std::string hint = "Waiting for the other computer. The match goes on once it answers.";
+  EXPECT_EQ(stalled, std::set<std::string>{hint});
+  EXPECT_FALSE(going.contains(hint));
+  game.window.Reset(); // this side's possession has begun
+  game.play->LineDown = true;
+  game.Frames(2);
+  EXPECT_NE(game.window.lblHint.Caption, hint) << "the side on turn can play on";
 }
 
 TEST(MessagePumpTest, TheOtherSidesLeavingEndsTheProgramWithABox) {

@@ -55,8 +55,7 @@ TEST(ScoreBoardTest, AKickIsNoneOfTheAttempts) {
   game.machine.OnRepaint = [&] {
     if (game.window.Card(Results::MissedKick).Visible) atCard.insert(TriesShown(game));
   };
-  game.PutPiece(0, -86.5f, 1);
-  game.Shoot(1);
+  game.ScoreTouchdown();
   EXPECT_EQ(atCard, std::set<int>{0});
   EXPECT_EQ(TriesShown(game), 3) << "the next possession";
 }
@@ -65,7 +64,10 @@ TEST(ScoreBoardTest, AtTheEndTheWinnersBoardIsLitAndNoLine) {
   Game game;
   game.SetUp();
   game.window.AwayScore = 3;
-  game.window.CloseBoards();
+  game.machine.Player = [&] {
+    if (Window *page = game.machine.FindWindow("frmAway")) game.machine.ClickOn(*page);
+  };
+  EXPECT_THROW(game.window.EndMatch(), ProgramEnd);
   EXPECT_TRUE(game.window.AwayBoard.Tile.Visible);
   EXPECT_FALSE(game.window.HomeBoard.Tile.Visible);
   EXPECT_FALSE(game.window.AwayBoard.Line.Visible || game.window.HomeBoard.Line.Visible);

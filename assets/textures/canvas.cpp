@@ -1,4 +1,5 @@
 #include "assets/textures/canvas.h"
+
 #include "assets/smooth_step.h"
 
 #define STB_IMAGE_WRITE_IMPLEMENTATION

@@ -107,10 +107,24 @@ void CanvasView::keyReleaseEvent(QKeyEvent *event) {
   });
 }
 
+void CanvasView::focusInEvent(QFocusEvent *event) {
+  QWidget::focusInEvent(event);
+  if (event->reason() == Qt::TabFocusReason || event->reason() == Qt::BacktabFocusReason) ReportFocus();
+}
+
+void CanvasView::ReportFocus() {
+  machine_.Post(window_, [this] {
+    if (canvas_.GotFocus) canvas_.GotFocus();
+  });
+}
+
 void CanvasView::mousePressEvent(QMouseEvent *event) {
   setFocus();
   // The press that activates the window must not shoot.
-  if (window_.CapturesPointer && !machine_.PointerHeld()) return;
+  if (window_.CapturesPointer && !machine_.PointerHeld()) {
+    ReportFocus();
+    return;
+  }
   pressed_ |= event->button();
   const std::int16_t button = ButtonOf(event->button());
   const QPointF place = event->position();

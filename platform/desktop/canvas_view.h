@@ -21,11 +21,14 @@ protected:
   void paintEvent(QPaintEvent *event) override;
   void keyPressEvent(QKeyEvent *event) override;
   void keyReleaseEvent(QKeyEvent *event) override;
+  void focusInEvent(QFocusEvent *event) override;
   void mousePressEvent(QMouseEvent *event) override;
   void mouseReleaseEvent(QMouseEvent *event) override;
   bool event(QEvent *event) override;
 
 private:
+  void ReportFocus();
+
   DesktopMachine &machine_;
   Window &window_;
   Canvas &canvas_;

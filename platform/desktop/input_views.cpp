@@ -151,7 +151,7 @@ class RowList : public QListWidget {
 public:
   using QListWidget::QListWidget;
 
-  /// Shown dimmed while there are no rows.
+  /// Shown in the middle while there are no rows.
   void SetEmptyText(const QString &text) {
     if (text == emptyText_) return;
     emptyText_ = text;
@@ -177,8 +177,10 @@ protected:
     QListWidget::paintEvent(event);
     if (count() > 0) return;
     QPainter painter(viewport());
-    painter.setPen(palette().color(QPalette::PlaceholderText));
-    painter.drawText(viewport()->rect(), Qt::AlignCenter | Qt::TextWordWrap, emptyText_);
+    painter.setPen(palette().color(QPalette::Text));
+    constexpr int Margin = 3; // pixels
+    painter.drawText(viewport()->rect().adjusted(Margin, Margin, -Margin, -Margin),
+                     Qt::AlignCenter | Qt::TextWordWrap, emptyText_);
   }
 
 private:

@@ -17,7 +17,7 @@ constexpr QSize LargestTexture(512, 512);
 
 constexpr float SmallTarget = 0.19f;    ///< of the frame's height: a larger target has no outline
 constexpr float OutlineWidth = 0.0028f; ///< of the frame's height
-constexpr float OutlineDepth = 2.4e-4f; ///< behind the mesh, of depths from -1 to 1
+constexpr float OutlineDepth = 2.4e-4f; ///< behind the mesh, normalised device depth
 
 float AspectOf(QSize size) { return static_cast<float>(size.width()) / static_cast<float>(size.height()); }
 

@@ -72,8 +72,8 @@ void main() {
 }
 )";
 
-// TEXTURED is defined for faces with a texture. The colour of the fog
-// is a constant, because software OpenGL reads a uniform anew for every pixel.
+// TEXTURED is defined for faces with a texture. The colour of the fog is a constant, because software OpenGL
+// reads a uniform anew for every pixel.
 inline constexpr const char *SurfaceFragmentShader = R"(
 uniform sampler2D surfaceTexture;
 in vec3 shine;
