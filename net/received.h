@@ -34,5 +34,5 @@ std::optional<ReceivedShot> ReadShot(DirectPlayMessage &message);
 std::optional<ReceivedVersion> ReadVersion(DirectPlayMessage &message);
 std::optional<ReceivedScore> ReadScore(DirectPlayMessage &message, std::int16_t roundsBegun);
 std::optional<std::int16_t> ReadResult(DirectPlayMessage &message); ///< 1 to 7
-std::optional<std::string> ReadChat(DirectPlayMessage &message);    ///< plain text, at most `LongestChat`
+std::optional<std::string> ReadChat(DirectPlayMessage &message);    ///< a line of plain text
 bool NothingFollows(DirectPlayMessage &message);                    ///< the tag is the only field

@@ -360,8 +360,8 @@ void DesktopMachine::MsgBox(const MessageBox &box) {
   // Qt makes a box as wide as its text, whatever the title, which window managers write larger.
   constexpr int TitleButtons = 120; // pixels
   const int title = shown.fontMetrics().horizontalAdvance(shown.windowTitle()) * 3 / 2;
-  auto *grid = qobject_cast<QGridLayout *>(shown.layout());
-  grid->addItem(new QSpacerItem(title + TitleButtons, 0), grid->rowCount(), 0, 1, grid->columnCount());
+  if (auto *grid = qobject_cast<QGridLayout *>(shown.layout()))
+    grid->addItem(new QSpacerItem(title + TitleButtons, 0), grid->rowCount(), 0, 1, grid->columnCount());
   shown.setWindowModality(Qt::ApplicationModal);
   QObject::connect(&shown, &QMessageBox::finished, answer);
   shown.show();
